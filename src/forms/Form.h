@@ -72,7 +72,7 @@ class Form : public FormWindow {
 };
 
 /// Shows the platform's error box for an error that nobody caught, and ends the program.
-[[noreturn]] void EndWithErrorBox(WindowSystem& windows, const RuntimeError& error);
+void EndWithErrorBox(WindowSystem& windows, const RuntimeError& error);
 
 /// Runs `procedure`; an error that it does not catch ends the program.
 void RunToTheEnd(WindowSystem& windows, const std::function<void()>& procedure);
