@@ -19,13 +19,18 @@ Form application{"FrmApplication"};
 HWND shown = nullptr;
 int nextId = 100;
 
+/// Properties and control ids are numbers that travel as handles.
+template <class Handle>
+Handle As(INT_PTR number) {
+  return reinterpret_cast<Handle>(number);  // NOLINT(performance-no-int-to-ptr)
+}
+
 void Add(Form& form, const char* name, const char* kind, const char* text, DWORD style, int x,
          int y, int width = 200) {
-  const HWND control =
-      CreateWindowA(kind, text, WS_CHILD | style, x, y, width, 24, form.Window,
-                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(nextId++)), nullptr, nullptr);
-  SetPropA(control, name, reinterpret_cast<HANDLE>(1));
-  SetPropA(control, "Width", reinterpret_cast<HANDLE>(static_cast<INT_PTR>(width * 15)));
+  const HWND control = CreateWindowA(kind, text, WS_CHILD | style, x, y, width, 24, form.Window,
+                                     As<HMENU>(nextId++), nullptr, nullptr);
+  SetPropA(control, name, As<HANDLE>(1));
+  SetPropA(control, "Width", As<HANDLE>(width * 15));
   form.Controls[name] = control;
 }
 
@@ -72,7 +77,7 @@ LRESULT CALLBACK Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     SetWindowTextA(type.Controls["LblMsg"], "through");
   if (message == WM_TIMER) {
     KillTimer(window, 1);
-    SetPropA(application.Controls["ShpProgBar"], "Width", reinterpret_cast<HANDLE>(7325));
+    SetPropA(application.Controls["ShpProgBar"], "Width", As<HANDLE>(7325));
     EnableWindow(application.Controls["CmdNext"], TRUE);
   }
   return DefWindowProcA(window, message, wParam, lParam);
@@ -82,7 +87,7 @@ void Make(Form& form) {
   form.Window = CreateWindowExA(WS_EX_CONTROLPARENT, "page", "Wizard",
                                 WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU, 200, 150, 520, 360,
                                 nullptr, nullptr, nullptr, nullptr);
-  SetPropA(form.Window, form.Name, reinterpret_cast<HANDLE>(1));
+  SetPropA(form.Window, form.Name, As<HANDLE>(1));
   Add(form, "LblMsg", "STATIC", "", WS_VISIBLE, 20, 20);
 }
 

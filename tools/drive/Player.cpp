@@ -112,15 +112,20 @@ void Player::Until(const std::function<std::string()>& attempt) {
   auto quiet = start;  // the last time that no message box stood
   for (;;) {
     const bool attached = setup_.Attached() || setup_.Find();
-    const std::string there = attached ? attempt() : "no page of the wizard is open";
+    const bool ended = setup_.Ended();  // asked first: the attempt sees all that came before
+    std::string there = attached ? attempt() : "no page of the wizard is open";
     if (there.empty()) return;
-    if (setup_.Ended()) {
+    if (ended) {
       throw std::runtime_error("Setup has ended, exit code " + std::to_string(setup_.ExitCode()));
     }
     const std::string messages = OpenMessages(setup_);
     const auto now = Time::now();
-    if (messages.empty()) quiet = now;
-    if (now - quiet >= Patience) throw std::runtime_error(there + "; " + messages);
+    if (messages.empty()) {
+      quiet = now;
+    } else {
+      there += "; " + messages;
+      if (now - quiet >= Patience) throw std::runtime_error(there);
+    }
     if (now - start >= options_.Timeout) {
       throw std::runtime_error(there + " after " + std::to_string(options_.Timeout.count()) + " s");
     }

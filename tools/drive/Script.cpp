@@ -225,7 +225,7 @@ std::string Variables::Get(const std::string& name) {
   if (size == 0) throw ScriptError("${" + name + "}: no such environment variable");
   std::wstring value(size, L'\0');
   value.resize(GetEnvironmentVariableW(wide.c_str(), value.data(), size));
-  const std::string secret = Utf8(value);
+  std::string secret = Utf8(value);
   const std::string quoted = Quoted(secret);
   // It may come up in a message as it is or as Quoted() writes it.
   for (const std::string& form : {secret, quoted.substr(1, quoted.size() - 2)}) {

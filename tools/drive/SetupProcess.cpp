@@ -20,7 +20,8 @@ constexpr DWORD ElevationRequired = 740;
 using Visitor = std::function<void(HWND)>;
 
 BOOL CALLBACK Visit(HWND window, LPARAM visitor) {
-  (*reinterpret_cast<const Visitor*>(visitor))(window);
+  // The pointer comes back as the number that EnumWindows carries it in.
+  (*reinterpret_cast<const Visitor*>(visitor))(window);  // NOLINT(performance-no-int-to-ptr)
   return TRUE;
 }
 
