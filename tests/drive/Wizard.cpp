@@ -71,7 +71,7 @@ LRESULT CALLBACK Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
   if (message == WM_CLOSE) ExitProcess(9);
   if (message == WM_COMMAND && HIWORD(wParam) == EN_CHANGE) Changed();
   if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
-    Clicked(reinterpret_cast<HWND>(lParam));
+    Clicked(As<HWND>(lParam));
   }
   if (message == WM_LBUTTONUP && window == type.Window)
     SetWindowTextA(type.Controls["LblMsg"], "through");
