@@ -41,8 +41,8 @@ class RegistrationLock {
 
 // Sets a value, and makes its key on the way. `name` may be null: the key's default value.
 bool SetText(HKEY root, const std::string& key, const char* name, const std::string& text) {
-  return RegSetKeyValueA(root, key.c_str(), name, REG_SZ, text.c_str(),
-                         static_cast<DWORD>(text.size() + 1)) == ERROR_SUCCESS;
+  const DWORD size = static_cast<DWORD>(text.size()) + 1;
+  return RegSetKeyValueA(root, key.c_str(), name, REG_SZ, text.c_str(), size) == ERROR_SUCCESS;
 }
 
 bool SetTime(HKEY root, const std::string& key, const char* name, const FILETIME& time) {
