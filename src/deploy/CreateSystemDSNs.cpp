@@ -9,10 +9,20 @@ namespace talu {
 namespace {
 
 constexpr int kAddSystemDsn = 4;
-constexpr std::string_view kNul{"\0", 1};
+constexpr char kNul = '\0';
 
 std::string Field(const std::vector<std::string>& fields, std::ptrdiff_t index) {
   return Trim(Element(fields, index));
+}
+
+std::string SqlServerAttributes(const std::vector<std::string>& fields, const std::string& server) {
+  return "DSN=" + Field(fields, 1) + kNul + "SERVER=" + server + kNul +
+         "DATABASE=" + Field(fields, 2);
+}
+
+std::string AccessAttributes(const std::vector<std::string>& fields) {
+  return "DSN=" + Field(fields, 1) + kNul + "DBQ=" + Field(fields, 2) + kNul +
+         "UID=" + Field(fields, 3) + kNul + "PWD=" + Field(fields, 4);
 }
 
 }  // namespace
@@ -51,18 +61,9 @@ void FrmApplication::CreateSystemDSNs() {
     step([&] { sqlServer = Field(fields, 0) == "SQL Server"; });
     if (!sqlServer) step([&] { access = Field(fields, 0) == "Microsoft Access Driver (*.mdb)"; });
     if (sqlServer) {
-      step([&] {
-        attributes = "DSN=" + Field(fields, 1);
-        attributes.append(kNul).append("SERVER=" + wizard_.State.ServerName);
-        attributes.append(kNul).append("DATABASE=" + Field(fields, 2));
-      });
+      step([&] { attributes = SqlServerAttributes(fields, wizard_.State.ServerName); });
     } else if (access) {
-      step([&] {
-        attributes = "DSN=" + Field(fields, 1);
-        attributes.append(kNul).append("DBQ=" + Field(fields, 2));
-        attributes.append(kNul).append("UID=" + Field(fields, 3));
-        attributes.append(kNul).append("PWD=" + Field(fields, 4));
-      });
+      step([&] { attributes = AccessAttributes(fields); });
     }
     step([&] { ok = CreateDSN(Field(fields, 0), attributes); });
     step([&] {
