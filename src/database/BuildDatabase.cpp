@@ -21,7 +21,11 @@ void FrmSQLNonQuery::BuildDatabase() {
   CmdPrev.Enabled = false;
   DBCount = 0;
   LoginCount = 0;
-  LastError.clear();  // of an earlier build
+  // Of an earlier build; what was gathered, the line mode and the lists stay.
+  LastError.clear();
+  ScriptName.clear();
+  KeyFound = false;
+  InBlock = false;
   LblMsg.Caption = "Building Database. Please wait....";
   step([&] { wizard_.WriteErrLog("Building Database Started...."); });
   step([&] { TheConnection().ConnectionString(wizard_.ServerConnectionString()); });

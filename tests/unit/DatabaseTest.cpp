@@ -174,13 +174,15 @@ TEST_F(DatabaseTest, TheConfigurationIsReadTheBuildsOwnWay) {
     const char* what;
     std::string file;
     std::vector<std::string> statements;
+    int missing;  // the brace that closed a block is still a name when the next one opens
   };
   const Case cases[] = {
       {"a blank line before another block",
        "\r\n" + Block("Other", {"b.sql"}) + Block("FreshDBSript", {"a.sql"}),
-       {"B", "A"}},
-      {"a key's beginning, a blank value", Block("Fresh", {"a.sql", "", "b.sql"}), {"A", "B"}},
-      {"lines before the brace", "FreshDBSript\r\nb.sql\r\n{\r\na.sql\r\n}\r\n", {"A"}},
+       {"B", "A"},
+       1},
+      {"a key's beginning, a blank value", Block("Fresh", {"a.sql", "", "b.sql"}), {"A", "B"}, 0},
+      {"lines before the brace", "FreshDBSript\r\nb.sql\r\n{\r\na.sql\r\n}\r\n", {"A"}, 0},
   };
   const std::string folders =
       Block("AppTitle", {"T"}) + Block("AppFolder", {"App"}) + Block("DBFolder", {"Data"});
@@ -189,8 +191,11 @@ TEST_F(DatabaseTest, TheConfigurationIsReadTheBuildsOwnWay) {
     SCOPED_TRACE(test.what);
     Put("AppCfg.txt", folders + test.file);
     const auto before = Statements().size();
+    const auto entries = LogEntries().size();
     BuildAgain();
     EXPECT_EQ(From(Statements(), before), test.statements);
+    EXPECT_EQ(std::ranges::count(From(LogEntries(), entries), "//\r\nFile not found\r\n\r\n"),
+              test.missing);
   }
 }
 
