@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+
+#include "platform/WindowSystem.h"
+#include "platform/win32/Canvas.h"
+
+namespace talu {
+
+/// The pages' colours. Every text colour keeps a contrast of at least 4.5 to 1 (disabled text: 3 to
+/// 1) to the page's card, even where the picture below it is black.
+namespace colour {
+inline constexpr Colour Page = 0xE8ECF1;
+inline constexpr Colour Card = 0xFFFFFF;
+inline constexpr Colour CardEdge = 0xC9D1DA;
+inline constexpr Colour Text = 0x1F2933;
+inline constexpr Colour Title = 0x14324F;
+inline constexpr Colour Note = 0x555C64;
+inline constexpr Colour Disabled = 0x737A82;
+inline constexpr Colour Accent = 0x1F6AA5;
+inline constexpr Colour AccentHot = 0x2A7ABA;
+inline constexpr Colour AccentDown = 0x17527F;
+inline constexpr Colour OnAccent = 0xFFFFFF;
+inline constexpr Colour Face = 0xFDFDFE;
+inline constexpr Colour FaceHot = 0xF0F6FB;
+inline constexpr Colour FaceDown = 0xDCE9F4;
+inline constexpr Colour FaceDisabled = 0xEDEFF2;
+inline constexpr Colour Edge = 0x8A95A1;
+inline constexpr Colour EdgeDisabled = 0xC4CAD1;
+inline constexpr Colour Track = 0xC3CCD6;
+}  // namespace colour
+
+COLORREF ToColorref(Colour colour);
+
+/// The opacity of the card that lies over the picture and under the texts.
+inline constexpr double CardOpacity = 0.86;
+/// Its distance from the edges of the client area, in twips.
+inline constexpr int CardInset = 240;
+
+/// Sizes on this display, and the fonts.
+class Appearance {
+ public:
+  Appearance();
+  ~Appearance();
+  Appearance(const Appearance&) = delete;
+  Appearance& operator=(const Appearance&) = delete;
+
+  /// Twips to pixels, rounded to the nearest.
+  int Pixels(int twips) const;
+  /// A length given in pixels at 96 dots an inch, at least 1.
+  int Scaled(int pixels) const;
+  HFONT Font(TextStyle style) const { return fonts_[static_cast<std::size_t>(style)]; }
+
+ private:
+  int dpi_;
+  std::array<HFONT, 5> fonts_{};
+};
+
+}  // namespace talu

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "platform/WindowSystem.h"
+#include "platform/win32/Canvas.h"
+#include "platform/win32/Windows.h"
+
+namespace talu {
+
+class FormFrame;
+
+/// The child window of one control: one of Windows' own classes, so that assistive software knows
+/// it, that paints itself in the pages' look.
+class ControlWindow {
+ public:
+  virtual ~ControlWindow();
+  ControlWindow(const ControlWindow&) = delete;
+  ControlWindow& operator=(const ControlWindow&) = delete;
+
+  HWND Window() const { return window_; }
+  std::size_t Index() const { return index_; }
+  const ControlView& View() const;
+  /// The control's place in the client area of the page, in pixels.
+  RECT Area() const;
+  /// The operator can do something with it now.
+  bool IsUsable() const { return View().Enabled && View().Visible; }
+
+  /// A property has a new value. What changes thousands of times a second (captions of labels,
+  /// widths) is only noted; `BringUpToDate` shows it.
+  virtual void Update(Property changed);
+  virtual void BringUpToDate();
+  /// The whole text for a tool tip, empty for none.
+  virtual std::string TipText() const { return View().ToolTipText; }
+  /// What the class tells its parent (`BN_CLICKED`, `EN_CHANGE`...).
+  virtual void OnNotification(int) {}
+
+ protected:
+  ControlWindow(FormFrame& frame, std::size_t index, const char* windowClass, DWORD style);
+
+  virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  /// Draws the control on a canvas as large as its client area, which shows the page's backdrop.
+  virtual void Draw(Canvas& canvas) = 0;
+
+  LRESULT ClassDefault(UINT message, WPARAM wParam, LPARAM lParam);
+  /// Lets the class handle a message without drawing anything itself, then repaints.
+  LRESULT ClassDefaultUnseen(UINT message, WPARAM wParam, LPARAM lParam);
+  void Repaint();
+  /// Asks for `BringUpToDate` before the next painting.
+  void MarkStale();
+  bool IsStale() const { return stale_; }
+
+  FormFrame& frame_;
+
+ private:
+  static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                  UINT_PTR id, DWORD_PTR control);
+  void Paint(HDC given);
+  void ApplyWidth();
+
+  std::size_t index_;
+  HWND window_ = nullptr;
+  bool stale_ = false;
+  int shownWidth_ = -1;
+};
+
+}  // namespace talu

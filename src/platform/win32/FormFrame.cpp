@@ -1,0 +1,302 @@
+#include "platform/win32/FormFrame.h"
+
+#include <utility>
+
+#include "platform/win32/Backdrop.h"
+#include "platform/win32/ButtonWindow.h"
+#include "platform/win32/LabelWindow.h"
+#include "platform/win32/ShapeWindow.h"
+#include "platform/win32/TextBoxWindow.h"
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+namespace {
+
+constexpr DWORD frameStyle =
+    WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN;
+constexpr const char* frameClass = "TaLuForm";
+
+void RegisterFrameClass(WNDPROC receive) {
+  static bool done = false;
+  if (std::exchange(done, true)) return;
+  INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
+  InitCommonControlsEx(&controls);
+  WNDCLASSEXA frame = {};
+  frame.cbSize = sizeof frame;
+  frame.lpfnWndProc = receive;
+  frame.hInstance = GetModuleHandleA(nullptr);
+  frame.hIcon = LoadIconA(frame.hInstance, MAKEINTRESOURCEA(1));
+  frame.hCursor = LoadCursorA(nullptr, IDC_ARROW);
+  frame.lpszClassName = frameClass;
+  RegisterClassExA(&frame);
+}
+
+}  // namespace
+
+FormFrame::FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& watch)
+    : form_(form),
+      look_(look),
+      watch_(watch),
+      enabledBrush_(CreateSolidBrush(ToColorref(colour::Card))),
+      disabledBrush_(CreateSolidBrush(ToColorref(colour::FaceDisabled))) {
+  RegisterFrameClass(Receive);
+  RECT size = {0, 0, look.Pixels(form.WindowWidth()), look.Pixels(form.WindowHeight())};
+  AdjustWindowRectEx(&size, frameStyle, FALSE, 0);
+  window_ = CreateWindowExA(0, frameClass, form.WindowCaption().c_str(), frameStyle, 0, 0,
+                            size.right - size.left, size.bottom - size.top, nullptr, nullptr,
+                            GetModuleHandleA(nullptr), this);
+  if (window_ == nullptr) throw RuntimeError(error::OutOfMemory);
+  SetPropA(window_, form.WindowName().c_str(), reinterpret_cast<HANDLE>(1));
+  MakeControls();
+  OrderControls();
+  MakeToolTips();
+  PlaceOptionStop();
+}
+
+FormFrame::~FormFrame() {
+  controls_.clear();
+  SetWindowLongPtrA(window_, GWLP_USERDATA, 0);
+  DestroyWindow(window_);
+  DeleteObject(enabledBrush_);
+  DeleteObject(disabledBrush_);
+}
+
+void FormFrame::MakeControls() {
+  for (std::size_t i = 0; i < form_.ControlCount(); ++i) {
+    switch (form_.ControlAt(i).Kind) {
+      case ControlKind::Label:
+        controls_.push_back(std::make_unique<LabelWindow>(*this, i));
+        break;
+      case ControlKind::TextBox:
+        controls_.push_back(std::make_unique<TextBoxWindow>(*this, i));
+        break;
+      case ControlKind::Image:
+        controls_.push_back(std::make_unique<ImageWindow>(*this, i));
+        break;
+      case ControlKind::Shape: {
+        auto shape = std::make_unique<ShapeWindow>(*this, i);
+        shapes_.push_back(shape.get());
+        controls_.push_back(std::move(shape));
+        break;
+      }
+      default:
+        controls_.push_back(std::make_unique<ButtonWindow>(*this, i));
+        break;
+    }
+  }
+}
+
+void FormFrame::OrderControls() {
+  constexpr UINT orderOnly = SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOREDRAW;
+  for (std::size_t i = controls_.size(); i-- > 0;) {
+    const ControlView& view = controls_[i]->View();
+    if (view.Kind == ControlKind::Image || view.Kind == ControlKind::Shape) {
+      SetWindowPos(controls_[i]->Window(), HWND_BOTTOM, 0, 0, 0, 0, orderOnly);
+    }
+  }
+  for (const auto& control : controls_) {
+    const ControlView& view = control->View();
+    if (view.Kind != ControlKind::TextBox || view.LabelledBy.empty()) continue;
+    for (const auto& label : controls_) {
+      if (label->View().Name != view.LabelledBy) continue;
+      const HWND former = GetWindow(control->Window(), GW_HWNDPREV);
+      if (former == label->Window()) continue;
+      SetWindowPos(label->Window(), former != nullptr ? former : HWND_TOP, 0, 0, 0, 0, orderOnly);
+    }
+  }
+}
+
+void FormFrame::Show(const WINDOWPLACEMENT* place) {
+  BringUpToDate();
+  UpdateSelf(Property::Caption);
+  RECT window;
+  GetWindowRect(window_, &window);
+  const int width = window.right - window.left;
+  const int height = window.bottom - window.top;
+  int command = SW_SHOWNORMAL;
+  if (place != nullptr) {
+    WINDOWPLACEMENT here = *place;
+    here.rcNormalPosition.right = here.rcNormalPosition.left + width;
+    here.rcNormalPosition.bottom = here.rcNormalPosition.top + height;
+    // The page of an operator who has put the wizard away does not jump at him.
+    if (place->showCmd == SW_SHOWMINIMIZED) command = SW_SHOWMINNOACTIVE;
+    here.showCmd = SW_HIDE;
+    SetWindowPlacement(window_, &here);
+  } else {
+    RECT work;
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    const int left = std::max(work.left, work.left + (work.right - work.left - width) / 2);
+    const int top = std::max(work.top, work.top + (work.bottom - work.top - height) / 2);
+    SetWindowPos(window_, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+  ShowWindow(window_, command);
+  RescueFocus();
+  RedrawWindow(window_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+}
+
+WINDOWPLACEMENT FormFrame::Placement() const {
+  WINDOWPLACEMENT place = {};
+  place.length = sizeof place;
+  GetWindowPlacement(window_, &place);
+  return place;
+}
+
+void FormFrame::Hide() {
+  ShowWindow(window_, SW_HIDE);
+  DropBackdrop();
+}
+
+void FormFrame::Update(std::size_t index, Property changed) {
+  controls_[index]->Update(changed);
+  const bool option = controls_[index]->View().Kind == ControlKind::OptionButton;
+  if (option && changed != Property::Caption) PlaceOptionStop();
+}
+
+void FormFrame::UpdateSelf(Property changed) {
+  if (changed == Property::Caption) {
+    SetWindowTextA(window_, form_.WindowCaption().c_str());
+  } else if (changed == Property::MousePointer && IsShown()) {
+    POINT pointer;
+    GetCursorPos(&pointer);
+    const HWND under = WindowFromPoint(pointer);
+    if (under != nullptr && GetAncestor(under, GA_ROOT) == window_) {
+      SendMessageA(window_, WM_SETCURSOR, reinterpret_cast<WPARAM>(under),
+                   MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+    }
+  }
+}
+
+void FormFrame::BringUpToDate() {
+  while (!stale_.empty()) {
+    ControlWindow* control = stale_.back();
+    stale_.pop_back();
+    control->BringUpToDate();
+  }
+}
+
+const Canvas& FormFrame::Backdrop() {
+  if (!backdrop_) {
+    const PictureFile* picture = nullptr;
+    for (const auto& control : controls_) {
+      const ControlView& view = control->View();
+      if (view.Kind == ControlKind::Image && view.Visible) {
+        picture = static_cast<const PictureFile*>(view.Picture.get());
+      }
+    }
+    backdrop_ = MakeBackdrop(look_.Pixels(form_.WindowWidth()), look_.Pixels(form_.WindowHeight()),
+                             picture, look_);
+  }
+  return *backdrop_;
+}
+
+void FormFrame::DropBackdrop() {
+  backdrop_.reset();
+  if (IsShown()) RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
+}
+
+void FormFrame::DrawShapes(Canvas& canvas, int left, int top) const {
+  for (const ShapeWindow* shape : shapes_) {
+    if (shape->View().Visible) shape->DrawAt(canvas, left, top);
+  }
+}
+
+LRESULT CALLBACK FormFrame::Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NCCREATE) {
+    auto* frame = static_cast<FormFrame*>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams);
+    frame->window_ = window;
+    SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(frame));
+  }
+  auto* frame = reinterpret_cast<FormFrame*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+  if (frame == nullptr) return DefWindowProcA(window, message, wParam, lParam);
+  return frame->OnMessage(message, wParam, lParam);
+}
+
+LRESULT FormFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_COMMAND:
+      return OnCommand(wParam);
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORSTATIC:
+      return reinterpret_cast<LRESULT>(
+          TextBoxBrush(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam)));
+    case WM_ERASEBKGND: {
+      const Canvas& backdrop = Backdrop();
+      backdrop.CopyTo(reinterpret_cast<HDC>(wParam), {0, 0, backdrop.Width(), backdrop.Height()}, 0,
+                      0);
+      return TRUE;
+    }
+    case WM_SETCURSOR:
+      if (LOWORD(lParam) != HTCLIENT) break;
+      if (form_.WindowPointer() == 11) {
+        SetCursor(LoadCursorA(nullptr, IDC_WAIT));
+        return TRUE;
+      }
+      break;
+    case WM_NOTIFY:
+      if (reinterpret_cast<NMHDR*>(lParam)->code == TTN_GETDISPINFOA) FillToolTip(lParam);
+      return 0;
+    case WM_ACTIVATE:
+      return OnActivate(LOWORD(wParam) != WA_INACTIVE);
+    case WM_SETFOCUS:
+      RescueFocus();
+      return 0;
+    case WM_NEXTDLGCTL:
+      MoveFocus(LOWORD(lParam) != 0 ? reinterpret_cast<HWND>(wParam)
+                                    : GetNextDlgTabItem(window_, GetFocus(), wParam != 0));
+      return 0;
+    case WM_CLOSE:
+      Close();
+      return 0;
+    case WM_QUERYENDSESSION:
+      Close();
+      return TRUE;
+    default:
+      break;
+  }
+  return DefWindowProcA(window_, message, wParam, lParam);
+}
+
+LRESULT FormFrame::OnCommand(WPARAM wParam) {
+  const std::size_t index = LOWORD(wParam) - FirstControlId;
+  if (LOWORD(wParam) >= FirstControlId && index < controls_.size()) {
+    controls_[index]->OnNotification(HIWORD(wParam));
+  }
+  return 0;
+}
+
+HBRUSH FormFrame::TextBoxBrush(HDC dc, HWND control) const {
+  const bool enabled = IsWindowEnabled(control) != FALSE;
+  SetTextColor(dc, ToColorref(enabled ? colour::Text : colour::Disabled));
+  SetBkColor(dc, ToColorref(enabled ? colour::Card : colour::FaceDisabled));
+  return enabled ? enabledBrush_ : disabledBrush_;
+}
+
+void FormFrame::MakeToolTips() {
+  toolTips_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                              WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_, nullptr,
+                              GetModuleHandleA(nullptr), nullptr);
+  SendMessageA(toolTips_, WM_SETFONT, reinterpret_cast<WPARAM>(look_.Font(TextStyle::Body)), FALSE);
+  SendMessageA(toolTips_, TTM_SETMAXTIPWIDTH, 0, look_.Pixels(form_.WindowWidth()));
+  SendMessageA(toolTips_, TTM_SETDELAYTIME, TTDT_AUTOPOP, MAKELPARAM(30000, 0));
+  for (const auto& control : controls_) {
+    TOOLINFOA tool = {};
+    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = window_;
+    tool.uId = reinterpret_cast<UINT_PTR>(control->Window());
+    tool.lpszText = LPSTR_TEXTCALLBACKA;
+    SendMessageA(toolTips_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+  }
+}
+
+void FormFrame::FillToolTip(LPARAM info) {
+  auto* wanted = reinterpret_cast<NMTTDISPINFOA*>(info);
+  for (const auto& control : controls_) {
+    if (reinterpret_cast<UINT_PTR>(control->Window()) == wanted->hdr.idFrom) {
+      tip_ = control->TipText();
+    }
+  }
+  wanted->lpszText = tip_.data();
+}
+
+}  // namespace talu

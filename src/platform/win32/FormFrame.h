@@ -1,0 +1,110 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/WindowSystem.h"
+#include "platform/win32/Appearance.h"
+#include "platform/win32/ControlWindow.h"
+#include "platform/win32/Windows.h"
+
+namespace talu {
+
+class ShapeWindow;
+
+/// Is told when a handler of the form begins and ends.
+class HandlerWatch {
+ public:
+  virtual ~HandlerWatch() = default;
+  virtual void HandlerBegins() = 0;
+  virtual void HandlerEnds() = 0;
+};
+
+/// The top-level window of one form and the windows of its controls.
+class FormFrame {
+ public:
+  /// Window identifier of the control at index 0; the others follow.
+  static constexpr std::size_t FirstControlId = 100;
+
+  /// Makes the windows, still hidden. Raises 7 when Windows gives none.
+  FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& watch);
+  ~FormFrame();
+  FormFrame(const FormFrame&) = delete;
+  FormFrame& operator=(const FormFrame&) = delete;
+
+  HWND Window() const { return window_; }
+  FormWindow& Form() const { return form_; }
+  const Appearance& Look() const { return look_; }
+
+  /// Puts the window to `place` (centres it on the work area when that is nullptr) and shows it.
+  void Show(const WINDOWPLACEMENT* place);
+  WINDOWPLACEMENT Placement() const;
+  /// Hides the window; frees what only a visible one needs.
+  void Hide();
+  bool IsShown() const { return IsWindowVisible(window_) != FALSE; }
+
+  void Update(std::size_t index, Property changed);
+  void UpdateSelf(Property changed);
+  /// Shows what has changed since the last time; painting itself is left to Windows.
+  void BringUpToDate();
+  bool IsStale() const { return !stale_.empty(); }
+  void AddStale(ControlWindow& control) { stale_.push_back(&control); }
+
+  /// Enter and the mnemonics of labels. Returns whether it handled the message.
+  bool HandleKey(const MSG& message);
+  /// Moves the focus on from a control that can no longer have it.
+  void RescueFocus();
+
+  /// What stands behind the controls, as large as the client area.
+  const Canvas& Backdrop();
+  void DropBackdrop();
+  /// Draws the shapes, in order, on a canvas whose corner is at (`left`, `top`) of the page.
+  void DrawShapes(Canvas& canvas, int left, int top) const;
+
+  // What the operator does to a control.
+  void Click(std::size_t index);
+  void Type(std::size_t index, const std::string& text);
+  void Focus(std::size_t index);
+  void Hover(std::size_t index);
+  /// Selects the next or former option button, as the arrow keys do.
+  void MoveToOption(std::size_t index, bool back);
+  /// A click on a label is a click on the control that it labels.
+  void OnLabelClick(const std::string& label);
+  void OnLabelText(const std::string& label);
+  const ControlView* FindControl(const std::string& name) const;
+
+ private:
+  static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT OnCommand(WPARAM wParam);
+  LRESULT OnActivate(bool active);
+  void Close();
+  void MakeControls();
+  /// Shapes and pictures are drawn first to last below everything else; a text box comes right
+  /// behind its label, where assistive software looks for its name.
+  void OrderControls();
+  void MakeToolTips();
+  void FillToolTip(LPARAM info);
+  void MoveFocus(HWND control);
+  /// The option buttons are one stop of the tab key: the selected one, or the first.
+  void PlaceOptionStop();
+  HBRUSH TextBoxBrush(HDC dc, HWND control) const;
+
+  FormWindow& form_;
+  const Appearance& look_;
+  HandlerWatch& watch_;
+  HWND window_ = nullptr;
+  HWND toolTips_ = nullptr;
+  HWND lastFocus_ = nullptr;
+  std::string tip_;
+  HBRUSH enabledBrush_;
+  HBRUSH disabledBrush_;
+  std::vector<std::unique_ptr<ControlWindow>> controls_;
+  std::vector<const ShapeWindow*> shapes_;
+  std::vector<ControlWindow*> stale_;
+  std::unique_ptr<Canvas> backdrop_;
+};
+
+}  // namespace talu

@@ -1,0 +1,187 @@
+// What the operator does to a form: keys, focus, clicks.
+
+#include <cctype>
+
+#include "platform/win32/FormFrame.h"
+#include "platform/win32/Text.h"
+
+namespace talu {
+namespace {
+
+/// The character behind the first single "&", in lower case; 0 when there is none.
+char MnemonicOf(const std::string& text) {
+  for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+    if (text[i] != '&') continue;
+    ++i;
+    if (text[i] != '&') return static_cast<char>(std::tolower(static_cast<unsigned char>(text[i])));
+  }
+  return 0;
+}
+
+bool IsOption(const ControlWindow& control) {
+  return control.View().Kind == ControlKind::OptionButton;
+}
+
+}  // namespace
+
+bool FormFrame::HandleKey(const MSG& message) {
+  if (message.message == WM_KEYDOWN && message.wParam == VK_RETURN) {
+    for (std::size_t i = 0; i < controls_.size(); ++i) {
+      if (!controls_[i]->View().Default || !controls_[i]->IsUsable()) continue;
+      Click(i);
+      break;
+    }
+    return true;
+  }
+
+  const HWND focus = GetFocus();
+  const bool typing =
+      focus != nullptr && (SendMessageA(focus, WM_GETDLGCODE, 0, 0) & DLGC_WANTCHARS) != 0;
+  if (message.message != WM_SYSCHAR && (message.message != WM_CHAR || typing)) return false;
+  const char key = static_cast<char>(std::tolower(static_cast<unsigned char>(message.wParam)));
+  for (std::size_t i = 0; i < controls_.size(); ++i) {
+    const ControlView& label = controls_[i]->View();
+    if (label.Kind != ControlKind::Label || !label.Mnemonic || !controls_[i]->IsUsable() ||
+        MnemonicOf(label.Text) != key) {
+      continue;
+    }
+    for (const auto& control : controls_) {
+      if (control->View().LabelledBy == label.Name) {
+        OnLabelClick(label.Name);
+        return true;
+      }
+    }
+    for (std::size_t next = i + 1; next < controls_.size(); ++next) {
+      const HWND window = controls_[next]->Window();
+      if (!controls_[next]->IsUsable() || (GetWindowLongA(window, GWL_STYLE) & WS_TABSTOP) == 0) {
+        continue;
+      }
+      MoveFocus(window);
+      return true;
+    }
+  }
+  return false;
+}
+
+void FormFrame::MoveFocus(HWND control) {
+  if (control == nullptr || control == window_) return;
+  SetFocus(control);
+  if ((SendMessageA(control, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) != 0) {
+    SendMessageA(control, EM_SETSEL, 0, -1);
+  }
+}
+
+void FormFrame::RescueFocus() {
+  if (!IsShown() || GetActiveWindow() != window_ || IsIconic(window_)) return;
+  const auto canHave = [this](HWND control) {
+    return control != nullptr && IsChild(window_, control) && IsWindowVisible(control) &&
+           IsWindowEnabled(control);
+  };
+  const HWND focus = GetFocus();
+  if (canHave(focus)) return;
+  if (focus == window_ && canHave(lastFocus_)) {
+    SetFocus(lastFocus_);
+    return;
+  }
+  const HWND from = focus != nullptr && IsChild(window_, focus) ? focus : nullptr;
+  const HWND next = GetNextDlgTabItem(window_, from, FALSE);
+  if (canHave(next)) {
+    MoveFocus(next);
+  } else if (focus != window_) {
+    SetFocus(window_);
+  }
+}
+
+LRESULT FormFrame::OnActivate(bool active) {
+  if (!active) {
+    lastFocus_ = GetFocus();
+  } else if (!IsIconic(window_)) {
+    SetFocus(window_);
+  }
+  return 0;
+}
+
+void FormFrame::PlaceOptionStop() {
+  ControlWindow* stop = nullptr;
+  for (const auto& control : controls_) {
+    if (!IsOption(*control) || !control->IsUsable()) continue;
+    if (stop == nullptr || (control->View().Value && !stop->View().Value)) stop = control.get();
+  }
+  for (const auto& control : controls_) {
+    if (!IsOption(*control)) continue;
+    const LONG style = GetWindowLongA(control->Window(), GWL_STYLE);
+    const LONG wanted =
+        control.get() == stop ? style | LONG{WS_TABSTOP} : style & ~LONG{WS_TABSTOP};
+    if (wanted != style) SetWindowLongA(control->Window(), GWL_STYLE, wanted);
+  }
+}
+
+void FormFrame::MoveToOption(std::size_t index, bool back) {
+  const std::size_t count = controls_.size();
+  for (std::size_t step = 1; step < count; ++step) {
+    const std::size_t next = (index + (back ? count - step : step)) % count;
+    if (!IsOption(*controls_[next]) || !controls_[next]->IsUsable()) continue;
+    SetFocus(controls_[next]->Window());
+    Click(next);
+    return;
+  }
+}
+
+void FormFrame::OnLabelClick(const std::string& label) {
+  for (std::size_t i = 0; i < controls_.size(); ++i) {
+    const ControlView& view = controls_[i]->View();
+    if (view.LabelledBy != label || !controls_[i]->IsUsable()) continue;
+    MoveFocus(controls_[i]->Window());
+    if (view.Kind == ControlKind::OptionButton || view.Kind == ControlKind::CheckBox) Click(i);
+    return;
+  }
+}
+
+void FormFrame::OnLabelText(const std::string& label) {
+  for (const auto& control : controls_) {
+    const ControlView& view = control->View();
+    if (view.LabelledBy == label && view.Kind != ControlKind::TextBox) {
+      control->Update(Property::Caption);
+    }
+  }
+}
+
+const ControlView* FormFrame::FindControl(const std::string& name) const {
+  if (name.empty()) return nullptr;
+  for (std::size_t i = 0; i < form_.ControlCount(); ++i) {
+    if (form_.ControlAt(i).Name == name) return &form_.ControlAt(i);
+  }
+  return nullptr;
+}
+
+void FormFrame::Click(std::size_t index) {
+  watch_.HandlerBegins();
+  form_.OperatorClicked(index);
+  watch_.HandlerEnds();
+}
+
+void FormFrame::Type(std::size_t index, const std::string& text) {
+  watch_.HandlerBegins();
+  form_.OperatorTyped(index, text);
+  watch_.HandlerEnds();
+}
+
+void FormFrame::Focus(std::size_t index) {
+  watch_.HandlerBegins();
+  form_.OperatorFocused(index);
+  watch_.HandlerEnds();
+}
+
+void FormFrame::Hover(std::size_t index) {
+  watch_.HandlerBegins();
+  form_.OperatorHovered(index);
+  watch_.HandlerEnds();
+}
+
+void FormFrame::Close() {
+  watch_.HandlerBegins();
+  form_.OperatorClosed();
+  watch_.HandlerEnds();
+}
+
+}  // namespace talu

@@ -1,0 +1,206 @@
+#include "platform/win32/LabelWindow.h"
+
+#include <algorithm>
+
+#include "platform/win32/FormFrame.h"
+#include "platform/win32/Text.h"
+
+namespace talu {
+namespace {
+
+Colour TextColour(const ControlView& view) {
+  if (!view.Enabled) return colour::Disabled;
+  switch (view.Style) {
+    case TextStyle::Title:
+      return colour::Title;
+    case TextStyle::Note:
+      return colour::Note;
+    default:
+      return colour::Text;
+  }
+}
+
+int ClientWidth(HWND window) {
+  RECT client;
+  GetClientRect(window, &client);
+  return client.right;
+}
+
+int ClientHeight(HWND window) {
+  RECT client;
+  GetClientRect(window, &client);
+  return client.bottom;
+}
+
+/// A device context with the window's font, for measuring.
+class MeasuringDc {
+ public:
+  MeasuringDc(HWND window, HFONT font)
+      : window_(window), dc_(GetDC(window)), former_(SelectObject(dc_, font)) {}
+  ~MeasuringDc() {
+    SelectObject(dc_, former_);
+    ReleaseDC(window_, dc_);
+  }
+  MeasuringDc(const MeasuringDc&) = delete;
+  MeasuringDc& operator=(const MeasuringDc&) = delete;
+  operator HDC() const { return dc_; }
+
+ private:
+  HWND window_;
+  HDC dc_;
+  HGDIOBJ former_;
+};
+
+}  // namespace
+
+LabelWindow::LabelWindow(FormFrame& frame, std::size_t index)
+    : ControlWindow(frame, index, "STATIC", SS_LEFT | SS_NOPREFIX) {
+  BringUpToDate();
+}
+
+void LabelWindow::BringUpToDate() {
+  ControlWindow::BringUpToDate();
+  // Past the class, which would draw the text at once.
+  DefWindowProcA(Window(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(View().Text.c_str()));
+  frame_.OnLabelText(View().Name);
+  if (View().Scrolls) FitScrollBar();
+  Repaint();
+}
+
+TextLayout LabelWindow::LayOutText(HDC dc, int width) const {
+  return LayOut(dc, Wide(View().Text), width, View().Mnemonic);
+}
+
+std::string LabelWindow::TipText() const {
+  if (!View().ToolTipText.empty() || View().Scrolls) return View().ToolTipText;
+  const MeasuringDc dc(Window(), frame_.Look().Font(View().Style));
+  const int width = ClientWidth(Window());
+  TextLayout layout = LayOutText(dc, width);
+  return CutToFit(dc, layout, width, ClientHeight(Window())) ? View().Text : "";
+}
+
+void LabelWindow::Draw(Canvas& canvas) {
+  const HDC dc = canvas.Dc();
+  const HGDIOBJ former = SelectObject(dc, frame_.Look().Font(View().Style));
+  SetTextColor(dc, ToColorref(TextColour(View())));
+  const RECT area = {0, 0, canvas.Width(), canvas.Height()};
+  TextLayout layout = LayOutText(dc, canvas.Width());
+  if (!scrolling_) CutToFit(dc, layout, canvas.Width(), canvas.Height());
+  DrawLines(dc, layout, area, position_);
+  SelectObject(dc, former);
+  if (GetFocus() == Window()) canvas.FrameRound(area, 2, frame_.Look().Scaled(1), colour::Accent);
+}
+
+void LabelWindow::FitScrollBar() {
+  RECT window;
+  GetWindowRect(Window(), &window);
+  const int page = window.bottom - window.top;
+  const int whole = window.right - window.left;
+  const MeasuringDc dc(Window(), frame_.Look().Font(View().Style));
+  TextLayout layout = LayOutText(dc, whole);
+  scrolling_ = layout.Height() > page;
+  if (scrolling_) layout = LayOutText(dc, whole - GetSystemMetrics(SM_CXVSCROLL));
+  SCROLLINFO info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SIF_RANGE | SIF_PAGE;
+  info.nMax = layout.Height() - 1;
+  info.nPage = static_cast<UINT>(page);
+  SetScrollInfo(Window(), SB_VERT, &info, TRUE);
+  ShowScrollBar(Window(), SB_VERT, scrolling_);
+  const LONG style = GetWindowLongA(Window(), GWL_STYLE);
+  SetWindowLongA(Window(), GWL_STYLE,
+                 scrolling_ ? style | LONG{WS_TABSTOP} : style & ~LONG{WS_TABSTOP});
+  ScrollTo(position_);
+}
+
+void LabelWindow::ScrollTo(int position) {
+  SCROLLINFO info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SIF_POS;
+  info.nPos = position;
+  SetScrollInfo(Window(), SB_VERT, &info, TRUE);
+  GetScrollInfo(Window(), SB_VERT, &info);  // kept within the range
+  position_ = scrolling_ ? info.nPos : 0;
+  Repaint();
+}
+
+void LabelWindow::OnScroll(int command) {
+  const int line = frame_.Look().Scaled(16);
+  const int page = ClientHeight(Window());
+  SCROLLINFO info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SIF_ALL;
+  GetScrollInfo(Window(), SB_VERT, &info);
+  switch (command) {
+    case SB_LINEUP:
+      return ScrollTo(position_ - line);
+    case SB_LINEDOWN:
+      return ScrollTo(position_ + line);
+    case SB_PAGEUP:
+      return ScrollTo(position_ - page);
+    case SB_PAGEDOWN:
+      return ScrollTo(position_ + page);
+    case SB_TOP:
+      return ScrollTo(info.nMin);
+    case SB_BOTTOM:
+      return ScrollTo(info.nMax);
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION:
+      return ScrollTo(info.nTrackPos);
+    default:
+      return;
+  }
+}
+
+bool LabelWindow::OnKey(WPARAM key) {
+  static constexpr struct {
+    WPARAM Key;
+    int Command;
+  } keys[] = {{VK_UP, SB_LINEUP},     {VK_DOWN, SB_LINEDOWN}, {VK_PRIOR, SB_PAGEUP},
+              {VK_NEXT, SB_PAGEDOWN}, {VK_HOME, SB_TOP},      {VK_END, SB_BOTTOM}};
+  for (const auto& entry : keys) {
+    if (entry.Key != key) continue;
+    OnScroll(entry.Command);
+    return true;
+  }
+  return false;
+}
+
+LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_GETTEXT:
+    case WM_GETTEXTLENGTH:
+      if (IsStale()) BringUpToDate();
+      return DefWindowProcA(Window(), message, wParam, lParam);
+    case WM_GETDLGCODE:
+      return scrolling_ ? DLGC_WANTARROWS : 0;
+    case WM_NCHITTEST: {
+      // So that tool tips and clicks find it.
+      const LRESULT hit = DefWindowProcA(Window(), message, wParam, lParam);
+      return hit == HTTRANSPARENT ? HTCLIENT : hit;
+    }
+    case WM_LBUTTONDOWN:
+      if (scrolling_) SetFocus(Window());
+      frame_.OnLabelClick(View().Name);
+      return 0;
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS:
+      Repaint();
+      return 0;
+    case WM_VSCROLL:
+      OnScroll(LOWORD(wParam));
+      return 0;
+    case WM_MOUSEWHEEL:
+      ScrollTo(position_ -
+               MulDiv(GET_WHEEL_DELTA_WPARAM(wParam), frame_.Look().Scaled(48), WHEEL_DELTA));
+      return 0;
+    case WM_KEYDOWN:
+      if (scrolling_ && OnKey(wParam)) return 0;
+      break;
+    default:
+      break;
+  }
+  return ControlWindow::OnMessage(message, wParam, lParam);
+}
+
+}  // namespace talu

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/win32/ControlWindow.h"
+#include "platform/win32/TextLayout.h"
+
+namespace talu {
+
+/// A label. It shows the backdrop through, breaks its text into lines, and where they do not all
+/// fit it ends in an ellipsis and shows the whole text as its tool tip, or gets a scroll bar.
+class LabelWindow : public ControlWindow {
+ public:
+  LabelWindow(FormFrame& frame, std::size_t index);
+
+  void BringUpToDate() override;
+  std::string TipText() const override;
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  void Draw(Canvas& canvas) override;
+
+ private:
+  TextLayout LayOutText(HDC dc, int width) const;
+  /// Shows or hides the scroll bar and takes or leaves the keyboard, as the text needs it.
+  void FitScrollBar();
+  void ScrollTo(int position);
+  void OnScroll(int command);
+  bool OnKey(WPARAM key);
+
+  bool scrolling_ = false;
+  int position_ = 0;
+};
+
+}  // namespace talu

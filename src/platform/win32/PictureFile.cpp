@@ -1,0 +1,45 @@
+#include "platform/win32/PictureFile.h"
+
+#include "platform/win32/Text.h"
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+
+PictureFile::PictureFile(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    throw RuntimeError(error::FileNotFound);
+  }
+  void* object = nullptr;
+  std::wstring file = Wide(path);
+  if (FAILED(OleLoadPicturePath(file.data(), nullptr, 0, 0, IID_IPicture, &object)) ||
+      object == nullptr) {
+    throw RuntimeError(error::InvalidPicture);
+  }
+  picture_.reset(static_cast<IPicture*>(object));
+  OLE_XSIZE_HIMETRIC width = 0;
+  if (FAILED(picture_->get_Width(&width)) || width <= 0) throw RuntimeError(error::InvalidPicture);
+}
+
+void PictureFile::Cover(HDC target, const RECT& area) const {
+  OLE_XSIZE_HIMETRIC width = 0;
+  OLE_YSIZE_HIMETRIC height = 0;
+  picture_->get_Width(&width);
+  picture_->get_Height(&height);
+  const int areaWidth = area.right - area.left;
+  const int areaHeight = area.bottom - area.top;
+  int drawnWidth = areaWidth;
+  int drawnHeight = MulDiv(areaWidth, height, width);
+  if (drawnHeight < areaHeight) {
+    drawnHeight = areaHeight;
+    drawnWidth = MulDiv(areaHeight, width, height);
+  }
+  SetStretchBltMode(target, HALFTONE);
+  SetBrushOrgEx(target, 0, 0, nullptr);
+  // A picture's own rows run upwards.
+  picture_->Render(target, area.left + (areaWidth - drawnWidth) / 2,
+                   area.top + (areaHeight - drawnHeight) / 2, drawnWidth, drawnHeight, 0, height,
+                   width, -height, nullptr);
+}
+
+}  // namespace talu

@@ -1,0 +1,45 @@
+#include "platform/win32/ShellLink.h"
+
+#include <utility>
+
+#include "platform/win32/Text.h"
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+namespace {
+
+void Check(HRESULT result) {
+  if (FAILED(result)) throw RuntimeError(result, SystemMessage(result), "ShellLink");
+}
+
+}  // namespace
+
+ShellLink::ShellLink(std::string path) : path_(std::move(path)) {
+  void* object = nullptr;
+  if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
+                              &object))) {
+    throw RuntimeError(error::CannotCreateObject);
+  }
+  link_.reset(static_cast<IShellLinkA*>(object));
+}
+
+void ShellLink::TargetPath(const std::string& path) {
+  Check(link_->SetPath(path.c_str()));
+}
+
+void ShellLink::WorkingDirectory(const std::string& path) {
+  Check(link_->SetWorkingDirectory(path.c_str()));
+}
+
+void ShellLink::IconLocation(const std::string& path) {
+  Check(link_->SetIconLocation(path.c_str(), 0));
+}
+
+void ShellLink::Save() {
+  void* object = nullptr;
+  Check(link_->QueryInterface(IID_IPersistFile, &object));
+  const std::unique_ptr<IPersistFile, Release> file(static_cast<IPersistFile*>(object));
+  Check(file->Save(Wide(path_).c_str(), TRUE));
+}
+
+}  // namespace talu

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/ScriptingHost.h"
+#include "platform/win32/Windows.h"
+
+namespace talu {
+
+/// A shortcut made by the shell itself, without the scripting host.
+class ShellLink : public Shortcut {
+ public:
+  /// Raises 429 when the shell cannot make shortcuts.
+  explicit ShellLink(std::string path);
+
+  void TargetPath(const std::string& path) override;
+  void WorkingDirectory(const std::string& path) override;
+  void IconLocation(const std::string& path) override;
+  void Save() override;
+
+ private:
+  struct Release {
+    void operator()(IUnknown* object) const { object->Release(); }
+  };
+
+  std::string path_;
+  std::unique_ptr<IShellLinkA, Release> link_;
+};
+
+}  // namespace talu

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/win32/Windows.h"
+
+namespace talu {
+
+/// Makes Windows look for libraries in the system folder only, never beside the program or in the
+/// current folder: a pack may lie where anybody can write. Call it before anything else.
+void TrustSystemFolderOnly();
+
+/// A function of a library that is loaded from the system folder by its full path; nullptr when
+/// either is missing.
+FARPROC FindSystemFunction(const char* library, const char* function);
+
+template <class Function>
+Function SystemFunction(const char* library, const char* function) {
+  return reinterpret_cast<Function>(reinterpret_cast<void*>(FindSystemFunction(library, function)));
+}
+
+}  // namespace talu

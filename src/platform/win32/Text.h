@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace talu {
+
+/// ANSI code page to UTF-16.
+std::wstring Wide(std::string_view text);
+
+/// UTF-16 to the ANSI code page; what has no place there becomes its default character.
+std::string Narrow(std::wstring_view text);
+
+/// Windows' own text for a system error code or an HRESULT, without a line end;
+/// "Automation error" where it has none.
+std::string SystemMessage(std::int32_t code);
+
+}  // namespace talu

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/win32/Windows.h"
+
+namespace talu {
+
+/// A text broken into lines.
+struct TextLayout {
+  std::vector<std::wstring> Lines;
+  /// Height of one line in pixels.
+  int LineHeight = 0;
+  /// Line and position of the character to underline; line -1 when there is none.
+  int MnemonicLine = -1;
+  int MnemonicPosition = 0;
+
+  int Height() const { return LineHeight * static_cast<int>(Lines.size()); }
+};
+
+/// Breaks `text` so that no line is wider than `width` pixels in the font that is selected into
+/// `dc`: at each CR, LF or CR LF, else at blanks, else behind a backslash, else in the middle of a
+/// word. With `mnemonic` a single "&" underlines the character behind it and "&&" is one "&".
+TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic);
+
+/// Leaves only the lines that `height` pixels hold, at least one; the last of them then ends in an
+/// ellipsis, within `width` pixels. Returns whether any line had to go.
+bool CutToFit(HDC dc, TextLayout& layout, int width, int height);
+
+/// Draws the lines into `area` from its top, moved up by `offset` pixels, in the colour and font
+/// that are selected into `dc`.
+void DrawLines(HDC dc, const TextLayout& layout, const RECT& area, int offset = 0);
+
+}  // namespace talu

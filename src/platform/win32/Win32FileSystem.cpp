@@ -1,0 +1,141 @@
+#include "platform/win32/Win32FileSystem.h"
+
+#include <utility>
+
+#include "platform/win32/Win32TextFile.h"
+#include "platform/win32/Windows.h"
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+namespace {
+
+bool IsFolder(DWORD attributes) {
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::string FullPath(const std::string& path) {
+  char buffer[MAX_PATH];
+  const DWORD length = GetFullPathNameA(path.c_str(), MAX_PATH, buffer, nullptr);
+  if (length == 0 || length >= MAX_PATH) throw RuntimeError(error::PathNotFound);
+  std::string full(buffer, length);
+  // Only a root ("C:\") keeps its backslash.
+  if (full.size() > 3 && full.back() == '\\') full.pop_back();
+  return full;
+}
+
+class Win32Folder : public Folder {
+ public:
+  explicit Win32Folder(std::string path) : path_(std::move(path)) {}
+
+  std::string Path() const override { return path_; }
+  std::string Name() const override { return path_.substr(path_.rfind('\\') + 1); }
+  std::vector<FolderItem> Files() const override { return Items(false); }
+  std::vector<FolderItem> SubFolders() const override { return Items(true); }
+
+ private:
+  std::vector<FolderItem> Items(bool folders) const {
+    const std::string prefix = path_.back() == '\\' ? path_ : path_ + "\\";
+    WIN32_FIND_DATAA found;
+    const HANDLE search = FindFirstFileA((prefix + "*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return NoItems(GetLastError());
+
+    std::vector<FolderItem> items;
+    do {
+      const std::string name = found.cFileName;
+      if (name == "." || name == ".." || IsFolder(found.dwFileAttributes) != folders) continue;
+      items.push_back({name, prefix + name});
+    } while (FindNextFileA(search, &found));
+    const DWORD end = GetLastError();
+    FindClose(search);
+    if (end != ERROR_NO_MORE_FILES) throw RuntimeError(error::PermissionDenied);
+    return items;
+  }
+
+  /// An empty root has no entries at all; anything else is a folder that cannot be listed.
+  static std::vector<FolderItem> NoItems(DWORD reason) {
+    if (reason == ERROR_FILE_NOT_FOUND || reason == ERROR_NO_MORE_FILES) return {};
+    throw RuntimeError(reason == ERROR_PATH_NOT_FOUND ? error::PathNotFound
+                                                      : error::PermissionDenied);
+  }
+
+  std::string path_;
+};
+
+}  // namespace
+
+bool Win32FileSystem::FileExists(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && !IsFolder(attributes);
+}
+
+bool Win32FileSystem::FolderExists(const std::string& path) {
+  return IsFolder(GetFileAttributesA(path.c_str()));
+}
+
+void Win32FileSystem::CreateFolder(const std::string& path) {
+  if (CreateDirectoryA(path.c_str(), nullptr)) return;
+  switch (GetLastError()) {
+    case ERROR_ALREADY_EXISTS:
+    case ERROR_FILE_EXISTS:
+      throw RuntimeError(error::FileAlreadyExists);
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_BAD_PATHNAME:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
+    case ERROR_FILENAME_EXCED_RANGE:
+      throw RuntimeError(error::PathNotFound);
+    case ERROR_INVALID_NAME:
+      throw RuntimeError(error::BadFileNumber);
+    case ERROR_DISK_FULL:
+      throw RuntimeError(error::DiskFull);
+    default:
+      // A root that is there answers "access denied" too.
+      throw RuntimeError(FolderExists(path) ? error::FileAlreadyExists : error::PermissionDenied);
+  }
+}
+
+void Win32FileSystem::DeleteFile(const std::string& path, bool force) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || IsFolder(attributes)) {
+    throw RuntimeError(error::FileNotFound);
+  }
+  const bool unlock = force && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+  if (unlock) SetFileAttributesA(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+  if (DeleteFileA(path.c_str())) return;
+  const DWORD reason = GetLastError();
+  if (unlock) SetFileAttributesA(path.c_str(), attributes);
+  throw RuntimeError(reason == ERROR_FILE_NOT_FOUND ? error::FileNotFound
+                                                    : error::PermissionDenied);
+}
+
+std::unique_ptr<Folder> Win32FileSystem::GetFolder(const std::string& path) {
+  if (path.empty() || !FolderExists(path)) throw RuntimeError(error::PathNotFound);
+  return std::make_unique<Win32Folder>(FullPath(path));
+}
+
+std::string Win32FileSystem::GetSpecialFolder(int number) {
+  char buffer[MAX_PATH + 1];
+  UINT length = 0;
+  switch (number) {
+    case 0:
+      length = GetWindowsDirectoryA(buffer, sizeof buffer);
+      break;
+    case 1:
+      length = GetSystemDirectoryA(buffer, sizeof buffer);
+      break;
+    case 2:
+      length = static_cast<UINT>(GetTempPathA(sizeof buffer, buffer));
+      break;
+    default:
+      throw RuntimeError(error::InvalidProcedureCall);
+  }
+  if (length == 0 || length > MAX_PATH) throw RuntimeError(error::PathNotFound);
+  return FullPath(std::string(buffer, length));
+}
+
+std::unique_ptr<TextFile> Win32FileSystem::OpenTextFile(const std::string& path, OpenMode mode) {
+  return std::make_unique<Win32TextFile>(path, mode);
+}
+
+}  // namespace talu

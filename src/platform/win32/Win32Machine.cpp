@@ -1,0 +1,32 @@
+#include "platform/win32/Win32Machine.h"
+
+#include "platform/win32/Windows.h"
+
+namespace talu {
+namespace {
+
+std::string ProgramFolder() {
+  char path[MAX_PATH] = "";
+  const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
+  const std::string program(path, length);
+  return program.substr(0, program.rfind('\\'));
+}
+
+}  // namespace
+
+Win32Machine::Ole::Ole() {
+  OleInitialize(nullptr);
+}
+Win32Machine::Ole::~Ole() {
+  OleUninitialize();
+}
+
+Win32Machine::Win32Machine()
+    : ado_([this] { windows_.ShowProgress(); }),
+      processes_([this] { windows_.ShowProgress(); }),
+      parts_{windows_,   files_,     shell_,    ado_,   odbc_,
+             processes_, scripting_, settings_, clock_, ProgramFolder()} {}
+
+Win32Machine::~Win32Machine() = default;
+
+}  // namespace talu

@@ -1,0 +1,105 @@
+#include "platform/win32/Win32ScriptingHost.h"
+
+#include <optional>
+
+#include "platform/win32/LateBound.h"
+#include "platform/win32/ShellLink.h"
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+namespace {
+
+/// The folders of the host's collection, in the order in which it lists them.
+constexpr int specialFolders[] = {
+    CSIDL_COMMON_DESKTOPDIRECTORY,
+    CSIDL_COMMON_STARTMENU,
+    CSIDL_COMMON_PROGRAMS,
+    CSIDL_COMMON_STARTUP,
+    CSIDL_DESKTOPDIRECTORY,
+    CSIDL_APPDATA,
+    CSIDL_PRINTHOOD,
+    CSIDL_TEMPLATES,
+    CSIDL_FONTS,
+    CSIDL_NETHOOD,
+    CSIDL_DESKTOPDIRECTORY,
+    CSIDL_STARTMENU,
+    CSIDL_SENDTO,
+    CSIDL_RECENT,
+    CSIDL_STARTUP,
+    CSIDL_FAVORITES,
+    CSIDL_PERSONAL,
+    CSIDL_PROGRAMS,
+};
+
+std::vector<std::string> FoldersOfShell() {
+  std::vector<std::string> paths;
+  for (const int folder : specialFolders) {
+    char path[MAX_PATH];
+    if (SUCCEEDED(SHGetFolderPathA(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, path)) &&
+        path[0] != '\0') {
+      paths.emplace_back(path);
+    }
+  }
+  return paths;
+}
+
+class HostShortcut : public Shortcut {
+ public:
+  explicit HostShortcut(const Variant& object) : object_(object) {}
+
+  void TargetPath(const std::string& path) override { object_.Put("TargetPath", path); }
+  void WorkingDirectory(const std::string& path) override { object_.Put("WorkingDirectory", path); }
+  void IconLocation(const std::string& path) override {
+    // Without the number a comma in the path would be taken for the one before it.
+    object_.Put("IconLocation", path + ",0");
+  }
+  void Save() override { object_.Call("Save"); }
+
+ private:
+  LateBound object_;
+};
+
+class Win32ScriptShell : public ScriptShell {
+ public:
+  Win32ScriptShell() {
+    try {
+      host_.emplace("WScript.Shell");
+    } catch (const RuntimeError&) {
+      // No host: the shell does it all.
+    }
+  }
+
+  std::vector<std::string> SpecialFolders() override {
+    if (host_) {
+      try {
+        std::vector<std::string> paths = LateBound(host_->Get("SpecialFolders")).Texts();
+        if (!paths.empty()) return paths;
+      } catch (const RuntimeError&) {
+        // The host's collection cannot be listed.
+      }
+    }
+    return FoldersOfShell();
+  }
+
+  std::unique_ptr<Shortcut> CreateShortcut(const std::string& path) override {
+    if (host_) {
+      try {
+        return std::make_unique<HostShortcut>(host_->Call("CreateShortcut", {path}));
+      } catch (const RuntimeError&) {
+        // The host makes none.
+      }
+    }
+    return std::make_unique<ShellLink>(path);
+  }
+
+ private:
+  std::optional<LateBound> host_;
+};
+
+}  // namespace
+
+std::unique_ptr<ScriptShell> Win32ScriptingHost::CreateShell() {
+  return std::make_unique<Win32ScriptShell>();
+}
+
+}  // namespace talu

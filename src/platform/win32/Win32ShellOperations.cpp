@@ -1,0 +1,56 @@
+#include "platform/win32/Win32ShellOperations.h"
+
+#include "platform/win32/Windows.h"
+
+namespace talu {
+namespace {
+
+bool IsAbsolute(const std::string& path) {
+  return path.size() > 3 && (path.compare(1, 2, ":\\") == 0 || path.compare(0, 2, "\\\\") == 0);
+}
+
+/// Whether `path` means exactly one name, to the shell just as to kernel32.
+bool IsPlainName(const std::string& path) {
+  return IsAbsolute(path) && path.find_first_of("*?/") == std::string::npos &&
+         path.find('\0') == std::string::npos && path.back() != '\\' && path.back() != '.' &&
+         path.back() != ' ';
+}
+
+bool IsPlainFile(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  constexpr DWORD special = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & special) == 0;
+}
+
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool CopyOneFile(const std::string& from, const std::string& to, int flags) {
+  constexpr int unlike = FOF_MULTIDESTFILES | FOF_RENAMEONCOLLISION | FOF_ALLOWUNDO;
+  if ((flags & FOF_NOCONFIRMATION) == 0 || (flags & unlike) != 0) return false;
+  if (!IsPlainName(from) || !IsPlainName(to) || !IsPlainFile(from)) return false;
+  // Into a folder the shell copies under the file's own name.
+  if (IsFolder(to)) return false;
+  return CopyFileA(from.c_str(), to.c_str(), FALSE) != FALSE;
+}
+
+}  // namespace
+
+int Win32ShellOperations::FileOperation(int operation, const std::string& from,
+                                        const std::string& to, int flags) {
+  if (operation == FO_COPY && CopyOneFile(from, to, flags)) return 0;
+
+  // c_str() gives one NUL, the list needs two.
+  const std::string fromList = from + '\0';
+  const std::string toList = to + '\0';
+  SHFILEOPSTRUCTA request = {};
+  request.wFunc = static_cast<UINT>(operation);
+  request.pFrom = fromList.c_str();
+  request.pTo = toList.c_str();
+  request.fFlags = static_cast<FILEOP_FLAGS>(flags);
+  return SHFileOperationA(&request);
+}
+
+}  // namespace talu

@@ -1,0 +1,79 @@
+#include "platform/win32/Win32TextFile.h"
+
+#include <algorithm>
+
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+namespace {
+
+std::int32_t OpenError(DWORD reason) {
+  switch (reason) {
+    case ERROR_FILE_NOT_FOUND:
+      return error::FileNotFound;
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_BAD_PATHNAME:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
+    case ERROR_NOT_READY:
+    case ERROR_FILENAME_EXCED_RANGE:
+      return error::PathNotFound;
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      return error::PermissionDenied;
+    case ERROR_INVALID_NAME:
+    case ERROR_INVALID_PARAMETER:
+      return error::BadFileNumber;
+    case ERROR_TOO_MANY_OPEN_FILES:
+      return error::TooManyFiles;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return error::DiskFull;
+    default:
+      return error::PathFileAccess;
+  }
+}
+
+HANDLE Open(const std::string& path, OpenMode mode) {
+  if (mode == OpenMode::Input) {
+    return CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                       OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+  }
+  return CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                     mode == OpenMode::Output ? CREATE_ALWAYS : OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                     nullptr);
+}
+
+}  // namespace
+
+Win32TextFile::Win32TextFile(const std::string& path, OpenMode mode) : file_(Open(path, mode)) {
+  if (file_ == INVALID_HANDLE_VALUE) throw RuntimeError(OpenError(GetLastError()));
+  LARGE_INTEGER size;
+  if (GetFileSizeEx(file_, &size)) size_ = static_cast<std::uint64_t>(size.QuadPart);
+  if (mode == OpenMode::Append) SetFilePointerEx(file_, {}, nullptr, FILE_END);
+}
+
+Win32TextFile::~Win32TextFile() {
+  CloseHandle(file_);
+}
+
+std::size_t Win32TextFile::Read(char* buffer, std::size_t size) {
+  constexpr std::size_t largest = 1U << 30;
+  DWORD done = 0;
+  if (!ReadFile(file_, buffer, static_cast<DWORD>(std::min(size, largest)), &done, nullptr)) {
+    throw RuntimeError(error::DeviceIO);
+  }
+  return done;
+}
+
+void Win32TextFile::Write(std::string_view bytes) {
+  DWORD done = 0;
+  const BOOL accepted =
+      WriteFile(file_, bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr);
+  if (accepted && done == bytes.size()) return;
+  const DWORD reason = accepted ? ERROR_DISK_FULL : GetLastError();
+  const bool full = reason == ERROR_DISK_FULL || reason == ERROR_HANDLE_DISK_FULL;
+  throw RuntimeError(full ? error::DiskFull : error::DeviceIO);
+}
+
+}  // namespace talu

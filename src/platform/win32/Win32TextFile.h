@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/FileSystemObject.h"
+#include "platform/win32/Windows.h"
+
+namespace talu {
+
+/// A text file's bytes. Others may always read it; while it is open for output or append nobody
+/// else may write it.
+class Win32TextFile : public TextFile {
+ public:
+  /// Raises what `FileSystemObject::OpenTextFile` promises.
+  Win32TextFile(const std::string& path, OpenMode mode);
+  ~Win32TextFile() override;
+  Win32TextFile(const Win32TextFile&) = delete;
+  Win32TextFile& operator=(const Win32TextFile&) = delete;
+
+  std::uint64_t Size() const override { return size_; }
+  std::size_t Read(char* buffer, std::size_t size) override;
+  void Write(std::string_view bytes) override;
+
+ private:
+  HANDLE file_;
+  std::uint64_t size_ = 0;
+};
+
+}  // namespace talu

@@ -1,0 +1,169 @@
+#include "platform/win32/Win32WindowSystem.h"
+
+#include <algorithm>
+
+#include "platform/win32/PictureFile.h"
+#include "platform/win32/Text.h"
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+namespace {
+
+constexpr const char* defaultTitle = "TA-LU Setup";
+
+/// Asking Windows for events costs far more than a small file's copy, so it is asked this often at
+/// most; in microseconds.
+constexpr std::int64_t pumpInterval = 4000;
+/// And this often the pages are painted while work goes on.
+constexpr std::int64_t paintInterval = 30000;
+
+std::int64_t Microseconds() {
+  static const std::int64_t frequency = [] {
+    LARGE_INTEGER value;
+    QueryPerformanceFrequency(&value);
+    return value.QuadPart;
+  }();
+  LARGE_INTEGER now;
+  QueryPerformanceCounter(&now);
+  return now.QuadPart / frequency * 1000000 + now.QuadPart % frequency * 1000000 / frequency;
+}
+
+}  // namespace
+
+Win32WindowSystem::Win32WindowSystem() = default;
+Win32WindowSystem::~Win32WindowSystem() = default;
+
+FormFrame* Win32WindowSystem::Find(const FormWindow& form) const {
+  for (const auto& frame : frames_) {
+    if (&frame->Form() == &form) return frame.get();
+  }
+  return nullptr;
+}
+
+void Win32WindowSystem::ShowForm(FormWindow& form) {
+  FormFrame* frame = Find(form);
+  if (frame == nullptr) {
+    frames_.push_back(std::make_unique<FormFrame>(form, look_, *this));
+    frame = frames_.back().get();
+  }
+  if (hiding_ == frame) hiding_ = nullptr;
+  shown_ = frame;
+  frame->Show(place_ ? &*place_ : nullptr);
+  FinishHiding();
+  lastPaint_ = Microseconds();
+}
+
+void Win32WindowSystem::HideForm(FormWindow& form) {
+  FormFrame* frame = Find(form);
+  if (frame == nullptr || frame == hiding_ || !frame->IsShown()) return;
+  FinishHiding();
+  place_ = frame->Placement();
+  hiding_ = frame;
+  if (shown_ == frame) shown_ = nullptr;
+}
+
+void Win32WindowSystem::FinishHiding() {
+  if (hiding_ == nullptr) return;
+  hiding_->Hide();
+  hiding_ = nullptr;
+}
+
+void Win32WindowSystem::UpdateControl(FormWindow& form, std::size_t index, Property changed) {
+  if (FormFrame* frame = Find(form)) frame->Update(index, changed);
+}
+
+void Win32WindowSystem::UpdateForm(FormWindow& form, Property changed) {
+  if (FormFrame* frame = Find(form)) frame->UpdateSelf(changed);
+}
+
+void Win32WindowSystem::MessageBox(const std::string& text, const std::string& title) {
+  FinishHiding();
+  BringUpToDate();
+  MessageBoxA(shown_ != nullptr ? shown_->Window() : nullptr, text.c_str(),
+              title.empty() ? defaultTitle : title.c_str(), MB_OK);
+}
+
+std::optional<std::string> Win32WindowSystem::BrowseForFolder(FormWindow& owner,
+                                                              const std::string& title) {
+  BringUpToDate();
+  const FormFrame* frame = Find(owner);
+  char name[MAX_PATH] = "";
+  BROWSEINFOA request = {};
+  request.hwndOwner = frame != nullptr ? frame->Window() : nullptr;
+  request.pszDisplayName = name;
+  request.lpszTitle = title.c_str();
+  request.ulFlags = BIF_RETURNONLYFSDIRS;
+  const LPITEMIDLIST chosen = SHBrowseForFolderA(&request);
+  if (chosen == nullptr) return std::nullopt;
+  char path[MAX_PATH] = "";
+  const BOOL found = SHGetPathFromIDListA(chosen, path);
+  CoTaskMemFree(chosen);
+  if (!found) throw RuntimeError(E_FAIL, SystemMessage(E_FAIL), "Shell");
+  return std::string(path);
+}
+
+std::shared_ptr<Picture> Win32WindowSystem::LoadPicture(const std::string& path) {
+  if (path.empty()) return nullptr;
+  return std::make_shared<PictureFile>(path);
+}
+
+void Win32WindowSystem::BringUpToDate() {
+  for (const auto& frame : frames_) frame->BringUpToDate();
+}
+
+void Win32WindowSystem::ShowProgress() {
+  FinishHiding();
+  if (shown_ == nullptr || !shown_->IsStale()) return;
+  BringUpToDate();
+  RedrawWindow(shown_->Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+  lastPaint_ = Microseconds();
+}
+
+void Win32WindowSystem::DoEvents() {
+  const std::int64_t now = Microseconds();
+  if (now - lastPump_ < pumpInterval) return;
+  FinishHiding();
+  UINT kinds = PM_REMOVE | PM_QS_INPUT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE;
+  if (now - lastPaint_ >= paintInterval) {
+    lastPaint_ = now;
+    BringUpToDate();
+    kinds = PM_REMOVE;
+  }
+  MSG message;
+  while (PeekMessageA(&message, nullptr, 0, 0, kinds)) Dispatch(message);
+  lastPump_ = Microseconds();
+}
+
+int Win32WindowSystem::Run() {
+  Settle();
+  MSG message;
+  while (GetMessageA(&message, nullptr, 0, 0) > 0) Dispatch(message);
+  return static_cast<int>(message.wParam);
+}
+
+void Win32WindowSystem::Dispatch(MSG& message) {
+  const HWND root = message.hwnd != nullptr ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
+  for (const auto& frame : frames_) {
+    if (frame->Window() != root) continue;
+    if (frame->HandleKey(message) || IsDialogMessageA(root, &message)) return;
+  }
+  TranslateMessage(&message);
+  DispatchMessageA(&message);
+}
+
+void Win32WindowSystem::HandlerEnds() {
+  // Only the outermost handler goes back to the message loop.
+  if (--handlers_ == 0) Settle();
+}
+
+void Win32WindowSystem::Settle() {
+  FinishHiding();
+  BringUpToDate();
+  if (shown_ != nullptr) shown_->RescueFocus();
+}
+
+void Win32WindowSystem::EndProgram() {
+  ExitProcess(0);
+}
+
+}  // namespace talu

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/WindowSystem.h"
+#include "platform/win32/Appearance.h"
+#include "platform/win32/FormFrame.h"
+
+namespace talu {
+
+/// Forms as windows of user32.
+///
+/// Long work tells it of a changed text or bar thousands of times a second. It only notes that, and
+/// paints about thirty times a second in `DoEvents`; when a handler is over everything is shown.
+class Win32WindowSystem : public WindowSystem, public HandlerWatch {
+ public:
+  Win32WindowSystem();
+  ~Win32WindowSystem() override;
+
+  void ShowForm(FormWindow& form) override;
+  void HideForm(FormWindow& form) override;
+  void UpdateControl(FormWindow& form, std::size_t index, Property changed) override;
+  void UpdateForm(FormWindow& form, Property changed) override;
+  void MessageBox(const std::string& text, const std::string& title) override;
+  std::optional<std::string> BrowseForFolder(FormWindow& owner, const std::string& title) override;
+  std::shared_ptr<Picture> LoadPicture(const std::string& path) override;
+  void DoEvents() override;
+  [[noreturn]] void EndProgram() override;
+
+  /// The message loop; returns the program's exit code when it is told to quit.
+  int Run();
+  void HandlerBegins() override { ++handlers_; }
+  void HandlerEnds() override;
+
+  /// Paints what has changed: for the moment before this thread is blocked.
+  void ShowProgress();
+
+ private:
+  FormFrame* Find(const FormWindow& form) const;
+  void Dispatch(MSG& message);
+  /// A hidden page stays on the screen until the next one covers it, or until somebody looks.
+  void FinishHiding();
+  void BringUpToDate();
+  /// Shows everything and gives the keyboard a place.
+  void Settle();
+
+  Appearance look_;
+  std::vector<std::unique_ptr<FormFrame>> frames_;
+  FormFrame* shown_ = nullptr;
+  FormFrame* hiding_ = nullptr;
+  std::optional<WINDOWPLACEMENT> place_;
+  int handlers_ = 0;
+  std::int64_t lastPump_ = 0;
+  std::int64_t lastPaint_ = 0;
+};
+
+}  // namespace talu
