@@ -4,7 +4,8 @@
 #include <sqlext.h>
 #include <sqlucode.h>
 
-#include <optional>
+#include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include "Automation.h"
@@ -77,7 +78,8 @@ Diagnostic Cause(SQLSMALLINT type, SQLHANDLE handle) {
   for (const Diagnostic& record : records) {
     if (!record.IsWarning()) return record;
   }
-  return {L"HY000", 0, L"Unspecified error"};
+  // A driver that cannot be loaded is told as a warning only; a link cut in the middle not at all.
+  return records.empty() ? Diagnostic{L"HY000", 0, L"Unspecified error"} : records.front();
 }
 
 AutomationError ProviderError(HRESULT number, const std::wstring& text) {
@@ -170,21 +172,14 @@ void OdbcSession::Execute(const std::wstring& batch, int timeout) {
   SQLRETURN code = SQLExecDirectW(statement.Handle(), const_cast<SQLWCHAR*>(batch.data()),
                                   static_cast<SQLINTEGER>(batch.size()));
 
-  // A statement behind the first one of a batch fails when its turn to answer comes.
-  std::optional<Diagnostic> first;
-  while (code != SQL_NO_DATA) {
-    if (!SQL_SUCCEEDED(code)) {
-      const Diagnostic cause = Cause(SQL_HANDLE_STMT, statement.Handle());
-      if (!first) first = cause;
-      // Nothing more will come after a failure that is not the server's own.
-      if (cause.ServerNumber == 0 || StatementNumber(cause) == unspecifiedFailure ||
-          cause.IsTimeout()) {
-        break;
-      }
-    }
-    code = SQLMoreResults(statement.Handle());
-  }
-  if (first) throw ProviderError(StatementNumber(*first), first->Text);
+  // A first statement that touched no row says "no data"; others may stand behind it.
+  if (code == SQL_NO_DATA) code = SQL_SUCCESS;
+  // A statement behind the first fails when its turn to answer comes. The driver manager ends the
+  // batch's answers with its first error.
+  while (SQL_SUCCEEDED(code)) code = SQLMoreResults(statement.Handle());
+  if (code == SQL_NO_DATA) return;
+  const Diagnostic cause = Cause(SQL_HANDLE_STMT, statement.Handle());
+  throw ProviderError(StatementNumber(cause), cause.Text);
 }
 
 }  // namespace talu::bench

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -16,7 +17,7 @@ namespace {
 
 using talu::bench::OdbcIni;
 
-/// From the ANSI code page to what the driver manager underneath reads.
+/// From the ANSI code page to what the driver reads.
 std::string Utf8(const std::string& ansi) {
   std::wstring wide(ansi.size(), L'\0');
   wide.resize(static_cast<std::size_t>(
@@ -45,10 +46,10 @@ bool IsOneOf(const std::string& key, std::initializer_list<const char*> names) {
 /// file.
 DataSource Read(const char* driver, const char* attributes) {
   DataSource source;
-  source.Entries.emplace_back("Driver", Utf8(driver));
+  source.Entries.emplace_back("Driver", driver);
   for (const char* pair = attributes; pair != nullptr && *pair != '\0';
        pair += std::strlen(pair) + 1) {
-    const std::string text = Utf8(pair);
+    const std::string text = pair;
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos) throw std::runtime_error("attribute without a value: " + text);
     if (text.find_first_of("\r\n") != std::string::npos) {
@@ -59,10 +60,10 @@ DataSource Read(const char* driver, const char* attributes) {
     if (IsOneOf(key, {"DSN"})) {
       source.Name = value;
     } else if (!IsOneOf(key, {"UID", "PWD"})) {
-      source.Entries.emplace_back(key, value);
+      source.Entries.emplace_back(key, Utf8(value));
     }
   }
-  if (!SQLValidDSN(source.Name.c_str())) {
+  if (source.Name.empty() || !SQLValidDSN(source.Name.c_str())) {
     throw std::runtime_error("no name for a data source: '" + source.Name + "'");
   }
   return source;
@@ -76,17 +77,21 @@ BOOL INSTAPI ConfigDSN(HWND, WORD request, LPCSTR driver, LPCSTR attributes) {
   try {
     const DataSource source = Read(driver, attributes);
     const OdbcIni ini;
-    switch (request) {
-      case ODBC_ADD_DSN:
-      case ODBC_CONFIG_DSN:
-        ini.Replace(source.Name, source.Entries);
-        return TRUE;
-      case ODBC_REMOVE_DSN:
-        ini.Remove(source.Name);
-        return TRUE;
-      default:
-        throw std::runtime_error("unknown request " + std::to_string(request));
+    // The driver manager looks for the name in 8-bit characters, the driver in UTF-8.
+    for (const std::string& name : std::set{source.Name, Utf8(source.Name)}) {
+      switch (request) {
+        case ODBC_ADD_DSN:
+        case ODBC_CONFIG_DSN:
+          ini.Replace(name, source.Entries);
+          break;
+        case ODBC_REMOVE_DSN:
+          ini.Remove(name);
+          break;
+        default:
+          throw std::runtime_error("unknown request " + std::to_string(request));
+      }
     }
+    return TRUE;
   } catch (const std::exception& failure) {
     SQLPostInstallerError(ODBC_ERROR_REQUEST_FAILED, failure.what());
     return FALSE;

@@ -8,9 +8,9 @@
 namespace talu::bench {
 
 /// The system data sources of the driver manager underneath: `odbc.ini` in the folder that the
-/// environment variable ODBCSYSINI names, with a Unix path. Texts are UTF-8. Each call raises
-/// `std::runtime_error` with one line when the file cannot be found, read or written; the old file
-/// stands until the new one is whole.
+/// environment variable ODBCSYSINI names, with a Unix path. Texts are bytes as they come. Each call
+/// raises `std::runtime_error` with one line when the file cannot be found, read or written; the
+/// old file stands until the new one is whole.
 class OdbcIni {
  public:
   using Entries = std::vector<std::pair<std::string, std::string>>;
