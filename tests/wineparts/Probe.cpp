@@ -92,8 +92,9 @@ std::string Call(WORD kind, IDispatch* object, const std::string& member,
   }
   values.insert(values.end(), positional.rbegin(), positional.rend());
 
-  std::vector<wchar_t*> pointers;
-  for (std::wstring& name : names) pointers.push_back(name.data());
+  std::vector<wchar_t*> pointers(names.size());
+  std::transform(names.begin(), names.end(), pointers.begin(),
+                 [](std::wstring& text) { return text.data(); });
   std::vector<DISPID> ids(names.size());
   HRESULT code = object->GetIDsOfNames(IID_NULL, pointers.data(), static_cast<UINT>(names.size()),
                                        LOCALE_USER_DEFAULT, ids.data());

@@ -45,7 +45,9 @@ OdbcIni::OdbcIni() : path_(SettingsFolder() / "odbc.ini") {}
 
 void OdbcIni::Replace(const std::string& section, const Entries& entries) const {
   std::string text = TextWithout(section) + "[" + section + "]\n";
-  for (const auto& [name, value] : entries) text += name + " = " + value + "\n";
+  for (const auto& [name, value] : entries) {
+    text.append(name).append(" = ").append(value).append("\n");
+  }
   Write(text);
 }
 
