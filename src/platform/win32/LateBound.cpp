@@ -30,6 +30,8 @@ std::int32_t ShortNumber(HRESULT code) {
       description = "Object doesn't support this property or method";
     } else if (number == typeMismatch) {
       description = "Type mismatch";
+    } else if (number != code) {
+      description = StandardDescription(number);
     } else {
       description = SystemMessage(code);
     }
