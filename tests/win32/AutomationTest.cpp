@@ -18,10 +18,10 @@ TEST(LateBound, CallsMembersByName) {
                           "e"});
   dictionary.Call("Add", {"second", 7});
   EXPECT_EQ(dictionary.Get("Count").Number(), 2);
-  EXPECT_EQ(dictionary.Call("Item", {"first"}).Text(),
+  EXPECT_EQ(dictionary.Get("Item", {"first"}).Text(),
             "Gr\xFC\xDF"
             "e");
-  EXPECT_EQ(dictionary.Call("Item", {"second"}).Number(), 7);
+  EXPECT_EQ(dictionary.Get("Item", {"second"}).Number(), 7);
   EXPECT_EQ(dictionary.Texts(), (std::vector<std::string>{"first", "second"}));
 }
 

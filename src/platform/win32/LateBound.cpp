@@ -62,6 +62,13 @@ IDispatch* Create(const char* className) {
   return static_cast<IDispatch*>(object);
 }
 
+std::vector<const Variant*> Addresses(const std::vector<Variant>& values) {
+  std::vector<const Variant*> addresses;
+  addresses.reserve(values.size());
+  for (const Variant& value : values) addresses.push_back(&value);
+  return addresses;
+}
+
 }  // namespace
 
 Variant::Variant(const std::string& text) : Variant() {
@@ -116,8 +123,8 @@ LateBound::LateBound(const Variant& object) : object_(object.AsObject()) {
   object_->AddRef();
 }
 
-Variant LateBound::Get(const char* member) const {
-  return Invoke(Find(member), DISPATCH_PROPERTYGET | DISPATCH_METHOD, {});
+Variant LateBound::Get(const char* member, const std::vector<Variant>& arguments) const {
+  return Invoke(Find(member), DISPATCH_PROPERTYGET | DISPATCH_METHOD, Addresses(arguments));
 }
 
 void LateBound::Put(const char* member, const Variant& value) {
@@ -130,10 +137,7 @@ void LateBound::PutRef(const char* member, const LateBound& object) {
 }
 
 Variant LateBound::Call(const char* member, const std::vector<Variant>& arguments) const {
-  std::vector<const Variant*> list;
-  list.reserve(arguments.size());
-  for (const Variant& argument : arguments) list.push_back(&argument);
-  return Invoke(Find(member), DISPATCH_METHOD, list);
+  return Invoke(Find(member), DISPATCH_METHOD, Addresses(arguments));
 }
 
 std::vector<std::string> LateBound::Texts() const {
