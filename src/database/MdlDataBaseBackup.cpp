@@ -1,0 +1,189 @@
+#include "database/MdlDataBaseBackup.h"
+
+#include "database/ScriptReader.h"
+#include "pages/FrmSQLNonQuery.h"
+#include "runtime/ErrorTrap.h"
+#include "runtime/TextFunctions.h"
+#include "startup/BackupFolder.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+
+MdlDataBaseBackup::MdlDataBaseBackup(Wizard& wizard) : wizard_(wizard) {}
+
+MdlDataBaseBackup::~MdlDataBaseBackup() = default;
+
+void MdlDataBaseBackup::BackupDatabases() {
+  const ErrorTrap step(
+      [this](const RuntimeError& error) { wizard_.WriteErrorEntry(error, BackupBatchText); });
+  step([&] { BackupScriptCount = wizard_.GetCfgCount("DBSript"); });
+  ChooseScripts();
+  for (int index = 1; index <= BackupScriptCount; ++index) {
+    BackupScriptIndex = index;
+    step([&] { BackupScriptName = wizard_.GetCfgValue(BackupScriptKey, BackupScriptIndex); });
+    if (!BackupScriptName.empty()) ScanScript(step);
+  }
+  InstallState& state = wizard_.State;
+  step([&] { state.BackupFolderPath = BackupFolderFor(state.AppFolderPath, state.AppFolderName); });
+  step([&] {
+    FileSystemObject& files = wizard_.Machine.Files;
+    if (!files.FolderExists(state.BackupFolderPath)) files.CreateFolder(state.BackupFolderPath);
+  });
+  Connect(step);
+  BackupListed(step);
+}
+
+// Demo and upgrade are crossed against the build's sets. Packs rely on it.
+void MdlDataBaseBackup::ChooseScripts() {
+  switch (wizard_.State.SetupType) {
+    case 0:
+      BackupScriptFolder = "\\SQLScript\\Fresh\\";
+      BackupScriptKey = "FreshDBSript";
+      break;
+    case 1:
+      BackupScriptFolder = "\\SQLScript\\Upgrade\\";
+      BackupScriptKey = "UpgradeDBSript";
+      break;
+    case 2:
+      BackupScriptFolder = "\\SQLScript\\Demo\\";
+      BackupScriptKey = "DemoDBSript";
+      break;
+    default:
+      break;
+  }
+}
+
+void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
+  TextFiles& files = wizard_.TextFiles;
+  OpenForReading(step, files, wizard_.Machine.AppPath + BackupScriptFolder + BackupScriptName,
+                 BackupScriptFile);
+  BackupGoMode = false;
+  while (MoreToRead(step, files, BackupScriptFile)) {
+    if (!step([&] { files.LineInput(BackupScriptFile, BackupCurrentLine); })) continue;
+    if (!TrimView(BackupCurrentLine).empty()) TakeLine(step);
+  }
+  files.Close(BackupScriptFile);
+  BackupScriptName.clear();
+}
+
+void MdlDataBaseBackup::TakeLine(const ErrorTrap& step) {
+  WindowSystem& windows = wizard_.Machine.Windows;
+  if (ContainsUpper(BackupCurrentLine, kBatchDirective)) {
+    BackupGoMode = true;
+  } else if (BackupGoMode) {
+    if (EqualsUpper(TrimView(BackupCurrentLine), "GO")) {
+      step([&] { CollectDatabaseName(); });
+      step([&] { AdvanceProgress(); });
+      windows.DoEvents();
+      BackupBatchText.clear();
+    } else {
+      step([&] { BackupBatchText.append(kCrLf).append(TrimView(BackupCurrentLine)); });
+    }
+  } else if (ContainsUpper(BackupCurrentLine, kLineDirective)) {
+    BackupLineMode = true;
+  } else if (BackupLineMode) {
+    windows.DoEvents();
+    step([&] { BackupBatchText = BackupCurrentLine; });
+    if (!BackupBatchText.empty()) {
+      step([&] { CollectDatabaseName(); });
+      step([&] { AdvanceProgress(); });
+      windows.DoEvents();
+    }
+    BackupBatchText.clear();
+  }
+}
+
+void MdlDataBaseBackup::AdvanceProgress() {
+  Shape& bar = wizard_.Page<FrmSQLNonQuery>().ShpProgBar;
+  bar.Width = bar.Width < 1000 ? bar.Width + 1 : 500;
+}
+
+void MdlDataBaseBackup::Connect(const ErrorTrap& step) {
+  step([&] { TheConnection().ConnectionString(wizard_.ServerConnectionString()); });
+  step([&] { TheConnection().Open(); });
+  step([&] { TheCommand().ActiveConnection(TheConnection()); });
+}
+
+void MdlDataBaseBackup::BackupListed(const ErrorTrap& step) {
+  step([&] { DatabaseNames = Split(DatabaseList, ','); });
+  for (int index = 1; index <= DatabaseCount; ++index) {
+    BackupScriptIndex = index;
+    std::string name;
+    step([&] { name = Trim(Element(DatabaseNames, index)); });
+    if (name.empty()) continue;
+    if (Contains(name, "[")) name = Mid(name, 2);
+    if (name.ends_with(']')) name.pop_back();
+    name = Trim(name);
+    DatabaseNames[static_cast<std::size_t>(index)] = name;
+    Execute(step, "USE Master");
+    Execute(step, BackupStatement(name));
+  }
+}
+
+std::string MdlDataBaseBackup::BackupStatement(const std::string& name) const {
+  return "IF  EXISTS (SELECT name FROM sys.databases WHERE name = N'" + name +
+         "') BACKUP DATABASE " + name + " TO  DISK = N'" + wizard_.State.BackupFolderPath +
+         "\\Talu_" + name + "_" + DateStamp(wizard_.Machine.Clock.Now()) +
+         ".bkp ' WITH NOFORMAT, INIT,  NAME = N'" + name +
+         "-Full Database Backup', SKIP, NOREWIND, NOUNLOAD,  STATS = 10";
+}
+
+void MdlDataBaseBackup::Execute(const ErrorTrap& step, const std::string& statement) {
+  step([&] { TheCommand().CommandText(statement); });
+  step([&] { TheCommand().Execute(); });
+}
+
+void MdlDataBaseBackup::CollectDatabaseName() {
+  if (Contains(BackupBatchText, "CREATE DATABASE")) CollectDelimited("CREATE DATABASE");
+  if (Contains(BackupBatchText, "ALTER DATABASE")) CollectDelimited("ALTER DATABASE");
+  if (Contains(BackupBatchText, "DROP DATABASE")) {
+    PosStatement = InStr(BackupBatchText, "DROP DATABASE");
+    PosKeyword = InStr(PosStatement, BackupBatchText, "DATABASE");
+    PosNameStart = InStr(PosKeyword, BackupBatchText, " ");
+    CollectToTheEnd();
+  }
+  if (Contains(BackupBatchText, "USE ")) {
+    // Without the blank, so that an earlier word with these letters is found first.
+    PosStatement = InStr(BackupBatchText, "USE");
+    PosNameStart = InStr(PosStatement, BackupBatchText, " ");
+    CollectToTheEnd();
+  }
+}
+
+void MdlDataBaseBackup::CollectDelimited(std::string_view statement) {
+  PosStatement = InStr(BackupBatchText, statement);
+  PosKeyword = InStr(PosStatement, BackupBatchText, "DATABASE");
+  PosNameStart = InStr(PosKeyword, BackupBatchText, " ");
+  PosNameEnd = InStr(PosNameStart + 1, BackupBatchText, " ");
+  CandidateName = Trim(Mid(BackupBatchText, PosNameStart, PosNameEnd - PosNameStart));
+  if (Contains(CandidateName, "[")) {
+    PosNameStart = InStr(PosKeyword, BackupBatchText, "[");
+    PosNameEnd = InStr(PosNameStart, BackupBatchText, "]");
+    CandidateName = Trim(Mid(BackupBatchText, PosNameStart, PosNameEnd - PosNameStart + 1));
+  }
+  AddCandidate();
+}
+
+void MdlDataBaseBackup::CollectToTheEnd() {
+  CandidateName = Trim(Mid(BackupBatchText, PosNameStart));
+  AddCandidate();
+}
+
+// A substring test: a name that is part of one in the list counts as listed.
+void MdlDataBaseBackup::AddCandidate() {
+  if (Contains(DatabaseList, CandidateName) || CandidateName.size() > 128) return;
+  DatabaseList += "," + CandidateName;
+  ++DatabaseCount;
+}
+
+Connection& MdlDataBaseBackup::TheConnection() {
+  if (!connection_) connection_ = wizard_.Machine.DataAccess.CreateConnection();
+  return *connection_;
+}
+
+Command& MdlDataBaseBackup::TheCommand() {
+  if (!command_) command_ = wizard_.Machine.DataAccess.CreateCommand();
+  return *command_;
+}
+
+}  // namespace talu

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "runtime/Int16.h"
+
+namespace talu {
+
+class Command;
+class Connection;
+class ErrorTrap;
+class Wizard;
+
+/// The backup before a build: collects the databases that the scripts name and backs up those that
+/// exist on the server. Its state lives as long as the program: names found by an earlier build
+/// stay.
+class MdlDataBaseBackup {
+ public:
+  explicit MdlDataBaseBackup(Wizard& wizard);
+  ~MdlDataBaseBackup();
+
+  /// Scans the scripts of the installation type, then backs up every name found. Logs each error
+  /// and goes on with the next statement.
+  void BackupDatabases();
+
+ private:
+  void ChooseScripts();
+  void ScanScript(const ErrorTrap& step);
+  void TakeLine(const ErrorTrap& step);
+  void Connect(const ErrorTrap& step);
+  void BackupListed(const ErrorTrap& step);
+  void Execute(const ErrorTrap& step, const std::string& statement);
+  std::string BackupStatement(const std::string& name) const;
+
+  /// Adds the names in the batch text to the list. Raises 5 when a name has no end, 6 when a
+  /// position passes 32767.
+  void CollectDatabaseName();
+  void CollectDelimited(std::string_view statement);
+  void CollectToTheEnd();
+  void AddCandidate();
+  void AdvanceProgress();
+
+  Connection& TheConnection();
+  Command& TheCommand();
+
+  Wizard& wizard_;
+
+  Int16 BackupScriptCount;
+  Int16 BackupScriptIndex;
+  std::string BackupScriptFolder;
+  std::string BackupScriptKey;
+  std::string BackupScriptName;
+  int BackupScriptFile = 0;
+  std::string BackupCurrentLine;
+  std::string BackupBatchText;
+  bool BackupGoMode = false;
+  bool BackupLineMode = false;
+  std::string DatabaseList;
+  Int16 DatabaseCount;
+  std::vector<std::string> DatabaseNames;
+  std::string CandidateName;
+  Int16 PosStatement;
+  Int16 PosKeyword;
+  Int16 PosNameStart;
+  Int16 PosNameEnd;
+  std::unique_ptr<Connection> connection_;
+  std::unique_ptr<Command> command_;
+};
+
+}  // namespace talu

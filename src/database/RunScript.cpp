@@ -1,0 +1,103 @@
+// One script: gathers its lines into batches, or takes them one by one, and sends them.
+
+#include "database/ScriptReader.h"
+#include "pages/FrmSQLNonQuery.h"
+#include "runtime/ErrorTrap.h"
+#include "runtime/TextFunctions.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+namespace {
+
+constexpr int kCommandTimeout = 300;  // seconds
+
+}  // namespace
+
+// Returns false when the script is malformed; it then stays open.
+bool FrmSQLNonQuery::RunScript(const ErrorTrap& step, const std::string& folder) {
+  TextFiles& files = wizard_.TextFiles;
+  step([&] { TheCommand().ActiveConnection(TheConnection()); });
+  step([&] { TheCommand().CommandTimeout(kCommandTimeout); });
+  OpenForReading(step, files, wizard_.Machine.AppPath + folder + ScriptName, ScriptFile);
+  BatchMode = false;
+  while (MoreToRead(step, files, ScriptFile)) {
+    if (!step([&] { files.LineInput(ScriptFile, CurrentLine); }))
+      continue;  // the line before must not be taken twice
+    if (TrimView(CurrentLine).empty()) continue;
+    if (!TakeLine(step)) return false;
+  }
+  files.Close(ScriptFile);
+  ScriptName.clear();
+  return true;
+}
+
+// Returns false for a line that no mode takes.
+bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step) {
+  if (ContainsUpper(CurrentLine, kBatchDirective)) {
+    BatchMode = true;
+  } else if (BatchMode && EqualsUpper(TrimView(CurrentLine), "GO")) {
+    FinishBatch(step);
+  } else if (BatchMode) {
+    step([&] { BatchText.append(kCrLf).append(TrimView(CurrentLine)); });
+  } else if (ContainsUpper(CurrentLine, kLineDirective)) {
+    LineByLineMode = true;
+  } else if (LineByLineMode) {
+    windows_.DoEvents();
+    step([&] { BatchText = CurrentLine; });
+    if (!BatchText.empty()) ExecuteBatch(step);
+    BatchText.clear();
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void FrmSQLNonQuery::FinishBatch(const ErrorTrap& step) {
+  if (Contains(BatchText, "FILENAME") && Contains(BatchText, "CREATE DATABASE")) {
+    MoveDataFiles(step);
+    RecordName(step, "CREATE DATABASE", "DATABASE", wizard_.State.CreatedDatabaseList);
+    step([&] { ++DBCount; });
+  }
+  if (Contains(BatchText, "CREATE LOGIN")) {
+    RecordName(step, "CREATE LOGIN", "LOGIN", wizard_.State.CreatedLoginList);
+    step([&] { ++LoginCount; });
+  }
+  windows_.DoEvents();
+  if (!BatchText.empty()) ExecuteBatch(step);
+  BatchText.clear();
+}
+
+// Puts the database folder in the place of the folder that the first data file stands in.
+void FrmSQLNonQuery::MoveDataFiles(const ErrorTrap& step) {
+  Position drive = 0;
+  Position ending = 0;
+  Position backslash = 0;
+  std::string oldFolder;
+  step([&] { drive = InStr(BatchText, ":\\") - 1; });
+  step([&] { ending = InStr(drive, BatchText, ".mdf"); });
+  step([&] { backslash = InStrRev(BatchText, "\\", ending); });
+  step([&] { oldFolder = Mid(BatchText, drive, backslash - drive); });
+  step([&] { BatchText = Replace(BatchText, oldFolder, wizard_.State.DBFolderPath); });
+}
+
+// Cuts the name behind `keyword`: from the blank before it to the next blank.
+void FrmSQLNonQuery::RecordName(const ErrorTrap& step, const char* statement, const char* keyword,
+                                std::string& list) {
+  Position start = 0;
+  Position end = 0;
+  Position at = 0;
+  step([&] { at = InStr(BatchText, statement); });
+  step([&] { at = InStr(at, BatchText, keyword); });
+  step([&] { start = InStr(at, BatchText, " "); });
+  step([&] { end = InStr(start + 1, BatchText, " "); });
+  step([&] { list += "," + Mid(BatchText, start, end - start); });
+}
+
+void FrmSQLNonQuery::ExecuteBatch(const ErrorTrap& step) {
+  step([&] { TheCommand().CommandText(BatchText); });
+  step([&] { TheCommand().Execute(); });
+  windows_.DoEvents();
+  ShpProgBar.Width = ShpProgBar.Width < 6000 ? ShpProgBar.Width + 1 : 5000;
+}
+
+}  // namespace talu

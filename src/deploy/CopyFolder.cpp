@@ -1,0 +1,67 @@
+#include "deploy/MdlCommon.h"
+#include "deploy/MdlShellCopy.h"
+#include "pages/FrmApplication.h"
+#include "runtime/ErrorTrap.h"
+#include "runtime/TextFunctions.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+namespace {
+
+/// Where the bar stops while files are copied, in twips.
+constexpr int kCopyLimit = 6700;
+
+/// Raises 5 for a name of less than four characters.
+bool IsDatabaseFile(const std::string& name) {
+  const std::string ending = Mid(name, std::ssize(name) - 3, 4);
+  return ending == ".mdf" || ending == ".ldf";
+}
+
+}  // namespace
+
+void CopyFolderTree(Wizard& wizard, const std::string& source, const std::string& target) {
+  FileSystemObject& files = wizard.Machine.Files;
+  try {
+    files.GetFolder(target);
+    const auto folder = files.GetFolder(source);
+    CopyFolderFiles(wizard, source, target);
+    for (const FolderItem& subFolder : folder->SubFolders()) {
+      const std::string newTarget = target + "\\" + subFolder.Name;
+      if (!files.FolderExists(newTarget)) {
+        files.CreateFolder(newTarget);
+        wizard.WriteErrLog("//\r\nCreating New Folder - " + newTarget);
+      } else {
+        wizard.WriteErrLog("//\r\nFolder Already exists - " + newTarget);
+      }
+      CopyFolderTree(wizard, subFolder.Path, newTarget);
+    }
+  } catch (const RuntimeError&) {
+    return;
+  }
+}
+
+void CopyFolderFiles(Wizard& wizard, const std::string& source, const std::string& target) {
+  FrmApplication& page = wizard.Page<FrmApplication>();
+  const FolderItem* current = nullptr;
+  const ErrorTrap step([&](const RuntimeError& error) {
+    if (current == nullptr) throw RuntimeError(error::ObjectNotSet);
+    wizard.WriteErrLog("//\r\nCan't copy " + current->Path + "to" + target + "\\" + current->Name +
+                       "-" + error.Description + "\r\n");
+  });
+  std::vector<FolderItem> items;
+  step([&] { items = wizard.Machine.Files.GetFolder(source)->Files(); });
+  for (const FolderItem& file : items) {
+    current = &file;
+    bool skip = false;  // also when the name is too short for the test
+    step([&] { skip = IsDatabaseFile(file.Name); });
+    if (skip) continue;
+    page.Lblmsg.Caption = "Copying - " + target + "\\" + file.Name;
+    step([&] { ShellCopy(wizard, file.Path, target + "\\" + file.Name, true); });
+    Shape& bar = page.ShpProgBar;
+    bar.Width = bar.Width < kCopyLimit ? bar.Width + 1 : kCopyLimit;
+    step([&] { wizard.WriteErrLog("//\r\nCopying file - " + target + "\\" + file.Path); });
+    wizard.Machine.Windows.DoEvents();
+  }
+}
+
+}  // namespace talu

@@ -1,0 +1,87 @@
+// The data-source step. A server that cannot be reached through a new data source ends the program.
+
+#include "pages/FrmApplication.h"
+#include "runtime/ErrorTrap.h"
+#include "runtime/TextFunctions.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+namespace {
+
+constexpr int kAddSystemDsn = 4;
+constexpr char kNul = '\0';
+
+std::string Field(const std::vector<std::string>& fields, std::ptrdiff_t index) {
+  return Trim(Element(fields, index));
+}
+
+std::string SqlServerAttributes(const std::vector<std::string>& fields, const std::string& server) {
+  return "DSN=" + Field(fields, 1) + kNul + "SERVER=" + server + kNul +
+         "DATABASE=" + Field(fields, 2);
+}
+
+std::string AccessAttributes(const std::vector<std::string>& fields) {
+  return "DSN=" + Field(fields, 1) + kNul + "DBQ=" + Field(fields, 2) + kNul +
+         "UID=" + Field(fields, 3) + kNul + "PWD=" + Field(fields, 4);
+}
+
+}  // namespace
+
+bool FrmApplication::CreateDSN(const std::string& driver, const std::string& attributes) {
+  return wizard_.Machine.Odbc.SQLConfigDataSource(kAddSystemDsn, driver, attributes);
+}
+
+void FrmApplication::CreateSystemDSNs() {
+  const ErrorTrap step([this](const RuntimeError& error) {
+    wizard_.WriteErrorEntry(error);
+    if (error.Number != error::Unspecified) return;
+    const std::string failed = "Connection to Server failed, Can not continue installation";
+    windows_.MessageBox(failed, "");
+    wizard_.WriteErrLog(failed);
+    Lblmsg.Caption = failed;
+    windows_.EndProgram();
+  });
+  Lblmsg.Caption = "DSN creation started. Please Wait...";
+  step([&] { wizard_.WriteErrLog("DSN creation started..."); });
+  std::unique_ptr<Connection> connection;
+  std::vector<std::string> fields;
+  std::string line;
+  std::string attributes;
+  bool ok = false;
+  Int16 n;
+  step([&] { n = wizard_.GetCfgCount("SystemDSN"); });
+  while (n != 0) {
+    step([&] { line = wizard_.GetCfgValue("SystemDSN", n); });
+    step([&] { wizard_.WriteErrLog("creating - " + line); });
+    step([&] { fields = Split(line, ','); });
+    // A test that fails goes on with what it guards; any other driver gets the text of the line
+    // before.
+    bool sqlServer = true;
+    bool access = false;
+    step([&] { sqlServer = Field(fields, 0) == "SQL Server"; });
+    if (!sqlServer) step([&] { access = Field(fields, 0) == "Microsoft Access Driver (*.mdb)"; });
+    if (sqlServer) {
+      step([&] { attributes = SqlServerAttributes(fields, wizard_.State.ServerName); });
+    } else if (access) {
+      step([&] { attributes = AccessAttributes(fields); });
+    }
+    step([&] { ok = CreateDSN(Field(fields, 0), attributes); });
+    step([&] {
+      if (!connection) connection = wizard_.Machine.DataAccess.CreateConnection();
+      connection->Open("DSN=" + Field(fields, 1) + "; UID=" + Field(fields, 3) +
+                       "; PWD=" + Field(fields, 4));
+    });
+    step([&] {
+      if (ShpProgBar.Width < Int16(kProgressWidth) - StepWeight) {
+        ShpProgBar.Width = ShpProgBar.Width + StepWeight;
+      }
+    });
+    step([&] { --n; });
+    step([&] { wizard_.WriteUninstall("SystemDSN:" + line); });
+  }
+  const std::string created = "DSN(s) created successfully";
+  if (ok) Lblmsg.Caption = created;
+  step([&] { wizard_.WriteErrLog(created); });
+}
+
+}  // namespace talu

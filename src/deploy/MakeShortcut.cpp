@@ -1,0 +1,68 @@
+#include "deploy/MdlCommon.h"
+#include "runtime/ErrorTrap.h"
+#include "runtime/TextFunctions.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+namespace {
+
+/// The object behind a variable. Raises 91 when it was never set.
+template <class Object>
+Object& Set(const std::unique_ptr<Object>& variable) {
+  if (!variable) throw RuntimeError(error::ObjectNotSet);
+  return *variable;
+}
+
+std::string LastComponentWithoutBlanks(const std::string& path) {
+  return Replace(Mid(path, InStrRev(path, "\\") + 1), " ", "");
+}
+
+}  // namespace
+
+void MakeShortcut(Wizard& wizard, const std::string& target, const std::string& selector,
+                  const std::string& name, const std::string& workingDir) {
+  bool success = false;
+  const ErrorTrap step([&](const RuntimeError& error) {
+    success = false;
+    wizard.WriteErrorEntry(error);
+  });
+  FileSystemObject& files = wizard.Machine.Files;
+  const auto createMissing = [&files](const std::string& path) {
+    if (!files.FolderExists(path)) files.CreateFolder(path);
+  };
+  const std::string wanted = UCase(TrimView(selector));
+  const bool inStartMenu = wanted == "STARTMENU" || wanted == "PROGRAMS";
+
+  std::unique_ptr<ScriptShell> shell;
+  step([&] { shell = wizard.Machine.Scripting.CreateShell(); });
+  std::vector<std::string> specialFolders;
+  if (shell) step([&] { specialFolders = shell->SpecialFolders(); });
+  std::unique_ptr<Shortcut> shortcut;
+  std::string folder;
+  for (const std::string& specialFolder : specialFolders) {
+    success = true;
+    if (wanted != UCase(TrimView(LastComponentWithoutBlanks(specialFolder)))) continue;
+    folder = specialFolder;
+    if (inStartMenu) {
+      step([&] { createMissing(folder + "\\TALU"); });
+      folder += "\\TALU\\" + wizard.State.AppFolderName;
+      step([&] { createMissing(folder); });
+    }
+    const std::string link = "Shotcut:" + folder + "\\" + name + ".lnk";
+    step([&] { shortcut = Set(shell).CreateShortcut(folder + "\\" + name + ".lnk"); });
+    step([&] { Set(shortcut).TargetPath(target); });
+    step([&] { Set(shortcut).WorkingDirectory(workingDir); });
+    step([&] { Set(shortcut).IconLocation(target); });
+    step([&] { Set(shortcut).Save(); });
+    if (!success) {
+      step([&] { wizard.WriteErrLog(link + " can't created"); });
+      continue;
+    }
+    if (inStartMenu) step([&] { wizard.WriteUninstall("ShotcutFolder:" + folder); });
+    step([&] { wizard.WriteUninstall(link); });
+    step([&] { wizard.WriteErrLog(link + " created"); });
+    return;
+  }
+}
+
+}  // namespace talu

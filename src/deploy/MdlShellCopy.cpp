@@ -1,0 +1,22 @@
+#include "deploy/MdlShellCopy.h"
+
+#include "startup/Wizard.h"
+
+namespace talu {
+namespace {
+
+constexpr int kCopy = 2;
+constexpr int kAllowUndo = 64;
+// "64" and "16" joined as texts, not added: no confirmation, simple progress, no security
+// attributes, no connected elements, and no longer allow-undo. Installations depend on exactly
+// these flags.
+constexpr int kAllowUndoThenNoConfirmation = 6416;
+
+}  // namespace
+
+bool ShellCopy(Wizard& wizard, const std::string& from, const std::string& to, bool noConfirm) {
+  const int flags = noConfirm ? kAllowUndoThenNoConfirmation : kAllowUndo;
+  return wizard.Machine.Shell.FileOperation(kCopy, from, to, flags) == 0;
+}
+
+}  // namespace talu

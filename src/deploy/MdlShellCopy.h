@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace talu {
+
+class Wizard;
+
+/// Copies with the shell's file operation; with `noConfirm` without asking. Returns whether the
+/// shell reported success.
+bool ShellCopy(Wizard& wizard, const std::string& from, const std::string& to, bool noConfirm);
+
+}  // namespace talu

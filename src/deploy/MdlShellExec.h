@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace talu {
+
+class Wizard;
+
+/// Runs a command line and waits for its end, however long that takes. Returns its exit code, -1
+/// when it cannot be started.
+std::int32_t ExecCmd(Wizard& wizard, const std::string& commandLine);
+
+}  // namespace talu

@@ -1,0 +1,26 @@
+// The closing instructions.
+
+#include "pages/FrmApplication.h"
+#include "runtime/ErrorTrap.h"
+#include "runtime/TextFunctions.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+
+void FrmApplication::ShowFinalMsg() {
+  const ErrorTrap step([this](const RuntimeError& error) { wizard_.WriteErrorEntry(error); });
+  step([&] { wizard_.WriteErrLog("Final Message started..."); });
+  Int16 n;
+  step([&] { n = wizard_.GetCfgCount("FinalMsg"); });
+  if (n > 0) {
+    Lblmsg.Caption = "Please read below instructions carefully...";
+    std::string line;
+    for (int i = 1; i <= n; ++i) {
+      step([&] { line = wizard_.GetCfgValue("FinalMsg", i); });
+      if (!TrimView(line).empty()) LblFinalMsg.Caption = LblFinalMsg.Caption.Get() + "\r" + line;
+    }
+  }
+  step([&] { wizard_.WriteErrLog("Final Message write successfully"); });
+}
+
+}  // namespace talu

@@ -1,0 +1,48 @@
+// The settings files step. It has no trap of its own.
+
+#include "pages/FrmApplication.h"
+#include "runtime/TextFunctions.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+namespace {
+
+std::string SettingValue(const InstallState& state, const std::string& key) {
+  if (key == "SERVER") return state.ServerName;
+  if (key == "USERNAME") return state.SqlUser;
+  if (key == "PASSWORD") return state.SqlPassword;
+  return "";
+}
+
+}  // namespace
+
+void FrmApplication::WriteSettings() {
+  TextFiles& files = wizard_.TextFiles;
+  const Int16 n = wizard_.GetCfgCount("WriteSettings");
+  if (n > 0) {
+    const std::string started = "Writing Settings started...";
+    Lblmsg.Caption = started;
+    wizard_.WriteErrLog(started);
+    for (int i = 1; i <= n; ++i) {
+      windows_.DoEvents();
+      const std::vector<std::string> fields = Split(wizard_.GetCfgValue("WriteSettings", i), ',');
+      if (!Contains(Element(fields, 0), ".txt")) continue;
+      const std::string path = wizard_.State.AppFolderPath + Element(fields, 0);
+      const int file = files.FreeFile();
+      if (wizard_.Machine.Files.FileExists(path)) wizard_.Machine.Files.DeleteFile(path, false);
+      files.Open(path, OpenMode::Output, file);
+      files.Close(file);
+      if (!wizard_.Machine.Files.FileExists(path)) continue;
+      files.Open(path, OpenMode::Append, file);
+      const std::string key = UCase(TrimView(Element(fields, 2)));
+      files.Print(file, Element(fields, 1) + SettingValue(wizard_.State, key));
+      files.Close(file);
+    }
+  }
+  // "not Finished" also after a complete run: the log's readers know it so.
+  const std::string closing = "Writing Settings not Finished";
+  Lblmsg.Caption = closing;
+  wizard_.WriteErrLog(closing);
+}
+
+}  // namespace talu

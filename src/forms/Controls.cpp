@@ -1,0 +1,103 @@
+#include "forms/Controls.h"
+
+#include "forms/Form.h"
+
+namespace talu {
+
+Control::Control(Form& form, ControlKind kind, const std::string& name, Place place)
+    : form_(form), index_(form.Add(*this)) {
+  view_.Kind = kind;
+  view_.Name = name;
+  view_.Left = place.Left;
+  view_.Top = place.Top;
+  view_.Width = place.Width;
+  view_.Height = place.Height;
+}
+
+void Control::Raise(const Handler& handler) {
+  if (handler) form_.Raise(handler);
+}
+
+void Control::Notify(Property property) {
+  form_.ControlChanged(index_, property);
+  Changed(property);
+}
+
+Label::Label(Form& form, const std::string& name, const std::string& caption, TextStyle style,
+             Place place)
+    : VisibleControl(form, ControlKind::Label, name, place) {
+  view_.Text = caption;
+  view_.Style = style;
+}
+
+Label& Label::WithMnemonic() {
+  view_.Mnemonic = true;
+  return *this;
+}
+
+Label& Label::Scrolling() {
+  view_.Scrolls = true;
+  return *this;
+}
+
+TextBox::TextBox(Form& form, const std::string& name, const std::string& labelledBy, Place place)
+    : VisibleControl(form, ControlKind::TextBox, name, place) {
+  view_.LabelledBy = labelledBy;
+}
+
+TextBox& TextBox::HidingText() {
+  view_.Password = true;
+  return *this;
+}
+
+void TextBox::OperatorTyped(const std::string& text) {
+  if (view_.Text == text) return;
+  view_.Text = text;  // the window shows it already
+  Raise(Change);
+}
+
+void TextBox::Changed(Property property) {
+  if (property == Property::Text) Raise(Change);
+}
+
+CommandButton::CommandButton(Form& form, const std::string& name, const std::string& caption,
+                             Place place)
+    : VisibleControl(form, ControlKind::CommandButton, name, place) {
+  view_.Text = caption;
+}
+
+CommandButton& CommandButton::AsDefault() {
+  view_.Default = true;
+  return *this;
+}
+
+OptionButton::OptionButton(Form& form, const std::string& name, const std::string& labelledBy,
+                           Place place)
+    : VisibleControl(form, ControlKind::OptionButton, name, place) {
+  view_.LabelledBy = labelledBy;
+}
+
+void OptionButton::Changed(Property property) {
+  if (property != Property::Value) return;
+  if (Value) form_.ClearOtherOptions(*this);
+  Raise(Click);
+}
+
+CheckBox::CheckBox(Form& form, const std::string& name, const std::string& labelledBy, Place place)
+    : VisibleControl(form, ControlKind::CheckBox, name, place) {
+  view_.LabelledBy = labelledBy;
+}
+
+void CheckBox::Changed(Property property) {
+  if (property == Property::Value) Raise(Click);
+}
+
+Image::Image(Form& form, const std::string& name, Place place)
+    : Control(form, ControlKind::Image, name, place) {}
+
+Shape::Shape(Form& form, const std::string& name, bool bar, Place place)
+    : VisibleControl(form, ControlKind::Shape, name, place) {
+  view_.Bar = bar;
+}
+
+}  // namespace talu

@@ -1,0 +1,188 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "platform/WindowSystem.h"
+
+namespace talu {
+
+class Form;
+
+/// Place and size on a form, in twips.
+struct Place {
+  int Left = 0;
+  int Top = 0;
+  int Width = 0;
+  int Height = 0;
+};
+
+/// What every control has: a view that the window system shows, and the form it stands on. A
+/// control knows nothing of windows; when a property changes it tells its form.
+class Control {
+ public:
+  using Handler = std::function<void()>;
+
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+  virtual ~Control() = default;
+
+  const ControlView& View() const { return view_; }
+  /// Window events, as the form passes them on.
+  virtual void OperatorClicked() {}
+  virtual void OperatorTyped(const std::string&) {}
+  virtual void OperatorFocused() {}
+  virtual void OperatorHovered() {}
+
+ protected:
+  Control(Form& form, ControlKind kind, const std::string& name, Place place);
+
+  void Raise(const Handler& handler);
+  /// Called after a property got another value, before its form hears of it.
+  virtual void Changed(Property) {}
+
+  ControlView view_;
+  Form& form_;
+
+ private:
+  template <class T>
+  friend class ControlProperty;
+  friend class Form;
+
+  void Notify(Property property);
+
+  std::size_t index_;
+};
+
+/// One property of a control: reads like a value; giving it another value tells the form.
+template <class T>
+class ControlProperty {
+ public:
+  ControlProperty(Control& owner, T ControlView::*field, Property property)
+      : owner_(owner), field_(field), property_(property) {}
+  ControlProperty(const ControlProperty&) = delete;
+
+  const T& Get() const { return owner_.view_.*field_; }
+  operator const T&() const { return Get(); }  // NOLINT(google-explicit-constructor)
+
+  ControlProperty& operator=(T value) {
+    if (Get() == value) return *this;
+    owner_.view_.*field_ = std::move(value);
+    owner_.Notify(property_);
+    return *this;
+  }
+  ControlProperty& operator=(const ControlProperty& other) { return *this = other.Get(); }
+
+ private:
+  Control& owner_;
+  T ControlView::*field_;
+  Property property_;
+};
+
+class VisibleControl : public Control {
+ public:
+  ControlProperty<bool> Enabled{*this, &ControlView::Enabled, Property::Enabled};
+  ControlProperty<bool> Visible{*this, &ControlView::Visible, Property::Visible};
+  ControlProperty<int> Width{*this, &ControlView::Width, Property::Width};
+
+ protected:
+  using Control::Control;
+};
+
+class Label : public VisibleControl {
+ public:
+  Label(Form& form, const std::string& name, const std::string& caption, TextStyle style,
+        Place place);
+
+  ControlProperty<std::string> Caption{*this, &ControlView::Text, Property::Caption};
+
+  /// "&" marks a mnemonic, which leads to the next control in tab order.
+  Label& WithMnemonic();
+  /// Can be scrolled when its text does not fit.
+  Label& Scrolling();
+};
+
+class TextBox : public VisibleControl {
+ public:
+  TextBox(Form& form, const std::string& name, const std::string& labelledBy, Place place);
+
+  /// Another value raises `Change`, whoever gives it.
+  ControlProperty<std::string> Text{*this, &ControlView::Text, Property::Text};
+  ControlProperty<std::string> ToolTipText{*this, &ControlView::ToolTipText, Property::ToolTipText};
+  ControlProperty<int> SelStart{*this, &ControlView::SelStart, Property::Selection};
+  ControlProperty<int> SelLength{*this, &ControlView::SelLength, Property::Selection};
+
+  Handler Change;
+  Handler MouseMove;
+  Handler GotFocus;
+
+  TextBox& HidingText();
+
+  void OperatorTyped(const std::string& text) override;
+  void OperatorFocused() override { Raise(GotFocus); }
+  void OperatorHovered() override { Raise(MouseMove); }
+
+ protected:
+  void Changed(Property property) override;
+};
+
+class CommandButton : public VisibleControl {
+ public:
+  CommandButton(Form& form, const std::string& name, const std::string& caption, Place place);
+
+  ControlProperty<std::string> Caption{*this, &ControlView::Text, Property::Caption};
+  Handler Click;
+
+  /// Enter clicks it wherever the focus is.
+  CommandButton& AsDefault();
+
+  void OperatorClicked() override { Raise(Click); }
+};
+
+/// One choice of several: selecting it clears the form's other option buttons. Another value raises
+/// `Click`, whoever gives it; being cleared by another button's selection does not.
+class OptionButton : public VisibleControl {
+ public:
+  OptionButton(Form& form, const std::string& name, const std::string& labelledBy, Place place);
+
+  ControlProperty<bool> Value{*this, &ControlView::Value, Property::Value};
+  Handler Click;
+
+  void OperatorClicked() override { Value = true; }
+
+ protected:
+  void Changed(Property property) override;
+};
+
+/// Another value raises `Click`, whoever gives it.
+class CheckBox : public VisibleControl {
+ public:
+  CheckBox(Form& form, const std::string& name, const std::string& labelledBy, Place place);
+
+  ControlProperty<std::string> Caption{*this, &ControlView::Text, Property::Caption};
+  ControlProperty<bool> Value{*this, &ControlView::Value, Property::Value};
+  Handler Click;
+
+  void OperatorClicked() override { Value = !Value; }
+
+ protected:
+  void Changed(Property property) override;
+};
+
+class Image : public Control {
+ public:
+  Image(Form& form, const std::string& name, Place place);
+
+  ControlProperty<std::shared_ptr<talu::Picture>> Picture{*this, &ControlView::Picture,
+                                                          Property::Picture};
+};
+
+/// A rectangle: the progress track, or the filled part of it.
+class Shape : public VisibleControl {
+ public:
+  Shape(Form& form, const std::string& name, bool bar, Place place);
+};
+
+}  // namespace talu

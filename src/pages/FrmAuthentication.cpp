@@ -1,0 +1,71 @@
+#include "pages/FrmAuthentication.h"
+
+#include "pages/FrmLocation.h"
+#include "pages/FrmMode.h"
+#include "runtime/TextFunctions.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+
+FrmAuthentication::FrmAuthentication(Wizard& wizard)
+    : WizardPage(wizard, "FrmAuthentication", "Enter SQL Server Authentication details ") {
+  Label2.WithMnemonic();
+  Label3.WithMnemonic();
+  TxtPsWord.HidingText();
+  CmdNext.AsDefault();
+  TxtUsrName.Change = [this] { AnyBox_Change(); };
+  TxtPsWord.Change = [this] { AnyBox_Change(); };
+  TxtServer.Change = [this] { AnyBox_Change(); };
+  CmdNext.Click = [this] { CmdNext_Click(); };
+  CmdPrev.Click = [this] { CmdPrev_Click(); };
+}
+
+FrmAuthentication::~FrmAuthentication() = default;
+
+void FrmAuthentication::Form_Load() {
+  const InstallState& state = wizard_.State;
+  TxtUsrName.Text = state.SqlUser;
+  TxtPsWord.Text = state.SqlPassword;
+  TxtServer.Text = state.ServerName;
+  wentBack_ = false;
+  SetUpFrame();
+  // The server's name is not looked at here.
+  if (state.SqlPassword.empty() || state.SqlUser.empty()) CmdNext.Enabled = false;
+  ShpProgBar.Width = ProgressShare(3);
+}
+
+// The server's text is not trimmed.
+void FrmAuthentication::AnyBox_Change() {
+  CmdNext.Enabled = !TrimView(TxtUsrName.Text.Get()).empty() &&
+                    !TrimView(TxtPsWord.Text.Get()).empty() && !TxtServer.Text.Get().empty();
+}
+
+void FrmAuthentication::CmdNext_Click() {
+  InstallState& state = wizard_.State;
+  try {
+    state.SqlUser = Trim(TxtUsrName.Text.Get());
+    state.SqlPassword = Trim(TxtPsWord.Text.Get());
+    state.ServerName = Trim(TxtServer.Text.Get());
+    TheConnection().ConnectionString(wizard_.ServerConnectionString());
+    TheConnection().Open();
+    TheConnection().Close();
+    Hide();
+    wizard_.Page<FrmLocation>().Show();
+  } catch (const RuntimeError&) {
+    LblMsg.Caption = "Authentication failed...";
+    CmdNext.Enabled = false;
+  }
+}
+
+void FrmAuthentication::CmdPrev_Click() {
+  wentBack_ = true;
+  Hide();
+  wizard_.Page<FrmMode>().Show();
+}
+
+Connection& FrmAuthentication::TheConnection() {
+  if (!connection_) connection_ = wizard_.Machine.DataAccess.CreateConnection();
+  return *connection_;
+}
+
+}  // namespace talu

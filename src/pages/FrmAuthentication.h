@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+
+#include "pages/WizardPage.h"
+
+namespace talu {
+
+class Connection;
+
+/// SQL Server login name, password and server, proved by opening a connection.
+class FrmAuthentication : public WizardPage {
+ public:
+  explicit FrmAuthentication(Wizard& wizard);
+  ~FrmAuthentication() override;
+
+  Label Label4{*this,
+               "Label4",
+               "You have to give the sql user authentication credentials (Valid SQL User Name and "
+               "Password) and Server Name here.",
+               TextStyle::Body,
+               {layout::kLeft, 1200, layout::kWidth, 2 * layout::kLine}};
+  Label Label2{*this, "Label2", "&User Name", TextStyle::Label, NameOf(1920)};
+  TextBox TxtUsrName{*this, "TxtUsrName", "Label2", BoxOf(1920)};
+  Label Label3{*this, "Label3", "&Password", TextStyle::Label, NameOf(2400)};
+  TextBox TxtPsWord{*this, "TxtPsWord", "Label3", BoxOf(2400)};
+  Label Label5{*this, "Label5", "Server Name", TextStyle::Label, NameOf(2880)};
+  TextBox TxtServer{*this, "TxtServer", "Label5", BoxOf(2880)};
+
+  Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
+  Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
+  Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(ProgressShare(3))};
+  Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
+  CommandButton CmdPrev{*this, "CmdPrev", "&Back", layout::kBack};
+  CommandButton CmdNext{*this, "CmdNext", "&Next", layout::kNext};
+
+ protected:
+  void Form_Load() override;
+
+ private:
+  static constexpr Place NameOf(int top) { return {layout::kLeft, top + 45, 1680, layout::kLine}; }
+  static constexpr Place BoxOf(int top) { return {2640, top, 3600, layout::kBoxHeight}; }
+
+  void AnyBox_Change();
+  void CmdNext_Click();
+  void CmdPrev_Click();
+
+  /// The page's connection, made at first use.
+  Connection& TheConnection();
+
+  bool wentBack_ = false;
+  std::unique_ptr<Connection> connection_;
+};
+
+}  // namespace talu

@@ -1,0 +1,247 @@
+#include "pages/FrmLocation.h"
+
+#include <optional>
+
+#include "deploy/MdlCommon.h"
+#include "pages/FrmApplication.h"
+#include "pages/FrmAuthentication.h"
+#include "pages/FrmMode.h"
+#include "pages/FrmSQLNonQuery.h"
+#include "runtime/ErrorTrap.h"
+#include "runtime/TextFunctions.h"
+#include "startup/BackupFolder.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+
+FrmLocation::FrmLocation(Wizard& wizard)
+    : WizardPage(wizard, "FrmLocation", "Select Location and Server[Server in client mode only]") {
+  CmdNext.AsDefault();
+  CmdLocation.Click = [this] { CmdLocation_Click(); };
+  CmdNext.Click = [this] { CmdNext_Click(); };
+  CmdPrev.Click = [this] { CmdPrev_Click(); };
+  TxtInstaPath.Change = [this] { TxtInstaPath_Change(); };
+  TxtInstaPath.MouseMove = [this] { TxtInstaPath_MouseMove(); };
+  TxtServer.Change = [this] { TxtServer_Change(); };
+  TxtServer.GotFocus = [this] { TxtServer_GotFocus(); };
+}
+
+void FrmLocation::Form_Load() {
+  InstallState& state = wizard_.State;
+  TxtInstaPath.Text = state.AppFolderPath;
+  if (state.Mode == 1) TxtServer.Text = state.ServerName;
+  SetUpFrame();
+  if (state.InstallPath.empty() || state.ServerName.empty()) CmdNext.Enabled = false;
+  ShpProgBar.Width = ProgressShare(6);
+  LblNotRes.Caption = "";
+  const bool client = state.Mode == 1;
+  LblTitleMsg.Caption = client ? "Select Location and Server" : "Select Location ";
+  LblServer.Visible = client;
+  TxtServer.Visible = client;
+  LblServerInfo.Visible = client;
+  if (state.SetupType == 2 && state.UseOldLocation) {
+    ReadFolderNames();
+    state.InstallPath = state.OldInstallPath;
+    AddProductFolder();
+    TxtInstaPath.Text = state.InstallPath;
+    SetApplicationFolder();
+  }
+  ShpProgBase.Visible = false;
+  ShpProgBar.Visible = false;
+}
+
+void FrmLocation::ReadFolderNames() {
+  wizard_.State.DBFolderName = wizard_.GetCfgValue("DBFolder", 1);
+  wizard_.State.AppFolderName = wizard_.GetCfgValue("AppFolder", 1);
+}
+
+// Whether the folder occurs anywhere in the path, not whether the path ends with it.
+void FrmLocation::AddProductFolder() {
+  std::string& path = wizard_.State.InstallPath;
+  if (Right(path, 1) == "\\") {
+    if (!Contains(path, "TA-LU\\")) path += "TA-LU";
+  } else {
+    if (!Contains(path, "\\TA-LU")) path += "\\TA-LU";
+  }
+}
+
+void FrmLocation::SetApplicationFolder() {
+  const std::string& path = wizard_.State.InstallPath;
+  const std::string& name = wizard_.State.AppFolderName;
+  if (Right(path, 1) == "\\") {
+    if (!Contains(path, name + "\\")) TxtInstaPath.Text = path + name;
+  } else {
+    if (!Contains(path, "\\" + name)) TxtInstaPath.Text = path + "\\" + name;
+  }
+}
+
+void FrmLocation::CmdLocation_Click() {
+  InstallState& state = wizard_.State;
+  const ErrorTrap step([this](const RuntimeError& error) {
+    windows_.MessageBox(std::to_string(error.Number) + "/" + error.Description + "/" + error.Source,
+                        "");
+    wizard_.State.InstallPath.clear();
+    TxtInstaPath.Text = "";
+  });
+  step([&] { state.DBFolderName = wizard_.GetCfgValue("DBFolder", 1); });
+  step([&] { state.AppFolderName = wizard_.GetCfgValue("AppFolder", 1); });
+  std::optional<std::string> folder;
+  step([&] { folder = windows_.BrowseForFolder(*this, "Select Installation Folder"); });
+  if (!folder) return;
+  state.InstallPath = *folder;
+  AddProductFolder();
+  TxtInstaPath.Text = state.InstallPath;
+  SetApplicationFolder();
+}
+
+void FrmLocation::TxtInstaPath_Change() {
+  EnableNextWhenFilled();
+}
+
+void FrmLocation::TxtInstaPath_MouseMove() {
+  TxtInstaPath.ToolTipText = TxtInstaPath.Text;
+}
+
+void FrmLocation::TxtServer_Change() {
+  if (wizard_.State.Mode == 1) wizard_.State.ServerName = Trim(TxtServer.Text.Get());
+  EnableNextWhenFilled();
+}
+
+void FrmLocation::TxtServer_GotFocus() {
+  TxtServer.SelStart = 0;
+  TxtServer.SelLength = static_cast<int>(TxtServer.Text.Get().size());
+}
+
+// Never disables the button: an emptied box leaves it as it was.
+void FrmLocation::EnableNextWhenFilled() {
+  if (!TrimView(TxtInstaPath.Text.Get()).empty() && !wizard_.State.ServerName.empty()) {
+    CmdNext.Enabled = true;
+  }
+}
+
+void FrmLocation::CmdPrev_Click() {
+  Hide();
+  if (wizard_.State.Mode == 0) {
+    wizard_.Page<FrmAuthentication>().Show();
+  } else if (wizard_.State.Mode == 1) {
+    wizard_.Page<FrmMode>().Show();
+  }
+}
+
+void FrmLocation::CmdNext_Click() {
+  InstallState& state = wizard_.State;
+  try {
+    CmdNext.Enabled = false;
+    ShpProgBase.Visible = true;
+    ShpProgBar.Visible = true;
+    if (state.Mode == 1) state.ServerName = Trim(TxtServer.Text.Get());
+    PrepareFolders();
+    wizard_.WriteErrLog("Installation Started...\r\nApplication Folder created-" +
+                        state.AppFolderPath);
+    wizard_.WriteErrLog("AppFolder created :" + state.AppFolderPath);
+    wizard_.WriteErrLog("DBFolder created :" + state.DBFolderPath);
+    StartUninstallRecord();
+    CmdNext.Enabled = true;
+    if (state.ServerName.empty() || state.InstallPath.empty()) return;
+    Hide();
+    if (state.Mode == 0) {
+      wizard_.Page<FrmSQLNonQuery>().Show();
+    } else if (state.Mode == 1) {
+      wizard_.Page<FrmApplication>().Show();
+    }
+  } catch (const RuntimeError& error) {
+    if (error.Number == error::PermissionDenied) {
+      const std::string inUse = "Location in use,Please select Another Location...";
+      windows_.MessageBox(inUse, "");
+      LblMsg.Caption = inUse;
+    } else {
+      windows_.MessageBox(error.Description, "");
+    }
+  }
+}
+
+void FrmLocation::PrepareFolders() {
+  InstallState& state = wizard_.State;
+  FileSystemObject& files = wizard_.Machine.Files;
+  LblMsg.Caption = "Creating installation folders...";
+  if (!files.FolderExists(state.InstallPath)) files.CreateFolder(state.InstallPath);
+  if (!state.AppFolderName.empty()) {
+    state.AppFolderPath = TxtInstaPath.Text;
+    if (files.FolderExists(state.AppFolderPath)) {
+      ResetErrorLog();
+      BackUpApplicationFolder();
+    } else {
+      LblMsg.Caption = "Creating installation folders...";
+      files.CreateFolder(state.AppFolderPath);
+      ResetErrorLog();
+    }
+  }
+  if (!state.AppFolderName.empty() && !state.DBFolderName.empty()) {
+    state.DBFolderPath = state.AppFolderPath + "\\" + state.DBFolderName;
+    if (!files.FolderExists(state.DBFolderPath)) files.CreateFolder(state.DBFolderPath);
+  }
+}
+
+void FrmLocation::BackUpApplicationFolder() {
+  InstallState& state = wizard_.State;
+  FileSystemObject& files = wizard_.Machine.Files;
+  LblMsg.Caption = "Taking Backup of installation folders...";
+  MousePointer(11);
+  state.BackupFolderPath = BackupFolderFor(state.AppFolderPath, state.AppFolderName);
+  if (!files.FolderExists(state.BackupFolderPath)) files.CreateFolder(state.BackupFolderPath);
+  // The name is built anew each time: when the minute changes before the copy, the copy's target
+  // is not there and nothing is copied.
+  if (!files.FolderExists(DatedBackupFolder())) files.CreateFolder(DatedBackupFolder());
+  CopyFolderTree(wizard_, state.UseOldLocation ? state.OldInstallPath : state.AppFolderPath,
+                 DatedBackupFolder());
+  MousePointer(0);
+}
+
+std::string FrmLocation::DatedBackupFolder() const {
+  return wizard_.State.BackupFolderPath + "\\AppFolderBkp_" +
+         DateStamp(wizard_.Machine.Clock.Now());
+}
+
+// Absent when it existed, present and empty when it did not; the first entry makes it again.
+void FrmLocation::ResetErrorLog() {
+  InstallState& state = wizard_.State;
+  const std::string path = state.AppFolderPath + "\\Ta-luErrLog.txt";
+  wizard_.TextFiles.Close(state.LogFileNumber);
+  state.LogFileNumber = wizard_.TextFiles.FreeFile();
+  if (wizard_.Machine.Files.FileExists(path)) {
+    wizard_.Machine.Files.DeleteFile(path, true);
+  } else {
+    wizard_.TextFiles.Open(path, OpenMode::Output, state.LogFileNumber);
+    wizard_.TextFiles.Close(state.LogFileNumber);
+  }
+}
+
+void FrmLocation::StartUninstallRecord() {
+  InstallState& state = wizard_.State;
+  const std::string path = state.AppFolderPath + "\\Uninstall.dat";
+  wizard_.TextFiles.Close(state.UninstallFileNumber);
+  state.UninstallFileNumber = wizard_.TextFiles.FreeFile();
+  if (!wizard_.Machine.Files.FileExists(path)) {
+    wizard_.TextFiles.Open(path, OpenMode::Output, state.UninstallFileNumber);
+    wizard_.TextFiles.Close(state.UninstallFileNumber);
+  }
+  wizard_.WriteUninstall("AppFolder:" + state.AppFolderPath);
+  wizard_.WriteUninstall("DBFolder:" + state.DBFolderPath);
+  wizard_.WriteUninstall("Server:" + state.ServerName);
+}
+
+void FrmLocation::AddRegistry() {
+  const InstallState& state = wizard_.State;
+  if (state.OldInstallationFound) return;
+  const std::string entry =
+      "TA-LU , Application , " + state.RegistryValueName + ", " + state.AppFolderPath;
+  try {
+    wizard_.WriteErrLog("Trying to add Registry entry: " + entry);
+    wizard_.Machine.Settings.SaveSetting("TA-LU", "Application", state.RegistryValueName,
+                                         state.AppFolderPath);
+  } catch (const RuntimeError&) {
+    wizard_.WriteErrLog("Failed to add Registry entry: " + entry);
+  }
+}
+
+}  // namespace talu

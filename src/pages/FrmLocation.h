@@ -1,0 +1,68 @@
+#pragma once
+
+#include <string>
+
+#include "pages/WizardPage.h"
+
+namespace talu {
+
+/// The installation folder and, in client mode, the server. Its Next makes the folders, backs up an
+/// existing installation, and starts the log and the uninstall record.
+class FrmLocation : public WizardPage {
+ public:
+  explicit FrmLocation(Wizard& wizard);
+
+  /// Records the application folder in the per-user settings store and logs it; a failure is
+  /// logged.
+  void AddRegistry();
+
+  Label Label1{*this, "Label1", "Installation Location", TextStyle::Label, Line(1200)};
+  Label Label3{*this, "Label3",
+               "Select a location in which the product files need to be installed in"
+               "               this machine.",
+               TextStyle::Body, Line(1440, 2)};
+  TextBox TxtInstaPath{*this, "TxtInstaPath", "Label1", layout::FolderBox(layout::kLeft, 1980)};
+  CommandButton CmdLocation{*this, "CmdLocation", "...", layout::FolderButton(1980)};
+  Label LblServer{*this, "LblServer", "Server Name", TextStyle::Label, Line(2640)};
+  Label LblServerInfo{*this, "LblServerInfo",
+                      "Provide your server information where your database is created.",
+                      TextStyle::Body, Line(2880)};
+  TextBox TxtServer{
+      *this, "TxtServer", "LblServer", {layout::kLeft, 3180, 3600, layout::kBoxHeight}};
+
+  Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
+  Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
+  Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(ProgressShare(6))};
+  Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
+  CommandButton CmdPrev{*this, "CmdPrev", "&Back", layout::kBack};
+  CommandButton CmdNext{*this, "CmdNext", "&Next", layout::kNext};
+
+ protected:
+  void Form_Load() override;
+
+ private:
+  static constexpr Place Line(int top, int lines = 1) {
+    return {layout::kLeft, top, layout::kWidth, lines * layout::kLine};
+  }
+
+  void CmdLocation_Click();
+  void CmdNext_Click();
+  void CmdPrev_Click();
+  void TxtInstaPath_Change();
+  void TxtInstaPath_MouseMove();
+  void TxtServer_Change();
+  void TxtServer_GotFocus();
+
+  void ReadFolderNames();
+  void AddProductFolder();
+  void SetApplicationFolder();
+  void EnableNextWhenFilled();
+  void PrepareFolders();
+  void BackUpApplicationFolder();
+  void ResetErrorLog();
+  void StartUninstallRecord();
+  /// The backup folder of this minute.
+  std::string DatedBackupFolder() const;
+};
+
+}  // namespace talu

@@ -1,0 +1,103 @@
+#include "pages/FrmType.h"
+
+#include "pages/FrmMode.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+
+FrmType::FrmType(Wizard& wizard) : WizardPage(wizard, "FrmType", "Select Installation type") {
+  CmdNext.AsDefault();
+  OptFresh.Click = [this] { OptFresh_Click(); };
+  OptUpgrade.Click = [this] { OptUpgrade_Click(); };
+  ChkOldLocation.Click = [this] { ChkOldLocation_Click(); };
+  CmdLocation.Click = [this] { CmdLocation_Click(); };
+  CmdNext.Click = [this] { CmdNext_Click(); };
+}
+
+void FrmType::Form_Load() {
+  LblNotRes.Caption = "";
+  SetUpFrame();
+  ShowOldLocationBox(false);
+  ShowOldLocationPath(false);
+  wizard_.State.UseOldLocation = false;
+  wizard_.State.OldInstallationFound = false;
+}
+
+void FrmType::Form_Activate() {
+  if (wizard_.State.OldInstallationFound) {
+    TxtInstaPath.Text = wizard_.State.AppFolderPath;
+    OptUpgrade.Value = true;
+    ChkOldLocation.Value = true;
+    LblOldLocation.Caption = "Old Installation Path";
+    LblTitleMsg.Caption = "Old installation found, You can proceed with upgradation...";
+  }
+  Offer("FreshDBSript", OptFresh, LblFresh, LblFreshdescription);
+  Offer("DemoDBSript", OptDemo, LblDemo, LblDemoDescription);
+  Offer("UpgradeDBSript", OptUpgrade, LblUpgrade, LblUpgradeDescription);
+
+  if (preselected_) return;
+  preselected_ = true;
+  for (OptionButton* option : {&OptFresh, &OptDemo, &OptUpgrade}) {
+    if (!option->Enabled) continue;
+    option->Value = true;
+    return;
+  }
+}
+
+void FrmType::Offer(const char* key, OptionButton& option, Label& label, Label& description) {
+  const bool listed = wizard_.GetCfgCount(key) > 0;
+  option.Enabled = listed;
+  label.Enabled = listed;
+  description.Enabled = listed;
+}
+
+void FrmType::ShowOldLocationBox(bool visible) {
+  ChkOldLocation.Visible = visible;
+  LblOldLocation.Visible = visible;
+}
+
+void FrmType::ShowOldLocationPath(bool visible) {
+  TxtInstaPath.Visible = visible;
+  CmdLocation.Visible = visible;
+}
+
+// The tick and `UseOldLocation` stay as they were.
+void FrmType::OptFresh_Click() {
+  ShowOldLocationBox(false);
+  ShowOldLocationPath(false);
+}
+
+void FrmType::OptUpgrade_Click() {
+  ShowOldLocationBox(true);
+  ShowOldLocationPath(ChkOldLocation.Value);
+}
+
+void FrmType::ChkOldLocation_Click() {
+  ShowOldLocationPath(ChkOldLocation.Value);
+  wizard_.State.UseOldLocation = ChkOldLocation.Value;
+}
+
+void FrmType::CmdLocation_Click() {
+  try {
+    const auto folder = windows_.BrowseForFolder(*this, "Select Old Installation Folder");
+    if (!folder) return;
+    wizard_.State.OldInstallPath = *folder;
+    TxtInstaPath.Text = wizard_.State.OldInstallPath;
+  } catch (const RuntimeError&) {
+    return;
+  }
+}
+
+void FrmType::CmdNext_Click() {
+  if (OptFresh.Value) {
+    wizard_.State.SetupType = 0;
+  } else if (OptDemo.Value) {
+    wizard_.State.SetupType = 1;
+  } else if (OptUpgrade.Value) {
+    wizard_.State.SetupType = 2;
+  }
+  Hide();
+  wizard_.Page<FrmMode>().Show();
+}
+
+}  // namespace talu

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <string>
+
+#include "forms/Form.h"
+#include "runtime/Int16.h"
+
+namespace talu {
+
+class Wizard;
+
+/// The frame that every page shares: picture and title above, then the page's own controls, then
+/// status line, progress bar, note and buttons, which each page declares last because the order of
+/// declaration is the tab order.
+class WizardPage : public Form {
+ public:
+  WizardPage(Wizard& wizard, const std::string& name, const std::string& title);
+
+  Image ImgBack;
+  Label LblTitleMsg;
+
+ protected:
+  /// Caption and background picture, at load. Raises what loading the picture raises.
+  void SetUpFrame();
+  /// Closing any page ends the program at once.
+  void Form_QueryUnload() override;
+
+  Wizard& wizard_;
+};
+
+/// The progress bar's full width in twips.
+inline constexpr int kProgressWidth = 7325;
+/// The width in twips that stands for `percent` of the wizard's work, halves rounded to even.
+Int16 ProgressShare(double percent);
+
+inline constexpr const char* kNotResponding =
+    "Note: During installation wizard may appear as not responding, Please wait ...";
+
+/// One layout for all pages, in twips on a grid of 120: a content column as wide as the progress
+/// track, the choices indented by one step, the buttons at the lower right.
+namespace layout {
+inline constexpr int kPageWidth = 9000;
+inline constexpr int kPageHeight = 6300;
+inline constexpr int kLeft = 840;
+inline constexpr int kIndent = 1200;
+inline constexpr int kWidth = kProgressWidth;
+inline constexpr int kIndentWidth = kLeft + kWidth - kIndent;
+inline constexpr int kLine = 240;
+inline constexpr int kBoxHeight = 330;
+
+inline constexpr Place kTitle{kLeft, 480, kWidth, 480};
+inline constexpr Place kStatus{kLeft, 4200, kWidth, 480};
+inline constexpr Place kTrack{kLeft, 4800, kProgressWidth, 180};
+inline constexpr Place kNote{kLeft, 5040, kWidth, 360};
+inline constexpr Place kNext{kLeft + kWidth - 1320, 5520, 1320, 420};
+inline constexpr Place kBack{kLeft + kWidth - 2760, 5520, 1320, 420};
+
+/// The progress bar with a width, in twips.
+constexpr Place Bar(int width) {
+  return {kTrack.Left, kTrack.Top, width, kTrack.Height};
+}
+/// An option button or check box beside its label, which stands at `indent` + 360.
+constexpr Place Mark(int indent, int top) {
+  return {indent, top, 255, kLine};
+}
+/// A line of text in the indented column, `lines` high.
+constexpr Place Text(int top, int lines = 1) {
+  return {kIndent, top, kIndentWidth, lines * kLine};
+}
+/// A folder box and the button behind it that opens the folder browser.
+constexpr Place FolderBox(int left, int top) {
+  return {left, top, kLeft + kWidth - left - 600, kBoxHeight};
+}
+constexpr Place FolderButton(int top) {
+  return {kLeft + kWidth - 480, top, 480, kBoxHeight};
+}
+}  // namespace layout
+
+}  // namespace talu

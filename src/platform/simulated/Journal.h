@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+
+/// One request to the simulated machine, as a list of named values in the order in which they are
+/// written.
+struct JournalEvent {
+  using Value = std::variant<std::string, std::int64_t, bool>;
+  using Field = std::pair<std::string, Value>;
+
+  JournalEvent(const char* kind, std::initializer_list<Field> fields)
+      : Kind(kind), Fields(fields) {}
+
+  /// The text of a field; empty when there is none of that name.
+  std::string Text(const std::string& field) const;
+  /// One JSON object on one line; texts are read as Windows-1252.
+  std::string ToJson() const;
+
+  std::string Kind;
+  std::vector<Field> Fields;
+  /// Set when the request failed.
+  std::optional<RuntimeError> Error;
+};
+
+/// What the machine was asked, in order; and the place where a request can be made to fail.
+class Journal {
+ public:
+  /// Counts a request that may fail. Raises the error that was asked for this request.
+  void Count(const char* request);
+  /// Requests counted so far.
+  int Requests() const { return requests_; }
+  /// Makes request number `request` (from 1) fail once.
+  void FailRequest(int request, const RuntimeError& error);
+  /// The name of the request that failed on demand; empty when none has.
+  const std::string& FailedRequest() const { return failedRequest_; }
+
+  void Add(JournalEvent event) { events_.push_back(std::move(event)); }
+  const std::vector<JournalEvent>& Events() const { return events_; }
+  /// One text per event of a kind: the value of `field`.
+  std::vector<std::string> Texts(const std::string& kind, const std::string& field) const;
+
+  /// Counts a request, does its work and records the event, with the error when one was raised.
+  /// `showOk`: a success is marked too.
+  template <class Work>
+  auto Request(JournalEvent event, bool showOk, Work work) -> decltype(work()) {
+    struct Recorder {
+      ~Recorder() { journal.Add(std::move(event)); }
+      Journal& journal;
+      JournalEvent event;
+    } recorder{*this, std::move(event)};
+    try {
+      Count(recorder.event.Kind.c_str());
+      if (showOk) recorder.event.Fields.emplace_back("ok", true);
+      return work();
+    } catch (const RuntimeError& error) {
+      if (showOk && !recorder.event.Fields.empty() && recorder.event.Fields.back().first == "ok") {
+        recorder.event.Fields.pop_back();
+      }
+      recorder.event.Error = error;
+      throw;
+    }
+  }
+
+ private:
+  std::vector<JournalEvent> events_;
+  int requests_ = 0;
+  int failAt_ = 0;
+  std::optional<RuntimeError> failure_;
+  std::string failedRequest_;
+};
+
+/// Windows-1252 to UTF-8 and back; what the other does not know becomes "?".
+std::string Utf8FromAnsi(const std::string& text);
+std::string AnsiFromUtf8(const std::string& text);
+
+}  // namespace talu

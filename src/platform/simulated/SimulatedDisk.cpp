@@ -1,0 +1,213 @@
+#include "platform/simulated/SimulatedDisk.h"
+
+#include <algorithm>
+#include <fstream>
+#include <utility>
+
+#include "platform/simulated/Journal.h"
+#include "runtime/RuntimeError.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu {
+
+std::size_t FileContent::Read(std::uint64_t at, char* buffer, std::size_t size) const {
+  if (at >= Size) return 0;
+  const auto length = static_cast<std::size_t>(std::min<std::uint64_t>(size, Size - at));
+  if (HostFile.empty()) {
+    std::copy_n(Bytes.data() + at, length, buffer);
+    return length;
+  }
+  std::ifstream host(HostFile, std::ios::binary);
+  host.seekg(static_cast<std::streamoff>(at));
+  if (!host.read(buffer, static_cast<std::streamsize>(length))) throw RuntimeError(error::DeviceIO);
+  return length;
+}
+
+std::string FileContent::All() const {
+  if (HostFile.empty()) return Bytes;
+  std::string bytes(static_cast<std::size_t>(Size), '\0');
+  bytes.resize(Read(0, bytes.data(), bytes.size()));
+  return bytes;
+}
+
+SimulatedDisk::SimulatedDisk(std::string currentFolder) : currentFolder_(std::move(currentFolder)) {
+  root_.IsFolder = true;
+  MakeFolders(currentFolder_);
+}
+
+std::string SimulatedDisk::FullPath(const std::string& path) const {
+  std::string whole = Replace(path, "/", "\\");
+  if (whole.starts_with('\\')) {
+    whole = currentFolder_.substr(0, 2) + whole;
+  } else if (whole.size() < 2 || whole[1] != ':') {
+    whole = currentFolder_ + "\\" + whole;
+  }
+  std::string full;
+  for (const std::string& piece : Split(whole, '\\')) {
+    const std::size_t end = piece.find_last_not_of(" .");
+    if (end == std::string::npos) continue;
+    if (!full.empty()) full += '\\';
+    full.append(piece, 0, end + 1);
+  }
+  return full;
+}
+
+SimulatedDisk::Node* SimulatedDisk::Find(const std::string& path) {
+  if (path.empty() || path.size() >= kMaxPath) return nullptr;
+  Node* node = &root_;
+  for (const std::string& piece : Split(FullPath(path), '\\')) {
+    const auto child = node->Children.find(UCase(piece));
+    if (child == node->Children.end()) return nullptr;
+    node = child->second.get();
+  }
+  return node;
+}
+
+SimulatedDisk::Node* SimulatedDisk::Parent(const std::string& fullPath, std::string& name) {
+  const std::size_t at = fullPath.rfind('\\');
+  if (at == std::string::npos) return nullptr;
+  name = fullPath.substr(at + 1);
+  Node* parent = Find(fullPath.substr(0, at));
+  return parent != nullptr && parent->IsFolder ? parent : nullptr;
+}
+
+bool SimulatedDisk::FileExists(const std::string& path) {
+  const Node* node = Find(path);
+  return node != nullptr && !node->IsFolder;
+}
+
+bool SimulatedDisk::FolderExists(const std::string& path) {
+  const Node* node = Find(path);
+  return node != nullptr && node->IsFolder;
+}
+
+void SimulatedDisk::CreateFolder(const std::string& path) {
+  if (path.empty()) throw RuntimeError(error::InvalidProcedureCall);
+  if (Find(path) != nullptr) throw RuntimeError(error::FileAlreadyExists);
+  const std::string full = FullPath(path);
+  std::string name;
+  Node* parent = full.size() < kMaxFolderPath ? Parent(full, name) : nullptr;
+  if (parent == nullptr) throw RuntimeError(error::PathNotFound);
+  if (name.find_first_of(":*?\"<>|") != std::string::npos) throw RuntimeError(error::BadFileNumber);
+  if (parent->Denied) throw RuntimeError(error::PermissionDenied);
+  auto node = std::make_unique<Node>();
+  node->Name = name;
+  node->IsFolder = true;
+  parent->Children[UCase(name)] = std::move(node);
+}
+
+SimulatedDisk::Node& SimulatedDisk::MakeFolders(const std::string& path) {
+  Node* node = &root_;
+  for (const std::string& piece : Split(FullPath(path), '\\')) {
+    auto& child = node->Children[UCase(piece)];
+    if (!child) {
+      child = std::make_unique<Node>();
+      child->Name = piece;
+      child->IsFolder = true;
+    }
+    node = child.get();
+  }
+  return *node;
+}
+
+SimulatedDisk::Node& SimulatedDisk::FolderAt(const std::string& path) {
+  Node* node = Find(path);
+  if (node == nullptr || !node->IsFolder) throw RuntimeError(error::PathNotFound);
+  if (node->Denied) throw RuntimeError(error::PermissionDenied);
+  return *node;
+}
+
+SimulatedDisk::Node& SimulatedDisk::FileForWriting(const std::string& path) {
+  if (path.empty()) throw RuntimeError(error::PathFileAccess);
+  Node* node = Find(path);
+  if (node != nullptr) {
+    if (node->IsFolder || node->ReadOnly) throw RuntimeError(error::PathFileAccess);
+    if (node->Denied || node->Writers > 0) throw RuntimeError(error::PermissionDenied);
+    return *node;
+  }
+  const std::string full = FullPath(path);
+  std::string name;
+  Node* parent = full.size() < kMaxPath ? Parent(full, name) : nullptr;
+  if (parent == nullptr) throw RuntimeError(error::PathNotFound);
+  if (name.find_first_of(":*?\"<>|") != std::string::npos) throw RuntimeError(error::BadFileNumber);
+  if (parent->Denied) throw RuntimeError(error::PathFileAccess);
+  auto made = std::make_unique<Node>();
+  made->Name = name;
+  made->Content = std::make_shared<FileContent>();
+  return *(parent->Children[UCase(name)] = std::move(made));
+}
+
+void SimulatedDisk::DeleteFile(const std::string& path, bool force) {
+  Node* node = Find(path);
+  if (node == nullptr || node->IsFolder) throw RuntimeError(error::FileNotFound);
+  if (node->Denied || node->Writers > 0 || (node->ReadOnly && !force)) {
+    throw RuntimeError(error::PermissionDenied);
+  }
+  std::string name;
+  Node* parent = Parent(FullPath(path), name);
+  if (freeSpace_ != UINT64_MAX) freeSpace_ += node->Content->Size;
+  parent->Children.erase(UCase(name));
+}
+
+bool SimulatedDisk::CopyFile(const std::string& from, const std::string& to) {
+  Node* source = Find(from);
+  if (source == nullptr || source->IsFolder || source->Denied) return false;
+  try {
+    Use(source->Content->Size);
+    Node& target = FileForWriting(FolderExists(to) ? to + "\\" + source->Name : to);
+    target.Content = source->Content;
+    return true;
+  } catch (const RuntimeError&) {
+    return false;
+  }
+}
+
+void SimulatedDisk::WriteFile(const std::string& path, std::string bytes) {
+  MakeFolders(ParentPath(FullPath(path)));
+  auto content = std::make_shared<FileContent>();
+  content->Size = bytes.size();
+  content->Bytes = std::move(bytes);
+  FileForWriting(path).Content = std::move(content);
+}
+
+std::optional<std::string> SimulatedDisk::ReadFile(const std::string& path) {
+  const Node* node = Find(path);
+  if (node == nullptr || node->IsFolder) return std::nullopt;
+  return node->Content->All();
+}
+
+void SimulatedDisk::AddHostFolder(const std::filesystem::path& hostFolder,
+                                  const std::string& path) {
+  MakeFolders(path);
+  for (const auto& entry : std::filesystem::directory_iterator(hostFolder)) {
+    const std::string target = path + "\\" + AnsiFromUtf8(entry.path().filename().string());
+    if (entry.is_directory()) {
+      AddHostFolder(entry.path(), target);
+    } else if (entry.is_regular_file()) {
+      auto content = std::make_shared<FileContent>();
+      content->HostFile = entry.path();
+      content->Size = entry.file_size();
+      FileForWriting(target).Content = std::move(content);
+    }
+  }
+}
+
+void SimulatedDisk::SaveTo(const std::string& path, const std::filesystem::path& hostFolder) {
+  std::filesystem::create_directories(hostFolder);
+  for (const auto& [upper, node] : FolderAt(path).Children) {
+    const std::filesystem::path target = hostFolder / Utf8FromAnsi(node->Name);
+    if (node->IsFolder) {
+      SaveTo(path + "\\" + node->Name, target);
+    } else {
+      std::ofstream(target, std::ios::binary) << node->Content->All();
+    }
+  }
+}
+
+void SimulatedDisk::Use(std::uint64_t bytes) {
+  if (freeSpace_ == UINT64_MAX) return;
+  if (bytes > freeSpace_) throw RuntimeError(error::DiskFull);
+  freeSpace_ -= bytes;
+}
+
+}  // namespace talu

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+
+#include "platform/Machine.h"
+#include "platform/simulated/Journal.h"
+#include "platform/simulated/SimulatedDisk.h"
+#include "platform/simulated/SimulatedFiles.h"
+#include "platform/simulated/SimulatedServer.h"
+#include "platform/simulated/SimulatedShell.h"
+#include "platform/simulated/SimulatedWindows.h"
+
+namespace talu {
+
+/// A whole machine in memory: disk, server, data sources, programs, a clock and an operator. It
+/// journals what it is asked and can be told to fail any request once.
+class SimulatedMachine {
+ public:
+  /// The pack lies at `appPath`; C: has the system's folders and "Program Files".
+  explicit SimulatedMachine(const std::string& appPath = "D:\\Pack")
+      : Disk(appPath), Parts{Windows,  Files,     Files,    Server, Odbc,
+                             Programs, Scripting, Settings, Clock,  appPath} {
+    Disk.MakeFolders("C:\\Windows\\system");
+    Disk.MakeFolders("C:\\Program Files");
+  }
+
+  talu::Journal Journal;
+  SimulatedDisk Disk;
+  SimulatedFiles Files{Journal, Disk};
+  SimulatedOdbc Odbc{Journal};
+  SimulatedServer Server{Journal, Odbc};
+  SimulatedProcesses Programs{Journal, Disk};
+  SimulatedScripting Scripting{Journal, Disk};
+  SimulatedSettings Settings{Journal};
+  SimulatedClock Clock;
+  SimulatedWindows Windows{Journal, Disk};
+  /// What the wizard works on.
+  Machine Parts;
+};
+
+}  // namespace talu

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/Ado.h"
+#include "platform/simulated/Journal.h"
+
+namespace talu {
+
+class SimulatedOdbc;
+
+/// A database server that keeps the names of databases and logins and records every statement. A
+/// statement that it need not understand succeeds.
+class SimulatedServer : public Ado {
+ public:
+  SimulatedServer(Journal& journal, SimulatedOdbc& odbc) : journal_(journal), odbc_(odbc) {}
+
+  std::unique_ptr<Connection> CreateConnection() override;
+  std::unique_ptr<Command> CreateCommand() override;
+
+  /// Statements that contain `text` fail with this error.
+  void FailStatements(const std::string& text, const RuntimeError& error);
+
+  /// Databases and logins that are there, upper-cased.
+  std::set<std::string> Databases;
+  std::set<std::string> Logins;
+  /// The only password that is accepted; empty: every login is.
+  std::string Password;
+  bool Reachable = true;
+  /// Keeps nothing and accepts every statement but those told to fail.
+  bool AcceptAll = false;
+
+ private:
+  friend class SimulatedConnection;
+  friend class SimulatedCommand;
+
+  void Connect(const std::string& text);
+  void Run(const std::string& statement, int timeout);
+  void Carry(const std::string& statement);
+
+  Journal& journal_;
+  SimulatedOdbc& odbc_;
+  std::vector<std::pair<std::string, RuntimeError>> failures_;
+};
+
+/// The provider's error for a statement that the server refuses; `text` is the server's.
+RuntimeError StatementError(const std::string& text);
+
+/// The words of a statement: keywords and names without brackets, quoted texts with a leading
+/// quote, single characters; comments left out.
+std::vector<std::string> SqlWords(std::string_view statement);
+
+}  // namespace talu

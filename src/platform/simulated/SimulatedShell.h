@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/Clock.h"
+#include "platform/OdbcInstaller.h"
+#include "platform/Processes.h"
+#include "platform/ScriptingHost.h"
+#include "platform/SettingsStore.h"
+#include "platform/simulated/Journal.h"
+#include "platform/simulated/SimulatedDisk.h"
+
+namespace talu {
+
+/// Data sources by name. A driver that is not known is refused.
+class SimulatedOdbc : public OdbcInstaller {
+ public:
+  explicit SimulatedOdbc(Journal& journal) : journal_(journal) {}
+  bool SQLConfigDataSource(int request, const std::string& driver,
+                           const std::string& attributes) override;
+
+  bool HasSource(const std::string& name) const;
+
+  std::vector<std::string> Drivers = {"SQL Server", "Microsoft Access Driver (*.mdb)"};
+
+ private:
+  Journal& journal_;
+  std::map<std::string, std::string> sources_;  // upper-cased name, attributes
+};
+
+/// Programs that end at once. One that is not on the disk cannot be started; the system's own are
+/// always there.
+class SimulatedProcesses : public Processes {
+ public:
+  SimulatedProcesses(Journal& journal, SimulatedDisk& disk) : journal_(journal), disk_(disk) {}
+  std::int32_t RunAndWait(const std::string& commandLine) override;
+  void Start(const std::string& commandLine, int windowStyle) override;
+
+  /// Exit codes by file name, upper-cased; 0 for any other.
+  std::map<std::string, std::int32_t> ExitCodes;
+
+ private:
+  /// The file that the command line names, as the platform looks for it; empty when none is there.
+  std::string ProgramOf(const std::string& commandLine) const;
+
+  Journal& journal_;
+  SimulatedDisk& disk_;
+};
+
+/// Special folders in their order, and shortcuts as files of the disk.
+class SimulatedScripting : public ScriptingHost {
+ public:
+  SimulatedScripting(Journal& journal, SimulatedDisk& disk);
+  std::unique_ptr<ScriptShell> CreateShell() override;
+
+  std::vector<std::string> SpecialFolders;
+
+ private:
+  Journal& journal_;
+  SimulatedDisk& disk_;
+};
+
+class SimulatedSettings : public SettingsStore {
+ public:
+  explicit SimulatedSettings(Journal& journal) : journal_(journal) {}
+  void SaveSetting(const std::string& application, const std::string& section,
+                   const std::string& key, const std::string& value) override;
+
+ private:
+  Journal& journal_;
+};
+
+/// Stands still at `Time`; what is in `Coming` is told first, one a question, and then stays.
+class SimulatedClock : public Clock {
+ public:
+  DateTime Now() override;
+
+  DateTime Time{2012, 3, 7, 9, 5};
+  std::deque<DateTime> Coming;
+};
+
+}  // namespace talu

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+#include <new>
+#include <utility>
+
+#include "runtime/RuntimeError.h"
+
+namespace talu {
+
+/// Resume-next: runs one statement at a time, hands the run-time error of a failing one to the
+/// handler and goes on. A statement is the smallest unit that can fail on its own. What the handler
+/// itself raises goes to the caller of the procedure, as does everything that is no run-time error.
+class ErrorTrap {
+ public:
+  using Handler = std::function<void(const RuntimeError&)>;
+
+  explicit ErrorTrap(Handler handler) : handler_(std::move(handler)) {}
+
+  /// Runs `statement`; returns whether it came to its end.
+  template <class Statement>
+  bool operator()(Statement&& statement) const {
+    try {
+      std::forward<Statement>(statement)();
+      return true;
+    } catch (const RuntimeError& error) {
+      handler_(error);
+    } catch (const std::bad_alloc&) {
+      handler_(RuntimeError(error::OutOfMemory));
+    }
+    return false;
+  }
+
+ private:
+  Handler handler_;
+};
+
+}  // namespace talu

@@ -1,0 +1,14 @@
+#include "runtime/Int16.h"
+
+#include <cmath>
+
+namespace talu {
+
+Int16 RoundToInt16(double value) {
+  if (!(value > -40000.0 && value < 40000.0)) throw RuntimeError(error::Overflow);
+  // std::nearbyint follows the rounding mode, which nothing in the process changes from
+  // to-nearest-even.
+  return static_cast<std::int64_t>(std::nearbyint(value));
+}
+
+}  // namespace talu

@@ -1,0 +1,135 @@
+#include "runtime/TextFiles.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "runtime/RuntimeError.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu {
+namespace {
+
+constexpr std::size_t kChunk = 64 * 1024;
+
+}  // namespace
+
+bool LineScanner::Next(std::string_view& line) {
+  if (rest_.empty()) return false;
+  const void* end = std::memchr(rest_.data(), '\r', rest_.size());
+  if (end == nullptr) {
+    line = rest_;
+    rest_ = {};
+    return true;
+  }
+  const auto length = static_cast<std::size_t>(static_cast<const char*>(end) - rest_.data());
+  line = rest_.substr(0, length);
+  rest_.remove_prefix(length + 1);
+  if (rest_.starts_with('\n')) rest_.remove_prefix(1);
+  return true;
+}
+
+int TextFiles::FreeFile() const {
+  for (int number = 1; number <= kNumbers; ++number) {
+    if (!IsOpen(number)) return number;
+  }
+  throw RuntimeError(error::TooManyFiles);
+}
+
+void TextFiles::Open(const std::string& path, OpenMode mode, int number) {
+  if (number < 1 || number > kNumbers) throw RuntimeError(error::BadFileNumber);
+  if (IsOpen(number)) throw RuntimeError(error::FileAlreadyOpen);
+  const std::string upperPath = UCase(path);
+  for (const OpenFile& other : pool_) {
+    const bool clash = mode != OpenMode::Input || other.Mode != OpenMode::Input;
+    if (other.File && clash && other.UpperPath == upperPath) {
+      throw RuntimeError(error::FileAlreadyOpen);
+    }
+  }
+  pool_[static_cast<std::size_t>(number)] = {
+      files_.OpenTextFile(path, mode), mode, upperPath, {}, 0};
+}
+
+void TextFiles::Close(int number) {
+  if (IsOpen(number)) pool_[static_cast<std::size_t>(number)] = {};
+}
+
+bool TextFiles::IsOpen(int number) const {
+  return number >= 1 && number <= kNumbers && pool_[static_cast<std::size_t>(number)].File;
+}
+
+bool TextFiles::EndOfFile(int number) {
+  OpenFile& file = Opened(number, true);
+  return file.At == file.Buffer.size() && !Fill(file);
+}
+
+void TextFiles::LineInput(int number, std::string& line) {
+  OpenFile& file = Opened(number, true);
+  if (file.At == file.Buffer.size() && !Fill(file)) throw RuntimeError(error::InputPastEnd);
+  line.clear();
+  do {
+    const char* start = file.Buffer.data() + file.At;
+    const std::size_t left = file.Buffer.size() - file.At;
+    const void* end = std::memchr(start, '\r', left);
+    const std::size_t length =
+        end == nullptr ? left : static_cast<std::size_t>(static_cast<const char*>(end) - start);
+    line.append(start, length);
+    file.At += length;
+    if (end != nullptr) {
+      ++file.At;
+      const bool more = file.At < file.Buffer.size() || Fill(file);
+      if (more && file.Buffer[file.At] == '\n') ++file.At;
+      return;
+    }
+  } while (Fill(file));
+}
+
+void TextFiles::Print(int number, const std::string& text) {
+  OpenFile& file = Opened(number, false);
+  std::string record;
+  record.reserve(text.size() + kCrLf.size());
+  file.File->Write(record.append(text).append(kCrLf));
+}
+
+std::string TextFiles::ReadWhole(const std::string& path) {
+  const int number = FreeFile();
+  Open(path, OpenMode::Input, number);
+  TextFile& file = *pool_[static_cast<std::size_t>(number)].File;
+  std::string text(static_cast<std::size_t>(file.Size()), '\0');
+  std::size_t length = 0;
+  try {
+    while (length < text.size()) {
+      const std::size_t got = file.Read(text.data() + length, text.size() - length);
+      if (got == 0) break;
+      length += got;
+    }
+  } catch (...) {
+    Close(number);
+    throw;
+  }
+  Close(number);
+  text.resize(length);
+  return text;
+}
+
+TextFiles::OpenFile& TextFiles::Opened(int number, bool forInput) {
+  if (!IsOpen(number)) throw RuntimeError(error::BadFileNumber);
+  OpenFile& file = pool_[static_cast<std::size_t>(number)];
+  if ((file.Mode == OpenMode::Input) != forInput) throw RuntimeError(error::BadFileMode);
+  return file;
+}
+
+bool TextFiles::Fill(OpenFile& file) {
+  file.Buffer.resize(kChunk);
+  file.At = 0;
+  std::size_t got = 0;
+  try {
+    got = file.File->Read(file.Buffer.data(), kChunk);
+  } catch (...) {
+    file.Buffer.clear();
+    throw;
+  }
+  file.Buffer.resize(got);
+  return got != 0;
+}
+
+}  // namespace talu

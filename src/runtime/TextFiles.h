@@ -1,0 +1,71 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/FileSystemObject.h"
+
+namespace talu {
+
+/// The lines of a text that is in memory. A CR or a CR LF ends a line, a lone LF does not; the last
+/// line needs no end.
+class LineScanner {
+ public:
+  explicit LineScanner(std::string_view text) : rest_(text) {}
+
+  /// Puts the next line into `line`; false when there is none left.
+  bool Next(std::string_view& line);
+
+ private:
+  std::string_view rest_;
+};
+
+/// Text files by number, as the run-time keeps them: a pool of 255 numbers, each free or open.
+/// Lines end as `LineScanner` says. What is printed is on disk when the call returns.
+class TextFiles {
+ public:
+  explicit TextFiles(FileSystemObject& files) : files_(files) {}
+
+  /// The lowest number that is not open. Raises 67.
+  int FreeFile() const;
+  /// Opens a file under a number. Raises 52 for a number outside 1 to 255, 55 when the number is
+  /// open or the file is open for writing (for writing: open at all), and what the file system
+  /// raises.
+  void Open(const std::string& path, OpenMode mode, int number);
+  /// Closes a number; no error when it is not open.
+  void Close(int number);
+  bool IsOpen(int number) const;
+  /// Whether all has been read. Raises 52 when the number is not open, 54 when it is not open for
+  /// input.
+  bool EndOfFile(int number);
+  /// Reads the next line into `line`, whole, without its end. Raises 52, 54, and 62 at the end of
+  /// the file.
+  void LineInput(int number, std::string& line);
+  /// Writes `text` and a line end. Raises 52, 54, 57, 61.
+  void Print(int number, const std::string& text);
+
+  /// Reads a whole file under a free number and closes it. Raises as `FreeFile` and `Open` do.
+  std::string ReadWhole(const std::string& path);
+
+ private:
+  static constexpr int kNumbers = 255;
+
+  struct OpenFile {
+    std::unique_ptr<TextFile> File;
+    OpenMode Mode = OpenMode::Input;
+    std::string UpperPath;
+    std::string Buffer;
+    std::size_t At = 0;
+  };
+
+  OpenFile& Opened(int number, bool forInput);
+  static bool Fill(OpenFile& file);
+
+  FileSystemObject& files_;
+  std::array<OpenFile, kNumbers + 1> pool_;  // element 0 is never open
+};
+
+}  // namespace talu

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace talu {
+
+// Text functions of the run-time. Texts are 8-bit, in the ANSI code page; positions count from 1
+// and 0 means "not found"; a start below 1 and a negative length raise error 5. Comparison is
+// binary.
+
+/// A position or a length in a text.
+using Position = std::ptrdiff_t;
+
+inline constexpr std::string_view kCrLf = "\r\n";
+
+/// Position of the first `find` at or behind `start`; `start` itself for an empty `find`; 0 when it
+/// does not occur or `text` is empty. Raises 5.
+Position InStr(Position start, std::string_view text, std::string_view find);
+Position InStr(std::string_view text, std::string_view find);
+
+/// Whether `find` occurs anywhere in `text`.
+bool Contains(std::string_view text, std::string_view find);
+
+/// Position of the last `find` that ends at or before `start`; 0 when there is none or `start` is
+/// past the end. Raises 5.
+Position InStrRev(std::string_view text, std::string_view find, Position start);
+Position InStrRev(std::string_view text, std::string_view find);
+
+/// The part from `start` on, at most `length` characters; empty past the end. Raises 5.
+std::string Mid(std::string_view text, Position start, Position length);
+std::string Mid(std::string_view text, Position start);
+
+/// The first or last `length` characters, the whole text when it is shorter. Raises 5.
+std::string Left(std::string_view text, Position length);
+std::string Right(std::string_view text, Position length);
+
+/// Without leading and trailing blanks; other white space stays.
+std::string_view TrimView(std::string_view text);
+std::string Trim(std::string_view text);
+
+/// Upper case in code page 1252.
+char UCase(char character);
+std::string UCase(std::string_view text);
+
+/// Whether `text`, upper-cased, contains `upper` (upper case already), without a copy.
+bool ContainsUpper(std::string_view text, std::string_view upper);
+/// Whether `text`, upper-cased, equals `upper` (upper case already), without a copy.
+bool EqualsUpper(std::string_view text, std::string_view upper);
+
+/// The pieces between separators, empty ones too; no piece at all for an empty text.
+std::vector<std::string> Split(std::string_view text, char separator);
+
+/// Element `index` from 0. Raises 9 outside the array.
+const std::string& Element(const std::vector<std::string>& array, std::ptrdiff_t index);
+
+/// Every `find` replaced, from the left, not looking again at what was put in. An empty `find`
+/// replaces nothing.
+std::string Replace(std::string_view text, std::string_view find, std::string_view replacement);
+
+/// The part of a path before its last backslash. Raises 5 when it has none.
+std::string ParentPath(std::string_view path);
+
+}  // namespace talu

@@ -1,0 +1,32 @@
+#include "runtime/TextFunctions.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+
+// Both files stay open between calls and are closed at the start of the next, so that the file
+// number is never given back.
+
+void Wizard::WriteErrLog(const std::string& message) {
+  TextFiles.Close(State.LogFileNumber);
+  TextFiles.Open(State.AppFolderPath + "\\Ta-luErrLog.txt", OpenMode::Append, State.LogFileNumber);
+  TextFiles.Print(State.LogFileNumber, "//\r\n" + message + "\r\n");
+}
+
+void Wizard::WriteUninstall(const std::string& line) {
+  TextFiles.Close(State.UninstallFileNumber);
+  TextFiles.Open(State.AppFolderPath + "\\Uninstall.dat", OpenMode::Append,
+                 State.UninstallFileNumber);
+  TextFiles.Print(State.UninstallFileNumber, line + "\r\n");
+}
+
+void Wizard::WriteErrorEntry(const RuntimeError& error) {
+  TextFiles.Close(State.LogFileNumber);
+  WriteErrLog("//\r\n" + error.Description + "\r\n");
+}
+
+void Wizard::WriteErrorEntry(const RuntimeError& error, const std::string& batchText) {
+  TextFiles.Close(State.LogFileNumber);
+  WriteErrLog("//\r\n" + error.Description + "\r\n" + batchText + "\r\n");
+}
+
+}  // namespace talu

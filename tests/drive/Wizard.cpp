@@ -1,0 +1,128 @@
+// A wizard of three pages that does what drive has to cope with: controls that appear or are
+// enabled late, a message box, work without answering, a masked box, an end by the frame.
+#include <windows.h>
+
+#include <map>
+#include <string>
+
+namespace {
+
+struct Form {
+  const char* Name;
+  HWND Window = nullptr;
+  std::map<std::string, HWND> Controls{};
+};
+
+Form type{"FrmType"};
+Form location{"FrmLocation"};
+Form application{"FrmApplication"};
+HWND shown = nullptr;
+int nextId = 100;
+
+/// Properties and control ids are numbers that travel as handles.
+template <class Handle>
+Handle As(INT_PTR number) {
+  return reinterpret_cast<Handle>(number);  // NOLINT(performance-no-int-to-ptr)
+}
+
+void Add(Form& form, const char* name, const char* kind, const char* text, DWORD style, int x,
+         int y, int width = 200) {
+  const HWND control = CreateWindowA(kind, text, WS_CHILD | style, x, y, width, 24, form.Window,
+                                     As<HMENU>(nextId++), nullptr, nullptr);
+  SetPropA(control, name, As<HANDLE>(1));
+  SetPropA(control, "Width", As<HANDLE>(width * 15));
+  form.Controls[name] = control;
+}
+
+std::string Read(Form& form, const char* name) {
+  char text[300] = "";
+  GetWindowTextA(form.Controls[name], text, 300);
+  return text;
+}
+
+void Show(Form& form, Form* from) {
+  if (from != nullptr) ShowWindow(from->Window, SW_HIDE);
+  ShowWindow(form.Window, SW_SHOW);
+  shown = form.Window;
+  if (&form == &application) SetTimer(form.Window, 1, 700, nullptr);
+}
+
+void Clicked(HWND control) {
+  if (control == type.Controls["OptUpgrade"]) ShowWindow(type.Controls["ChkOldLocation"], SW_SHOW);
+  if (control == type.Controls["CmdNext"]) Show(location, &type);
+  if (control == location.Controls["CmdPrev"]) Show(type, &location);
+  if (control == application.Controls["CmdNext"]) ExitProcess(7);
+  if (control != location.Controls["CmdNext"]) return;
+  if (Read(location, "TxtInstaPath") == "C:\\In use") {
+    SetWindowTextA(location.Controls["LblMsg"], "Please\rchoose \"again\"");
+    MessageBoxA(location.Window, "Location in use,\r\nPlease select another", "Wizard", MB_OK);
+  } else if (Read(location, "TxtPsWord") == "s3cret") {
+    EnableWindow(control, FALSE);
+    Sleep(3000);  // work that lets nothing through
+    Show(application, &location);
+  }
+}
+
+void Changed() {
+  EnableWindow(location.Controls["CmdNext"], !Read(location, "TxtInstaPath").empty());
+}
+
+LRESULT CALLBACK Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_CLOSE) ExitProcess(9);
+  if (message == WM_COMMAND && HIWORD(wParam) == EN_CHANGE) Changed();
+  if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
+    Clicked(As<HWND>(lParam));
+  }
+  if (message == WM_LBUTTONUP && window == type.Window)
+    SetWindowTextA(type.Controls["LblMsg"], "through");
+  if (message == WM_TIMER) {
+    KillTimer(window, 1);
+    SetPropA(application.Controls["ShpProgBar"], "Width", As<HANDLE>(7325));
+    EnableWindow(application.Controls["CmdNext"], TRUE);
+  }
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+
+void Make(Form& form) {
+  form.Window = CreateWindowExA(WS_EX_CONTROLPARENT, "page", "Wizard",
+                                WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU, 200, 150, 520, 360,
+                                nullptr, nullptr, nullptr, nullptr);
+  SetPropA(form.Window, form.Name, As<HANDLE>(1));
+  Add(form, "LblMsg", "STATIC", "", WS_VISIBLE, 20, 20);
+}
+
+}  // namespace
+
+int main() {
+  WNDCLASSA page = {};
+  page.lpfnWndProc = Handle;
+  page.hbrBackground = CreateHatchBrush(HS_DIAGCROSS, RGB(0, 90, 200));
+  page.hCursor = LoadCursor(nullptr, IDC_ARROW);
+  page.lpszClassName = "page";
+  RegisterClassA(&page);
+  const DWORD button = WS_VISIBLE | WS_TABSTOP;
+  Make(type);
+  Add(type, "OptFresh", "BUTTON", "Fresh", button | BS_AUTORADIOBUTTON | WS_GROUP, 20, 60);
+  Add(type, "OptUpgrade", "BUTTON", "Upgrade", button | BS_AUTORADIOBUTTON, 20, 90);
+  Add(type, "ChkOldLocation", "BUTTON", "Old", WS_TABSTOP | BS_AUTOCHECKBOX | WS_GROUP, 20, 120);
+  Add(type, "CmdNext", "BUTTON", "&Next", button, 280, 280);
+  Make(location);
+  Add(location, "TxtInstaPath", "EDIT", "", button | WS_BORDER | ES_AUTOHSCROLL, 20, 60);
+  Add(location, "TxtPsWord", "EDIT", "old", button | WS_BORDER | ES_PASSWORD, 20, 90);
+  Add(location, "CmdPrev", "BUTTON", "&Back", button, 20, 280);
+  Add(location, "CmdNext", "BUTTON", "&Next", button | WS_DISABLED, 280, 280);
+  Make(application);
+  Add(application, "ShpProgBar", "STATIC", "", WS_VISIBLE, 20, 60, 97);
+  Add(application, "CmdNext", "BUTTON", "&Finish", button | WS_DISABLED, 280, 280);
+  SendMessageA(type.Controls["OptFresh"], BM_SETCHECK, BST_CHECKED, 0);
+  Sleep(500);
+  Show(type, nullptr);
+  SetFocus(type.Controls["OptFresh"]);
+  MSG message;
+  while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+    if (IsDialogMessageA(shown, &message)) continue;
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+  }
+  return 0;
+}

@@ -1,0 +1,367 @@
+#include <algorithm>
+
+#include "Pack.h"
+#include "pages/FrmSQLNonQuery.h"
+
+namespace talu {
+namespace {
+
+class DatabaseTest : public PackTest {
+ protected:
+  DatabaseTest() {
+    machine.Disk.MakeFolders("C:\\Progs");
+    List({"a.sql"});
+  }
+
+  /// The fresh scripts of the pack; the backup scans them when `scanned`.
+  void List(const std::vector<std::string>& names, bool scanned = false) {
+    Configure({Block("FreshDBSript", names), Block("DemoDBSript", {"d.sql"}),
+               Block("UpgradeDBSript", {"u.sql"}),
+               Block("DBSript", scanned ? names : std::vector<std::string>{})});
+  }
+  void Script(const std::string& name, const std::vector<std::string>& lines) {
+    Put("SQLScript\\Fresh\\" + name, CrLfLines(lines));
+  }
+  void Build() { Install("OptServer"); }
+  /// A second showing of the page, whose Back the first build has disabled.
+  void BuildAgain() {
+    windows.Run([this] { wizard.Page<FrmSQLNonQuery>().Show(); });
+  }
+  void FailOn(const std::string& text) {
+    machine.Server.FailStatements(text, StatementError("Told to fail."));
+  }
+
+  static std::vector<std::string> From(const std::vector<std::string>& list, std::size_t start) {
+    return {list.begin() + static_cast<std::ptrdiff_t>(start), list.end()};
+  }
+
+  const std::string failed = "[Microsoft][ODBC SQL Server Driver][SQL Server]Told to fail.";
+  const std::string create =
+      "CREATE DATABASE SalesDB ON PRIMARY (NAME=S, FILENAME='C:\\Old\\Data\\S.mdf') LOG ON "
+      "(NAME=L, FILENAME='C:\\Old\\Data\\S_log.ldf')";
+};
+
+TEST_F(DatabaseTest, BatchesMoveTheirFilesAndRecordTheirNames) {
+  List({"a.sql", "b.sql"});
+  Script("a.sql", {"  --TALUgo", "", create, " go ", "CREATE LOGIN Seller WITH PASSWORD='x'", "GO",
+                   "SELECT 1", "GO -- end", "Go"});
+  Script("b.sql", {"--taluLineByLine", "  INSERT 1 ", "x --talulinebyline y", "GO"});
+  Build();
+  const std::string data = app + "\\Data";
+  EXPECT_EQ(Statements(),
+            (std::vector<std::string>{"\r\n" + Replace(create, "C:\\Old\\Data", data),
+                                      "\r\nCREATE LOGIN Seller WITH PASSWORD='x'",
+                                      "\r\nSELECT 1\r\nGO -- end", "  INSERT 1 ", "GO"}));
+  EXPECT_EQ(Statements().size(), 5U);
+  EXPECT_EQ(machine.Journal.Texts("sql", "timeout").front(), "300");
+  EXPECT_EQ(wizard.State.CreatedDatabaseList, ", SalesDB");
+  EXPECT_EQ(From(Records(), 3),
+            (std::vector<std::string>{"UsrName:sa", "PsWord:secret", "DBNames:1, SalesDB",
+                                      "DBLogins:1, Seller"}));
+  EXPECT_EQ(windows.VisibleForm(), "FrmApplication");
+  EXPECT_EQ(LogEntries().at(4), "Database creation completed successfully...");
+}
+
+TEST_F(DatabaseTest, WhatIsCutFromOddStatements) {
+  struct Case {
+    const char* what;
+    std::string batch;
+    std::string list;
+    int errors;
+    bool rewritten;
+  };
+  const Case cases[] = {
+      {"lower case", "create database X (FILENAME='C:\\Old\\x.mdf')", "", 0, false},
+      {"no FILENAME", "CREATE DATABASE X ON", "", 0, false},
+      {"a line end behind the name", "CREATE DATABASE X\r\nON (FILENAME='C:\\Old\\x.mdf')",
+       ", X\r\nON", 0, true},
+      {"no drive letter", "CREATE DATABASE X ON (FILENAME='x.mdf')", ", X", 3, false},
+      {"no .mdf", "CREATE DATABASE X ON (FILENAME='C:\\Old\\x.MDF')", ", X", 2, false},
+      {"no blank behind the name", "CREATE DATABASE FILENAME='C:\\Old\\x.mdf'", "", 1, true},
+      {"two in one batch",
+       "CREATE DATABASE X ON (FILENAME='C:\\Old\\x.mdf') CREATE DATABASE Y ON "
+       "(FILENAME='C:\\Old\\y.mdf')",
+       ", X", 0, true},
+  };
+  Build();  // the folders
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.what);
+    Script("a.sql", {"--taluGO", test.batch, "GO"});
+    wizard.State.CreatedDatabaseList.clear();
+    machine.Server.Databases.clear();
+    const auto statements = Statements().size();
+    const auto entries = LogEntries().size();
+    BuildAgain();
+    EXPECT_EQ(wizard.State.CreatedDatabaseList, test.list);
+    ASSERT_GT(Statements().size(), statements);
+    EXPECT_EQ(Contains(Statements().at(statements), app + "\\Data\\x"), test.rewritten);
+    int errors = 0;
+    for (auto at = entries; at < LogEntries().size(); ++at) {
+      errors += Contains(LogEntries().at(at), "Invalid procedure call or argument") ? 1 : 0;
+    }
+    EXPECT_EQ(errors, test.errors);
+  }
+}
+
+TEST_F(DatabaseTest, AFailedBuildIsRolledBackAndASecondOneDropsTheOldestNames) {
+  Script("a.sql",
+         {"--taluGO", create, "GO", "CREATE DATABASE Stock ON (FILENAME='C:\\Old\\t.mdf')", "GO",
+          "CREATE LOGIN Seller WITH PASSWORD='x'", "GO", "BAD", "GO", "AFTER", "GO"});
+  FailOn("BAD");
+  Build();
+  EXPECT_EQ(Statements().at(4), "\r\nAFTER") << "a failing batch does not stop the build";
+  const std::vector<std::string> drops = {
+      "USE Master",
+      "ALTER DATABASE  SalesDB SET OFFLINE WITH ROLLBACK IMMEDIATE",
+      "DROP DATABASE  SalesDB",
+      "USE Master",
+      "ALTER DATABASE  Stock SET OFFLINE WITH ROLLBACK IMMEDIATE",
+      "DROP DATABASE  Stock",
+      "USE Master",
+      "DROP LOGIN  Seller"};
+  EXPECT_EQ(From(Statements(), 5), drops);
+  EXPECT_TRUE(machine.Server.Databases.empty() && machine.Server.Logins.empty());
+  EXPECT_EQ(windows.Messages(), std::vector<std::string>{failed});
+  EXPECT_EQ(Shown("LblMsg"), "Database creation not finished...");
+  EXPECT_EQ(Width(), 440);
+  EXPECT_FALSE(windows.Shown("CmdPrev")->Enabled);
+  EXPECT_EQ(LogEntries().at(4), "//\r\n" + failed + "\r\n\r\nBAD\r\n");
+
+  // The next build counts from 0 but its list goes on: the oldest names are dropped.
+  Script("a.sql",
+         {"--taluGO", "CREATE DATABASE Third ON (FILENAME='C:\\Old\\h.mdf')", "GO", "BAD", "GO"});
+  const auto before = Statements().size();
+  BuildAgain();
+  EXPECT_EQ(From(Statements(), before + 2),
+            (std::vector<std::string>{
+                "USE Master", "ALTER DATABASE  SalesDB SET OFFLINE WITH ROLLBACK IMMEDIATE"}));
+  EXPECT_TRUE(machine.Server.Databases.contains("THIRD"));
+
+  Script("a.sql", {"--taluGO", "SELECT 1", "GO"});
+  BuildAgain();
+  EXPECT_EQ(windows.VisibleForm(), "FrmApplication");
+  EXPECT_EQ(Records().at(5), "DBNames:0, SalesDB, Stock, Third");
+}
+
+TEST_F(DatabaseTest, AFailingDropLeavesTheRestOfItsListAndStillDropsTheLogins) {
+  Script("a.sql", {"--taluGO", create, "GO", "CREATE DATABASE Stock ON (FILENAME='C:\\Old\\t.mdf')",
+                   "GO", "CREATE LOGIN Seller WITH PASSWORD='x'", "GO", "BAD", "GO"});
+  FailOn("BAD");
+  FailOn("DROP DATABASE  SalesDB");
+  Build();
+  EXPECT_TRUE(machine.Server.Databases.contains("STOCK"));
+  EXPECT_TRUE(machine.Server.Logins.empty());
+}
+
+TEST_F(DatabaseTest, ModesLeakAndResetAsTheyAlwaysDid) {
+  List({"a.sql", "b.sql", "c.sql"});
+  Script("a.sql", {"--taluLineByLine", "ONE", "--taluGO", "TWO"});  // no last GO
+  Script("b.sql", {"THREE"});                                       // line mode has stayed on
+  Script("c.sql", {"--taluGO", "FOUR", "GO", "FIVE"});
+  Build();
+  EXPECT_EQ(Statements(), (std::vector<std::string>{"ONE", "THREE", "\r\nFOUR"}));
+  // In line mode a line replaces what was gathered; only the last file's rest is still there.
+  Script("a.sql", {"--taluGO", "SIX", "GO"});
+  List({"a.sql"});
+  BuildAgain();
+  EXPECT_EQ(Statements().back(), "\r\nFIVE\r\nSIX");
+}
+
+TEST_F(DatabaseTest, TheConfigurationIsReadTheBuildsOwnWay) {
+  Script("a.sql", {"--taluLineByLine", "A"});
+  Script("b.sql", {"--taluLineByLine", "B"});
+  struct Case {
+    const char* what;
+    std::string file;
+    std::vector<std::string> statements;
+    int missing;  // the brace that closed a block is still a name when the next one opens
+  };
+  const Case cases[] = {
+      {"a blank line before another block",
+       "\r\n" + Block("Other", {"b.sql"}) + Block("FreshDBSript", {"a.sql"}),
+       {"B", "A"},
+       1},
+      {"a key's beginning, a blank value", Block("Fresh", {"a.sql", "", "b.sql"}), {"A", "B"}, 0},
+      {"lines before the brace", "FreshDBSript\r\nb.sql\r\n{\r\na.sql\r\n}\r\n", {"A"}, 0},
+  };
+  const std::string folders =
+      Block("AppTitle", {"T"}) + Block("AppFolder", {"App"}) + Block("DBFolder", {"Data"});
+  Build();
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.what);
+    Put("AppCfg.txt", folders + test.file);
+    const auto before = Statements().size();
+    const auto entries = LogEntries().size();
+    BuildAgain();
+    EXPECT_EQ(From(Statements(), before), test.statements);
+    EXPECT_EQ(std::ranges::count(From(LogEntries(), entries), "//\r\nFile not found\r\n\r\n"),
+              test.missing);
+  }
+}
+
+TEST_F(DatabaseTest, EveryBuildComesToItsEnd) {
+  struct Case {
+    const char* what;
+    std::string script;
+    std::string status;
+    std::size_t messages;
+  };
+  const std::string done = "Database creation completed successfully...";
+  const std::string malformed = "Script format is not correct....";
+  const Case cases[] = {
+      {"empty", "", done, 0},
+      {"no directive", "SELECT 1\r\n", malformed, 0},
+      {"no last GO", "--taluGO\r\nSELECT 1\r\n", done, 0},
+      {"LF alone", "--taluGO\nSELECT 1\nGO\n", done, 0},
+      {"8-bit and NUL", std::string("--taluGO\r\nSELECT '\xE9\0'\r\nGO\r\n", 26), done, 0},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.what);
+    Wizard fresh(machine.Parts);
+    Put("SQLScript\\Fresh\\a.sql", test.script);
+    fresh.State.AppFolderPath = "C:\\Progs";
+    fresh.State.DBFolderPath = "C:\\Progs\\Data";
+    fresh.State.ServerName = "SRV1";
+    fresh.State.LogFileNumber = 1;
+    fresh.State.UninstallFileNumber = 2;
+    const auto messages = windows.Messages().size();
+    windows.Run([&] { fresh.Page<FrmSQLNonQuery>().Show(); });
+    EXPECT_EQ(fresh.Page<FrmSQLNonQuery>().LblMsg.Caption.Get(), test.status);
+    EXPECT_EQ(windows.Messages().size() - messages, test.messages);
+  }
+}
+
+TEST_F(DatabaseTest, AMissingScriptCostsOneEntryAndTheBuild) {
+  List({"none.sql", "a.sql"});
+  Script("a.sql", {"--taluGO", "SELECT 1", "GO"});
+  Build();
+  EXPECT_EQ(windows.Messages(), std::vector<std::string>{"File not found"});
+  EXPECT_EQ(std::ranges::count(LogEntries(), "//\r\nFile not found\r\n\r\n"), 1);
+  EXPECT_EQ(Statements(), std::vector<std::string>{"\r\nSELECT 1"});
+}
+
+TEST_F(DatabaseTest, WithoutServerOrFolderNothingIsRun) {
+  Script("a.sql", {"--taluGO", "SELECT 1", "GO"});
+  GoToLocation("OptFresh", "OptServer", "C:\\Progs");
+  machine.Server.Reachable = false;
+  windows.Click("CmdNext");
+  EXPECT_EQ(Shown("LblMsg"), "Database authentication failed, Can not continue ...");
+  EXPECT_EQ(windows.VisibleForm(), "FrmSQLNonQuery");
+  machine.Server.Reachable = true;
+  wizard.State.DBFolderPath = "";
+  BuildAgain();
+  EXPECT_EQ(LogEntries().back(), "//\r\n\r\n\r\n");
+  EXPECT_TRUE(Statements().empty());
+}
+
+TEST_F(DatabaseTest, TheBarGrowsToItsLimitAndFallsBack) {
+  std::vector<std::string> lines(1500, "X");
+  lines.insert(lines.begin(), "--taluLineByLine");
+  Script("a.sql", lines);
+  Build();
+  wizard.Page<FrmSQLNonQuery>().ShpProgBar.Width = 5500;
+  BuildAgain();
+  int most = 0;
+  for (const JournalEvent& event : machine.Journal.Events()) {
+    if (event.Text("form") != "FrmSQLNonQuery" || event.Text("property") != "Width") continue;
+    most = std::max(most, std::stoi(event.Text("value")));
+  }
+  EXPECT_EQ(most, 6000);
+}
+
+TEST_F(DatabaseTest, TheBackupCollectsNamesItsOwnWay) {
+  struct Case {
+    const char* what;
+    std::string batch;
+    std::vector<std::string> names;
+    std::string error;
+  };
+  const std::string overflow = "Overflow";
+  const std::string invalid = "Invalid procedure call or argument";
+  const Case cases[] = {
+      {"plain", "CREATE DATABASE Sales ON PRIMARY", {"Sales"}, ""},
+      {"brackets", "ALTER DATABASE [My Sales] SET X ", {"My Sales"}, ""},
+      {"all kinds",
+       "CREATE DATABASE A1 ALTER DATABASE B2 X DROP DATABASE C3",
+       {"A1", "B2", "C3"},
+       ""},
+      {"use", "USE Sales", {"Sales"}, ""},
+      {"use behind a word with its letters", "CAUSE x USE Sales", {"x USE Sales"}, ""},
+      {"lower case", "create database x y", {}, ""},
+      {"no blank behind the name",
+       "CREATE DATABASE Sales\r\nDROP DATABASE Old",
+       {"Sales\r\nDROP", "Old"},
+       ""},
+      {"nothing behind the name", "CREATE DATABASE Sales", {}, invalid},
+      {"too long a name", "CREATE DATABASE " + std::string(129, 'n') + " ON", {}, ""},
+      {"a position past 16 bits", std::string(32760, '-') + " CREATE DATABASE A B", {}, overflow},
+      {"a long batch", std::string(32740, '-') + "USE A", {"A"}, ""},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.what);
+    SimulatedMachine other;
+    other.Disk.WriteFile("D:\\Pack\\AppCfg.txt",
+                         Block("FreshDBSript", {"a.sql"}) + Block("DBSript", {"one"}));
+    other.Disk.WriteFile("D:\\Pack\\SQLScript\\Fresh\\a.sql",
+                         CrLfLines({"--taluGO", test.batch, "GO"}));
+    other.Disk.MakeFolders("C:\\Progs");
+    other.Server.AcceptAll = true;
+    Wizard fresh(other.Parts);
+    fresh.State.AppFolderPath = "C:\\Progs\\App";
+    fresh.State.AppFolderName = "App";
+    fresh.State.DBFolderPath = "";
+    fresh.State.ServerName = "SRV1";
+    fresh.State.LogFileNumber = 1;
+    other.Disk.MakeFolders("C:\\Progs\\App");
+    other.Windows.Run([&] { fresh.Page<FrmSQLNonQuery>().Show(); });
+    std::vector<std::string> expected;
+    for (const std::string& name : test.names) {
+      expected.push_back("USE Master");
+      expected.push_back("IF  EXISTS (SELECT name FROM sys.databases WHERE name = N'" + name +
+                         "') BACKUP DATABASE " + name +
+                         " TO  DISK = N'C:\\Progs\\App BackUp\\Talu_" + name +
+                         "_7_3_2012_9_5.bkp ' WITH NOFORMAT, INIT,  NAME = N'" + name +
+                         "-Full Database Backup', SKIP, NOREWIND, NOUNLOAD,  STATS = 10");
+    }
+    EXPECT_EQ(other.Journal.Texts("sql", "text"), expected);
+    EXPECT_EQ(Contains(other.Disk.ReadFile("C:\\Progs\\App\\Ta-luErrLog.txt").value_or(""),
+                       "//\r\n//\r\n" + (test.error.empty() ? "?" : test.error)),
+              !test.error.empty());
+  }
+}
+
+TEST_F(DatabaseTest, TheBackupsListLivesAsLongAsTheProgram) {
+  List({"a.sql", "b.sql"}, true);
+  Script("a.sql", {"--taluGO", "USE Sales2010", "GO", "USE Sales", "GO"});
+  Script("b.sql", {"--taluLineByLine", "USE Stock"});
+  machine.Server.Databases = {"SALES2010", "SALES", "STOCK"};
+  Build();
+  const auto backups = [this] {
+    return std::ranges::count_if(Statements(), [](const std::string& statement) {
+      return statement.starts_with("IF  EXISTS");
+    });
+  };
+  EXPECT_EQ(backups(), 2) << "Sales is part of a name in the list";
+  Script("a.sql", {"--taluGO", "USE Other", "GO"});
+  BuildAgain();
+  EXPECT_EQ(backups(), 5);
+  // Its connection is still open from the first time.
+  EXPECT_EQ(std::ranges::count(LogEntries(),
+                               "//\r\nOperation is not allowed when the object is open.\r\n\r\n"),
+            2);
+}
+
+TEST_F(DatabaseTest, TheBackupScansTheCrossedSets) {
+  Configure({Block("FreshDBSript", {"f"}), Block("DemoDBSript", {"d.sql"}),
+             Block("UpgradeDBSript", {"u.sql"}), Block("DBSript", {"one"})});
+  Put("SQLScript\\Demo\\d.sql", "--taluLineByLine\r\nUSE DemoDB\r\n");
+  Put("SQLScript\\Upgrade\\u.sql", "--taluLineByLine\r\nUSE UpDB\r\n");
+  machine.Server.Databases = {"DEMODB", "UPDB"};
+  Install("OptServer", "OptUpgrade");
+  ASSERT_EQ(Statements().size(), 3U);
+  EXPECT_TRUE(Contains(Statements().at(1), "BACKUP DATABASE DemoDB"));
+  EXPECT_EQ(Statements().back(), "USE UpDB");
+}
+
+}  // namespace
+}  // namespace talu

@@ -1,0 +1,293 @@
+#include <algorithm>
+
+#include "Pack.h"
+#include "deploy/MdlCommon.h"
+#include "pages/FrmApplication.h"
+
+namespace talu {
+namespace {
+
+class DeployTest : public PackTest {
+ protected:
+  DeployTest() { machine.Disk.MakeFolders("C:\\Progs"); }
+
+  /// The log from the data sources on.
+  std::vector<std::string> DeploymentLog() {
+    std::vector<std::string> entries = LogEntries();
+    const auto start = std::ranges::find(entries, "DSN creation started...");
+    return {start, entries.end()};
+  }
+  /// The log's entries between two of the driver's own.
+  std::vector<std::string> Between(const std::string& first, const std::string& last) {
+    const std::vector<std::string> entries = LogEntries();
+    const auto start = std::ranges::find(entries, first);
+    const auto end = std::find(start, entries.end(), last);
+    EXPECT_NE(end, entries.end()) << last;
+    return start == entries.end() ? entries : std::vector<std::string>(start + 1, end);
+  }
+};
+
+TEST_F(DeployTest, AWholeClientInstallationInOrder) {
+  Configure({Block("SystemDSN",
+                   {"SQL Server , Books , BooksDB , sa , x", "SQL Server,Stock,StockDB,sa,x"}),
+             Block("RegnLocation", {"\\Parts"}), Block("SpecialRegn", {"x.ocx,more"}),
+             Block("Shotcut", {"\\Desk.exe, start menu ,Desk", "\\Desk.exe,StartMenu,Desk",
+                               "\\Desk.exe,desktop,Desk"}),
+             Block("WriteSettings", {"\\Conn.txt,Server=,server"}),
+             Block("AddOns", {"tool.exe", "extra.msi", "missing.exe", "Setup.EXE"}),
+             Block("FinalMsg", {"A", "B", "  "})});
+  Put("Application\\Parts\\grid.OCX", "g");
+  Put("Application\\Desk.exe", "d");
+  Put("Application\\desk.mdf", "m");
+  Put("SpecialRegn\\x.ocx", "x");
+  Put("AddOns\\tool.exe", "t");
+  Put("AddOns\\extra.msi", "m");
+  machine.Programs.ExitCodes["TOOL.EXE"] = 7;
+  Install("OptClient");
+
+  const std::string grid = "regsvr32 /s \"" + app + "\\Parts\\grid.OCX\"";
+  const std::string special = "regsvr32 /s \"C:\\Windows\\system\\x.ocx\"";
+  const std::string menu = "C:\\ProgramData\\Microsoft\\Windows\\Start Menu\\TALU\\App\\Desk.lnk";
+  EXPECT_EQ(DeploymentLog(),
+            (std::vector<std::string>{
+                "DSN creation started...",
+                "creating - SQL Server,Stock,StockDB,sa,x",
+                "creating - SQL Server , Books , BooksDB , sa , x",
+                "//\r\nOperation is not allowed when the object is open.\r\n",
+                "DSN(s) created successfully",
+                "Started Copying files...",
+                "//\r\nCopying file - " + app + "\\D:\\Pack\\Application\\Desk.exe",
+                "//\r\nCreating New Folder - " + app + "\\Parts",
+                "//\r\nCopying file - " + app + "\\Parts\\D:\\Pack\\Application\\Parts\\grid.OCX",
+                "File copying finished Successfully....",
+                "File Registration started...",
+                grid + " /U",
+                grid,
+                "All Files registered successfully",
+                "Special Registration started...",
+                special + " /U",
+                special,
+                "Special Registration finished.",
+                "Creating Shotcuts...",
+                "Shotcut:" + menu + " created",
+                "Shotcut:C:\\Users\\Public\\Desktop\\Desk.lnk created",
+                "Writing Settings started...",
+                "Writing Settings not Finished",
+                "Execution of AddOn packs started...",
+                "Execution of tool.exe AddOn pack started",
+                "Process Finished, Exit Code 7",
+                "Execution of extra.msi AddOn pack started",
+                "msiexec /a \"D:\\Pack\\AddOns\\extra.msi\" /quiet",
+                "Process Finished, Exit Code 0",
+                "Execution of missing.exe AddOn pack started",
+                "Process Finished, Exit Code -1",
+                "Process Finished, Exit Code -1",
+                "Final Message started...",
+                "Final Message write successfully",
+                "Installation finished."}));
+  EXPECT_EQ(Records(),
+            (std::vector<std::string>{
+                "AppFolder:" + app, "DBFolder:" + app + "\\Data", "Server:SRV1",
+                "SystemDSN:SQL Server,Stock,StockDB,sa,x",
+                "SystemDSN:SQL Server , Books , BooksDB , sa , x",
+                "ShotcutFolder:C:\\ProgramData\\Microsoft\\Windows\\Start Menu\\TALU\\App",
+                "Shotcut:" + menu, "Shotcut:C:\\Users\\Public\\Desktop\\Desk.lnk",
+                "AddOns:tool.exe", "AddOns:extra.msi", "AddOns:missing.exe", "AddOns:Setup.EXE"}));
+
+  EXPECT_EQ(machine.Journal.Texts("dsn", "attributes").back(),
+            std::string("DSN=Books\0SERVER=SRV1\0DATABASE=BooksDB", 38));
+  EXPECT_EQ(machine.Journal.Texts("connect", "text"),
+            std::vector<std::string>{"DSN=Stock; UID=sa; PWD=x"});
+  EXPECT_EQ(machine.Journal.Texts("run", "command").at(1),
+            "msiexec /i \"D:\\Pack\\AddOns\\extra.msi\" /quiet");
+  EXPECT_EQ(machine.Journal.Texts("copy", "flags").front(), "6416");
+  EXPECT_EQ(machine.Journal.Texts("copy", "to").back(), "C:\\Windows\\system");
+  EXPECT_EQ(Get("C:\\Windows\\system\\x.ocx"), "x");
+  EXPECT_EQ(machine.Journal.Texts("start", "window").front(), "2");
+  EXPECT_EQ(machine.Journal.Texts("shortcut", "target").front(), "C:\\Progs\\TA-LU\\App\\Desk.exe");
+  EXPECT_EQ(Get(app + "\\Conn.txt"), "Server=SRV1\r\n");
+  EXPECT_EQ(Get(app + "\\desk.mdf"), "(none)");
+  EXPECT_EQ(Shown("LblFinalMsg"), "\rA\rB");
+  EXPECT_EQ(Shown("Lblmsg"), "Installation finished. Click Finish to Exit.");
+  EXPECT_EQ(Shown("LblNotRes"), "");
+  EXPECT_EQ(Width(), 7325);
+  EXPECT_TRUE(windows.Click("CmdNext"));
+  EXPECT_TRUE(windows.Ended());
+}
+
+TEST_F(DeployTest, WithoutAnApplicationFolderTheLaterStepsStillRun) {
+  Configure({Block("Shotcut", {"\\a.exe,Desktop,A"}), Block("AddOns", {"a.exe"})});
+  Install("OptClient");
+  EXPECT_EQ(
+      DeploymentLog(),
+      (std::vector<std::string>{
+          "DSN creation started...", "DSN(s) created successfully", "Started Copying files...",
+          "Folder 'Aplication' Not found in the pack....", "Writing Settings not Finished",
+          "Execution of AddOn packs started...", "Execution of a.exe AddOn pack started",
+          "Process Finished, Exit Code -1", "Final Message started...",
+          "Final Message write successfully", "Installation finished."}));
+  EXPECT_TRUE(windows.Shown("CmdNext")->Enabled);
+}
+
+TEST_F(DeployTest, TheBarStartsByModeAndTakesTheCopysShare) {
+  for (const auto& [mode, widths] :
+       {std::pair{"OptServer", std::vector<std::string>{"5860", "6592", "7325"}},
+        std::pair{"OptClient", std::vector<std::string>{"1465", "4395", "7325"}}}) {
+    machine.Disk.MakeFolders("D:\\Pack\\Application");
+    Wizard fresh(machine.Parts);
+    const auto before = machine.Journal.Events().size();
+    fresh.State.Mode = std::string(mode) == "OptClient" ? 1 : 0;
+    fresh.State.AppFolderPath = "C:\\Progs";
+    fresh.State.LogFileNumber = 1;
+    windows.Run([&] { fresh.Page<FrmApplication>().Show(); });
+    std::vector<std::string> seen;
+    for (auto at = before; at < machine.Journal.Events().size(); ++at) {
+      const JournalEvent& event = machine.Journal.Events()[at];
+      if (event.Text("control") == "ShpProgBar") seen.push_back(event.Text("value"));
+    }
+    EXPECT_EQ(seen, widths) << mode;
+  }
+}
+
+TEST_F(DeployTest, CopyGoesOnPastWhatItCannotCopy) {
+  Put("Application\\a", "short");
+  Put("Application\\Data.MDF", "upper case is copied");
+  Put("Application\\log.ldf", "is not");
+  Put("Application\\locked.txt", "new");
+  Put("Application\\Denied\\x.txt", "x");
+  Put("Application\\Sub\\y.txt", "y");
+  machine.Disk.Find("D:\\Pack\\Application\\Denied")->Denied = true;
+  machine.Disk.WriteFile(app + "\\locked.txt", "old");
+  machine.Disk.Find(app + "\\locked.txt")->Writers = 1;
+  machine.Disk.MakeFolders(app + "\\Sub");
+  Install("OptClient");
+  const std::string from = "D:\\Pack\\Application";
+  EXPECT_EQ(
+      Between("Started Copying files...", "File copying finished Successfully...."),
+      (std::vector<std::string>{
+          "//\r\nCan't copy " + from + "\\ato" + app + "\\a-Invalid procedure call or argument\r\n",
+          "//\r\nCopying file - " + app + "\\" + from + "\\a",
+          "//\r\nCopying file - " + app + "\\" + from + "\\Data.MDF",
+          "//\r\nCopying file - " + app + "\\" + from + "\\locked.txt",
+          "//\r\nCreating New Folder - " + app + "\\Denied",
+          "//\r\nFolder Already exists - " + app + "\\Sub",
+          "//\r\nCopying file - " + app + "\\Sub\\" + from + "\\Sub\\y.txt"}));
+  EXPECT_EQ(Get(app + "\\locked.txt"), "old") << "a refusal of the shell is not looked at";
+  EXPECT_EQ(Get(app + "\\Sub\\y.txt"), "y");
+}
+
+TEST_F(DeployTest, TheBarCreepsToItsLimitWhileCopying) {
+  for (int i = 0; i < 30; ++i) Put("Application\\file" + std::to_string(i), "");
+  Install("OptClient");
+  std::vector<std::string> widths;
+  for (const JournalEvent& event : machine.Journal.Events()) {
+    if (event.Text("control") == "ShpProgBar") widths.push_back(event.Text("value"));
+  }
+  EXPECT_EQ(widths.at(widths.size() - 3), "1495");  // 30 files after 1465, then the copy's share
+  EXPECT_EQ(widths.at(widths.size() - 2), "4425");
+
+  wizard.Page<FrmApplication>().ShpProgBar.Width = 6695;
+  CopyFolderFiles(wizard, "D:\\Pack\\Application", app);
+  EXPECT_EQ(Width(), 6700);
+}
+
+TEST_F(DeployTest, DataSourcesOfOddLines) {
+  Configure({Block("SystemDSN", {"Other,Third,T,u,p", "SQL Server,Second",
+                                 "Microsoft Access Driver (*.mdb),First,C:\\a.mdb,u,p"})});
+  Install("OptClient");
+  const std::string access("DSN=First\0DBQ=C:\\a.mdb\0UID=u\0PWD=p", 34);
+  EXPECT_EQ(machine.Journal.Texts("dsn", "attributes"),
+            (std::vector<std::string>{access, access, access}));
+  EXPECT_EQ(machine.Journal.Texts("dsn", "driver").back(), "Other");
+  EXPECT_EQ(
+      Between("DSN creation started...", "DSN(s) created successfully"),
+      (std::vector<std::string>{"creating - Microsoft Access Driver (*.mdb),First,C:\\a.mdb,u,p",
+                                "creating - SQL Server,Second", "//\r\nSubscript out of range\r\n",
+                                "//\r\nSubscript out of range\r\n", "creating - Other,Third,T,u,p",
+                                "//\r\nOperation is not allowed when the object is open.\r\n"}));
+  EXPECT_EQ(Records().size(), 6U) << "each line is recorded, whatever became of it";
+}
+
+TEST_F(DeployTest, AServerThatCannotBeReachedEndsTheProgram) {
+  Configure({Block("SystemDSN", {"SQL Server,Books,BooksDB,sa,x"})});
+  Put("Application\\Desk.exe", "d");
+  machine.Server.Reachable = false;
+  Install("OptClient");
+  EXPECT_TRUE(windows.Ended());
+  const std::string message = "Connection to Server failed, Can not continue installation";
+  EXPECT_EQ(windows.Messages(), std::vector<std::string>{message});
+  EXPECT_EQ(LogEntries().back(), message);
+  EXPECT_TRUE(machine.Journal.Texts("copy", "from").empty());
+}
+
+TEST_F(DeployTest, RegistrationWalksAndSurvives) {
+  Configure({Block("RegnLocation", {"\\Missing", "\\Parts"})});
+  Put("Application\\Parts\\a.dll.bak", "");
+  Put("Application\\Parts\\b.Ocx.dll", "");
+  Put("Application\\Parts\\Deep\\c.dll", "");
+  Install("OptClient");
+  const auto commands = machine.Journal.Texts("start", "command");
+  ASSERT_EQ(commands.size(), 8U);  // b twice
+  EXPECT_EQ(commands.at(2), commands.at(4));
+  EXPECT_EQ(commands.back(), "regsvr32 /s \"" + app + "\\Parts\\Deep\\c.dll\"");
+  EXPECT_EQ(Between("File Registration started...", "All Files registered successfully").front(),
+            "//\r\nPath not found\r\n");
+}
+
+TEST_F(DeployTest, ManyRegistrationsStepTheBarBack) {
+  Configure({Block("RegnLocation", {"\\Parts"})});
+  for (int i = 0; i < 750; ++i) Put("Application\\Parts\\" + std::to_string(1000 + i) + ".dll", "");
+  Install("OptClient");
+  int most = 0;
+  bool steppedBack = false;
+  for (const JournalEvent& event : machine.Journal.Events()) {
+    if (event.Text("control") != "ShpProgBar" || event.Text("form") != "FrmApplication") continue;
+    const int width = std::stoi(event.Text("value"));
+    if (width == 7325) break;
+    steppedBack = steppedBack || (width == 7325 - 4 - 500 && most > width);
+    most = std::max(most, width);
+  }
+  EXPECT_LE(most, 7325 - 1);
+  EXPECT_TRUE(steppedBack);
+}
+
+TEST_F(DeployTest, AShortcutThatCannotBeMadeTriesTheNextFolderOfItsName) {
+  Configure({Block("Shotcut", {"\\a.exe,Desktop,A", "\\a.exe,Nowhere,A", "a.exe,Desktop"})});
+  machine.Disk.MakeFolders("D:\\Pack\\Application");
+  machine.Disk.Find("C:\\Users\\Public\\Desktop")->Denied = true;
+  Install("OptClient");
+  EXPECT_EQ(Between("Creating Shotcuts...", "Writing Settings not Finished"),
+            (std::vector<std::string>{"//\r\nPath/File access error\r\n",
+                                      "Shotcut:C:\\Users\\Public\\Desktop\\A.lnk can't created",
+                                      "Shotcut:C:\\Users\\Operator\\Desktop\\A.lnk created",
+                                      "//\r\nSubscript out of range\r\n"}));
+  EXPECT_EQ(Records().back(), "Shotcut:C:\\Users\\Operator\\Desktop\\A.lnk");
+}
+
+TEST_F(DeployTest, SettingsFilesOfOddLines) {
+  Configure({Block("WriteSettings",
+                   {"\\a.TXT,x,SERVER", "\\Same.txt,first,SERVER", "\\Same.txt, key = , password ",
+                    "\\Plain.txt,alone,other", "\\Short.txt,x", "\\Late.txt,x,SERVER"}),
+             Block("AddOns", {"a.exe"})});
+  wizard.State.SqlPassword = "secret";
+  Install("OptClient");
+  EXPECT_EQ(Get(app + "\\a.TXT"), "(none)");
+  EXPECT_EQ(Get(app + "\\Same.txt"), " key = secret\r\n");
+  EXPECT_EQ(Get(app + "\\Plain.txt"), "alone\r\n");
+  EXPECT_EQ(Get(app + "\\Late.txt"), "(none)") << "the step ends at the short line";
+  EXPECT_EQ(Between("Writing Settings started...", "Execution of AddOn packs started..."),
+            std::vector<std::string>{"//\r\nSubscript out of range\r\n"});
+}
+
+TEST_F(DeployTest, AnErrorInTheAddOnsEndsThatStepOnly) {
+  Configure({Block("AddOns", {"a.exe.msi", "b.exe"}), Block("FinalMsg", {"Done"})});
+  Put("AddOns\\a.exe.msi", "");
+  Install("OptClient");
+  const auto commands = machine.Journal.Texts("run", "command");
+  ASSERT_EQ(commands.size(), 3U);  // both kinds, the program first
+  EXPECT_EQ(commands.at(0), "D:\\Pack\\AddOns\\a.exe.msi");
+  EXPECT_EQ(Shown("LblFinalMsg"), "\rDone");
+}
+
+}  // namespace
+}  // namespace talu

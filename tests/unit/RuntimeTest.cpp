@@ -1,0 +1,122 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "platform/simulated/SimulatedMachine.h"
+#include "runtime/ErrorTrap.h"
+#include "runtime/Int16.h"
+#include "runtime/TextFiles.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu {
+namespace {
+
+int ErrorOf(const std::function<void()>& statement) {
+  int number = 0;
+  const ErrorTrap step([&](const RuntimeError& error) { number = error.Number; });
+  step(statement);
+  return number;
+}
+
+TEST(Int16, RoundsHalvesToEvenAndChecksEveryStep) {
+  EXPECT_EQ(RoundToInt16(439.5), 440);
+  EXPECT_EQ(RoundToInt16(732.5), 732);
+  EXPECT_EQ(RoundToInt16(-0.5), 0);
+  EXPECT_EQ(RoundToInt16(32767.4), 32767);
+  EXPECT_EQ(ErrorOf([] { RoundToInt16(32767.5); }), error::Overflow);
+  EXPECT_EQ(ErrorOf([] { RoundToInt16(1e300); }), error::Overflow);
+  EXPECT_EQ(ErrorOf([] { Int16(32767) + 1; }), error::Overflow);
+  EXPECT_EQ(ErrorOf([] { Int16(-32768) - 1; }), error::Overflow);
+  EXPECT_EQ(ErrorOf([] { Int16(200) * 200; }), error::Overflow);
+}
+
+TEST(TextFunctions, PositionsCountFromOne) {
+  EXPECT_EQ(InStr("abcabc", "c"), 3);
+  EXPECT_EQ(InStr(4, "abcabc", "c"), 6);
+  EXPECT_EQ(InStr(7, "abcabc", ""), 0);
+  EXPECT_EQ(InStr("", ""), 0);
+  EXPECT_EQ(InStr(3, "abc", ""), 3);
+  EXPECT_EQ(InStrRev("a\\b\\c", "\\"), 4);
+  EXPECT_EQ(InStrRev("a\\b\\c", "\\", 3), 2);
+  EXPECT_EQ(InStrRev("abab", "ab", 3), 1);
+  EXPECT_EQ(InStrRev("abc", "c", 9), 0);
+  EXPECT_EQ(Mid("abc", 2), "bc");
+  EXPECT_EQ(Mid("abc", 4, 5), "");
+  EXPECT_EQ(Right("abc", 5), "abc");
+  EXPECT_EQ(ParentPath("C:\\A\\B"), "C:\\A");
+  for (const auto& statement : std::initializer_list<std::function<void()>>{
+           [] { InStr(0, "a", "a"); }, [] { InStrRev("a", "a", 0); }, [] { Mid("a", 0); },
+           [] { Mid("a", 1, -1); }, [] { Left("a", -1); }, [] { ParentPath("none"); }}) {
+    EXPECT_EQ(ErrorOf(statement), error::InvalidProcedureCall);
+  }
+}
+
+TEST(TextFunctions, TrimSplitReplaceAndUpperCase) {
+  EXPECT_EQ(Trim("  a\t "), "a\t");
+  EXPECT_EQ(Split("a,,b,", ','), (std::vector<std::string>{"a", "", "b", ""}));
+  EXPECT_TRUE(Split("", ',').empty());
+  EXPECT_EQ(ErrorOf([] { Element({}, 0); }), error::SubscriptOutOfRange);
+  EXPECT_EQ(Replace("aaa", "aa", "a"), "aa");
+  EXPECT_EQ(Replace("abc", "", "x"), "abc");
+  EXPECT_EQ(UCase("aZ\xE9\xFF\xF7\xDF"), "AZ\xC9\x9F\xF7\xDF");
+  EXPECT_TRUE(ContainsUpper("x --taluGO", "--TALUGO"));
+  EXPECT_FALSE(ContainsUpper("--talu", "--TALUGO"));
+}
+
+TEST(TextFiles, ReadsLinesAcrossItsBufferAndKeepsLoneLineFeeds) {
+  SimulatedMachine machine;
+  // A CR LF that falls on the edge of the read-ahead, a line longer than it, a NUL, a lone LF.
+  const std::string edge(64 * 1024 - 1, 'e');
+  const std::string longLine(200000, 'l');
+  machine.Disk.WriteFile(
+      "C:\\t.txt", edge + "\r\n" + longLine + "\rlf\nin" + std::string(1, '\0') + "\r\n\r\nend");
+  TextFiles files(machine.Files);
+  files.Open("C:\\t.txt", OpenMode::Input, 3);
+  std::vector<std::string> lines;
+  std::string line;
+  while (!files.EndOfFile(3)) {
+    files.LineInput(3, line);
+    lines.push_back(line);
+  }
+  EXPECT_EQ(lines,
+            (std::vector<std::string>{edge, longLine, std::string("lf\nin\0", 6), "", "end"}));
+  EXPECT_EQ(ErrorOf([&] { files.LineInput(3, line); }), error::InputPastEnd);
+}
+
+TEST(TextFiles, NumbersAreAPool) {
+  SimulatedMachine machine;
+  TextFiles files(machine.Files);
+  machine.Disk.WriteFile("C:\\a.txt", "a");
+  EXPECT_EQ(files.FreeFile(), 1);
+  files.Open("C:\\log.txt", OpenMode::Append, 1);
+  EXPECT_EQ(files.FreeFile(), 2);
+  EXPECT_EQ(ErrorOf([&] { files.Open("C:\\a.txt", OpenMode::Input, 1); }), error::FileAlreadyOpen);
+  EXPECT_EQ(ErrorOf([&] { files.Open("c:\\LOG.txt", OpenMode::Input, 2); }),
+            error::FileAlreadyOpen);
+  EXPECT_EQ(ErrorOf([&] { files.Open("C:\\a.txt", OpenMode::Input, 0); }), error::BadFileNumber);
+  EXPECT_EQ(ErrorOf([&] { files.EndOfFile(2); }), error::BadFileNumber);
+  EXPECT_EQ(ErrorOf([&] { files.EndOfFile(1); }), error::BadFileMode);
+  files.Print(1, "whole");
+  EXPECT_EQ(machine.Disk.ReadFile("C:\\log.txt"), "whole\r\n") << "not on disk before it is closed";
+  files.Close(1);
+  files.Close(1);
+  files.Close(0);
+  EXPECT_EQ(files.FreeFile(), 1);
+  for (int number = 1; number <= 255; ++number) files.Open("C:\\a.txt", OpenMode::Input, number);
+  EXPECT_EQ(ErrorOf([&] { files.FreeFile(); }), error::TooManyFiles);
+}
+
+TEST(ErrorTrap, ResumesWithTheNextStatementAndLetsTheHandlersErrorOut) {
+  std::vector<int> seen;
+  const ErrorTrap step([&](const RuntimeError& error) { seen.push_back(error.Number); });
+  step([] { throw RuntimeError(error::DiskFull); });
+  step([] { throw std::bad_alloc(); });
+  step([&] { seen.push_back(0); });
+  EXPECT_EQ(seen, (std::vector<int>{error::DiskFull, error::OutOfMemory, 0}));
+  const ErrorTrap failing([](const RuntimeError&) { throw RuntimeError(error::PathNotFound); });
+  EXPECT_EQ(ErrorOf([&] { failing([] { throw RuntimeError(error::DiskFull); }); }),
+            error::PathNotFound);
+}
+
+}  // namespace
+}  // namespace talu

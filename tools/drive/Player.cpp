@@ -1,0 +1,262 @@
+#include "Player.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+
+#include "Operator.h"
+#include "Screenshot.h"
+#include "Text.h"
+
+namespace talu::drive {
+
+namespace {
+
+using Time = std::chrono::steady_clock;
+
+constexpr DWORD LookInterval = 50;  // milliseconds
+/// A message box that stands this long without a step that answers it will stand for ever.
+constexpr std::chrono::seconds Patience{3};
+
+const char* const NoAnswer = "Setup is busy and does not answer";
+
+std::string Is(bool value, const char* yes, const char* no) {
+  return std::string("it is ") + (value ? yes : no);
+}
+
+std::string OpenMessages(const SetupProcess& setup) {
+  std::string texts;
+  for (const MessageWindow& message : setup.MessageWindows()) {
+    texts += (texts.empty() ? "a message box is open: " : ", ") + Quoted(message.Text);
+  }
+  return texts;
+}
+
+bool Matches(const MessageWindow& message, const Step& step) {
+  const std::string wanted = PlainLineEnds(step.Value);
+  const std::string text = PlainLineEnds(message.Text);
+  switch (step.What) {
+    case Command::MessageTitle:
+      return message.Title == wanted;
+    case Command::MessageBegins:
+      return text.starts_with(wanted);
+    default:
+      return text == wanted;
+  }
+}
+
+std::string Seconds(Time::duration time) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f s", std::chrono::duration<double>(time).count());
+  return text;
+}
+
+}  // namespace
+
+bool Player::Play(const Script& script, const Variables& variables) {
+  for (const Step& step : script.Steps) {
+    const auto start = Time::now();
+    try {
+      Do(step);
+    } catch (const std::runtime_error& error) {
+      PrintError(variables.Mask(options_.ScriptName + ":" + std::to_string(step.Line) + ": " +
+                                step.Source + ": " + error.what()));
+      ShootFailure(step.Line);
+      return false;
+    }
+    if (options_.Verbose) {
+      PrintLine(std::to_string(step.Line) + ": " + step.Source + " ok (" +
+                Seconds(Time::now() - start) + ")");
+    }
+  }
+  return true;
+}
+
+void Player::Do(const Step& step) {
+  switch (step.What) {
+    case Command::Wait:
+      return Until([&] { return setup_.Page(step.Name) != nullptr ? "" : setup_.PagesShown(); });
+    case Command::Click:
+      return ClickControl(step.Name);
+    case Command::Type:
+      return Type(step);
+    case Command::Expect:
+      return Until([&] { return Unmet(step); });
+    case Command::Message:
+    case Command::MessageBegins:
+    case Command::MessageTitle:
+      return Answer(step);
+    case Command::Key:
+      return PressKeys(step);
+    case Command::Close:
+      Until([&] { return setup_.Page(step.Name) != nullptr ? "" : setup_.PagesShown(); });
+      return CloseByFrame(setup_.Page(step.Name));
+    case Command::Shot:
+      return Shoot(step.Value);
+    case Command::Timeout:
+      options_.Timeout = std::chrono::seconds(step.Number);
+      return;
+    case Command::Pause:
+      return Sleep(static_cast<DWORD>(step.Number));
+    case Command::Finish:
+      Until([&] { return setup_.Page("FrmApplication") != nullptr ? "" : setup_.PagesShown(); });
+      ClickControl("CmdNext");
+      return WaitForEnd(step);
+    case Command::Ended:
+      return WaitForEnd(step);
+  }
+}
+
+void Player::Until(const std::function<std::string()>& attempt) {
+  const auto start = Time::now();
+  auto quiet = start;  // the last time that no message box stood
+  for (;;) {
+    const bool attached = setup_.Attached() || setup_.Find();
+    const bool ended = setup_.Ended();  // asked first: the attempt sees all that came before
+    std::string there = attached ? attempt() : "no page of the wizard is open";
+    if (there.empty()) return;
+    if (ended) {
+      throw std::runtime_error("Setup has ended, exit code " + std::to_string(setup_.ExitCode()));
+    }
+    const std::string messages = OpenMessages(setup_);
+    const auto now = Time::now();
+    if (messages.empty()) {
+      quiet = now;
+    } else {
+      there += "; " + messages;
+      if (now - quiet >= Patience) throw std::runtime_error(there);
+    }
+    if (now - start >= options_.Timeout) {
+      throw std::runtime_error(there + " after " + std::to_string(options_.Timeout.count()) + " s");
+    }
+    Sleep(LookInterval);
+  }
+}
+
+HWND Player::Usable(const std::string& name) {
+  HWND control = nullptr;
+  Until([&]() -> std::string {
+    control = setup_.Control(name);
+    if (control == nullptr) return "there is no such control, " + setup_.PagesShown();
+    if (!IsWindowVisible(control)) return "it is hidden";
+    if (!IsWindowEnabled(control)) return "it is disabled";
+    if (setup_.Dialog() != nullptr) return "a dialog stands before the page";
+    return "";
+  });
+  return control;
+}
+
+void Player::ClickControl(const std::string& name) {
+  const HWND control = Usable(name);
+  Click(control);
+  Settle(control);
+}
+
+void Player::Type(const Step& step) {
+  const HWND box = Usable(step.Name);
+  TypeText(box, step.Value);
+  Settle(box);
+  const std::size_t length = Wide(step.Value).size();
+  Until([&]() -> std::string {
+    const auto text = TextOf(box);
+    if (!text) return NoAnswer;
+    const bool masked = *text == std::string(length, '*');
+    return *text == step.Value || masked ? "" : "it reads " + Quoted(*text);
+  });
+}
+
+std::string Player::Unmet(const Step& step) const {
+  const HWND control = setup_.Control(step.Name);
+  if (control == nullptr) return "there is no such control, " + setup_.PagesShown();
+  const std::string& property = step.Property;
+  if (property == "text" || property == "begins") {
+    const auto text = TextOf(control);
+    if (!text) return NoAnswer;
+    const std::string there = PlainLineEnds(*text);
+    const std::string wanted = PlainLineEnds(step.Value);
+    const bool met = property == "text" ? there == wanted : there.starts_with(wanted);
+    return met ? "" : "it reads " + Quoted(there);
+  }
+  if (property == "width") {
+    const int width = WidthOf(control);
+    return width == step.Number ? "" : "it is " + std::to_string(width);
+  }
+  const bool wanted = step.Value == "true";
+  if (property == "value") {
+    const auto value = ValueOf(control);
+    if (!value) return NoAnswer;
+    return *value == wanted ? "" : Is(*value, "on", "off");
+  }
+  if (property == "focus")
+    return HasFocus(control) == wanted ? "" : Is(!wanted, "there", "elsewhere");
+  const bool state = property == "enabled" ? IsWindowEnabled(control) : IsWindowVisible(control);
+  if (state == wanted) return "";
+  return property == "enabled" ? Is(state, "enabled", "disabled") : Is(state, "visible", "hidden");
+}
+
+void Player::Answer(const Step& step) {
+  MessageWindow answered;
+  Until([&]() -> std::string {
+    for (const MessageWindow& message : setup_.MessageWindows()) {
+      if (!Matches(message, step)) continue;
+      answered = message;
+      return "";
+    }
+    return "there is no such message box, " + setup_.PagesShown();
+  });
+  Click(answered.Button);
+  const auto start = Time::now();
+  while (IsWindowVisible(answered.Window)) {
+    if (Time::now() - start > options_.Timeout) throw std::runtime_error("OK does not close it");
+    Sleep(LookInterval);
+  }
+  if (const HWND page = setup_.Page()) Settle(page);
+}
+
+void Player::PressKeys(const Step& step) {
+  for (const Chord& chord : step.Keys) {
+    HWND front = nullptr;
+    Until([&]() -> std::string {
+      front = setup_.Front();
+      if (front == nullptr) return setup_.PagesShown();
+      return BringToFront(front) ? "" : "another program keeps the keyboard";
+    });
+    Press(chord);
+    Settle(front);
+  }
+}
+
+void Player::Shoot(const std::string& file) {
+  HWND page = nullptr;
+  Until([&] {
+    page = setup_.Page();
+    return page != nullptr ? "" : setup_.PagesShown();
+  });
+  RECT area = {};
+  GetWindowRect(page, &area);
+  const std::filesystem::path path = std::filesystem::path(Wide(options_.ShotFolder)) / Wide(file);
+  SaveScreenshot(area, Utf8(path.native()));
+}
+
+void Player::WaitForEnd(const Step& step) {
+  Until([&] { return setup_.Ended() ? "" : "Setup is still running, " + setup_.PagesShown(); });
+  const auto code = static_cast<int>(setup_.ExitCode());
+  if (!step.Value.empty() && code != step.Number) {
+    throw std::runtime_error("its exit code is " + std::to_string(code));
+  }
+}
+
+void Player::ShootFailure(int line) const {
+  const std::filesystem::path script(Wide(options_.ScriptName));
+  const std::filesystem::path file =
+      std::filesystem::path(Wide(options_.ShotFolder)) /
+      (script.stem().native() + L"-line" + std::to_wstring(line) + L".png");
+  try {
+    SaveScreenshot(ScreenArea(), Utf8(file.native()));
+    PrintError("screenshot: " + Utf8(file.native()));
+  } catch (const std::runtime_error& error) {
+    PrintError(std::string("no screenshot: ") + error.what());
+  }
+}
+
+}  // namespace talu::drive

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "Script.h"
+#include "SetupProcess.h"
+
+namespace talu::drive {
+
+struct PlayOptions {
+  /// How the script is called in messages.
+  std::string ScriptName;
+  /// Where relative screenshot names and the screenshots of failures go.
+  std::string ShotFolder;
+  /// How long a step may take to come true; `timeout` changes it.
+  std::chrono::seconds Timeout{60};
+  /// Print one line a step.
+  bool Verbose = false;
+};
+
+/// Plays a script against one Setup.
+class Player {
+ public:
+  Player(SetupProcess& setup, PlayOptions options) : setup_(setup), options_(std::move(options)) {}
+
+  /// True when every step came true. The first that does not is told on the error stream, with a
+  /// screenshot beside it; what follows it is not played.
+  bool Play(const Script& script, const Variables& variables);
+
+ private:
+  void Do(const Step& step);
+  /// Tries until `attempt` returns an empty text; what it returns otherwise tells what is there
+  /// instead. Raises std::runtime_error with that when the time is over, when Setup has ended, or
+  /// when a message box that no step asks for holds everything up.
+  void Until(const std::function<std::string()>& attempt);
+  /// Waits for the control and returns it when an operator could use it.
+  HWND Usable(const std::string& name);
+  void ClickControl(const std::string& name);
+  void Type(const Step& step);
+  std::string Unmet(const Step& step) const;
+  void Answer(const Step& step);
+  void PressKeys(const Step& step);
+  void Shoot(const std::string& file);
+  void WaitForEnd(const Step& step);
+  void ShootFailure(int line) const;
+
+  SetupProcess& setup_;
+  PlayOptions options_;
+};
+
+}  // namespace talu::drive

@@ -1,0 +1,240 @@
+#include "SetupProcess.h"
+
+#include <algorithm>
+#include <functional>
+#include <set>
+#include <stdexcept>
+
+#include "Script.h"
+#include "Text.h"
+
+namespace talu::drive {
+
+namespace {
+
+constexpr UINT AnswerTime = 500;  // milliseconds
+/// What starting a program that asks for an administrator answers to anyone else; the compiler's
+/// headers have no name for it.
+constexpr DWORD ElevationRequired = 740;
+
+using Visitor = std::function<void(HWND)>;
+
+BOOL CALLBACK Visit(HWND window, LPARAM visitor) {
+  // The pointer comes back as the number that EnumWindows carries it in.
+  (*reinterpret_cast<const Visitor*>(visitor))(window);  // NOLINT(performance-no-int-to-ptr)
+  return TRUE;
+}
+
+void ForEachTopWindow(const Visitor& visitor) {
+  EnumWindows(Visit, reinterpret_cast<LPARAM>(&visitor));
+}
+
+void ForEachChild(HWND window, const Visitor& visitor) {
+  EnumChildWindows(window, Visit, reinterpret_cast<LPARAM>(&visitor));
+}
+
+bool Carries(HWND window, const std::string& name) {
+  return GetPropW(window, Wide(name).c_str()) != nullptr;
+}
+
+std::string FormOf(HWND window) {
+  for (const std::string& form : FormNames()) {
+    if (Carries(window, form)) return form;
+  }
+  return {};
+}
+
+DWORD OwnerOf(HWND window) {
+  DWORD id = 0;
+  GetWindowThreadProcessId(window, &id);
+  return id;
+}
+
+std::wstring ClassOf(HWND window) {
+  wchar_t name[64] = L"";
+  GetClassNameW(window, name, 64);
+  return name;
+}
+
+bool IsDialog(HWND window) {
+  return ClassOf(window) == L"#32770";
+}
+
+bool HasStyle(HWND window, LONG style) {
+  return (GetWindowLongW(window, GWL_STYLE) & style) != 0;
+}
+
+std::optional<MessageWindow> AsMessage(HWND window) {
+  MessageWindow message;
+  message.Window = window;
+  int buttons = 0;
+  int others = 0;
+  ForEachChild(window, [&](HWND child) {
+    if (!HasStyle(child, WS_VISIBLE)) return;
+    const std::wstring name = ClassOf(child);
+    if (name == L"Button") {
+      message.Button = child;
+      ++buttons;
+    } else if (name != L"Static") {
+      ++others;
+    } else if (const auto text = TextOf(child); text && !text->empty()) {
+      message.Text = *text;
+    }
+  });
+  if (buttons != 1 || others != 0) return std::nullopt;
+  message.Title = TextOf(window).value_or("");
+  return message;
+}
+
+}  // namespace
+
+void SetupProcess::Start(const std::string& program) {
+  std::wstring command = L"\"" + Wide(program) + L"\"";
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION info = {};
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                      &startup, &info)) {
+    const DWORD error = GetLastError();
+    throw std::runtime_error("cannot start " + Quoted(program) +
+                             (error == ElevationRequired
+                                  ? ": it needs an administrator, start drive as one"
+                                  : " (error " + std::to_string(error) + ")"));
+  }
+  CloseHandle(info.hThread);
+  process_.reset(info.hProcess);
+  id_ = info.dwProcessId;
+}
+
+void SetupProcess::Attach(DWORD id) {
+  process_.reset(
+      OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION | PROCESS_TERMINATE, FALSE, id));
+  if (!process_) throw std::runtime_error("cannot watch process " + std::to_string(id));
+  id_ = id;
+}
+
+bool SetupProcess::Find() {
+  std::set<DWORD> owners;
+  ForEachTopWindow([&](HWND window) {
+    if (IsWindowVisible(window) && !FormOf(window).empty()) owners.insert(OwnerOf(window));
+  });
+  if (owners.empty()) return false;
+  if (owners.size() > 1) {
+    std::string ids;
+    for (const DWORD id : owners) ids += " " + std::to_string(id);
+    throw std::runtime_error("several wizards are open, choose one with --pid:" + ids);
+  }
+  Attach(*owners.begin());
+  return true;
+}
+
+bool SetupProcess::Ended() const {
+  return process_ && WaitForSingleObject(process_.get(), 0) == WAIT_OBJECT_0;
+}
+
+DWORD SetupProcess::ExitCode() const {
+  DWORD code = 0;
+  GetExitCodeProcess(process_.get(), &code);
+  return code;
+}
+
+void SetupProcess::Terminate() {
+  if (process_) TerminateProcess(process_.get(), 1);
+}
+
+std::vector<HWND> SetupProcess::TopWindows() const {
+  std::vector<HWND> windows;
+  ForEachTopWindow([&](HWND window) {
+    if (IsWindowVisible(window) && OwnerOf(window) == id_) windows.push_back(window);
+  });
+  return windows;
+}
+
+HWND SetupProcess::Page() const {
+  for (HWND window : TopWindows()) {
+    if (!FormOf(window).empty()) return window;
+  }
+  return nullptr;
+}
+
+HWND SetupProcess::Page(const std::string& form) const {
+  for (HWND window : TopWindows()) {
+    if (Carries(window, form)) return window;
+  }
+  return nullptr;
+}
+
+std::string SetupProcess::PagesShown() const {
+  std::string pages;
+  for (HWND window : TopWindows()) {
+    const std::string form = FormOf(window);
+    if (!form.empty()) pages += (pages.empty() ? "" : " and ") + form;
+  }
+  return pages.empty() ? "no page is shown" : pages + " is shown";
+}
+
+HWND SetupProcess::Control(const std::string& name) const {
+  HWND found = nullptr;
+  for (HWND window : TopWindows()) {
+    if (FormOf(window).empty()) continue;
+    ForEachChild(window, [&](HWND child) {
+      if (found == nullptr && Carries(child, name)) found = child;
+    });
+  }
+  return found;
+}
+
+std::vector<MessageWindow> SetupProcess::MessageWindows() const {
+  std::vector<MessageWindow> messages;
+  for (HWND window : TopWindows()) {
+    if (!IsDialog(window)) continue;
+    if (const auto message = AsMessage(window)) messages.push_back(*message);
+  }
+  return messages;
+}
+
+HWND SetupProcess::Dialog() const {
+  const auto windows = TopWindows();
+  const auto dialog = std::find_if(windows.begin(), windows.end(), IsDialog);
+  return dialog == windows.end() ? nullptr : *dialog;
+}
+
+std::optional<LRESULT> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  DWORD_PTR answer = 0;
+  if (SendMessageTimeoutW(window, message, wParam, lParam, SMTO_ABORTIFHUNG, AnswerTime, &answer) ==
+      0) {
+    return std::nullopt;
+  }
+  return static_cast<LRESULT>(answer);
+}
+
+std::optional<std::string> TextOf(HWND window) {
+  const auto length = Ask(window, WM_GETTEXTLENGTH);
+  if (!length) return std::nullopt;
+  const auto size = static_cast<std::size_t>(*length);
+  // Another process cannot read a masked box, nor should it.
+  if (ClassOf(window) == L"Edit" && HasStyle(window, ES_PASSWORD)) return std::string(size, '*');
+  std::wstring text(size + 1, L'\0');
+  const auto got = Ask(window, WM_GETTEXT, size + 1, reinterpret_cast<LPARAM>(text.data()));
+  if (!got) return std::nullopt;
+  text.resize(static_cast<std::size_t>(*got));
+  return Utf8(text);
+}
+
+std::optional<bool> ValueOf(HWND window) {
+  const auto check = Ask(window, BM_GETCHECK);
+  return check ? std::optional(*check == BST_CHECKED) : std::nullopt;
+}
+
+int WidthOf(HWND window) {
+  return static_cast<int>(reinterpret_cast<INT_PTR>(GetPropW(window, L"Width")));
+}
+
+bool HasFocus(HWND window) {
+  GUITHREADINFO info = {};
+  info.cbSize = sizeof info;
+  return GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info) &&
+         info.hwndFocus == window;
+}
+
+}  // namespace talu::drive

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace talu::drive {
+
+/// An open message box: a dialog of texts, an icon and one button.
+struct MessageWindow {
+  HWND Window = nullptr;
+  HWND Button = nullptr;
+  std::string Title;
+  std::string Text;
+};
+
+/// The running Setup.exe and its windows, looked at from outside. Setup may be busy for minutes
+/// without answering; no call here waits longer than about half a second for it.
+class SetupProcess {
+ public:
+  /// Starts `program`. Raises std::runtime_error when it cannot be started.
+  void Start(const std::string& program);
+  /// Watches the process with this id. Raises std::runtime_error when there is none.
+  void Attach(DWORD id);
+  /// Attaches to the one process that shows a page of the wizard; false while there is none. Raises
+  /// std::runtime_error when there are several.
+  bool Find();
+
+  bool Attached() const { return process_ != nullptr; }
+  bool Ended() const;
+  /// Of a process that has ended.
+  DWORD ExitCode() const;
+  void Terminate();
+
+  /// The visible page, or the one named `form`; null when it is not shown.
+  HWND Page() const;
+  HWND Page(const std::string& form) const;
+  /// "FrmType is shown", for messages.
+  std::string PagesShown() const;
+  /// The control of that name on a visible page, shown or hidden itself; null when there is none.
+  HWND Control(const std::string& name) const;
+  std::vector<MessageWindow> MessageWindows() const;
+  /// The dialog that stands before the page (a message box, the folder browser); null when none.
+  HWND Dialog() const;
+  /// The window that keys go to: the dialog or the page.
+  HWND Front() const { return Dialog() != nullptr ? Dialog() : Page(); }
+
+ private:
+  struct Closer {
+    void operator()(void* handle) const { CloseHandle(handle); }
+  };
+
+  std::vector<HWND> TopWindows() const;
+
+  DWORD id_ = 0;
+  std::unique_ptr<void, Closer> process_;
+};
+
+/// Sends a message that asks something; nothing when there is no answer within half a second.
+std::optional<LRESULT> Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
+
+/// What an operator reads in the window (one "*" a character of a masked box); nothing when Setup
+/// does not answer.
+std::optional<std::string> TextOf(HWND window);
+
+/// Whether an option button is selected or a check box ticked.
+std::optional<bool> ValueOf(HWND window);
+
+/// The control's width in twips, as the wizard states it.
+int WidthOf(HWND window);
+
+bool HasFocus(HWND window);
+
+}  // namespace talu::drive

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <condition_variable>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Drives.h"
+#include "Statements.h"
+
+namespace talu::standin {
+
+/// A database that the server knows.
+struct DatabaseEntry {
+  int Id = 0;
+  std::string Name;
+  /// Its SQLite file, which stands at the path of the primary data file.
+  std::filesystem::path File;
+  /// The same as the client wrote it.
+  std::string WindowsFile;
+  /// Log and secondary data files: placeholders.
+  std::vector<std::filesystem::path> OtherFiles;
+  bool IsOnline = true;
+  std::string Created;
+  std::vector<std::string> Users;
+};
+
+inline constexpr std::string_view masterName = "master";
+
+/// The server's databases, logins and sessions. It is kept in a file in the data folder, so it
+/// outlives the process. Safe to use from several threads; everything that a client can do wrong
+/// raises SqlFailure.
+class Catalogue {
+ public:
+  /// Raises std::runtime_error when the data folder cannot be used or another server uses it.
+  Catalogue(std::filesystem::path dataFolder, Drives drives, std::string adminName,
+            std::string adminPassword);
+  ~Catalogue();
+  Catalogue(const Catalogue&) = delete;
+  Catalogue& operator=(const Catalogue&) = delete;
+
+  const Drives& AllDrives() const { return drives_; }
+
+  /// Whether the name and password may log in.
+  bool MayLogIn(const std::string& name, const std::string& password) const;
+
+  /// A session begins; `end` is called, from another session's thread, when that one ends its use.
+  void Join(int session, std::function<void()> end);
+  void Leave(int session);
+
+  /// Makes a database the session's current one (911, 942).
+  DatabaseEntry Use(int session, const std::string& name);
+  /// A database that is online (911, 942).
+  DatabaseEntry Find(const std::string& name) const;
+  bool Exists(const std::string& name) const;
+
+  void Create(const CreateDatabase& statement);
+  /// Waits until the other sessions have let go where the statement ends their use.
+  void Alter(int session, const AlterDatabase& statement);
+  /// Deletes the files too, except of a database that is offline, as the real server does.
+  void Drop(const std::string& name);
+
+  void CreateLogin(const standin::CreateLogin& statement);
+  void DropLogin(const std::string& name);
+  void CreateUser(int databaseId, const standin::CreateUser& statement);
+  void DropUser(int databaseId, const std::string& name);
+
+  // What the system views show, as JSON arrays.
+  std::string DatabasesAsJson() const;
+  std::string LoginsAsJson() const;
+  std::string UsersAsJson(int databaseId) const;
+
+ private:
+  struct LoginEntry {
+    std::string Name;
+    /// The password's hash, as crypt(3) makes it; empty when nobody can log in.
+    std::string Hash;
+  };
+  struct SessionEntry {
+    int Database = 0;
+    std::function<void()> End;
+  };
+
+  void Load();
+  void Save() const;
+  const DatabaseEntry* Search(std::string_view name) const;
+  DatabaseEntry& ById(int id);
+  bool IsLogin(std::string_view name) const;
+  std::vector<int> OthersIn(int database, int session) const;
+  void EndOthers(std::unique_lock<std::mutex>& lock, const DatabaseEntry& database, int session);
+
+  std::filesystem::path folder_;
+  Drives drives_;
+  std::string adminName_;
+  std::string adminPassword_;
+  int lockFile_ = -1;
+
+  mutable std::mutex mutex_;
+  std::condition_variable left_;
+  int nextId_ = 5;  // 1 to 4 are the system databases of the real server
+  std::vector<DatabaseEntry> databases_;
+  std::vector<LoginEntry> logins_;
+  std::map<int, SessionEntry> sessions_;
+};
+
+/// This moment, local time, as the server prints it: 2012-03-07 09:05:00.
+std::string LocalTimeText();
+
+}  // namespace talu::standin

@@ -1,0 +1,261 @@
+#include "Connection.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+#include "Text.h"
+
+namespace talu::standin {
+namespace {
+
+constexpr std::size_t firstPacketSize = 4096;
+constexpr std::size_t smallestPacketSize = 512;
+constexpr std::size_t largestPacketSize = 32767;
+/// Bytes of a message before the login, and after it: a batch of 500 million characters.
+constexpr std::size_t loginLimit = 128 * 1024;
+constexpr std::size_t batchLimit = std::size_t{1000} * 1000 * 1000;
+/// How long a client may take to log in.
+constexpr timeval loginTime{30, 0};
+constexpr std::string_view language = "us_english";
+
+/// The client has gone, or does not want to hear more.
+class Gone : public std::exception {};
+
+}  // namespace
+
+Connection::Connection(ServerParts& parts, std::unique_ptr<Descriptor> socket)
+    : parts_(parts),
+      socket_(std::move(socket)),
+      number_(parts.NextSession++),
+      reader_(loginLimit),
+      packetSize_(firstPacketSize) {
+  setsockopt(socket_->Number(), SOL_SOCKET, SO_RCVTIMEO, &loginTime, sizeof loginTime);
+}
+
+void Connection::End() {
+  isEnded_ = true;
+  shutdown(socket_->Number(), SHUT_RDWR);
+}
+
+void Connection::Serve() {
+  parts_.Server.Join(number_, [this] { End(); });
+  try {
+    while (auto message = Receive()) Answer(*message);
+  } catch (const std::exception&) {
+    // Gone, a broken protocol, no memory: for this client all of them are the end.
+  }
+  const bool wasLoggedIn = session_ != nullptr;
+  session_.reset();
+  parts_.Server.Leave(number_);
+  if (wasLoggedIn) parts_.Log.LoggedOut(number_);
+  shutdown(socket_->Number(), SHUT_RDWR);
+}
+
+/// Reads what has come; false at the end of the connection or, without waiting, when there is nothing.
+bool Connection::ReceiveMore(bool waits) {
+  std::array<char, 64 * 1024> bytes;
+  const ssize_t size =
+      recv(socket_->Number(), bytes.data(), bytes.size(), waits ? 0 : MSG_DONTWAIT);
+  if (size > 0) {
+    reader_.Feed({bytes.data(), static_cast<std::size_t>(size)});
+    return true;
+  }
+  if (size < 0 && errno == EINTR) return true;
+  if (!waits && size < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return false;
+  isEnded_ = true;
+  return false;
+}
+
+std::optional<Message> Connection::Receive() {
+  while (!isEnded_) {
+    if (auto message = reader_.Next()) return message;
+    ReceiveMore(true);
+  }
+  return std::nullopt;
+}
+
+void Connection::Send(std::string_view packets) {
+  while (!packets.empty()) {
+    const ssize_t size = send(socket_->Number(), packets.data(), packets.size(), MSG_NOSIGNAL);
+    if (size < 0 && errno == EINTR) continue;
+    if (size <= 0) throw Gone();
+    packets.remove_prefix(static_cast<std::size_t>(size));
+  }
+}
+
+ReplyWriter Connection::NewReply() {
+  return {[this](std::string_view packets) { Send(packets); }, version_, packetSize_};
+}
+
+/// Whether to give up what runs: the client has cancelled it or gone, or the server ends.
+bool Connection::IsCancelled() {
+  if (!reader_.HasMessage()) ReceiveMore(false);
+  return isEnded_ || reader_.HasAttention();
+}
+
+void Connection::Wait(std::chrono::milliseconds delay) {
+  const auto end = std::chrono::steady_clock::now() + delay;
+  while (true) {
+    if (IsCancelled()) throw Cancelled();
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        end - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return;
+    pollfd wait{socket_->Number(), POLLIN, 0};
+    const auto slice = std::min<std::chrono::milliseconds::rep>(left.count(), 100);
+    if (reader_.HasMessage()) wait.fd = -1;  // a message that waits its turn keeps the socket ready
+    poll(&wait, 1, static_cast<int>(slice));
+  }
+}
+
+void Connection::Answer(const Message& message) {
+  if (!session_) {
+    if (message.Type == MessageType::PreLogin) {
+      ReplyWriter reply = NewReply();
+      reply.Raw(AnswerPreLogin(message.Payload));
+      reply.Finish();
+    } else if (message.Type == MessageType::Login) {
+      AnswerLogin(message);
+    } else {
+      throw ProtocolError("a message before the login");
+    }
+    return;
+  }
+  if (message.ResetsSession) session_->Reset();
+  switch (message.Type) {
+    case MessageType::Batch:
+      AnswerBatch(message);
+      break;
+    case MessageType::Transaction:
+      AnswerTransaction(message);
+      break;
+    case MessageType::Attention: {
+      ReplyWriter reply = NewReply();
+      reply.DoneAttention();
+      reply.Finish();
+      break;
+    }
+    case MessageType::Procedure: {
+      ReplyWriter reply = NewReply();
+      Refuse(SqlFailure(message::NoSuchProcedure(ParseProcedureName(message.Payload, version_))),
+             reply);
+      break;
+    }
+    case MessageType::BulkLoad: {
+      ReplyWriter reply = NewReply();
+      Refuse(SqlFailure(message::Own("bulk load is not supported")), reply);
+      break;
+    }
+    default:
+      throw ProtocolError("a message out of its turn");
+  }
+}
+
+void Connection::Refuse(const SqlFailure& failure, ReplyWriter& reply) {
+  for (const SqlMessage& each : failure.Messages) reply.Tell(each, 1);
+  reply.Done(DoneCommand::None, {}, true);
+  reply.Finish();
+}
+
+void Connection::AnswerLogin(const Message& message) {
+  const LoginRequest login = ParseLogin(message.Payload);
+  version_ = std::min(login.Version, tdsVersion74);
+  if (version_ < tdsVersion70) throw ProtocolError("a version too old");
+  const std::string database = login.Database.empty() ? std::string(masterName) : login.Database;
+  ReplyWriter reply = NewReply();
+  try {
+    if (login.Integrated) throw SqlFailure(message::UntrustedLogin());
+    if (!parts_.Server.MayLogIn(login.User, login.Password)) {
+      throw SqlFailure(message::LoginFailed(login.User));
+    }
+    try {
+      session_ = std::make_unique<Session>(parts_.Server, number_, login.User, database,
+                                           [this] { return IsCancelled(); });
+    } catch (const SqlFailure&) {
+      throw SqlFailure({message::CannotOpenDatabase(database), message::LoginFailed(login.User)});
+    }
+  } catch (const SqlFailure& failure) {
+    parts_.Log.LoggedIn(number_, login.User, database, failure.Messages.front());
+    Refuse(failure, reply);
+    throw Gone();
+  }
+  parts_.Log.LoggedIn(number_, login.User, database, {});
+  const std::string& name = session_->DatabaseName();
+  const std::size_t wanted = login.PacketSize == 0 ? firstPacketSize : login.PacketSize;
+  const std::size_t agreed = std::clamp(wanted, smallestPacketSize, largestPacketSize);
+  reply.DatabaseChanged(name, masterName);
+  reply.Tell(message::DatabaseContext(name, 2), 1);
+  reply.CollationChanged();
+  reply.LanguageChanged(language);
+  reply.Tell(message::LanguageSetting(language), 1);
+  reply.LoginAccepted();
+  reply.PacketSizeChanged(agreed, firstPacketSize);
+  reply.Done(DoneCommand::None, {});
+  reply.Finish();
+  packetSize_ = agreed;
+  reader_.SetLimit(batchLimit);
+  constexpr timeval forever{0, 0};
+  setsockopt(socket_->Number(), SOL_SOCKET, SO_RCVTIMEO, &forever, sizeof forever);
+}
+
+void Connection::AnswerBatch(const Message& message) {
+  const std::string batch = ParseBatch(message.Payload, version_);
+  const std::uint64_t number = ++parts_.Batches;
+  const std::string database = session_->DatabaseName();
+  const Mishap mishap = parts_.Plan.For(number, batch);
+  ReplyWriter reply = NewReply();
+  if (message.ResetsSession) reply.SessionReset();
+  Journal::Outcome outcome;
+  try {
+    if (mishap.Delay.count() > 0) Wait(mishap.Delay);
+    if (mishap.Cuts) {
+      parts_.Log.Batch(number, number_, database, batch, {{}, "cut"});
+      throw Gone();
+    }
+    if (mishap.Failure) {
+      outcome.Error = mishap.Failure;
+      Refuse(SqlFailure(*mishap.Failure), reply);
+    } else {
+      outcome.Error = session_->Run(batch, reply);
+      reply.Finish();
+    }
+  } catch (const Cancelled&) {
+    parts_.Log.Batch(number, number_, database, batch, {{}, "cancelled"});
+    if (isEnded_) throw Gone();
+    while (reader_.HasMessage()) {
+      const auto next = reader_.Next();
+      if (next->Type == MessageType::Attention) break;
+    }
+    reply.DoneAttention();
+    reply.Finish();
+    return;
+  }
+  parts_.Log.Batch(number, number_, database, batch, outcome);
+}
+
+void Connection::AnswerTransaction(const Message& message) {
+  using Kind = TransactionRequest::Kind;
+  const TransactionRequest request = ParseTransaction(message.Payload, version_);
+  ReplyWriter reply = NewReply();
+  try {
+    if (request.What == Kind::Other) {
+      throw SqlFailure(message::Own("this transaction request is not supported"));
+    }
+    if (request.What == Kind::Begin) {
+      session_->BeginTransaction(reply);
+    } else {
+      session_->EndTransaction(reply, request.What == Kind::Commit);
+      if (request.BeginsAnother) session_->BeginTransaction(reply);
+    }
+    reply.Done(DoneCommand::None, {});
+    reply.Finish();
+  } catch (const SqlFailure& failure) {
+    Refuse(failure, reply);
+  }
+}
+
+}  // namespace talu::standin

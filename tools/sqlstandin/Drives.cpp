@@ -1,0 +1,98 @@
+#include "Drives.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <system_error>
+#include <vector>
+
+#include "Text.h"
+
+namespace talu::standin {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view pathNotFound = "3(The system cannot find the path specified.)";
+constexpr std::string_view nameIsWrong =
+    "123(The filename, directory name, or volume label syntax is incorrect.)";
+constexpr std::string_view accessDenied = "5(Access is denied.)";
+
+char UpperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
+bool IsLetter(char c) { return UpperLetter(c) >= 'A' && UpperLetter(c) <= 'Z'; }
+
+/// The entry of `folder` that Windows would take for `name`; a new name when there is none.
+fs::path FindEntry(const fs::path& folder, const std::string& name, bool& exists) {
+  std::error_code error;
+  exists = fs::exists(fs::symlink_status(folder / name, error));
+  if (exists) return folder / name;
+  for (const auto& entry : fs::directory_iterator(folder, error)) {
+    if (SameName(entry.path().filename().string(), name)) {
+      exists = true;
+      return entry.path();
+    }
+  }
+  return folder / name;
+}
+
+}  // namespace
+
+void Drives::Add(std::string_view mapping) {
+  if (mapping.size() < 3 || !IsLetter(mapping[0]) || mapping[1] != '=') {
+    throw std::invalid_argument("a drive is given as C=FOLDER, not \"" + std::string(mapping) + "\"");
+  }
+  const fs::path folder(mapping.substr(2));
+  std::error_code error;
+  if (!fs::is_directory(folder, error)) {
+    throw std::invalid_argument("the folder of drive " + std::string(1, mapping[0]) +
+                                ": does not exist: " + folder.string());
+  }
+  folders_[UpperLetter(mapping[0])] = fs::absolute(folder);
+}
+
+FoundPath Drives::Find(std::string_view windowsPath) const {
+  FoundPath found;
+  const auto fail = [&found](std::string_view reason) {
+    found.SystemError = reason;
+    return found;
+  };
+  if (windowsPath.size() < 3 || windowsPath[1] != ':' || !IsLetter(windowsPath[0])) {
+    return fail(nameIsWrong);
+  }
+  const auto drive = folders_.find(UpperLetter(windowsPath[0]));
+  if (drive == folders_.end()) return fail(pathNotFound);
+  const bool isWrong = std::any_of(windowsPath.begin() + 2, windowsPath.end(), [](char c) {
+    return static_cast<unsigned char>(c) < ' ' ||
+           std::string_view("<>:\"|?*").find(c) != std::string_view::npos;
+  });
+  if (isWrong || (windowsPath[2] != '\\' && windowsPath[2] != '/')) return fail(nameIsWrong);
+
+  std::vector<std::string> parts;
+  for (std::size_t at = 2; at < windowsPath.size();) {
+    const std::size_t end = std::min(windowsPath.find_first_of("\\/", at), windowsPath.size());
+    std::string part(windowsPath.substr(at, end - at));
+    at = end + 1;
+    if (part == "..") {
+      if (!parts.empty()) parts.pop_back();
+      continue;
+    }
+    while (!part.empty() && (part.back() == ' ' || part.back() == '.')) part.pop_back();
+    if (!part.empty()) parts.push_back(std::move(part));
+  }
+  if (parts.empty()) return fail(accessDenied);  // the root is no file
+  fs::path folder = drive->second;
+  std::error_code error;
+  for (std::size_t i = 0; i + 1 < parts.size(); ++i) {
+    bool exists = false;
+    folder = FindEntry(folder, parts[i], exists);
+    if (!exists || !fs::is_directory(folder, error)) return fail(pathNotFound);
+  }
+  found.File = FindEntry(folder, parts.back(), found.Exists);
+  found.FolderExists = true;
+  if (found.Exists && fs::is_directory(found.File, error)) {
+    found.FolderExists = false;
+    return fail(accessDenied);
+  }
+  return found;
+}
+
+}  // namespace talu::standin

@@ -1,0 +1,71 @@
+#include "Journal.h"
+
+#include <cerrno>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "Lexer.h"
+
+namespace talu::standin {
+namespace {
+
+/// Keeps the fields in the order in which they are written.
+using Json = nlohmann::ordered_json;
+
+void AddError(Json& record, const std::optional<SqlMessage>& error) {
+  record["ok"] = !error.has_value();
+  if (error) record["error"] = {{"number", error->Number}, {"description", error->Text}};
+}
+
+std::string Line(const Json& record) {
+  return record.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace
+
+Journal::Journal(const std::filesystem::path& file) {
+  if (file.empty()) return;
+  file_.reset(std::fopen(file.c_str(), "ae"));
+  if (!file_) {
+    throw std::runtime_error("the journal cannot be opened: " + file.string() + ": " +
+                             std::strerror(errno));
+  }
+}
+
+void Journal::Write(const std::string& line) {
+  const std::lock_guard lock(mutex_);
+  std::fwrite(line.data(), 1, line.size(), file_.get());
+  std::fflush(file_.get());
+}
+
+void Journal::LoggedIn(int session, const std::string& user, const std::string& database,
+                       const std::optional<SqlMessage>& error) {
+  if (!file_) return;
+  Json record = {{"event", "login"}, {"session", session}, {"user", user}, {"database", database}};
+  AddError(record, error);
+  Write(Line(record));
+}
+
+void Journal::LoggedOut(int session) {
+  if (!file_) return;
+  Write(Line({{"event", "logout"}, {"session", session}}));
+}
+
+void Journal::Batch(std::uint64_t number, int session, const std::string& database,
+                    std::string_view batch, const Outcome& outcome) {
+  if (!file_) return;
+  Json record = {{"event", "sql"},
+                 {"number", number},
+                 {"session", session},
+                 {"database", database},
+                 {"text", MaskPasswords(batch)}};
+  AddError(record, outcome.Error);
+  if (!outcome.Ending.empty()) {
+    record["ok"] = false;
+    record["ending"] = outcome.Ending;
+  }
+  Write(Line(record));
+}
+
+}  // namespace talu::standin

@@ -1,0 +1,244 @@
+#include "Rewriter.h"
+
+#include <algorithm>
+#include <array>
+
+#include "Messages.h"
+#include "TableDefinition.h"
+#include "TokenCopier.h"
+
+namespace talu::standin {
+
+std::string QuoteName(std::string_view name) {
+  std::string quoted = "\"";
+  for (const char c : name) {
+    quoted += c;
+    if (c == '"') quoted += c;
+  }
+  return quoted += '"';
+}
+
+std::string QuoteText(std::string_view text) {
+  std::string quoted;
+  if (text.find('\0') == std::string_view::npos) {
+    quoted.reserve(text.size() + 2);
+    quoted += '\'';
+    for (const char c : text) {
+      quoted += c;
+      if (c == '\'') quoted += c;
+    }
+    return quoted += '\'';
+  }
+  // SQLite's parser stops at a NUL, so a text with one is spelt as its bytes.
+  static constexpr std::string_view digits = "0123456789ABCDEF";
+  quoted.reserve(text.size() * 2 + 20);
+  quoted += "CAST(X'";
+  for (const char c : text) {
+    quoted += digits[static_cast<unsigned char>(c) >> 4];
+    quoted += digits[static_cast<unsigned char>(c) & 0xF];
+  }
+  return quoted += "' AS TEXT)";
+}
+
+std::string Rewriter::TableName::Quoted() const { return Prefix + QuoteName(Table); }
+
+void Rewriter::FailAt(const Token& token, const Token& last) {
+  const Token& near = token.Kind == TokenKind::End ? last : token;
+  throw SqlFailure(message::SyntaxNear(near.Value()), true);
+}
+
+std::vector<std::string> Rewriter::Rewrite(const DataStatement& statement) {
+  using Verb = DataStatement::Verb;
+  const Range text = statement.Text;
+  switch (statement.What) {
+    case Verb::Insert:
+      return {RewriteInsert(text)};
+    case Verb::CreateTable:
+      return TableDefinition(batch_, *this).Create(text);
+    case Verb::AlterTable:
+      return TableDefinition(batch_, *this).Alter(text);
+    case Verb::Truncate:
+      return RewriteTruncate(text);
+    case Verb::CreateIndex:
+      return {RewriteCreateIndex(text)};
+    case Verb::DropIndex:
+      return {RewriteDropIndex(text)};
+    case Verb::DropTable:
+      return RewriteDrop(text, "TABLE");
+    case Verb::DropView:
+      return RewriteDrop(text, "VIEW");
+    case Verb::Delete: {
+      // FROM may be left out.
+      Lexer lexer(batch_, text.Begin, text.End);
+      const Token head = lexer.Next();
+      if (!head.Is("DELETE") || lexer.Peek().Is("FROM")) return {RewriteExpression(text)};
+      return {"DELETE FROM " + RewriteExpression({head.At + head.Raw.size(), text.End})};
+    }
+    case Verb::Select:
+    case Verb::Update:
+    case Verb::CreateView:
+      break;
+  }
+  return {RewriteExpression(text)};
+}
+
+std::string Rewriter::RewriteExpression(Range range) {
+  return TokenCopier(Lexer(batch_, range.Begin, range.End), environment_).CopyAll();
+}
+
+Rewriter::TableName Rewriter::TakeTableName(Lexer& lexer) {
+  Token last = lexer.Peek();
+  std::vector<std::string> parts(1);
+  while (true) {
+    const Token token = lexer.Peek();
+    if (token.IsName()) {
+      last = lexer.Next();
+      if (last.Kind == TokenKind::Word && last.Raw.front() == '#') FailAt(last, last);
+      parts.back() = last.Value();
+    } else if (!token.IsSymbol(".")) {
+      FailAt(token, last);
+    }
+    if (!lexer.Peek().IsSymbol(".")) break;
+    last = lexer.Next();
+    parts.emplace_back();
+  }
+  TableName name;
+  name.Table = parts.back();
+  if (name.Table.empty()) FailAt(lexer.Peek(), last);
+  if (parts.size() == 3) name.Prefix = environment_.PrefixOf(parts.front());
+  const std::string schema = parts.size() < 2 ? "" : parts[parts.size() - 2];
+  if (parts.size() > 3 || (!schema.empty() && !SameWord(schema, "dbo"))) {
+    throw SqlFailure(message::InvalidObject(schema + "." + name.Table), true);
+  }
+  return name;
+}
+
+std::string Rewriter::RewriteInsert(Range range) {
+  Lexer lexer(batch_, range.Begin, range.End);
+  Token last = lexer.Next();
+  if (!last.Is("INSERT")) return RewriteExpression(range);  // after common table expressions
+  if (lexer.Peek().Is("INTO")) last = lexer.Next();
+  const TableName table = TakeTableName(lexer);
+  const std::vector<TableColumn> columns = environment_.Columns(table.Prefix, table.Table);
+  const bool allowsIdentity = environment_.AllowsIdentityInsert(table.Table);
+  std::string list;
+  Token next = lexer.Peek();
+  if (next.IsSymbol("(")) {
+    last = lexer.Next();
+    do {
+      const Token name = lexer.Next();
+      if (!name.IsName()) FailAt(name, last);
+      const std::string column = name.Value();
+      const bool isIdentity = std::any_of(columns.begin(), columns.end(), [&](const auto& each) {
+        return each.IsIdentity && SameName(each.Name, column);
+      });
+      if (isIdentity && !allowsIdentity) {
+        throw SqlFailure(message::ExplicitIdentity(table.Table));
+      }
+      list += (list.empty() ? "" : ", ") + QuoteName(column);
+      last = lexer.Next();
+    } while (last.IsSymbol(","));
+    if (!last.IsSymbol(")")) FailAt(last, last);
+    next = lexer.Peek();
+  } else if (!next.Is("DEFAULT") && std::any_of(columns.begin(), columns.end(), [](const auto& each) {
+               return each.IsIdentity;
+             })) {
+    // Without a list the values are those of all columns but the identity.
+    for (const TableColumn& column : columns) {
+      if (!column.IsIdentity) list += (list.empty() ? "" : ", ") + QuoteName(column.Name);
+    }
+  }
+  if (next.Kind == TokenKind::End) FailAt(next, last);
+  std::string sql = "INSERT INTO " + table.Quoted();
+  if (!list.empty()) sql += " (" + list + ")";
+  return sql + " " + RewriteExpression({next.At, range.End});
+}
+
+std::vector<std::string> Rewriter::RewriteTruncate(Range range) {
+  Lexer lexer(batch_, range.Begin, range.End);
+  lexer.Next();
+  lexer.Next();
+  const TableName table = TakeTableName(lexer);
+  if (lexer.Peek().Kind != TokenKind::End) FailAt(lexer.Peek(), lexer.Peek());
+  std::vector<std::string> statements{"DELETE FROM " + table.Quoted()};
+  const auto columns = environment_.Columns(table.Prefix, table.Table);
+  if (std::any_of(columns.begin(), columns.end(), [](const auto& each) { return each.IsIdentity; })) {
+    statements.push_back("DELETE FROM " + table.Prefix + "sqlite_sequence WHERE name = " +
+                         QuoteText(table.Table) + " COLLATE NOCASE");
+  }
+  return statements;
+}
+
+std::vector<std::string> Rewriter::RewriteDrop(Range range, std::string_view kind) {
+  Lexer lexer(batch_, range.Begin, range.End);
+  lexer.Next();
+  Token last = lexer.Next();
+  std::string head = "DROP " + std::string(kind) + " ";
+  if (lexer.Peek().Is("IF")) {
+    last = lexer.Next();
+    if (!lexer.Peek().Is("EXISTS")) FailAt(lexer.Peek(), last);
+    last = lexer.Next();
+    head += "IF EXISTS ";
+  }
+  std::vector<std::string> statements;
+  do {
+    statements.push_back(head + TakeTableName(lexer).Quoted());
+    last = lexer.Next();
+  } while (last.IsSymbol(","));
+  if (last.Kind != TokenKind::End) FailAt(last, last);
+  return statements;
+}
+
+namespace {
+
+/// An index name belongs to its table in T-SQL and to the whole database in SQLite.
+std::string IndexName(const Rewriter::TableName& table, std::string_view index) {
+  return table.Prefix + QuoteName(table.Table + "." + std::string(index));
+}
+
+}  // namespace
+
+std::string Rewriter::RewriteCreateIndex(Range range) {
+  Lexer lexer(batch_, range.Begin, range.End);
+  Token last = lexer.Next();
+  std::string sql = "CREATE ";
+  while (!last.Is("INDEX")) {
+    if (last.Is("UNIQUE")) sql += "UNIQUE ";
+    last = lexer.Next();
+    if (last.Kind == TokenKind::End) FailAt(last, last);
+  }
+  const Token index = lexer.Next();
+  if (!index.IsName()) FailAt(index, last);
+  last = lexer.Next();
+  if (!last.Is("ON")) FailAt(last, index);
+  const TableName table = TakeTableName(lexer);
+  const Token open = lexer.Peek();
+  if (!open.IsSymbol("(")) FailAt(open, last);
+  const Range columns = TakeGroup(lexer);
+  sql += "INDEX " + IndexName(table, index.Value()) + " ON " + QuoteName(table.Table) +
+         RewriteExpression(columns);
+  // What follows is about storage: INCLUDE (…), WITH (…), ON [PRIMARY].
+  const Token next = lexer.Peek();
+  if (next.Kind != TokenKind::End && !next.Is("INCLUDE") && !next.Is("WITH") && !next.Is("ON")) {
+    FailAt(next, last);
+  }
+  return sql;
+}
+
+std::string Rewriter::RewriteDropIndex(Range range) {
+  Lexer lexer(batch_, range.Begin, range.End);
+  lexer.Next();
+  Token last = lexer.Next();
+  std::vector<std::string> parts;  // index ON table, or table.index
+  do {
+    const Token name = lexer.Next();
+    if (!name.IsName()) FailAt(name, last);
+    parts.push_back(name.Value());
+    last = lexer.Next();
+  } while (last.IsSymbol("."));
+  if (last.Is("ON")) return "DROP INDEX " + IndexName(TakeTableName(lexer), parts.back());
+  if (last.Kind != TokenKind::End || parts.size() < 2) FailAt(last, last);
+  return "DROP INDEX " + IndexName({"", parts[parts.size() - 2]}, parts.back());
+}
+
+}  // namespace talu::standin

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Lexer.h"
+#include "Statements.h"
+
+namespace talu::standin {
+
+struct TableColumn {
+  std::string Name;
+  bool IsIdentity = false;
+};
+
+/// What the rewriter has to know of the session whose statement it rewrites.
+class RewriteEnvironment {
+ public:
+  virtual ~RewriteEnvironment() = default;
+  /// Makes another database reachable and returns the prefix of its tables ("other."); empty for the
+  /// current database. Raises SqlFailure (911, 942) when it cannot be used.
+  virtual std::string PrefixOf(const std::string& database) = 0;
+  /// A system variable's value ("@@TRANCOUNT") as SQL; nothing for a variable that is not known.
+  virtual std::optional<std::string> Variable(std::string_view name) = 0;
+  /// The columns of a table, in order; empty when there is no such table.
+  virtual std::vector<TableColumn> Columns(const std::string& prefix, const std::string& table) = 0;
+  /// Whether SET IDENTITY_INSERT is on for the table.
+  virtual bool AllowsIdentityInsert(const std::string& table) = 0;
+  /// The statement reads a system view (sys.databases): they are to be there when it runs.
+  virtual void NeedSystemViews() = 0;
+};
+
+/// Puts statements into SQLite's dialect. Everything is copied token by token, in one pass; what has
+/// no counterpart is refused with 102 near the word, here or by SQLite.
+class Rewriter {
+ public:
+  Rewriter(std::string_view batch, RewriteEnvironment& environment)
+      : batch_(batch), environment_(environment) {}
+
+  /// The statements to carry out instead of this one, in order.
+  std::vector<std::string> Rewrite(const DataStatement& statement);
+
+  /// An expression, a condition, a query.
+  std::string RewriteExpression(Range range);
+
+  /// A possibly qualified table name, taken from the lexer.
+  struct TableName {
+    std::string Prefix;
+    std::string Table;
+    std::string Quoted() const;
+  };
+  TableName TakeTableName(Lexer& lexer);
+
+  [[noreturn]] static void FailAt(const Token& token, const Token& last);
+
+ private:
+  struct Frame;
+  class Copy;
+
+  std::string RewriteInsert(Range range);
+  std::vector<std::string> RewriteTruncate(Range range);
+  std::vector<std::string> RewriteDrop(Range range, std::string_view kind);
+  std::string RewriteCreateIndex(Range range);
+  std::string RewriteDropIndex(Range range);
+
+  std::string_view batch_;
+  RewriteEnvironment& environment_;
+};
+
+/// A name as SQLite takes it whatever is in it.
+std::string QuoteName(std::string_view name);
+/// A text as SQLite takes it whatever is in it, NULs too.
+std::string QuoteText(std::string_view text);
+
+}  // namespace talu::standin

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <thread>
+
+#include "Catalogue.h"
+#include "Journal.h"
+#include "Mishaps.h"
+
+namespace talu::standin {
+
+/// What all connections share.
+struct ServerParts {
+  Catalogue& Server;
+  Journal& Log;
+  const Mishaps& Plan;
+  /// Batches received, over all sessions.
+  std::atomic<std::uint64_t> Batches{0};
+  /// The real server's first session that is not its own is 51.
+  std::atomic<int> NextSession{51};
+};
+
+/// A file descriptor that closes itself.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor();
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int Number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+class Connection;
+
+/// Listens on the loopback interface only, one thread a client.
+class Server {
+ public:
+  /// Port 0 takes any free one. Raises std::system_error when the port is taken.
+  Server(ServerParts& parts, std::uint16_t port);
+  ~Server();
+
+  std::uint16_t Port() const { return port_; }
+
+  /// Serves until `stopDescriptor` can be read. Then every connection is closed.
+  void Run(int stopDescriptor);
+
+ private:
+  struct Client {
+    std::unique_ptr<Connection> Link;
+    std::thread Thread;
+    std::atomic<bool> IsFinished{false};
+  };
+  void Accept();
+  void Reap(bool all);
+
+  ServerParts& parts_;
+  Descriptor listener_;
+  std::uint16_t port_ = 0;
+  std::list<Client> clients_;
+};
+
+}  // namespace talu::standin

@@ -1,0 +1,199 @@
+// The statements that SQLite carries out.
+#include <limits>
+
+#include "ColumnType.h"
+#include "Session.h"
+#include "Text.h"
+
+namespace talu::standin {
+namespace {
+
+/// The statement's first word, for error messages.
+std::string_view VerbName(DataStatement::Verb verb) {
+  using Verb = DataStatement::Verb;
+  switch (verb) {
+    case Verb::Select:
+      return "SELECT";
+    case Verb::Insert:
+      return "INSERT";
+    case Verb::Update:
+      return "UPDATE";
+    case Verb::Delete:
+    case Verb::Truncate:
+      return "DELETE";
+    case Verb::CreateTable:
+    case Verb::CreateIndex:
+    case Verb::CreateView:
+      return "CREATE";
+    case Verb::AlterTable:
+      return "ALTER";
+    case Verb::DropIndex:
+    case Verb::DropTable:
+    case Verb::DropView:
+      return "DROP";
+  }
+  return "";
+}
+
+std::string_view TextAt(sqlite3_stmt* row, int index) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, index));
+  return text == nullptr
+             ? std::string_view()
+             : std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(row, index)));
+}
+
+/// What an expression without a declared type gives: its first value decides.
+ResultColumn TypeOfValue(sqlite3_stmt* row, int index) {
+  switch (sqlite3_column_type(row, index)) {
+    case SQLITE_INTEGER:
+      return {"", ValueType::BigInt, 0};
+    case SQLITE_FLOAT:
+      return {"", ValueType::Float, 0};
+    case SQLITE_BLOB:
+      return {"", ValueType::Bytes, 0};
+    default:
+      return {"", ValueType::Text, 0};
+  }
+}
+
+}  // namespace
+
+SqliteDatabase& Session::Current() {
+  std::unique_ptr<SqliteDatabase>& database = open_[facts_.Current.Id];
+  if (!database) {
+    try {
+      database = std::make_unique<SqliteDatabase>(facts_.Current.File, facts_.Current.Name,
+                                                  isCancelled_);
+    } catch (...) {
+      open_.erase(facts_.Current.Id);
+      throw;
+    }
+    AddFunctions(*database, facts_);
+  }
+  if (transactions_ > 0 && !database->InTransaction()) database->Execute("BEGIN");
+  return *database;
+}
+
+bool Session::IsTrue(Range condition) {
+  const std::string sql =
+      "SELECT CASE WHEN" + Rewriter(batch_, *this).RewriteExpression(condition) + " THEN 1 ELSE 0 END";
+  SqliteStatement query(Current(), sql, "IF");
+  return query.Step() && sqlite3_column_int(query.Handle(), 0) != 0;
+}
+
+void Session::Do(const PrintText& statement) {
+  const std::string sql = "SELECT" + Rewriter(batch_, *this).RewriteExpression(statement.Expression);
+  SqliteStatement query(Current(), sql, "PRINT");
+  if (query.Step()) {
+    reply_->Tell({0, 0, 1, std::string(TextAt(query.Handle(), 0))}, LineOf(statement.Expression.Begin));
+  }
+  Done();
+}
+
+void Session::Do(const DataStatement& statement) {
+  using Verb = DataStatement::Verb;
+  Current().DetachAll();
+  std::vector<std::string> statements = Rewriter(batch_, *this).Rewrite(statement);
+  SqliteDatabase& database = Current();
+  // What is one statement to the client happens whole or not at all.
+  const bool needsSavepoint = statements.size() > 1;
+  if (needsSavepoint) database.Execute("SAVEPOINT whole");
+  try {
+    for (std::size_t i = 0; i < statements.size(); ++i) {
+      RunSql(statements[i], statement.What, i + 1 == statements.size());
+    }
+  } catch (...) {
+    if (needsSavepoint) database.Execute("ROLLBACK TO whole; RELEASE whole");
+    throw;
+  }
+  if (needsSavepoint) database.Execute("RELEASE whole");
+  const bool counts = statement.What == Verb::Insert || statement.What == Verb::Update ||
+                      statement.What == Verb::Delete;
+  if (counts) {
+    const auto command = statement.What == Verb::Insert   ? DoneCommand::Insert
+                         : statement.What == Verb::Update ? DoneCommand::Update
+                                                          : DoneCommand::Delete;
+    Done(command, static_cast<std::uint64_t>(rowCount_));
+  } else if (statement.What != Verb::Select) {
+    rowCount_ = 0;
+    Done();
+  } else {
+    Done(DoneCommand::Select, static_cast<std::uint64_t>(rowCount_));
+  }
+}
+
+void Session::RunSql(const std::string& sql, DataStatement::Verb verb, bool isLast) {
+  SqliteDatabase& database = Current();
+  SqliteStatement statement(database, sql, VerbName(verb));
+  if (sqlite3_column_count(statement.Handle()) > 0) {
+    SendRows(statement);
+    return;
+  }
+  while (statement.Step()) {
+  }
+  if (isLast) rowCount_ = sqlite3_changes64(database.Handle());
+}
+
+void Session::SendRows(SqliteStatement& rows) {
+  sqlite3_stmt* row = rows.Handle();
+  bool hasRow = rows.Step();
+  std::vector<ResultColumn> columns;
+  for (int i = 0; i < sqlite3_column_count(row); ++i) {
+    const char* declared = sqlite3_column_decltype(row, i);
+    std::optional<ResultColumn> type;
+    if (declared != nullptr) type = ResultTypeOf(declared);
+    if (!type) type = hasRow ? TypeOfValue(row, i) : ResultColumn{"", ValueType::Text, 0};
+    type->Name = sqlite3_column_name(row, i);
+    columns.push_back(std::move(*type));
+  }
+  reply_->Columns(columns);
+  rowCount_ = 0;
+  for (; hasRow; hasRow = rows.Step()) {
+    if (rowCount_ % 256 == 255 && isCancelled_()) throw Cancelled();
+    // Nothing of a row is sent before the whole row can be.
+    for (int i = 0; i < sqlite3_column_count(row); ++i) {
+      const ResultColumn& column = columns[static_cast<std::size_t>(i)];
+      const int stored = sqlite3_column_type(row, i);
+      const bool wantsNumber = column.Type == ValueType::Int || column.Type == ValueType::BigInt ||
+                               column.Type == ValueType::Float;
+      const bool isNumber = stored == SQLITE_INTEGER || stored == SQLITE_FLOAT;
+      if (stored != SQLITE_NULL && wantsNumber && !isNumber) {
+        throw SqlFailure(message::ConversionError(
+            "nvarchar", column.Type == ValueType::Float ? "float" : "int"));
+      }
+    }
+    reply_->BeginRow();
+    for (int i = 0; i < sqlite3_column_count(row); ++i) {
+      SendValue(rows, i, columns[static_cast<std::size_t>(i)]);
+    }
+    ++rowCount_;
+  }
+}
+
+void Session::SendValue(SqliteStatement& rows, int index, const ResultColumn& column) {
+  sqlite3_stmt* row = rows.Handle();
+  if (sqlite3_column_type(row, index) == SQLITE_NULL) {
+    reply_->Null(column);
+    return;
+  }
+  switch (column.Type) {
+    case ValueType::Int:
+    case ValueType::BigInt:
+      reply_->Int(column, sqlite3_column_int64(row, index));
+      return;
+    case ValueType::Float:
+      reply_->Float(sqlite3_column_double(row, index));
+      return;
+    case ValueType::Text:
+      reply_->Text(column, TextAt(row, index));
+      return;
+    case ValueType::Bytes: {
+      const auto* bytes = static_cast<const char*>(sqlite3_column_blob(row, index));
+      const auto size = static_cast<std::size_t>(sqlite3_column_bytes(row, index));
+      reply_->Bytes(bytes == nullptr ? std::string_view() : std::string_view(bytes, size));
+      return;
+    }
+  }
+}
+
+}  // namespace talu::standin

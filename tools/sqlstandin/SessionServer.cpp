@@ -1,0 +1,126 @@
+// The statements about databases and logins.
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+
+#include "Session.h"
+#include "Text.h"
+
+namespace talu::standin {
+
+void Session::Do(const UseDatabase& statement) {
+  const std::string before = facts_.Current.Name;
+  SwitchTo(statement.Name);
+  reply_->DatabaseChanged(facts_.Current.Name, before);
+  reply_->Tell(message::DatabaseContext(facts_.Current.Name, 1), 1);
+  Done();
+}
+
+void Session::RefuseInTransaction(std::string_view statement) const {
+  if (transactions_ > 0) throw SqlFailure(message::NotInTransaction(statement));
+}
+
+/// Closes what this session has open of a database, so that its files can go.
+void Session::Forget(const std::string& databaseName) {
+  std::erase_if(open_, [&databaseName](const auto& each) {
+    return SameName(each.second->Name(), databaseName);
+  });
+}
+
+void Session::Do(const CreateDatabase& statement) {
+  RefuseInTransaction("CREATE DATABASE");
+  catalogue_.Create(statement);
+  Done();
+}
+
+void Session::Do(const AlterDatabase& statement) {
+  RefuseInTransaction("ALTER DATABASE");
+  catalogue_.Alter(number_, statement);
+  if (statement.What == AlterDatabase::Action::Offline) {
+    Forget(statement.Name);
+    if (SameName(statement.Name, facts_.Current.Name)) {
+      const std::string before = facts_.Current.Name;
+      SwitchTo(std::string(masterName));
+      reply_->DatabaseChanged(facts_.Current.Name, before);
+    }
+  }
+  Done();
+}
+
+void Session::Do(const DropDatabase& statement) {
+  RefuseInTransaction("DROP DATABASE");
+  for (const std::string& name : statement.Names) {
+    if (statement.IfExists && !catalogue_.Exists(name)) continue;
+    Forget(name);
+    catalogue_.Drop(name);
+  }
+  Done();
+}
+
+void Session::Do(const BackupDatabase& statement) {
+  RefuseInTransaction("BACKUP DATABASE");
+  namespace fs = std::filesystem;
+  const auto fail = [](SqlMessage reason) {
+    throw SqlFailure({std::move(reason), message::BackupFailed()});
+  };
+  DatabaseEntry entry;
+  try {
+    entry = catalogue_.Find(statement.Name);
+  } catch (const SqlFailure& failure) {
+    fail(failure.Messages.front());
+  }
+  const FoundPath target = catalogue_.AllDrives().Find(statement.Path);
+  if (!target.FolderExists) fail(message::NoBackupDevice(statement.Path, target.SystemError));
+  if (target.Exists && !statement.Overwrites) {
+    fail(message::Own("a second backup is not added to a file; say WITH INIT"));
+  }
+  const auto start = std::chrono::steady_clock::now();
+  const fs::path unfinished = target.File.string() + ".part";
+  std::error_code ignored;
+  fs::remove(unfinished, ignored);
+  std::int64_t pages = 0;
+  int told = 0;
+  try {
+    SqliteDatabase source(entry.File, entry.Name, isCancelled_);
+    pages = source.CopyTo(unfinished, [&](int percent) {
+      for (; statement.Stats > 0 && told + statement.Stats <= percent;) {
+        told += statement.Stats;
+        reply_->Tell(message::PercentProcessed(told), 1);
+      }
+    });
+    fs::rename(unfinished, target.File);
+  } catch (const Cancelled&) {
+    fs::remove(unfinished, ignored);
+    throw;
+  } catch (const std::exception&) {
+    fs::remove(unfinished, ignored);
+    fail(message::NoBackupDevice(statement.Path, "5(Access is denied.)"));
+  }
+  const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now() - start);
+  reply_->Tell(message::PagesProcessed(pages, entry.Name), 1);
+  reply_->Tell(message::BackupSucceeded(pages, took.count()), 1);
+  Done();
+}
+
+void Session::Do(const standin::CreateLogin& statement) {
+  catalogue_.CreateLogin(statement);
+  Done();
+}
+
+void Session::Do(const standin::DropLogin& statement) {
+  catalogue_.DropLogin(statement.Name);
+  Done();
+}
+
+void Session::Do(const standin::CreateUser& statement) {
+  catalogue_.CreateUser(facts_.Current.Id, statement);
+  Done();
+}
+
+void Session::Do(const standin::DropUser& statement) {
+  catalogue_.DropUser(facts_.Current.Id, statement.Name);
+  Done();
+}
+
+}  // namespace talu::standin

@@ -1,0 +1,149 @@
+#include "SqliteDatabase.h"
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "SystemViews.h"
+
+namespace talu::standin {
+namespace {
+
+constexpr std::chrono::milliseconds busyPause{5};
+/// How long a statement waits for another session's transaction: 30 s.
+constexpr int busyTries = 6000;
+/// Steps of SQLite's machine between two looks at whether to stop.
+constexpr int stepsBetweenTests = 20000;
+constexpr int pagesAtOnce = 2000;
+/// Marks a file as ours: "TALU".
+constexpr std::string_view markFile = "PRAGMA application_id = 0x54414C55";
+
+}  // namespace
+
+bool SqliteDatabase::MakeFile(const std::filesystem::path& file) {
+  sqlite3* raw = nullptr;
+  int code = sqlite3_open_v2(file.c_str(), &raw,
+                             SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
+                             nullptr);
+  const std::unique_ptr<sqlite3, Closer> handle(raw);
+  if (code == SQLITE_OK) code = sqlite3_exec(raw, markFile.data(), nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) errno = raw == nullptr ? ENOMEM : sqlite3_system_errno(raw);
+  return code == SQLITE_OK;
+}
+
+SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::string name,
+                               CancelTest isCancelled)
+    : name_(std::move(name)), isCancelled_(std::move(isCancelled)) {
+  sqlite3* raw = nullptr;
+  const int code = sqlite3_open_v2(file.c_str(), &raw,
+                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  handle_.reset(raw);
+  if (code != SQLITE_OK) throw SqlFailure(message::DatabaseInaccessible(name_), true);
+  sqlite3_extended_result_codes(raw, 1);
+  // A word in double quotes is a name and never a text.
+  sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  sqlite3_busy_handler(raw, OnBusy, this);
+  sqlite3_progress_handler(raw, stepsBetweenTests, OnProgress, this);
+  Execute("PRAGMA synchronous = OFF; PRAGMA foreign_keys = ON; PRAGMA temp_store = MEMORY");
+}
+
+int SqliteDatabase::OnBusy(void* self, int tries) {
+  if (tries >= busyTries || static_cast<SqliteDatabase*>(self)->isCancelled_()) return 0;
+  std::this_thread::sleep_for(busyPause);
+  return 1;
+}
+
+int SqliteDatabase::OnProgress(void* self) {
+  return static_cast<SqliteDatabase*>(self)->isCancelled_() ? 1 : 0;
+}
+
+void SqliteDatabase::Execute(const std::string& sql) {
+  const int code = sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) Fail(code, "");
+}
+
+void SqliteDatabase::Attach(const std::filesystem::path& file, const std::string& schema) {
+  if (attached_.contains(schema)) return;
+  Execute("ATTACH DATABASE " + QuoteText(file.string()) + " AS " + QuoteName(schema));
+  attached_.insert(schema);
+}
+
+void SqliteDatabase::DetachAll() {
+  if (attached_.empty() || InTransaction()) return;
+  for (const std::string& schema : attached_) Execute("DETACH " + QuoteName(schema));
+  attached_.clear();
+}
+
+void SqliteDatabase::AddSystemViews(int databaseId) {
+  if (hasSystemViews_) return;
+  Execute(SystemViewDefinitions(databaseId));
+  hasSystemViews_ = !InTransaction();  // a rollback takes them away
+}
+
+std::vector<TableColumn> SqliteDatabase::Columns(const std::string& schema,
+                                                 const std::string& table) const {
+  std::vector<TableColumn> columns;
+  SqliteStatement rows(*this,
+                       "SELECT name FROM pragma_table_info(" + QuoteText(table) + ", " +
+                           QuoteText(schema) + ")",
+                       "");
+  while (rows.Step()) {
+    TableColumn column;
+    column.Name = reinterpret_cast<const char*>(sqlite3_column_text(rows.Handle(), 0));
+    int isIdentity = 0;
+    sqlite3_table_column_metadata(handle_.get(), schema.c_str(), table.c_str(), column.Name.c_str(),
+                                  nullptr, nullptr, nullptr, nullptr, &isIdentity);
+    column.IsIdentity = isIdentity != 0;
+    columns.push_back(std::move(column));
+  }
+  return columns;
+}
+
+std::int64_t SqliteDatabase::CopyTo(const std::filesystem::path& file,
+                                    const std::function<void(int)>& progress) {
+  sqlite3* raw = nullptr;
+  const int opened = sqlite3_open_v2(
+      file.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+  const std::unique_ptr<sqlite3, Closer> copy(raw);
+  if (opened != SQLITE_OK) Fail(opened, "BACKUP");
+  sqlite3_exec(raw, "PRAGMA synchronous = OFF", nullptr, nullptr, nullptr);
+  sqlite3_backup* backup = sqlite3_backup_init(raw, "main", handle_.get(), "main");
+  if (backup == nullptr) Fail(sqlite3_errcode(raw), "BACKUP");
+  const auto finish = [](sqlite3_backup* each) { sqlite3_backup_finish(each); };
+  const std::unique_ptr<sqlite3_backup, decltype(finish)> finisher(backup, finish);
+  int code = SQLITE_OK;
+  int busy = 0;
+  while (code != SQLITE_DONE) {
+    if (isCancelled_()) throw Cancelled();
+    code = sqlite3_backup_step(backup, pagesAtOnce);
+    if ((code & 0xFF) == SQLITE_BUSY && ++busy < busyTries) {
+      std::this_thread::sleep_for(busyPause);
+    } else if (code != SQLITE_OK && code != SQLITE_DONE) {
+      Fail(code, "BACKUP");
+    }
+    const int total = sqlite3_backup_pagecount(backup);
+    if (total > 0) progress(100 * (total - sqlite3_backup_remaining(backup)) / total);
+  }
+  return sqlite3_backup_pagecount(backup);
+}
+
+SqliteStatement::SqliteStatement(const SqliteDatabase& database, std::string_view sql,
+                                 std::string_view verb)
+    : database_(database), verb_(verb) {
+  sqlite3_stmt* raw = nullptr;
+  const int code = sqlite3_prepare_v2(database.Handle(), sql.data(), static_cast<int>(sql.size()),
+                                      &raw, nullptr);
+  handle_.reset(raw);
+  if (code != SQLITE_OK) database.Fail(code, verb_);
+  if (raw == nullptr) throw SqlFailure(message::SyntaxNear(verb_), true);
+}
+
+bool SqliteStatement::Step() {
+  const int code = sqlite3_step(handle_.get());
+  if (code == SQLITE_ROW) return true;
+  if (code == SQLITE_DONE) return false;
+  database_.Fail(code, verb_);
+}
+
+}  // namespace talu::standin

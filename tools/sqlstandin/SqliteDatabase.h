@@ -1,0 +1,85 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Messages.h"
+#include "Rewriter.h"
+
+namespace talu::standin {
+
+/// Asked while something runs; true stops it.
+using CancelTest = std::function<bool()>;
+
+/// One session's connection to a database's file. Not for more than one thread.
+class SqliteDatabase {
+ public:
+  /// Makes an empty database file; false, with errno, when it cannot be made.
+  static bool MakeFile(const std::filesystem::path& file);
+
+  /// Opens an existing file. Raises SqlFailure (945) when it cannot be used.
+  SqliteDatabase(const std::filesystem::path& file, std::string name, CancelTest isCancelled);
+
+  sqlite3* Handle() const { return handle_.get(); }
+  const std::string& Name() const { return name_; }
+
+  /// Carries out statements without rows and without text from a client.
+  void Execute(const std::string& sql);
+  /// Makes another database's tables reachable under a name of its own, until DetachAll.
+  void Attach(const std::filesystem::path& file, const std::string& schema);
+  /// Lets go of the other databases; within a transaction they stay.
+  void DetachAll();
+  /// Makes sys.databases and the others readable; they always show what is there now.
+  void AddSystemViews(int databaseId);
+  bool InTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
+  /// The columns of a table; empty when there is none. `schema` is "main" or an attached name.
+  std::vector<TableColumn> Columns(const std::string& schema, const std::string& table) const;
+  /// Copies the whole database to a new file, which must not exist. `progress` gets per cent.
+  /// Returns the number of pages.
+  std::int64_t CopyTo(const std::filesystem::path& file, const std::function<void(int)>& progress);
+
+  /// Turns SQLite's last error into the server's message; `verb` is the statement's first word.
+  /// Raises Cancelled when the statement was stopped.
+  [[noreturn]] void Fail(int code, std::string_view verb) const;
+
+ private:
+  struct Closer {
+    void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+  };
+  static int OnBusy(void* self, int tries);
+  static int OnProgress(void* self);
+
+  std::unique_ptr<sqlite3, Closer> handle_;
+  std::string name_;
+  CancelTest isCancelled_;
+  std::set<std::string> attached_;
+  bool hasSystemViews_ = false;
+};
+
+/// A prepared statement.
+class SqliteStatement {
+ public:
+  /// Raises SqlFailure for what SQLite does not accept.
+  SqliteStatement(const SqliteDatabase& database, std::string_view sql, std::string_view verb);
+
+  /// Moves to the next row; false at the end. Raises SqlFailure.
+  bool Step();
+  sqlite3_stmt* Handle() const { return handle_.get(); }
+
+ private:
+  struct Finalizer {
+    void operator()(sqlite3_stmt* handle) const { sqlite3_finalize(handle); }
+  };
+  const SqliteDatabase& database_;
+  std::string verb_;
+  std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
+};
+
+}  // namespace talu::standin

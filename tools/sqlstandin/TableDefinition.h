@@ -1,0 +1,67 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ColumnType.h"
+#include "Lexer.h"
+#include "Rewriter.h"
+
+namespace talu::standin {
+
+/// The names of the constraints that keep a column to its type and length; the real server has no
+/// constraints for that, but errors of its own, which these stand for.
+inline constexpr std::string_view lengthConstraint = "sqlstandin:length";
+inline constexpr std::string_view typeConstraint = "sqlstandin:type:";
+
+/// Puts CREATE TABLE and ALTER TABLE into SQLite's dialect. An identity column becomes SQLite's
+/// automatic row number, so a primary key on other columns becomes a unique constraint beside it.
+class TableDefinition {
+ public:
+  TableDefinition(std::string_view batch, Rewriter& rewriter) : batch_(batch), rewriter_(rewriter) {}
+
+  /// Raise SqlFailure for what SQLite has no counterpart of.
+  std::vector<std::string> Create(Range statement);
+  /// ADD columns, DROP COLUMN.
+  std::vector<std::string> Alter(Range statement);
+
+ private:
+  struct Column {
+    std::string Name;
+    ColumnType Type;
+    bool IsIdentity = false;
+    long long Seed = 1;
+    bool IsNotNull = false;
+    bool IsBinary = false;
+    /// A computed column has this instead of a type.
+    std::string Computed;
+    /// Defaults, checks, references, as SQLite takes them.
+    std::string Rest;
+  };
+  struct Key {
+    std::string Constraint;
+    std::vector<std::string> Columns;
+    bool IsPrimary = false;
+  };
+
+  Column TakeColumn(Lexer& lexer);
+  bool TakeColumnConstraint(Lexer& lexer, Column& column);
+  void TakeIdentity(Lexer& lexer, Column& column);
+  void TakeTableConstraint(Lexer& lexer);
+  void TakeKey(Lexer& lexer, std::string constraint, std::vector<std::string> columns);
+  std::string TakeReferences(Lexer& lexer);
+  std::string TakeDefault(Lexer& lexer);
+  std::vector<std::string> TakeColumnList(Lexer& lexer);
+  std::string Declare(const Column& column, bool isRowNumber) const;
+  std::string DeclareKey(const Key& key, const Column* identity) const;
+
+  std::string_view batch_;
+  Rewriter& rewriter_;
+  std::vector<Column> columns_;
+  std::vector<Key> keys_;
+  std::vector<std::string> constraints_;
+};
+
+}  // namespace talu::standin

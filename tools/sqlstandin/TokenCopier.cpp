@@ -1,0 +1,308 @@
+#include "TokenCopier.h"
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+
+#include "ColumnType.h"
+#include "Messages.h"
+
+namespace talu::standin {
+namespace {
+
+constexpr std::string_view localTime = "strftime('%Y-%m-%d %H:%M:%f','now','localtime')";
+constexpr std::string_view utcTime = "strftime('%Y-%m-%d %H:%M:%f','now')";
+
+struct RenamedFunction {
+  std::string_view Name;
+  std::string_view Sqlite;
+};
+constexpr std::array<RenamedFunction, 2> renamedFunctions = {{
+    {"ISNULL", "ifnull"},
+    {"SCOPE_IDENTITY", "last_insert_rowid"},
+}};
+
+struct SystemView {
+  std::string_view Name;
+  /// The same in every database; of the others only the current database's can be read.
+  bool IsServerWide;
+};
+/// System views by their T-SQL names, with the schema where they have one.
+constexpr std::array<SystemView, 14> systemViews = {{
+    {"sys.databases", true},
+    {"sys.sql_logins", true},
+    {"sys.server_principals", true},
+    {"sysdatabases", true},
+    {"syslogins", true},
+    {"sys.database_principals", false},
+    {"sys.objects", false},
+    {"sys.tables", false},
+    {"sys.views", false},
+    {"sys.columns", false},
+    {"sysusers", false},
+    {"sysobjects", false},
+    {"information_schema.tables", false},
+    {"information_schema.columns", false},
+}};
+
+const SystemView* FindSystemView(std::string_view name) {
+  const auto* found = std::find_if(systemViews.begin(), systemViews.end(), [name](const auto& view) {
+    return SameWord(view.Name, name);
+  });
+  return found == systemViews.end() ? nullptr : found;
+}
+
+bool IsOneOf(const Token& token, std::initializer_list<std::string_view> words) {
+  return token.Kind == TokenKind::Word &&
+         std::any_of(words.begin(), words.end(),
+                     [&token](std::string_view word) { return token.Is(word); });
+}
+
+/// Keywords of SQLite that are ordinary names in T-SQL.
+bool IsNameHere(const Token& token) {
+  return IsOneOf(token, {"LIMIT", "AUTOINCREMENT", "DEFERRABLE", "NOTNULL", "NOTHING", "RETURNING",
+                         "USING", "INDEXED"});
+}
+
+}  // namespace
+
+Range TakeGroup(Lexer& lexer) {
+  const Token open = lexer.Next();
+  int depth = 1;
+  while (true) {
+    const Token token = lexer.Next();
+    if (token.Kind == TokenKind::End) Rewriter::FailAt(open, open);
+    if (token.IsSymbol("(")) ++depth;
+    if (token.IsSymbol(")") && --depth == 0) return {open.At, token.At + token.Raw.size()};
+  }
+}
+
+void TokenCopier::Put(std::string_view text) {
+  sql_ += ' ';
+  sql_ += text;
+}
+
+std::string TokenCopier::CopyAll() {
+  while (true) {
+    const Token token = lexer_.Next();
+    switch (token.Kind) {
+      case TokenKind::End:
+        if (!frames_.back().Closing.empty()) Put(frames_.back().Closing);
+        return std::move(sql_);
+      case TokenKind::Word:
+        CopyWord(token);
+        break;
+      case TokenKind::Name:
+        CopyNames(token);
+        break;
+      case TokenKind::String:
+        if (token.Raw.find('\0') == std::string_view::npos) {
+          Put(token.Raw.substr(token.Raw.find('\'')));
+        } else {
+          Put(QuoteText(token.Value()));
+        }
+        break;
+      case TokenKind::Number:
+        Put(token.Raw);
+        break;
+      case TokenKind::Binary:
+        Put("X'");
+        if (token.Raw.size() % 2 != 0) sql_ += '0';
+        sql_.append(token.Raw.substr(2)).append("'");
+        break;
+      case TokenKind::Variable: {
+        const auto value = environment_.Variable(token.Raw);
+        if (!value) throw SqlFailure(message::UndeclaredVariable(token.Raw), true);
+        Put(*value);
+        break;
+      }
+      case TokenKind::Symbol:
+        CopySymbol(token);
+        break;
+    }
+    last_ = token;
+  }
+}
+
+void TokenCopier::CopySymbol(const Token& token) {
+  if (token.IsSymbol("(")) {
+    Put("(");
+    Frame frame;
+    frame.IsCast = last_.Is("CAST");
+    frames_.push_back(frame);
+  } else if (token.IsSymbol(")")) {
+    if (frames_.size() == 1) Rewriter::FailAt(token, token);
+    if (!frames_.back().Closing.empty()) Put(frames_.back().Closing);
+    frames_.pop_back();
+    Put(")");
+  } else if (token.IsSymbol(",") && frames_.back().DropsRest) {
+    SkipToClosing();
+  } else if (token.IsSymbol("+")) {
+    Frame& frame = frames_.back();
+    if (last_.Kind == TokenKind::String || lexer_.Peek().Kind == TokenKind::String) {
+      frame.JoinsTexts = true;
+    }
+    Put(frame.JoinsTexts ? "||" : "+");
+  } else {
+    static constexpr std::array<std::string_view, 16> known = {",", ".", "=", "<", ">",  "<=",
+                                                               ">=", "<>", "!=", "-", "*", "/",
+                                                               "%", "&", "|", "~"};
+    if (std::find(known.begin(), known.end(), token.Raw) == known.end()) {
+      Rewriter::FailAt(token, token);
+    }
+    static constexpr std::string_view ends = ",=<>!";
+    if (ends.find(token.Raw.front()) != std::string_view::npos) frames_.back().JoinsTexts = false;
+    Put(token.Raw);
+  }
+}
+
+void TokenCopier::CopyWord(const Token& token) {
+  const Token next = lexer_.Peek();
+  if (token.Raw.front() == '#') Rewriter::FailAt(token, token);  // temporary tables
+  if (next.IsSymbol(".")) {
+    CopyNames(token);
+  } else if (next.IsSymbol("(")) {
+    CopyFunction(token);
+  } else if (token.Is("TOP") && IsOneOf(last_, {"SELECT", "DISTINCT", "ALL"}) &&
+             next.Kind == TokenKind::Number) {
+    CopyTop();
+  } else if (token.Is("CURRENT_TIMESTAMP")) {
+    Put(localTime);
+  } else if (token.Is("AS") && frames_.back().IsCast) {
+    const auto type = TakeType(lexer_);
+    if (!type) throw SqlFailure(message::UnknownType(1, next.Value()), true);
+    Put("AS");
+    Put(CastType(type->What));
+  } else if (token.Raw.size() > 7 && FindSystemView(token.Raw) != nullptr) {
+    PutSystemView(token.Raw, "");
+  } else if (IsNameHere(token) || token.Raw.find_first_of("@$#") != std::string_view::npos) {
+    Put(QuoteName(token.Raw));
+  } else {
+    if (IsOneOf(token, {"FROM", "WHERE", "AND", "OR", "WHEN", "THEN", "ELSE", "AS", "ORDER"})) {
+      frames_.back().JoinsTexts = false;
+    }
+    Put(token.Raw);
+  }
+}
+
+void TokenCopier::CopyFunction(const Token& token) {
+  const bool isLocal = IsOneOf(token, {"GETDATE", "SYSDATETIME"});
+  if (isLocal || IsOneOf(token, {"GETUTCDATE", "SYSUTCDATETIME"})) {
+    lexer_.Next();
+    const Token close = lexer_.Next();
+    if (!close.IsSymbol(")")) Rewriter::FailAt(close, token);
+    Put(isLocal ? localTime : utcTime);
+  } else if (token.Is("CONVERT")) {
+    CopyConvert();
+  } else if (token.Is("TOP") && IsOneOf(last_, {"SELECT", "DISTINCT", "ALL"})) {
+    CopyTop();
+  } else if (token.Is("WITH") && last_.Kind != TokenKind::End) {
+    TakeGroup(lexer_);  // a lock hint
+  } else {
+    for (const auto& renamed : renamedFunctions) {
+      if (token.Is(renamed.Name)) {
+        Put(renamed.Sqlite);
+        return;
+      }
+    }
+    Put(IsNameHere(token) ? QuoteName(token.Raw) : std::string(token.Raw));
+  }
+}
+
+/// TOP 5, TOP (5): SQLite's LIMIT, at the end of the query.
+void TokenCopier::CopyTop() {
+  if (lexer_.Peek().IsSymbol("(")) {
+    lexer_.Next();
+    frames_.back().Closing = std::string("LIMIT ").append(lexer_.Peek().Raw);
+    if (lexer_.Peek().Kind != TokenKind::Number) Rewriter::FailAt(lexer_.Peek(), last_);
+    lexer_.Next();
+    const Token close = lexer_.Next();
+    if (!close.IsSymbol(")")) Rewriter::FailAt(close, close);
+  } else {
+    frames_.back().Closing = std::string("LIMIT ").append(lexer_.Next().Raw);
+  }
+  if (lexer_.Peek().Is("PERCENT")) Rewriter::FailAt(lexer_.Peek(), last_);
+}
+
+/// CONVERT(type, value[, style]) becomes CAST(value AS type).
+void TokenCopier::CopyConvert() {
+  lexer_.Next();
+  const Token name = lexer_.Peek();
+  const auto type = TakeType(lexer_);
+  if (!type) throw SqlFailure(message::UnknownType(1, name.Value()), true);
+  const Token comma = lexer_.Next();
+  if (!comma.IsSymbol(",")) Rewriter::FailAt(comma, name);
+  Put("CAST (");
+  Frame frame;
+  frame.Closing = std::string("AS ").append(CastType(type->What));
+  frame.DropsRest = true;
+  frames_.push_back(frame);
+}
+
+void TokenCopier::SkipToClosing() {
+  while (!lexer_.Peek().IsSymbol(")") && lexer_.Peek().Kind != TokenKind::End) {
+    if (lexer_.Peek().IsSymbol("(")) {
+      TakeGroup(lexer_);
+    } else {
+      lexer_.Next();
+    }
+  }
+}
+
+/// A name of one or more parts: [dbo].[Customer].[Name], Sales.dbo.Customer, sys.databases.
+void TokenCopier::CopyNames(const Token& first) {
+  std::vector<std::string> parts{first.Value()};
+  bool hasStar = false;
+  while (lexer_.Peek().IsSymbol(".")) {
+    lexer_.Next();
+    const Token part = lexer_.Peek();
+    if (part.IsSymbol(".")) {
+      parts.emplace_back();
+    } else if (part.IsName()) {
+      parts.push_back(lexer_.Next().Value());
+    } else if (part.IsSymbol("*")) {
+      lexer_.Next();
+      hasStar = true;
+    } else {
+      Rewriter::FailAt(part, first);
+    }
+  }
+  std::string prefix;
+  if (parts.size() >= 3 && (parts[1].empty() || SameWord(parts[1], "dbo"))) {
+    prefix = environment_.PrefixOf(parts[0]);
+    parts.erase(parts.begin(), parts.begin() + 2);
+  } else if (parts.size() == 3 && (SameWord(parts[1], "sys") ||
+                                   SameWord(parts[1], "INFORMATION_SCHEMA"))) {
+    prefix = environment_.PrefixOf(parts[0]);
+    parts.erase(parts.begin());
+  } else if (parts.size() >= 2 && SameWord(parts[0], "dbo")) {
+    parts.erase(parts.begin());
+  }
+  if (parts.size() >= 2 &&
+      (SameWord(parts[0], "sys") || SameWord(parts[0], "INFORMATION_SCHEMA"))) {
+    PutSystemView(parts[0] + "." + parts[1], prefix);
+    return;
+  }
+  if (parts.size() == 1 && FindSystemView(parts[0]) != nullptr) {
+    PutSystemView(parts[0], prefix);
+    return;
+  }
+  std::string joined = prefix;
+  for (const std::string& part : parts) {
+    if (joined.size() > prefix.size()) joined += '.';
+    joined += QuoteName(part);
+  }
+  if (hasStar) joined += ".*";
+  Put(joined);
+}
+
+void TokenCopier::PutSystemView(std::string_view name, std::string_view prefix) {
+  const SystemView* view = FindSystemView(name);
+  if (view == nullptr || (!prefix.empty() && !view->IsServerWide)) {
+    throw SqlFailure(message::InvalidObject(std::string(prefix) + std::string(name)), true);
+  }
+  environment_.NeedSystemViews();
+  Put("temp." + QuoteName(view->Name));
+}
+
+}  // namespace talu::standin

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <oaidl.h>
+#include <windows.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace talu::bench {
+
+/// A failure with its own number and text: the caller of `Invoke` receives it as error information.
+struct AutomationError {
+  HRESULT Number;
+  std::wstring Source;
+  std::wstring Description;
+};
+
+/// A call that does not fit the member: `Invoke` answers with this code and nothing else.
+struct BadCall {
+  HRESULT Code;
+};
+
+/// The arguments of one call, by the position of the member's parameters, given by place or by
+/// name.
+class Arguments {
+ public:
+  /// Raises `BadCall` when `given` names or counts more than `parameterCount` parameters.
+  Arguments(const DISPPARAMS& given, std::size_t parameterCount);
+
+  /// Whether the caller gave this argument: an optional one may be left out in two ways.
+  bool Has(std::size_t position) const;
+  /// Empty when left out. Raises `BadCall` when the value has no text.
+  std::wstring Text(std::size_t position) const;
+  /// `otherwise` when left out. Raises `BadCall` when the value is no number.
+  long Number(std::size_t position, long otherwise = 0) const;
+  /// Null when the argument is no object, or no object stands in it.
+  IUnknown* Object(std::size_t position) const;
+
+ private:
+  std::vector<VARIANT*> values_;
+};
+
+/// One thing that can be asked of an object, by name.
+struct Member {
+  const wchar_t* Name;
+  /// `DISPATCH_METHOD`, `DISPATCH_PROPERTYGET`, `..PUT`, `..PUTREF`; more than one may be set.
+  WORD Kinds;
+  /// A property's new value is a parameter too.
+  std::vector<const wchar_t*> Parameters;
+  /// Carries the call out; the result starts empty.
+  std::function<void(const Arguments& arguments, VARIANT& result)> Run;
+};
+
+/// A late-bound object: everything goes by name. It counts its references and deletes itself.
+class DispatchObject : public IDispatch {
+ public:
+  DispatchObject(const DispatchObject&) = delete;
+  DispatchObject& operator=(const DispatchObject&) = delete;
+
+  STDMETHODIMP QueryInterface(REFIID id, void** object) override;
+  STDMETHODIMP_(ULONG) AddRef() override;
+  STDMETHODIMP_(ULONG) Release() override;
+  STDMETHODIMP GetTypeInfoCount(UINT* count) override;
+  STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
+  STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
+                             DISPID* ids) override;
+  STDMETHODIMP Invoke(DISPID id, REFIID reserved, LCID locale, WORD kinds, DISPPARAMS* given,
+                      VARIANT* result, EXCEPINFO* error, UINT* badArgument) override;
+
+ protected:
+  /// Members that share a name (a property's get and put) are told apart by their kinds.
+  explicit DispatchObject(std::vector<Member> members) : members_(std::move(members)) {}
+  virtual ~DispatchObject() = default;
+
+ private:
+  const Member* Find(DISPID id, WORD kinds) const;
+
+  std::vector<Member> members_;
+  std::atomic<ULONG> references_ = 1;
+};
+
+/// A text as a result. The caller of `Invoke` owns it.
+VARIANT TextResult(const std::wstring& text);
+/// A whole number as a result.
+VARIANT NumberResult(long number);
+
+}  // namespace talu::bench

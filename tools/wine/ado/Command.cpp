@@ -1,0 +1,69 @@
+#include "Command.h"
+
+#include "Connection.h"
+#include "Errors.h"
+
+namespace talu::bench {
+
+namespace {
+
+constexpr wchar_t className[] = L"ADODB.Command";
+
+}  // namespace
+
+Command::Command()
+    : DispatchObject({
+          {L"ActiveConnection",
+           DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF,
+           {L"Value"},
+           [this](const Arguments& arguments, VARIANT&) { PutActiveConnection(arguments); }},
+          {L"CommandTimeout",
+           DISPATCH_PROPERTYGET,
+           {},
+           [this](const Arguments&, VARIANT& result) { result = NumberResult(timeout_); }},
+          {L"CommandTimeout",
+           DISPATCH_PROPERTYPUT,
+           {L"Value"},
+           [this](const Arguments& arguments, VARIANT&) { PutTimeout(arguments); }},
+          {L"CommandText",
+           DISPATCH_PROPERTYGET,
+           {},
+           [this](const Arguments&, VARIANT& result) { result = TextResult(text_); }},
+          {L"CommandText",
+           DISPATCH_PROPERTYPUT,
+           {L"Value"},
+           [this](const Arguments& arguments, VARIANT&) { text_ = arguments.Text(0); }},
+          {L"Execute",
+           DISPATCH_METHOD,
+           {L"RecordsAffected", L"Parameters", L"Options"},
+           [this](const Arguments& arguments, VARIANT&) { Execute(arguments); }},
+      }) {}
+
+void Command::PutActiveConnection(const Arguments& arguments) {
+  Connection* connection = nullptr;
+  IUnknown* object = arguments.Object(0);
+  if (object == nullptr ||
+      FAILED(object->QueryInterface(connectionIdentity, reinterpret_cast<void**>(&connection)))) {
+    throw InvalidArgument(className);
+  }
+  const std::shared_ptr<OdbcSession> session = connection->Session();
+  connection->Release();
+  if (!session) throw InvalidConnection(className);
+  session_ = session;
+}
+
+void Command::PutTimeout(const Arguments& arguments) {
+  const long seconds = arguments.Number(0);
+  if (seconds < 0) throw InvalidArgument(className);
+  timeout_ = seconds;
+}
+
+void Command::Execute(const Arguments& arguments) const {
+  if (!session_ || !session_->IsOpen()) throw InvalidConnection(className);
+  const bool wantsMore = arguments.Has(0) || arguments.Has(1) || arguments.Number(2, -1) != -1;
+  if (wantsMore) throw FeatureNotAvailable(className);
+  if (text_.empty()) throw NoCommandText(className);
+  session_->Execute(text_, timeout_);
+}
+
+}  // namespace talu::bench

@@ -1,0 +1,65 @@
+#include <unknwn.h>
+#include <windows.h>
+
+#include <new>
+
+#include "Command.h"
+#include "Connection.h"
+
+namespace talu::bench {
+
+namespace {
+
+// The class ids under which the data-access library itself is known.
+constexpr CLSID connectionClass = {
+    0x00000514, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
+constexpr CLSID commandClass = {
+    0x00000507, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
+
+/// Makes objects of one class; one factory a class lives as long as the library.
+template <class T>
+class ClassFactory : public IClassFactory {
+ public:
+  STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IClassFactory);
+    *object = known ? this : nullptr;
+    return known ? S_OK : E_NOINTERFACE;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+  STDMETHODIMP_(ULONG) Release() override { return 1; }
+
+  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID id, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    try {
+      T* made = new T;
+      const HRESULT code = made->QueryInterface(id, object);
+      made->Release();
+      return code;
+    } catch (const std::bad_alloc&) {
+      return E_OUTOFMEMORY;
+    }
+  }
+  STDMETHODIMP LockServer(BOOL) override { return S_OK; }
+};
+
+}  // namespace
+
+}  // namespace talu::bench
+
+STDAPI DllGetClassObject(REFCLSID wanted, REFIID id, void** object) {
+  using namespace talu::bench;
+  static ClassFactory<Connection> connections;
+  static ClassFactory<Command> commands;
+  if (IsEqualCLSID(wanted, connectionClass)) return connections.QueryInterface(id, object);
+  if (IsEqualCLSID(wanted, commandClass)) return commands.QueryInterface(id, object);
+  if (object != nullptr) *object = nullptr;
+  return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+/// Never: the library stays until its process ends.
+STDAPI DllCanUnloadNow() {
+  return S_FALSE;
+}

@@ -1,0 +1,185 @@
+#include "OdbcSession.h"
+
+#include <sql.h>
+#include <sqlext.h>
+#include <sqlucode.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+#include "Automation.h"
+
+namespace talu::bench {
+
+namespace {
+
+constexpr auto unspecifiedFailure = static_cast<HRESULT>(0x80004005);  // E_FAIL
+constexpr auto loginRefused = static_cast<HRESULT>(0x80040E4D);        // DB_SEC_E_AUTH_FAILED
+constexpr auto statementErrors = static_cast<HRESULT>(0x80040E14);     // DB_E_ERRORSINCOMMAND
+constexpr auto integrityBroken = static_cast<HRESULT>(0x80040E2F);     // DB_E_INTEGRITYVIOLATION
+constexpr auto tableMissing = static_cast<HRESULT>(0x80040E37);        // DB_E_NOTABLE
+constexpr auto timeoutReached = static_cast<HRESULT>(0x80040E31);      // DB_E_ABORTLIMITREACHED
+
+constexpr SQLINTEGER loginFailedForUser = 18456;  // the server's own number
+constexpr int connectionTimeout = 15;             // seconds: the data-access library's default
+
+/// One record of what went wrong, as the driver tells it.
+struct Diagnostic {
+  std::wstring State;
+  SQLINTEGER ServerNumber = 0;
+  std::wstring Text;
+
+  bool IsWarning() const { return State.starts_with(L"01"); }
+  bool IsLinkFailure() const { return State.starts_with(L"08"); }
+  bool IsTimeout() const { return State.starts_with(L"HYT"); }
+  bool IsLoginRefused() const { return State == L"28000" || ServerNumber == loginFailedForUser; }
+};
+
+std::vector<Diagnostic> Diagnostics(SQLSMALLINT type, SQLHANDLE handle) {
+  std::vector<Diagnostic> records;
+  std::wstring text(1024, L'\0');
+  for (SQLSMALLINT number = 1;; ++number) {
+    wchar_t state[6] = {};
+    SQLINTEGER serverNumber = 0;
+    SQLSMALLINT length = 0;
+    const SQLRETURN code = SQLGetDiagRecW(type, handle, number, state, &serverNumber, text.data(),
+                                          static_cast<SQLSMALLINT>(text.size()), &length);
+    if (!SQL_SUCCEEDED(code)) return records;
+    const std::size_t whole = static_cast<std::size_t>(length);
+    if (whole >= text.size()) {  // cut short: ask for this record again
+      text.resize(whole + 1);
+      --number;
+      continue;
+    }
+    records.push_back({state, serverNumber, text.substr(0, whole)});
+  }
+}
+
+HRESULT ConnectNumber(const Diagnostic& record) {
+  return record.IsLoginRefused() ? loginRefused : unspecifiedFailure;
+}
+
+HRESULT StatementNumber(const Diagnostic& record) {
+  if (record.IsTimeout()) return timeoutReached;
+  if (record.State == L"23000") return integrityBroken;
+  if (record.State == L"42S02") return tableMissing;
+  if (record.IsLinkFailure() || record.State.starts_with(L"HY")) return unspecifiedFailure;
+  return statementErrors;
+}
+
+/// The record that speaks for the failure: the refused login before the driver's word that it could
+/// not connect, else the first that is more than a warning.
+Diagnostic Cause(SQLSMALLINT type, SQLHANDLE handle) {
+  const std::vector<Diagnostic> records = Diagnostics(type, handle);
+  for (const Diagnostic& record : records) {
+    if (record.IsLoginRefused()) return record;
+  }
+  for (const Diagnostic& record : records) {
+    if (!record.IsWarning()) return record;
+  }
+  // A driver that cannot be loaded is told as a warning only; a link cut in the middle not at all.
+  return records.empty() ? Diagnostic{L"HY000", 0, L"Unspecified error"} : records.front();
+}
+
+AutomationError ProviderError(HRESULT number, const std::wstring& text) {
+  return {number, L"Microsoft OLE DB Provider for ODBC Drivers", text};
+}
+
+std::wstring Trimmed(const std::wstring& text) {
+  const auto first = text.find_first_not_of(L" \t");
+  if (first == std::wstring::npos) return {};
+  return text.substr(first, text.find_last_not_of(L" \t") - first + 1);
+}
+
+/// The same string without blanks around names and values: the driver manager underneath takes
+/// them for part of the name.
+std::wstring Tidied(const std::wstring& connectionString) {
+  std::wstring tidy;
+  std::size_t start = 0;
+  while (start < connectionString.size()) {
+    const std::size_t end = std::min(connectionString.find(L';', start), connectionString.size());
+    const std::wstring pair = connectionString.substr(start, end - start);
+    start = end + 1;
+    const std::size_t equals = pair.find(L'=');
+    if (equals == std::wstring::npos) continue;
+    tidy += Trimmed(pair.substr(0, equals)) + L'=' + Trimmed(pair.substr(equals + 1)) + L';';
+  }
+  return tidy;
+}
+
+/// A number where the interface wants a pointer.
+SQLPOINTER AsPointer(std::uintptr_t number) {
+  return reinterpret_cast<SQLPOINTER>(number);  // NOLINT(performance-no-int-to-ptr)
+}
+
+/// A statement handle, freed at the end of its scope, whatever is still to be read.
+class Statement {
+ public:
+  explicit Statement(SQLHANDLE connection) {
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection, &handle_))) {
+      const Diagnostic cause = Cause(SQL_HANDLE_DBC, connection);
+      throw ProviderError(StatementNumber(cause), cause.Text);
+    }
+  }
+  ~Statement() { SQLFreeHandle(SQL_HANDLE_STMT, handle_); }
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+
+  SQLHANDLE Handle() const { return handle_; }
+
+ private:
+  SQLHANDLE handle_ = nullptr;
+};
+
+}  // namespace
+
+OdbcSession::OdbcSession(const std::wstring& connectionString) {
+  SQLAllocHandle(SQL_HANDLE_ENV, nullptr, &environment_);
+  SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, AsPointer(SQL_OV_ODBC3), 0);
+  if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_))) {
+    SQLFreeHandle(SQL_HANDLE_ENV, environment_);
+    throw ProviderError(unspecifiedFailure, L"The ODBC driver manager cannot be loaded");
+  }
+  SQLSetConnectAttrW(connection_, SQL_ATTR_LOGIN_TIMEOUT, AsPointer(connectionTimeout), 0);
+  std::wstring text = Tidied(connectionString);
+  const SQLRETURN code =
+      SQLDriverConnectW(connection_, nullptr, text.data(), static_cast<SQLSMALLINT>(text.size()),
+                        nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+  if (SQL_SUCCEEDED(code)) return;
+  const Diagnostic cause = Cause(SQL_HANDLE_DBC, connection_);
+  Close();
+  throw ProviderError(ConnectNumber(cause), cause.Text);
+}
+
+OdbcSession::~OdbcSession() {
+  Close();
+}
+
+void OdbcSession::Close() {
+  if (connection_ == nullptr) return;
+  SQLDisconnect(connection_);
+  SQLFreeHandle(SQL_HANDLE_DBC, connection_);
+  SQLFreeHandle(SQL_HANDLE_ENV, environment_);
+  connection_ = nullptr;
+}
+
+void OdbcSession::Execute(const std::wstring& batch, int timeout) {
+  const Statement statement(connection_);
+  SQLSetStmtAttrW(statement.Handle(), SQL_ATTR_QUERY_TIMEOUT,
+                  AsPointer(static_cast<std::uintptr_t>(timeout)), 0);
+  // The platform's interface is not const-correct: the text is only read.
+  SQLRETURN code = SQLExecDirectW(statement.Handle(), const_cast<SQLWCHAR*>(batch.data()),
+                                  static_cast<SQLINTEGER>(batch.size()));
+
+  // A first statement that touched no row says "no data"; others may stand behind it.
+  if (code == SQL_NO_DATA) code = SQL_SUCCESS;
+  // A statement behind the first fails when its turn to answer comes. The driver manager ends the
+  // batch's answers with its first error.
+  while (SQL_SUCCEEDED(code)) code = SQLMoreResults(statement.Handle());
+  if (code == SQL_NO_DATA) return;
+  const Diagnostic cause = Cause(SQL_HANDLE_STMT, statement.Handle());
+  throw ProviderError(StatementNumber(cause), cause.Text);
+}
+
+}  // namespace talu::bench

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace talu::bench {
+
+/// One session with a server through the platform's ODBC driver manager. Each failure is raised as
+/// an `AutomationError` with the number that the OLE DB provider for ODBC drivers gives it and the
+/// driver's own text.
+class OdbcSession {
+ public:
+  /// Connects without asking anybody. Blanks around names and values in `connectionString` do not
+  /// count. Raises 0x80040E4D for a refused login, 0x80004005 for everything else.
+  explicit OdbcSession(const std::wstring& connectionString);
+  ~OdbcSession();
+  OdbcSession(const OdbcSession&) = delete;
+  OdbcSession& operator=(const OdbcSession&) = delete;
+
+  /// Ends the session with the server; a second call does nothing.
+  void Close();
+  bool IsOpen() const { return connection_ != nullptr; }
+
+  /// Runs a batch to its end, rows thrown away, and raises its first error: 0x80040E14, or the more
+  /// particular number where the provider has one; 0x80040E31 past `timeout` (seconds, 0 for
+  /// none); 0x80004005 when the server is gone.
+  void Execute(const std::wstring& batch, int timeout);
+
+ private:
+  HANDLE environment_ = nullptr;
+  HANDLE connection_ = nullptr;
+};
+
+}  // namespace talu::bench
