@@ -171,7 +171,7 @@ LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_GETTEXT:
     case WM_GETTEXTLENGTH:
       if (IsStale()) BringUpToDate();
-      return DefWindowProcA(Window(), message, wParam, lParam);
+      break;
     case WM_GETDLGCODE:
       return scrolling_ ? DLGC_WANTARROWS : 0;
     case WM_NCHITTEST: {
