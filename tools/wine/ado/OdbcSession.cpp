@@ -31,7 +31,8 @@ struct Diagnostic {
   std::wstring Text;
 
   bool IsWarning() const { return State.starts_with(L"01"); }
-  bool IsLinkFailure() const { return State.starts_with(L"08"); }
+  /// The driver's own errors, a broken link first of all, have no number or one of its library's.
+  bool IsDriversOwn() const { return ServerNumber == 0 || ServerNumber / 100 == 200; }
   bool IsTimeout() const { return State.starts_with(L"HYT"); }
   bool IsLoginRefused() const { return State == L"28000" || ServerNumber == loginFailedForUser; }
 };
@@ -62,9 +63,9 @@ HRESULT ConnectNumber(const Diagnostic& record) {
 
 HRESULT StatementNumber(const Diagnostic& record) {
   if (record.IsTimeout()) return timeoutReached;
+  if (record.IsDriversOwn()) return unspecifiedFailure;
   if (record.State == L"23000") return integrityBroken;
   if (record.State == L"42S02") return tableMissing;
-  if (record.IsLinkFailure() || record.State.starts_with(L"HY")) return unspecifiedFailure;
   return statementErrors;
 }
 
