@@ -57,6 +57,8 @@ class Catalogue {
   /// A database that is online (911, 942).
   DatabaseEntry Find(const std::string& name) const;
   bool Exists(const std::string& name) const;
+  /// Whether a file is one of a database's own.
+  bool IsDatabaseFile(const std::filesystem::path& file) const;
 
   void Create(const CreateDatabase& statement);
   /// Waits until the other sessions have let go where the statement ends their use.

@@ -56,7 +56,8 @@ void Connection::Serve() {
   shutdown(socket_->Number(), SHUT_RDWR);
 }
 
-/// Reads what has come; false at the end of the connection or, without waiting, when there is nothing.
+/// Reads what has come; false at the end of the connection or, without waiting, when there is
+/// nothing.
 bool Connection::ReceiveMore(bool waits) {
   std::array<char, 64 * 1024> bytes;
   const ssize_t size =

@@ -19,8 +19,8 @@ struct TableColumn {
 class RewriteEnvironment {
  public:
   virtual ~RewriteEnvironment() = default;
-  /// Makes another database reachable and returns the prefix of its tables ("other."); empty for the
-  /// current database. Raises SqlFailure (911, 942) when it cannot be used.
+  /// Makes another database reachable and returns the prefix of its tables ("other."); empty for
+  /// the current database. Raises SqlFailure (911, 942) when it cannot be used.
   virtual std::string PrefixOf(const std::string& database) = 0;
   /// A system variable's value ("@@TRANCOUNT") as SQL; nothing for a variable that is not known.
   virtual std::optional<std::string> Variable(std::string_view name) = 0;
@@ -32,8 +32,8 @@ class RewriteEnvironment {
   virtual void NeedSystemViews() = 0;
 };
 
-/// Puts statements into SQLite's dialect. Everything is copied token by token, in one pass; what has
-/// no counterpart is refused with 102 near the word, here or by SQLite.
+/// Puts statements into SQLite's dialect. Everything is copied token by token, in one pass; what
+/// has no counterpart is refused with 102 near the word, here or by SQLite.
 class Rewriter {
  public:
   Rewriter(std::string_view batch, RewriteEnvironment& environment)

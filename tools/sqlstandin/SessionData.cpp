@@ -62,30 +62,33 @@ SqliteDatabase& Session::Current() {
   std::unique_ptr<SqliteDatabase>& database = open_[facts_.Current.Id];
   if (!database) {
     try {
-      database = std::make_unique<SqliteDatabase>(facts_.Current.File, facts_.Current.Name,
-                                                  isCancelled_);
+      database =
+          std::make_unique<SqliteDatabase>(facts_.Current.File, facts_.Current.Name, isCancelled_);
     } catch (...) {
       open_.erase(facts_.Current.Id);
       throw;
     }
     AddFunctions(*database, facts_);
   }
-  if (transactions_ > 0 && !database->InTransaction()) database->Execute("BEGIN");
+  if (transactions_ > 0 && !database->InTransaction()) database->Execute("BEGIN IMMEDIATE");
   return *database;
 }
 
 bool Session::IsTrue(Range condition) {
-  const std::string sql =
-      "SELECT CASE WHEN" + Rewriter(batch_, *this).RewriteExpression(condition) + " THEN 1 ELSE 0 END";
+  const std::string sql = "SELECT CASE WHEN" +
+                          Rewriter(batch_, *this).RewriteExpression(condition) +
+                          " THEN 1 ELSE 0 END";
   SqliteStatement query(Current(), sql, "IF");
   return query.Step() && sqlite3_column_int(query.Handle(), 0) != 0;
 }
 
 void Session::Do(const PrintText& statement) {
-  const std::string sql = "SELECT" + Rewriter(batch_, *this).RewriteExpression(statement.Expression);
+  const std::string sql =
+      "SELECT" + Rewriter(batch_, *this).RewriteExpression(statement.Expression);
   SqliteStatement query(Current(), sql, "PRINT");
   if (query.Step()) {
-    reply_->Tell({0, 0, 1, std::string(TextAt(query.Handle(), 0))}, LineOf(statement.Expression.Begin));
+    reply_->Tell({0, 0, 1, std::string(TextAt(query.Handle(), 0))},
+                 LineOf(statement.Expression.Begin));
   }
   Done();
 }

@@ -46,9 +46,8 @@ constexpr std::array<SystemView, 14> systemViews = {{
 }};
 
 const SystemView* FindSystemView(std::string_view name) {
-  const auto* found = std::find_if(systemViews.begin(), systemViews.end(), [name](const auto& view) {
-    return SameWord(view.Name, name);
-  });
+  const auto* found = std::find_if(systemViews.begin(), systemViews.end(),
+                                   [name](const auto& view) { return SameWord(view.Name, name); });
   return found == systemViews.end() ? nullptr : found;
 }
 
@@ -144,9 +143,8 @@ void TokenCopier::CopySymbol(const Token& token) {
     }
     Put(frame.JoinsTexts ? "||" : "+");
   } else {
-    static constexpr std::array<std::string_view, 16> known = {",", ".", "=", "<", ">",  "<=",
-                                                               ">=", "<>", "!=", "-", "*", "/",
-                                                               "%", "&", "|", "~"};
+    static constexpr std::array<std::string_view, 16> known = {
+        ",", ".", "=", "<", ">", "<=", ">=", "<>", "!=", "-", "*", "/", "%", "&", "|", "~"};
     if (std::find(known.begin(), known.end(), token.Raw) == known.end()) {
       Rewriter::FailAt(token, token);
     }
@@ -271,8 +269,8 @@ void TokenCopier::CopyNames(const Token& first) {
   if (parts.size() >= 3 && (parts[1].empty() || SameWord(parts[1], "dbo"))) {
     prefix = environment_.PrefixOf(parts[0]);
     parts.erase(parts.begin(), parts.begin() + 2);
-  } else if (parts.size() == 3 && (SameWord(parts[1], "sys") ||
-                                   SameWord(parts[1], "INFORMATION_SCHEMA"))) {
+  } else if (parts.size() == 3 &&
+             (SameWord(parts[1], "sys") || SameWord(parts[1], "INFORMATION_SCHEMA"))) {
     prefix = environment_.PrefixOf(parts[0]);
     parts.erase(parts.begin());
   } else if (parts.size() >= 2 && SameWord(parts[0], "dbo")) {
