@@ -65,14 +65,17 @@ std::string TakeValue(ByteReader& body, const WireColumn& column) {
 
 std::string Answer::Summary() const {
   std::string text;
-  const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : ";") + part; };
+  const auto add = [&text](const std::string& part) {
+    if (!text.empty()) text += ';';
+    text += part;
+  };
   for (const auto& row : Rows) {
     std::string line;
-    for (const auto& value : row) line += (line.empty() ? "" : ",") + value;
+    for (const auto& value : row) line.append(line.empty() ? "" : ",").append(value);
     add(line);
   }
   for (const SqlMessage& each : Messages) {
-    if (each.Severity > 10) add("!" + std::to_string(each.Number));
+    if (each.Severity > 10) add(std::string("!").append(std::to_string(each.Number)));
     if (each.Number == 0) add("i0:" + each.Text);
   }
   return text;

@@ -76,7 +76,7 @@ start --cut-text 'cut here'
 expect "a restart keeps the data" "$(printf 'SELECT COUNT(*) FROM Sales..t\ngo\n' |
   tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" '^3$'
 expect "a cut connection is noticed" "$(printf "PRINT 'cut here'\ngo\n" |
-  tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" 'unexpected EOF|DBPROCESS is dead'
+  tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" 'Unexpected EOF from the server'
 expect "a second server is refused the folder" "$(SQLSTANDIN_PASSWORD=x "$server" --port 0 \
   --data "$folder/state" 2>&1)" '^sqlstandin: the data folder cannot be used'
 expect "a password is asked for" "$(env -u SQLSTANDIN_PASSWORD "$server" --data "$folder/x" 2>&1)" \

@@ -219,10 +219,8 @@ void Connection::AnswerBatch(const Message& message) {
     }
     if (mishap.Failure) {
       outcome.Error = mishap.Failure;
-      Refuse(SqlFailure(*mishap.Failure), reply);
     } else {
       outcome.Error = session_->Run(batch, reply);
-      reply.Finish();
     }
   } catch (const Cancelled&) {
     parts_.Log.Batch(number, number_, database, batch, {{}, "cancelled"});
@@ -235,7 +233,13 @@ void Connection::AnswerBatch(const Message& message) {
     reply.Finish();
     return;
   }
+  // The record is there before the client hears the end of the answer.
   parts_.Log.Batch(number, number_, database, batch, outcome);
+  if (mishap.Failure) {
+    Refuse(SqlFailure(*mishap.Failure), reply);
+  } else {
+    reply.Finish();
+  }
 }
 
 void Connection::AnswerTransaction(const Message& message) {

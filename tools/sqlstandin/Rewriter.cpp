@@ -145,6 +145,7 @@ std::string Rewriter::RewriteInsert(Range range) {
   } else if (!next.Is("DEFAULT") && std::any_of(columns.begin(), columns.end(),
                                                 [](const auto& each) { return each.IsIdentity; })) {
     // Without a list the values are those of all columns but the identity.
+    addedColumns_ = true;
     for (const TableColumn& column : columns) {
       if (!column.IsIdentity) list += (list.empty() ? "" : ", ") + QuoteName(column.Name);
     }

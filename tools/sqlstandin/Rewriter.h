@@ -42,6 +42,9 @@ class Rewriter {
   /// The statements to carry out instead of this one, in order.
   std::vector<std::string> Rewrite(const DataStatement& statement);
 
+  /// Whether the last INSERT had no column list and was given one.
+  bool AddedColumns() const { return addedColumns_; }
+
   /// An expression, a condition, a query.
   std::string RewriteExpression(Range range);
 
@@ -56,9 +59,6 @@ class Rewriter {
   [[noreturn]] static void FailAt(const Token& token, const Token& last);
 
  private:
-  struct Frame;
-  class Copy;
-
   std::string RewriteInsert(Range range);
   std::vector<std::string> RewriteTruncate(Range range);
   std::vector<std::string> RewriteDrop(Range range, std::string_view kind);
@@ -67,6 +67,7 @@ class Rewriter {
 
   std::string_view batch_;
   RewriteEnvironment& environment_;
+  bool addedColumns_ = false;
 };
 
 /// A name as SQLite takes it whatever is in it.

@@ -56,6 +56,14 @@ ResultColumn TypeOfValue(sqlite3_stmt* row, int index) {
   }
 }
 
+/// 109 and 110 speak of the column list; an INSERT to which the rewriter gave one has none.
+SqlFailure WithoutColumnList(const SqlFailure& failure) {
+  const std::int32_t number = failure.Messages.front().Number;
+  const bool isCount = number == message::MoreColumnsThanValues().Number ||
+                       number == message::FewerColumnsThanValues().Number;
+  return isCount ? SqlFailure(message::ColumnCount(), true) : failure;
+}
+
 }  // namespace
 
 SqliteDatabase& Session::Current() {
@@ -84,7 +92,7 @@ bool Session::IsTrue(Range condition) {
 
 void Session::Do(const PrintText& statement) {
   const std::string sql =
-      "SELECT" + Rewriter(batch_, *this).RewriteExpression(statement.Expression);
+      "SELECT (" + Rewriter(batch_, *this).RewriteExpression(statement.Expression) + ")";
   SqliteStatement query(Current(), sql, "PRINT");
   if (query.Step()) {
     reply_->Tell({0, 0, 1, std::string(TextAt(query.Handle(), 0))},
@@ -96,17 +104,25 @@ void Session::Do(const PrintText& statement) {
 void Session::Do(const DataStatement& statement) {
   using Verb = DataStatement::Verb;
   Current().DetachAll();
-  std::vector<std::string> statements = Rewriter(batch_, *this).Rewrite(statement);
+  Rewriter rewriter(batch_, *this);
+  const std::vector<std::string> statements = rewriter.Rewrite(statement);
   SqliteDatabase& database = Current();
   // What is one statement to the client happens whole or not at all.
   const bool needsSavepoint = statements.size() > 1;
   if (needsSavepoint) database.Execute("SAVEPOINT whole");
+  const auto undo = [&] {
+    if (needsSavepoint) database.Execute("ROLLBACK TO whole; RELEASE whole");
+  };
   try {
     for (std::size_t i = 0; i < statements.size(); ++i) {
       RunSql(statements[i], statement.What, i + 1 == statements.size());
     }
+  } catch (const SqlFailure& failure) {
+    undo();
+    if (rewriter.AddedColumns()) throw WithoutColumnList(failure);
+    throw;
   } catch (...) {
-    if (needsSavepoint) database.Execute("ROLLBACK TO whole; RELEASE whole");
+    undo();
     throw;
   }
   if (needsSavepoint) database.Execute("RELEASE whole");
