@@ -28,6 +28,8 @@ EndAll() {
   return "$status"
 }
 trap EndAll EXIT
+set -o errtrace
+trap 'echo "${0##*/}: \"$BASH_COMMAND\" failed (${BASH_SOURCE[0]##*/}, line $LINENO)" >&2' ERR
 trap 'exit 130' INT TERM
 
 # Build PRESET TARGET...: configures at the first time, builds, and says in one line what went wrong.
@@ -63,8 +65,8 @@ StartDisplay() {
 
 # MakeMachine DIR [DPI]: a fresh machine; its environment is set for what follows.
 MakeMachine() {
-  local dir=$1 dpi=${2:-96} base=$Root/build/machine-$2
-  [[ -n ${2:-} ]] || base=$Root/build/machine-96
+  local dir=$1 dpi=${2:-96}
+  local base=$Root/build/machine-$dpi
   "$Root/tools/wine/prefix" "$base" "$Root/build/win32" --dpi "$dpi" >/dev/null 2>"$Logs/prefix.log" ||
     Fail "the Wine prefix could not be made: $(tail -n1 "$Logs/prefix.log")"
   [[ -f $base/desktop ]] || {
@@ -86,7 +88,7 @@ MakeMachine() {
   ln -sfn "$dir/media" "$dir/wine/dosdevices/d:"
   rm -f "$dir/odbc/odbc.ini"
   export WINEPREFIX=$dir/wine WINEARCH=win32 WINEDEBUG=${WINEDEBUG:--all} \
-    WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d' ODBCSYSINI=$dir/odbc ODBCINI=/dev/null
+    WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d' ODBCSYSINI=$dir/odbc ODBCINI=/dev/null TDSVER=7.3
   Machine=$dir
 }
 
@@ -125,7 +127,8 @@ StopServer() {
 
 # Query DATABASE STATEMENT: the rows, by the wire.
 Query() {
-  printf '%s\n' "$2" | bsqldb -S "127.0.0.1:$Port" -U sa -P "$SQL_PASSWORD" -D "$1" -q -t ' ' 2>/dev/null |
+  printf '%s\ngo\n' "$2" |
+    tsql -H 127.0.0.1 -p "$Port" -U sa -P "$SQL_PASSWORD" -D "$1" -o fhq 2>/dev/null |
     sed 's/[[:space:]]*$//' | grep -v '^$'
 }
 
@@ -138,7 +141,7 @@ LoadFreshScripts() {
     [[ -n $script ]] || continue
     file=$1/SQLScript/Fresh/$script
     # The folders that the statements name, on the server's drive.
-    grep -oE "[Cc]:\\\\[^']*\\\\" "$file" | sort -u | while read -r folder; do
+    { grep -oE "[Cc]:\\\\[^']*\\\\" "$file" || true; } | sort -u | while read -r folder; do
       folder=${folder:3}
       mkdir -p "$2/${folder//\\//}"
     done
