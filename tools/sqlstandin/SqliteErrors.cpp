@@ -18,7 +18,7 @@ std::string Between(std::string_view text, std::string_view left, std::string_vi
   return rest.substr(0, rest.rfind(right));
 }
 
-std::string WithoutMain(std::string name) {
+std::string WithoutMain(const std::string& name) {
   return name.starts_with("main.") ? name.substr(5) : name;
 }
 
