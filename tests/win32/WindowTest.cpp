@@ -149,6 +149,8 @@ TEST_F(WindowTest, CanBeUsedByKeyboardAlone) {
   PostMessageA(GetFocus(), WM_SYSCHAR, 'u', 1 << 29);
   Settle();
   Press(VK_RETURN);
+  PostMessageA(GetFocus(), WM_KEYDOWN, VK_RETURN, 1 << 30);  // held down
+  Settle();
   EXPECT_EQ(page_.Doings, Doings({"focus TxtPath", "click ChkOldLocation", "click CmdNext"}));
   page_["CmdNext"].Enabled = false;
   page_.Changed("CmdNext", Property::Enabled);

@@ -117,7 +117,7 @@ void Canvas::Blend(const RECT& area, Colour colour,
   for (int y = std::max<int>(area.top, 0); y < bottom; ++y) {
     std::uint32_t* row = pixels_ + static_cast<std::ptrdiff_t>(y) * width_;
     for (int x = left; x < right; ++x) {
-      const int weight = static_cast<int>(256 * coverage(x + 0.5, y + 0.5) + 0.5);
+      const int weight = static_cast<int>(std::lround(256 * coverage(x + 0.5, y + 0.5)));
       if (weight > 0) row[x] = Mix(row[x], colour, weight);
     }
   }
