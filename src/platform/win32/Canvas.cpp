@@ -81,6 +81,11 @@ void Canvas::FillRound(const RECT& area, double radius, Colour colour, double op
         [&](double x, double y) { return opacity * Inside(EdgeDistance(area, radius, x, y)); });
 }
 
+void Canvas::FillRoundWithin(const RECT& limit, const RECT& area, double radius, Colour colour) {
+  Blend(limit, colour,
+        [&](double x, double y) { return Inside(EdgeDistance(area, radius, x, y)); });
+}
+
 void Canvas::FrameRound(const RECT& area, double radius, double thickness, Colour colour) {
   Blend(area, colour, [&](double x, double y) {
     const double distance = EdgeDistance(area, radius, x, y);

@@ -54,11 +54,15 @@ FormFrame::FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& wat
 }
 
 FormFrame::~FormFrame() {
-  controls_.clear();
-  SetWindowLongPtrA(window_, GWLP_USERDATA, 0);
+  LetGo();
   DestroyWindow(window_);
   DeleteObject(enabledBrush_);
   DeleteObject(disabledBrush_);
+}
+
+void FormFrame::LetGo() {
+  SetWindowLongPtrA(window_, GWLP_USERDATA, 0);
+  controls_.clear();
 }
 
 void FormFrame::MakeControls() {

@@ -34,6 +34,9 @@ class FormFrame {
   FormFrame(const FormFrame&) = delete;
   FormFrame& operator=(const FormFrame&) = delete;
 
+  /// Asks nothing of the form any more: it may be gone before the window.
+  void LetGo();
+
   HWND Window() const { return window_; }
   FormWindow& Form() const { return form_; }
   const Appearance& Look() const { return look_; }

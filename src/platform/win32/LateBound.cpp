@@ -30,6 +30,8 @@ std::int32_t ShortNumber(HRESULT code) {
       description = "Object doesn't support this property or method";
     } else if (number == typeMismatch) {
       description = "Type mismatch";
+    } else if (number != code) {
+      description = StandardDescription(number);
     } else {
       description = SystemMessage(code);
     }
@@ -58,6 +60,13 @@ IDispatch* Create(const char* className) {
     throw RuntimeError(error::CannotCreateObject);
   }
   return static_cast<IDispatch*>(object);
+}
+
+std::vector<const Variant*> Addresses(const std::vector<Variant>& values) {
+  std::vector<const Variant*> addresses;
+  addresses.reserve(values.size());
+  for (const Variant& value : values) addresses.push_back(&value);
+  return addresses;
 }
 
 }  // namespace
@@ -114,8 +123,8 @@ LateBound::LateBound(const Variant& object) : object_(object.AsObject()) {
   object_->AddRef();
 }
 
-Variant LateBound::Get(const char* member) const {
-  return Invoke(Find(member), DISPATCH_PROPERTYGET | DISPATCH_METHOD, {});
+Variant LateBound::Get(const char* member, const std::vector<Variant>& arguments) const {
+  return Invoke(Find(member), DISPATCH_PROPERTYGET | DISPATCH_METHOD, Addresses(arguments));
 }
 
 void LateBound::Put(const char* member, const Variant& value) {
@@ -128,10 +137,7 @@ void LateBound::PutRef(const char* member, const LateBound& object) {
 }
 
 Variant LateBound::Call(const char* member, const std::vector<Variant>& arguments) const {
-  std::vector<const Variant*> list;
-  list.reserve(arguments.size());
-  for (const Variant& argument : arguments) list.push_back(&argument);
-  return Invoke(Find(member), DISPATCH_METHOD, list);
+  return Invoke(Find(member), DISPATCH_METHOD, Addresses(arguments));
 }
 
 std::vector<std::string> LateBound::Texts() const {

@@ -31,7 +31,10 @@ std::int64_t Microseconds() {
 }  // namespace
 
 Win32WindowSystem::Win32WindowSystem() = default;
-Win32WindowSystem::~Win32WindowSystem() = default;
+
+Win32WindowSystem::~Win32WindowSystem() {
+  for (const auto& frame : frames_) frame->LetGo();
+}
 
 FormFrame* Win32WindowSystem::Find(const FormWindow& form) const {
   for (const auto& frame : frames_) {
