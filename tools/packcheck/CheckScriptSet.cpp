@@ -25,7 +25,7 @@ bool GoesOn(std::string_view statement) {
   while (end < statement.size() && std::isalpha(static_cast<unsigned char>(statement[end])) != 0) {
     ++end;
   }
-  if (end == 0) return !statement.empty() && Contains("),", statement.substr(0, 1));
+  if (end == 0) return !statement.empty() && Contains("(),", statement.substr(0, 1));
   const std::string_view word = statement.substr(0, end);
   return std::ranges::any_of(kGoesOn,
                              [&](std::string_view upper) { return EqualsUpper(word, upper); });
