@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -44,7 +45,16 @@ class Journal {
   /// The name of the request that failed on demand; empty when none has.
   const std::string& FailedRequest() const { return failedRequest_; }
 
-  void Add(JournalEvent event) { events_.push_back(std::move(event)); }
+  void Add(JournalEvent event) {
+    if (watcher_) {
+      watcher_(event);
+    } else {
+      events_.push_back(std::move(event));
+    }
+  }
+  /// From now on hands each event to `watcher` as it happens and keeps none; keeps them again
+  /// without one.
+  void Watch(std::function<void(const JournalEvent&)> watcher) { watcher_ = std::move(watcher); }
   const std::vector<JournalEvent>& Events() const { return events_; }
   /// One text per event of a kind: the value of `field`.
   std::vector<std::string> Texts(const std::string& kind, const std::string& field) const;
@@ -73,6 +83,7 @@ class Journal {
 
  private:
   std::vector<JournalEvent> events_;
+  std::function<void(const JournalEvent&)> watcher_;
   int requests_ = 0;
   int failAt_ = 0;
   std::optional<RuntimeError> failure_;

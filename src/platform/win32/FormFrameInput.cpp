@@ -26,14 +26,19 @@ bool IsOption(const ControlWindow& control) {
 
 bool FormFrame::HandleKey(const MSG& message) {
   if (message.message == WM_KEYDOWN && message.wParam == VK_RETURN) {
-    // A key that is held down does not run through the pages.
-    constexpr LPARAM repeated = 1 << 30;
+    // A key that is held down must not run through pages that are filled in already.
+    constexpr LPARAM repeated = 1L << 30;
     if ((message.lParam & repeated) != 0) return true;
+    std::size_t chosen = controls_.size();
     for (std::size_t i = 0; i < controls_.size(); ++i) {
-      if (!controls_[i]->View().Default || !controls_[i]->IsUsable()) continue;
-      Click(i);
-      break;
+      const ControlView& view = controls_[i]->View();
+      if (!controls_[i]->IsUsable()) continue;
+      const bool focused =
+          view.Kind == ControlKind::CommandButton && controls_[i]->Window() == GetFocus();
+      if (focused || (view.Default && chosen == controls_.size())) chosen = i;
+      if (focused) break;
     }
+    if (chosen < controls_.size()) Click(chosen);
     return true;
   }
 
