@@ -45,7 +45,10 @@ const ControlView& Form::ControlAt(std::size_t index) const {
 
 void Form::OperatorClicked(std::size_t index) {
   const ControlView& view = ControlAt(index);
-  if (view.Enabled && view.Visible) controls_.at(index)->OperatorClicked();
+  if (clicked_ || !view.Enabled || !view.Visible) return;
+  clicked_ = true;
+  controls_.at(index)->OperatorClicked();
+  clicked_ = false;
 }
 
 void Form::OperatorTyped(std::size_t index, const std::string& text) {

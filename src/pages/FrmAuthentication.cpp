@@ -30,7 +30,7 @@ void FrmAuthentication::Form_Load() {
   wentBack_ = false;
   SetUpFrame();
   // The server's name is not looked at here.
-  if (state.SqlPassword.empty() || state.SqlUser.empty()) CmdNext.Enabled = false;
+  CmdNext.Enabled = !state.SqlPassword.empty() && !state.SqlUser.empty();
   ShpProgBar.Width = ProgressShare(3);
 }
 

@@ -17,13 +17,13 @@ class FrmMode : public WizardPage {
       "will build database of the product with sql rights in addition to the necessary files "
       "(Applicaiton files, DSN, Registration) to load the application.",
       TextStyle::Body, layout::Text(1440, 4)};
-  OptionButton OptClient{*this, "OptClient", "Label5", layout::Mark(layout::kLeft, 2760)};
-  Label Label5{*this, "Label5", "Client Installation", TextStyle::Label, layout::Text(2760)};
+  OptionButton OptClient{*this, "OptClient", "Label5", layout::Mark(layout::kLeft, 2520)};
+  Label Label5{*this, "Label5", "Client Installation", TextStyle::Label, layout::Text(2520)};
   Label Label2{
       *this, "Label2",
       "Select Client installation if the installation is doing on Client machine. It will install "
       "the necessary files[Application files,DSN,Registration) to load the Application.",
-      TextStyle::Body, layout::Text(3000, 3)};
+      TextStyle::Body, layout::Text(2760, 3)};
 
   Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
   Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};

@@ -1,6 +1,9 @@
 // A wizard of three pages that does what drive has to cope with: controls that appear or are
-// enabled late, a message box, work without answering, a masked box, an end by the frame.
+// enabled late, a message box, the folder browser, work without answering, a masked box, an end by
+// the frame.
 #include <windows.h>
+// After windows.h.
+#include <shlobj.h>
 
 #include <map>
 #include <string>
@@ -47,9 +50,22 @@ void Show(Form& form, Form* from) {
   if (&form == &application) SetTimer(form.Window, 1, 700, nullptr);
 }
 
+void ChooseFolder() {
+  BROWSEINFOA request = {};
+  request.hwndOwner = location.Window;
+  request.lpszTitle = "Select a folder";
+  request.ulFlags = BIF_RETURNONLYFSDIRS;
+  const LPITEMIDLIST chosen = SHBrowseForFolderA(&request);
+  char path[MAX_PATH] = "none";
+  if (chosen != nullptr) SHGetPathFromIDListA(chosen, path);
+  CoTaskMemFree(chosen);
+  SetWindowTextA(location.Controls["TxtInstaPath"], path);
+}
+
 void Clicked(HWND control) {
   if (control == type.Controls["OptUpgrade"]) ShowWindow(type.Controls["ChkOldLocation"], SW_SHOW);
   if (control == type.Controls["CmdNext"]) Show(location, &type);
+  if (control == location.Controls["CmdLocation"]) ChooseFolder();
   if (control == location.Controls["CmdPrev"]) Show(type, &location);
   if (control == application.Controls["CmdNext"]) ExitProcess(7);
   if (control != location.Controls["CmdNext"]) return;
@@ -94,6 +110,7 @@ void Make(Form& form) {
 }  // namespace
 
 int main() {
+  CoInitialize(nullptr);
   WNDCLASSA page = {};
   page.lpfnWndProc = Handle;
   page.hbrBackground = CreateHatchBrush(HS_DIAGCROSS, RGB(0, 90, 200));
@@ -108,6 +125,7 @@ int main() {
   Add(type, "CmdNext", "BUTTON", "&Next", button, 280, 280);
   Make(location);
   Add(location, "TxtInstaPath", "EDIT", "", button | WS_BORDER | ES_AUTOHSCROLL, 20, 60);
+  Add(location, "CmdLocation", "BUTTON", "...", button, 240, 60, 30);
   Add(location, "TxtPsWord", "EDIT", "old", button | WS_BORDER | ES_PASSWORD, 20, 90);
   Add(location, "CmdPrev", "BUTTON", "&Back", button, 20, 280);
   Add(location, "CmdNext", "BUTTON", "&Next", button | WS_DISABLED, 280, 280);

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 // After windows.h.
+#include <objbase.h>
 #include <shellapi.h>
 
 #include <CLI/CLI.hpp>
@@ -90,6 +91,8 @@ int Run(const CommandLine& line) {
 int Main() {
   // Without this the system scales coordinates and screenshots on a large display.
   SetProcessDPIAware();
+  // The shell names folders only to threads that have done this.
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   CommandLine line;
   CLI::App app("Plays a script of clicks against the real windows of Setup.exe.", "drive");
   app.add_option("SCRIPT", line.ScriptFile, "The script, one command a line")->required();

@@ -10,16 +10,6 @@ namespace talu::drive {
 
 namespace {
 
-void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (PostMessageW(window, message, wParam, lParam)) return;
-  const DWORD error = GetLastError();
-  // The window may have closed this moment; the steps that follow will tell.
-  if (error == ERROR_INVALID_WINDOW_HANDLE) return;
-  throw std::runtime_error(error == ERROR_ACCESS_DENIED
-                               ? "Setup runs as administrator, start drive as administrator too"
-                               : "input refused (error " + std::to_string(error) + ")");
-}
-
 LPARAM AsParameter(POINT point) {
   return MAKELPARAM(point.x, point.y);
 }
@@ -41,6 +31,16 @@ void Rest(HWND window) {
 }
 
 }  // namespace
+
+void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (PostMessageW(window, message, wParam, lParam)) return;
+  const DWORD error = GetLastError();
+  // The window may have closed this moment; the steps that follow will tell.
+  if (error == ERROR_INVALID_WINDOW_HANDLE) return;
+  throw std::runtime_error(error == ERROR_ACCESS_DENIED
+                               ? "Setup runs as administrator, start drive as administrator too"
+                               : "input refused (error " + std::to_string(error) + ")");
+}
 
 void Click(HWND control) {
   RECT area = {};

@@ -12,6 +12,9 @@ namespace talu::drive {
 // the screen locked or the window covered, and none of these waits for the work that it sets off.
 // All raise std::runtime_error when the system refuses.
 
+/// Leaves a message for `window`; no harm when it has just closed.
+void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
 /// Presses and releases the left button in the middle of `control`.
 void Click(HWND control);
 

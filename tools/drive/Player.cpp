@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "FolderBrowser.h"
 #include "Operator.h"
 #include "Screenshot.h"
 #include "Text.h"
@@ -15,7 +16,7 @@ namespace {
 using Time = std::chrono::steady_clock;
 
 constexpr DWORD LookInterval = 50;  // milliseconds
-/// A message box that stands this long without a step that answers it will stand for ever.
+/// A dialog that stands this long without a step that answers it will stand for ever.
 constexpr std::chrono::seconds Patience{3};
 
 const char* const NoAnswer = "Setup is busy and does not answer";
@@ -24,10 +25,14 @@ std::string Is(bool value, const char* yes, const char* no) {
   return std::string("it is ") + (value ? yes : no);
 }
 
-std::string OpenMessages(const SetupProcess& setup) {
+/// What holds up a step that does not deal with dialogs, or only with the folder browser.
+std::string OpenDialogs(const SetupProcess& setup, bool browses) {
   std::string texts;
   for (const MessageWindow& message : setup.MessageWindows()) {
     texts += (texts.empty() ? "a message box is open: " : ", ") + Quoted(message.Text);
+  }
+  if (!browses && setup.FolderBrowser() != nullptr) {
+    texts += (texts.empty() ? "" : ", ") + std::string("the folder browser is open");
   }
   return texts;
 }
@@ -86,6 +91,8 @@ void Player::Do(const Step& step) {
     case Command::MessageBegins:
     case Command::MessageTitle:
       return Answer(step);
+    case Command::Browse:
+      return Browse(step);
     case Command::Key:
       return PressKeys(step);
     case Command::Close:
@@ -107,9 +114,9 @@ void Player::Do(const Step& step) {
   }
 }
 
-void Player::Until(const std::function<std::string()>& attempt) {
+void Player::Until(const std::function<std::string()>& attempt, bool browses) {
   const auto start = Time::now();
-  auto quiet = start;  // the last time that no message box stood
+  auto quiet = start;  // the last time that no dialog stood in the way
   for (;;) {
     const bool attached = setup_.Attached() || setup_.Find();
     const bool ended = setup_.Ended();  // asked first: the attempt sees all that came before
@@ -118,12 +125,12 @@ void Player::Until(const std::function<std::string()>& attempt) {
     if (ended) {
       throw std::runtime_error("Setup has ended, exit code " + std::to_string(setup_.ExitCode()));
     }
-    const std::string messages = OpenMessages(setup_);
+    const std::string dialogs = OpenDialogs(setup_, browses);
     const auto now = Time::now();
-    if (messages.empty()) {
+    if (dialogs.empty()) {
       quiet = now;
     } else {
-      there += "; " + messages;
+      there += "; " + dialogs;
       if (now - quiet >= Patience) throw std::runtime_error(there);
     }
     if (now - start >= options_.Timeout) {
@@ -140,7 +147,10 @@ HWND Player::Usable(const std::string& name) {
     if (control == nullptr) return "there is no such control, " + setup_.PagesShown();
     if (!IsWindowVisible(control)) return "it is hidden";
     if (!IsWindowEnabled(control)) return "it is disabled";
-    if (setup_.Dialog() != nullptr) return "a dialog stands before the page";
+    // A page is disabled from the moment that a dialog of its own is made, before that is shown.
+    if (setup_.Dialog() != nullptr || !IsWindowEnabled(GetAncestor(control, GA_ROOT))) {
+      return "a dialog stands before the page";
+    }
     return "";
   });
   return control;
@@ -204,10 +214,29 @@ void Player::Answer(const Step& step) {
     }
     return "there is no such message box, " + setup_.PagesShown();
   });
-  Click(answered.Button);
+  CloseDialog(answered.Window, answered.Button);
+}
+
+void Player::Browse(const Step& step) {
+  HWND browser = nullptr;
+  Until(
+      [&]() -> std::string {
+        browser = setup_.FolderBrowser();
+        if (browser == nullptr) return "the folder browser is not open, " + setup_.PagesShown();
+        if (step.Value.empty()) return "";
+        return SelectFolder(browser, step.Value).value_or(NoAnswer);
+      },
+      true);
+  CloseDialog(browser, GetDlgItem(browser, step.Value.empty() ? IDCANCEL : IDOK));
+}
+
+void Player::CloseDialog(HWND dialog, HWND button) {
+  Click(button);
   const auto start = Time::now();
-  while (IsWindowVisible(answered.Window)) {
-    if (Time::now() - start > options_.Timeout) throw std::runtime_error("OK does not close it");
+  while (IsWindowVisible(dialog)) {
+    if (Time::now() - start > options_.Timeout) {
+      throw std::runtime_error("the click does not close it");
+    }
     Sleep(LookInterval);
   }
   if (const HWND page = setup_.Page()) Settle(page);

@@ -33,14 +33,17 @@ class Player {
   void Do(const Step& step);
   /// Tries until `attempt` returns an empty text; what it returns otherwise tells what is there
   /// instead. Raises std::runtime_error with that when the time is over, when Setup has ended, or
-  /// when a message box that no step asks for holds everything up.
-  void Until(const std::function<std::string()>& attempt);
+  /// when a dialog that the step does not deal with holds everything up.
+  void Until(const std::function<std::string()>& attempt, bool browses = false);
   /// Waits for the control and returns it when an operator could use it.
   HWND Usable(const std::string& name);
   void ClickControl(const std::string& name);
   void Type(const Step& step);
   std::string Unmet(const Step& step) const;
   void Answer(const Step& step);
+  void Browse(const Step& step);
+  /// Clicks a dialog's button and waits until that has closed the dialog.
+  void CloseDialog(HWND dialog, HWND button);
   void PressKeys(const Step& step);
   void Shoot(const std::string& file);
   void WaitForEnd(const Step& step);

@@ -24,6 +24,7 @@ enum class Shape {
   ControlText,
   Expectation,
   Text,
+  Folder,
   Number,
   Keys,
   MaybeCode
@@ -42,6 +43,7 @@ const std::map<std::string, Grammar, std::less<>> Commands = {
     {"message", {Command::Message, Shape::Text}},
     {"message-begins", {Command::MessageBegins, Shape::Text}},
     {"message-title", {Command::MessageTitle, Shape::Text}},
+    {"browse", {Command::Browse, Shape::Folder}},
     {"key", {Command::Key, Shape::Keys}},
     {"close", {Command::Close, Shape::Form}},
     {"shot", {Command::Shot, Shape::Text}},
@@ -164,6 +166,17 @@ void ReadKeys(std::string_view rest, Step& step) {
   if (step.Keys.empty()) throw ScriptError("the key is missing");
 }
 
+std::string ReadFolder(std::string_view rest, Variables& variables) {
+  if (rest.empty()) throw ScriptError("the folder is missing (cancel chooses none)");
+  if (rest == "cancel") return {};
+  std::string folder = ReadText(rest, false, variables);
+  const bool onDrive = folder.size() >= 2 && std::isalpha(static_cast<unsigned char>(folder[0])) &&
+                       folder[1] == ':' && (folder.size() == 2 || folder[2] == '\\');
+  if (!onDrive)
+    throw ScriptError("a folder like C:\\Program Files expected, not " + Quoted(folder));
+  return folder;
+}
+
 void ReadArguments(Shape shape, std::string_view rest, Step& step, Variables& variables) {
   const bool message = step.What == Command::Message || step.What == Command::MessageBegins ||
                        step.What == Command::MessageTitle;
@@ -184,6 +197,9 @@ void ReadArguments(Shape shape, std::string_view rest, Step& step, Variables& va
     case Shape::Text:
       if (rest.empty()) throw ScriptError(message ? "the text is missing" : "the file is missing");
       step.Value = ReadText(rest, message, variables);
+      return;
+    case Shape::Folder:
+      step.Value = ReadFolder(rest, variables);
       return;
     case Shape::Number:
       step.Number = ReadNumber(ReadText(rest, false, variables));

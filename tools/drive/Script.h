@@ -18,6 +18,7 @@ enum class Command {
   Message,
   MessageBegins,
   MessageTitle,
+  Browse,
   Key,
   Close,
   Shot,
@@ -37,7 +38,8 @@ struct Step {
   std::string Name;
   /// Of `expect`: text, begins, enabled, visible, value, focus or width.
   std::string Property;
-  /// The text of `type`, `expect` and `message`, the file of `shot`, the exit code of `ended`.
+  /// The text of `type`, `expect` and `message`, the file of `shot`, the exit code of `ended`,
+  /// the folder of `browse`, empty for `browse cancel`.
   std::string Value;
   /// Seconds of `timeout`, milliseconds of `pause`.
   int Number = 0;

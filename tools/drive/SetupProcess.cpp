@@ -193,6 +193,13 @@ std::vector<MessageWindow> SetupProcess::MessageWindows() const {
   return messages;
 }
 
+HWND SetupProcess::FolderBrowser() const {
+  for (HWND window : TopWindows()) {
+    if (IsDialog(window) && FolderTree(window) != nullptr) return window;
+  }
+  return nullptr;
+}
+
 HWND SetupProcess::Dialog() const {
   const auto windows = TopWindows();
   const auto dialog = std::find_if(windows.begin(), windows.end(), IsDialog);
@@ -235,6 +242,14 @@ bool HasFocus(HWND window) {
   info.cbSize = sizeof info;
   return GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info) &&
          info.hwndFocus == window;
+}
+
+HWND FolderTree(HWND dialog) {
+  HWND tree = nullptr;
+  ForEachChild(dialog, [&](HWND child) {
+    if (tree == nullptr && ClassOf(child) == L"SysTreeView32") tree = child;
+  });
+  return tree;
 }
 
 }  // namespace talu::drive

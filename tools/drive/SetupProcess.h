@@ -43,6 +43,8 @@ class SetupProcess {
   /// The control of that name on a visible page, shown or hidden itself; null when there is none.
   HWND Control(const std::string& name) const;
   std::vector<MessageWindow> MessageWindows() const;
+  /// The shell's dialog with the folder tree; null when it is not open.
+  HWND FolderBrowser() const;
   /// The dialog that stands before the page (a message box, the folder browser); null when none.
   HWND Dialog() const;
   /// The window that keys go to: the dialog or the page.
@@ -73,5 +75,9 @@ std::optional<bool> ValueOf(HWND window);
 int WidthOf(HWND window);
 
 bool HasFocus(HWND window);
+
+/// The tree in a folder browser, which newer systems nest in controls of their own; null when
+/// `dialog` is something else.
+HWND FolderTree(HWND dialog);
 
 }  // namespace talu::drive

@@ -16,9 +16,8 @@ constexpr std::chrono::seconds longestWaitForOthers{10};
 }  // namespace
 
 const DatabaseEntry* Catalogue::Search(std::string_view name) const {
-  const auto found = std::find_if(databases_.begin(), databases_.end(), [name](const auto& entry) {
-    return SameName(entry.Name, name);
-  });
+  const auto found = std::find_if(databases_.begin(), databases_.end(),
+                                  [name](const auto& entry) { return SameName(entry.Name, name); });
   return found == databases_.end() ? nullptr : &*found;
 }
 
@@ -51,6 +50,14 @@ DatabaseEntry Catalogue::Find(const std::string& name) const {
 bool Catalogue::Exists(const std::string& name) const {
   const std::lock_guard lock(mutex_);
   return Search(name) != nullptr;
+}
+
+bool Catalogue::IsDatabaseFile(const std::filesystem::path& file) const {
+  const std::lock_guard lock(mutex_);
+  return std::any_of(databases_.begin(), databases_.end(), [&file](const auto& entry) {
+    return entry.File == file || std::find(entry.OtherFiles.begin(), entry.OtherFiles.end(),
+                                           file) != entry.OtherFiles.end();
+  });
 }
 
 DatabaseEntry Catalogue::Use(int session, const std::string& name) {
@@ -87,8 +94,7 @@ void Catalogue::EndOthers(std::unique_lock<std::mutex>& lock, const DatabaseEntr
                           int session) {
   const int id = database.Id;
   for (const int other : OthersIn(id, session)) sessions_.at(other).End();
-  if (!left_.wait_for(lock, longestWaitForOthers,
-                      [&] { return OthersIn(id, session).empty(); })) {
+  if (!left_.wait_for(lock, longestWaitForOthers, [&] { return OthersIn(id, session).empty(); })) {
     throw SqlFailure({message::AlterLockFailed(database.Name), message::AlterDatabaseFailed()});
   }
 }

@@ -37,7 +37,7 @@ inline constexpr std::string_view masterName = "master";
 class Catalogue {
  public:
   /// Raises std::runtime_error when the data folder cannot be used or another server uses it.
-  Catalogue(std::filesystem::path dataFolder, Drives drives, std::string adminName,
+  Catalogue(const std::filesystem::path& dataFolder, Drives drives, std::string adminName,
             std::string adminPassword);
   ~Catalogue();
   Catalogue(const Catalogue&) = delete;
@@ -57,6 +57,8 @@ class Catalogue {
   /// A database that is online (911, 942).
   DatabaseEntry Find(const std::string& name) const;
   bool Exists(const std::string& name) const;
+  /// Whether a file is one of a database's own.
+  bool IsDatabaseFile(const std::filesystem::path& file) const;
 
   void Create(const CreateDatabase& statement);
   /// Waits until the other sessions have let go where the statement ends their use.

@@ -36,8 +36,8 @@ std::string HashPassword(const std::string& password, const char* setting) {
 
 std::string NewHash(const std::string& password) {
   std::array<char, CRYPT_GENSALT_OUTPUT_SIZE> setting{};
-  if (crypt_gensalt_rn("$6$", 1000, nullptr, 0, setting.data(),
-                       static_cast<int>(setting.size())) == nullptr) {
+  if (crypt_gensalt_rn("$6$", 1000, nullptr, 0, setting.data(), static_cast<int>(setting.size())) ==
+      nullptr) {
     return {};
   }
   return HashPassword(password, setting.data());
@@ -59,7 +59,7 @@ std::string LocalTimeText() {
   return {text.data(), size};
 }
 
-Catalogue::Catalogue(std::filesystem::path dataFolder, Drives drives, std::string adminName,
+Catalogue::Catalogue(const std::filesystem::path& dataFolder, Drives drives, std::string adminName,
                      std::string adminPassword)
     : folder_(std::filesystem::absolute(dataFolder)),
       drives_(std::move(drives)),
@@ -75,7 +75,9 @@ Catalogue::Catalogue(std::filesystem::path dataFolder, Drives drives, std::strin
   Load();
 }
 
-Catalogue::~Catalogue() { close(lockFile_); }
+Catalogue::~Catalogue() {
+  close(lockFile_);
+}
 
 void Catalogue::Load() {
   std::ifstream file(folder_ / "catalogue.json", std::ios::binary);
@@ -135,8 +137,8 @@ void Catalogue::Save() const {
   const std::filesystem::path path = folder_ / "catalogue.json";
   const std::filesystem::path fresh = folder_ / "catalogue.json.new";
   std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-  std::filesystem::permissions(fresh, std::filesystem::perms::owner_read |
-                                          std::filesystem::perms::owner_write);
+  std::filesystem::permissions(
+      fresh, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   file << Dump(stored, 1) << '\n';
   file.close();
   if (!file) throw SqlFailure(message::Own("the catalogue cannot be written"));

@@ -72,9 +72,8 @@ std::optional<ColumnType> TakeType(Lexer& lexer) {
     lexer.Next();
     name = lexer.Next().Value();
   }
-  const auto* known = std::find_if(knownTypes.begin(), knownTypes.end(), [&name](const auto& type) {
-    return SameWord(type.Name, name);
-  });
+  const auto* known = std::find_if(knownTypes.begin(), knownTypes.end(),
+                                   [&name](const auto& type) { return SameWord(type.Name, name); });
   if (known == knownTypes.end()) return std::nullopt;
   ColumnType type{known->What, std::string(known->Name), std::string(known->Declared),
                   std::string(known->Range), 0};

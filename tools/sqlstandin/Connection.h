@@ -15,7 +15,8 @@
 
 namespace talu::standin {
 
-/// One client, from its first byte to its last. Whatever it sends, nothing leaves Serve but its end.
+/// One client, from its first byte to its last. Whatever it sends, nothing leaves Serve but its
+/// end.
 class Connection {
  public:
   Connection(ServerParts& parts, std::unique_ptr<Descriptor> socket);

@@ -69,7 +69,8 @@ DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& d
       entry.OtherFiles.push_back(FreshPath(statement.DataFiles[i], drives));
     }
   }
-  for (const std::string& log : statement.LogFiles) entry.OtherFiles.push_back(FreshPath(log, drives));
+  for (const std::string& log : statement.LogFiles)
+    entry.OtherFiles.push_back(FreshPath(log, drives));
   if (statement.LogFiles.empty()) {
     const fs::path log = entry.File.parent_path() / (FileNameOf(statement.Name) + "_log.ldf");
     if (fs::exists(log)) Fail(message::FileExists(log.string()));
@@ -100,7 +101,7 @@ DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& d
 void RemoveDatabaseFiles(const DatabaseEntry& entry) {
   std::error_code ignored;
   fs::remove(entry.File, ignored);
-  fs::remove(entry.File.string() + "-journal", ignored);
+  for (const char* side : {"-wal", "-shm"}) fs::remove(entry.File.string() + side, ignored);
   for (const fs::path& other : entry.OtherFiles) fs::remove(other, ignored);
 }
 

@@ -17,8 +17,12 @@ constexpr std::string_view nameIsWrong =
     "123(The filename, directory name, or volume label syntax is incorrect.)";
 constexpr std::string_view accessDenied = "5(Access is denied.)";
 
-char UpperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-bool IsLetter(char c) { return UpperLetter(c) >= 'A' && UpperLetter(c) <= 'Z'; }
+char UpperLetter(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+}
+bool IsLetter(char c) {
+  return UpperLetter(c) >= 'A' && UpperLetter(c) <= 'Z';
+}
 
 /// The entry of `folder` that Windows would take for `name`; a new name when there is none.
 fs::path FindEntry(const fs::path& folder, const std::string& name, bool& exists) {
@@ -38,7 +42,8 @@ fs::path FindEntry(const fs::path& folder, const std::string& name, bool& exists
 
 void Drives::Add(std::string_view mapping) {
   if (mapping.size() < 3 || !IsLetter(mapping[0]) || mapping[1] != '=') {
-    throw std::invalid_argument("a drive is given as C=FOLDER, not \"" + std::string(mapping) + "\"");
+    throw std::invalid_argument("a drive is given as C=FOLDER, not \"" + std::string(mapping) +
+                                "\"");
   }
   const fs::path folder(mapping.substr(2));
   std::error_code error;

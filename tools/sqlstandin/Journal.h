@@ -14,8 +14,8 @@
 namespace talu::standin {
 
 /// A file of what clients did: one JSON object a line, each on disk when the call returns. Batches
-/// are as they were received, but for passwords, which are masked, and surrogates without a partner,
-/// which become U+FFFD. Safe to use from several threads.
+/// are as they were received, but for passwords, which are masked, and surrogates without a
+/// partner, which become U+FFFD. Safe to use from several threads.
 class Journal {
  public:
   /// Without a file nothing is written. Raises std::runtime_error when the file cannot be opened.

@@ -8,14 +8,18 @@
 namespace talu::standin {
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 bool IsWordStart(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '#' ||
          static_cast<unsigned char>(c) >= 0x80;
 }
 
-bool IsWordPart(char c) { return IsWordStart(c) || IsDigit(c) || c == '@' || c == '$'; }
+bool IsWordPart(char c) {
+  return IsWordStart(c) || IsDigit(c) || c == '@' || c == '$';
+}
 
 bool IsHexDigit(char c) {
   return IsDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
@@ -135,12 +139,13 @@ std::string MaskPasswords(std::string_view batch) {
   };
   Lexer lexer(batch);
   Token token;
-  bool afterPassword = false;     // after PASSWORD, up to its value
-  bool passwordProcedure = false; // the arguments of a procedure that sets one
+  bool afterPassword = false;      // after PASSWORD, up to its value
+  bool passwordProcedure = false;  // the arguments of a procedure that sets one
   try {
     for (token = lexer.Next(); token.Kind != TokenKind::End; token = lexer.Next()) {
       const bool isSecret = token.Kind == TokenKind::String || token.Kind == TokenKind::Binary;
-      if (isSecret && (afterPassword || passwordProcedure)) mask(token.At, token.At + token.Raw.size());
+      if (isSecret && (afterPassword || passwordProcedure))
+        mask(token.At, token.At + token.Raw.size());
       if (token.Is("PASSWORD") || token.Is("OLD_PASSWORD") || token.Is("SECRET")) {
         afterPassword = true;
       } else if (!token.IsSymbol("=")) {

@@ -26,7 +26,9 @@ struct Token {
 
   /// Whether it is this keyword, in any case. Names in brackets are never keywords.
   bool Is(std::string_view keyword) const;
-  bool IsSymbol(std::string_view symbol) const { return Kind == TokenKind::Symbol && Raw == symbol; }
+  bool IsSymbol(std::string_view symbol) const {
+    return Kind == TokenKind::Symbol && Raw == symbol;
+  }
   bool IsName() const { return Kind == TokenKind::Word || Kind == TokenKind::Name; }
   /// The name without its brackets, or the text without its quotes.
   std::string Value() const;

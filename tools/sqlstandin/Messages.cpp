@@ -43,16 +43,19 @@ SqlMessage UnclosedQuote(std::string_view text) {
   return Error(105, 15, 1, "Unclosed quotation mark after the character string '%'.",
                {FirstUnits(text, quotedUnits)});
 }
-SqlMessage UnclosedComment() { return Error(113, 15, 1, "Missing end comment mark '*/'."); }
+SqlMessage UnclosedComment() {
+  return Error(113, 15, 1, "Missing end comment mark '*/'.");
+}
 SqlMessage IdentifierTooLong(std::string_view name) {
   return Error(103, 15, 4,
                "The identifier that starts with '%' is too long. Maximum length is 128.",
                {FirstUnits(name, quotedUnits)});
 }
 SqlMessage TooDeep() {
-  return Error(191, 15, 1,
-               "Some part of your SQL statement is nested too deeply. Rewrite the query or break it "
-               "up into smaller queries.");
+  return Error(
+      191, 15, 1,
+      "Some part of your SQL statement is nested too deeply. Rewrite the query or break it "
+      "up into smaller queries.");
 }
 SqlMessage UndeclaredVariable(std::string_view name) {
   return Error(137, 15, 2, "Must declare the scalar variable \"%\".", {name});
@@ -70,6 +73,12 @@ SqlMessage InvalidObject(std::string_view name) {
 SqlMessage AmbiguousColumn(std::string_view name) {
   return Error(209, 16, 1, "Ambiguous column name '%'.", {name});
 }
+SqlMessage DuplicateColumn(std::string_view name) {
+  return Error(2705, 16, 4,
+               "Column names in each table must be unique. Column name '%' is specified more than "
+               "once.",
+               {name});
+}
 SqlMessage UnknownFunction(std::string_view name) {
   return Error(195, 15, 10, "'%' is not a recognized built-in function name.", {name});
 }
@@ -84,10 +93,11 @@ SqlMessage MoreColumnsThanValues() {
                "specified in the INSERT statement.");
 }
 SqlMessage FewerColumnsThanValues() {
-  return Error(110, 15, 1,
-               "There are fewer columns in the INSERT statement than values specified in the VALUES "
-               "clause. The number of values in the VALUES clause must match the number of columns "
-               "specified in the INSERT statement.");
+  return Error(
+      110, 15, 1,
+      "There are fewer columns in the INSERT statement than values specified in the VALUES "
+      "clause. The number of values in the VALUES clause must match the number of columns "
+      "specified in the INSERT statement.");
 }
 SqlMessage ExplicitIdentity(std::string_view table) {
   return Error(544, 16, 1,
@@ -102,17 +112,17 @@ SqlMessage NullNotAllowed(std::string_view column, std::string_view table, std::
                {column, table, verb});
 }
 SqlMessage Conflict(std::string_view verb, std::string_view constraint, std::string_view database) {
-  return Error(547, 16, 0,
-               "The % statement conflicted with the % constraint. The conflict occurred in database "
-               "\"%\".",
-               {verb, constraint, database});
+  return Error(
+      547, 16, 0,
+      "The % statement conflicted with the % constraint. The conflict occurred in database "
+      "\"%\".",
+      {verb, constraint, database});
 }
 SqlMessage DuplicateKey(std::string_view kind, std::string_view constraint,
                         std::string_view table) {
-  return Error(
-      2627, 14, 1,
-      "Violation of % constraint '%'. Cannot insert duplicate key in object '%'.",
-      {kind, constraint, table});
+  return Error(2627, 14, 1,
+               "Violation of % constraint '%'. Cannot insert duplicate key in object '%'.",
+               {kind, constraint, table});
 }
 SqlMessage Truncated() {
   return Error(8152, 16, 14, "String or binary data would be truncated.");
@@ -131,7 +141,9 @@ SqlMessage CannotDrop(std::string_view kind, std::string_view name) {
 SqlMessage NoSuchProcedure(std::string_view name) {
   return Error(2812, 16, 62, "Could not find stored procedure '%'.", {name});
 }
-SqlMessage LockTimeout() { return Error(1222, 16, 51, "Lock request time out period exceeded."); }
+SqlMessage LockTimeout() {
+  return Error(1222, 16, 51, "Lock request time out period exceeded.");
+}
 SqlMessage OutOfMemory() {
   return Error(701, 17, 123, "There is insufficient system memory to run this query.");
 }
@@ -151,8 +163,8 @@ SqlMessage DatabaseInaccessible(std::string_view name) {
                {name});
 }
 SqlMessage DatabaseExists(std::string_view name) {
-  return Error(1801, 16, 3,
-               "Database '%' already exists. Choose a different database name.", {name});
+  return Error(1801, 16, 3, "Database '%' already exists. Choose a different database name.",
+               {name});
 }
 SqlMessage CreateDatabaseFailed() {
   return Error(1802, 16, 4,
@@ -176,10 +188,11 @@ SqlMessage AlterDatabaseFailed() {
   return Error(5069, 16, 1, "ALTER DATABASE statement failed.");
 }
 SqlMessage AlterLockFailed(std::string_view name) {
-  return Error(5061, 16, 1,
-               "ALTER DATABASE failed because a lock could not be placed on database '%'. Try again "
-               "later.",
-               {name});
+  return Error(
+      5061, 16, 1,
+      "ALTER DATABASE failed because a lock could not be placed on database '%'. Try again "
+      "later.",
+      {name});
 }
 SqlMessage OptionNotAllowed(std::string_view option, std::string_view name) {
   return Error(5058, 16, 5, "Option '%' cannot be set in database '%'.", {option, name});
@@ -190,10 +203,11 @@ SqlMessage NoDirectory(std::string_view file, std::string_view system) {
                {file, system});
 }
 SqlMessage CannotCreateFile(std::string_view file, std::string_view system) {
-  return Error(5123, 16, 1,
-               "CREATE FILE encountered operating system error % while attempting to open or create "
-               "the physical file '%'.",
-               {system, file});
+  return Error(
+      5123, 16, 1,
+      "CREATE FILE encountered operating system error % while attempting to open or create "
+      "the physical file '%'.",
+      {system, file});
 }
 SqlMessage FileExists(std::string_view file) {
   return Error(5170, 16, 1,
@@ -244,13 +258,14 @@ SqlMessage LoginFailed(std::string_view user) {
   return Error(18456, 14, 1, "Login failed for user '%'.", {user});
 }
 SqlMessage UntrustedLogin() {
-  return Error(18452, 14, 1,
-               "Login failed. The login is from an untrusted domain and cannot be used with Windows "
-               "authentication.");
+  return Error(
+      18452, 14, 1,
+      "Login failed. The login is from an untrusted domain and cannot be used with Windows "
+      "authentication.");
 }
 SqlMessage CannotOpenDatabase(std::string_view name) {
-  return Error(4060, 11, 1,
-               "Cannot open database \"%\" requested by the login. The login failed.", {name});
+  return Error(4060, 11, 1, "Cannot open database \"%\" requested by the login. The login failed.",
+               {name});
 }
 
 SqlMessage NothingToCommit() {

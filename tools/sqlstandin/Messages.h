@@ -39,9 +39,9 @@ class Cancelled : public std::exception {};
 /// The number of messages that are this program's own; the real server leaves it to the user.
 inline constexpr std::int32_t ownMessageNumber = 50000;
 
-/// The messages, each with the real server's number, class and wording. Source: the public reference
-/// "Database Engine events and errors", which prints the server's own table sys.messages; states,
-/// which that table does not have, are as commonly reported.
+/// The messages, each with the real server's number, class and wording. Source: the public
+/// reference "Database Engine events and errors", which prints the server's own table sys.messages;
+/// states, which that table does not have, are as commonly reported.
 namespace message {
 
 SqlMessage Own(std::string_view text);
@@ -55,6 +55,7 @@ SqlMessage UnknownType(std::size_t column, std::string_view type);
 SqlMessage InvalidColumn(std::string_view name);
 SqlMessage InvalidObject(std::string_view name);
 SqlMessage AmbiguousColumn(std::string_view name);
+SqlMessage DuplicateColumn(std::string_view name);
 SqlMessage UnknownFunction(std::string_view name);
 SqlMessage ColumnCount();
 SqlMessage MoreColumnsThanValues();

@@ -59,14 +59,17 @@ void Mishaps::CutNumber(std::string_view rule) {
   Add({ToNumber<std::uint64_t>(rule), {}, {{}, true, {}}});
 }
 
-void Mishaps::CutText(std::string_view text) { Add({0, std::string(text), {{}, true, {}}}); }
+void Mishaps::CutText(std::string_view text) {
+  Add({0, std::string(text), {{}, true, {}}});
+}
 
 void Mishaps::DelayText(std::string_view rule) {
   const std::size_t equals = rule.rfind('=');
   if (equals == std::string_view::npos) {
     throw std::invalid_argument("a delay is given as TEXT=MILLISECONDS");
   }
-  Add({0, std::string(rule.substr(0, equals)),
+  Add({0,
+       std::string(rule.substr(0, equals)),
        {std::chrono::milliseconds(ToNumber<int>(rule.substr(equals + 1))), false, {}}});
 }
 
@@ -74,8 +77,8 @@ Mishap Mishaps::For(std::uint64_t number, std::string_view batch) const {
   Mishap mishap;
   mishap.Delay = delay_;
   for (const Rule& rule : rules_) {
-    const bool applies = rule.Number != 0 ? rule.Number == number
-                                          : batch.find(rule.Text) != std::string_view::npos;
+    const bool applies =
+        rule.Number != 0 ? rule.Number == number : batch.find(rule.Text) != std::string_view::npos;
     if (!applies) continue;
     mishap.Delay += rule.What.Delay;
     mishap.Cuts = mishap.Cuts || rule.What.Cuts;

@@ -83,9 +83,8 @@ std::optional<Message> MessageReader::Next() {
 }
 
 bool MessageReader::HasAttention() const {
-  return std::any_of(complete_.begin(), complete_.end(), [](const Message& message) {
-    return message.Type == MessageType::Attention;
-  });
+  return std::any_of(complete_.begin(), complete_.end(),
+                     [](const Message& message) { return message.Type == MessageType::Attention; });
 }
 
 std::uint64_t ByteReader::Number(std::size_t size) {

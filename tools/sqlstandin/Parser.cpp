@@ -18,17 +18,19 @@ bool IsOneOf(const Token& token, std::initializer_list<std::string_view> words) 
 
 /// Words that can only begin a statement or end one, outside parentheses.
 bool IsBoundary(const Token& token) {
-  return IsOneOf(token, {"SELECT",   "INSERT",  "UPDATE",     "DELETE",  "CREATE",   "ALTER",
-                         "DROP",     "USE",     "IF",         "ELSE",    "BEGIN",    "END",
-                         "PRINT",    "EXEC",    "EXECUTE",    "SET",     "DECLARE",  "BACKUP",
-                         "RESTORE",  "GRANT",   "DENY",       "REVOKE",  "TRUNCATE", "COMMIT",
-                         "ROLLBACK", "SAVE",    "WAITFOR",    "RETURN",  "RAISERROR", "WHILE",
-                         "MERGE",    "DBCC",    "CHECKPOINT", "KILL",    "RECONFIGURE"});
+  return IsOneOf(token, {"SELECT",   "INSERT", "UPDATE",     "DELETE", "CREATE",     "ALTER",
+                         "DROP",     "USE",    "IF",         "ELSE",   "BEGIN",      "END",
+                         "PRINT",    "EXEC",   "EXECUTE",    "SET",    "DECLARE",    "BACKUP",
+                         "RESTORE",  "GRANT",  "DENY",       "REVOKE", "TRUNCATE",   "COMMIT",
+                         "ROLLBACK", "SAVE",   "WAITFOR",    "RETURN", "RAISERROR",  "WHILE",
+                         "MERGE",    "DBCC",   "CHECKPOINT", "KILL",   "RECONFIGURE"});
 }
 
 }  // namespace
 
-std::vector<Statement> ParseStatements(std::string_view batch) { return Parser(batch).ParseAll(); }
+std::vector<Statement> ParseStatements(std::string_view batch) {
+  return Parser(batch).ParseAll();
+}
 
 Token Parser::Take() {
   last_ = next_;
@@ -124,8 +126,9 @@ Statement Parser::ParseOne() {
     statement.What = ParseCall();
   } else if (head.Is("COMMIT") || head.Is("ROLLBACK")) {
     if (!TakeIf("TRANSACTION") && !TakeIf("TRAN")) TakeIf("WORK");
-    statement.What = TransactionStatement{head.Is("COMMIT") ? TransactionStatement::Action::Commit
-                                                            : TransactionStatement::Action::Rollback};
+    statement.What =
+        TransactionStatement{head.Is("COMMIT") ? TransactionStatement::Action::Commit
+                                               : TransactionStatement::Action::Rollback};
   } else if (head.Is("BEGIN")) {
     if (TakeIf("TRANSACTION") || TakeIf("TRAN")) {
       statement.What = TransactionStatement{TransactionStatement::Action::Begin};
@@ -225,10 +228,10 @@ void Parser::SkipToBoundary(const Token& head) {
   const bool isGrant = IsOneOf(head, {"GRANT", "DENY", "REVOKE"});
   int parentheses = 0;
   int cases = 0;
-  bool hasSource = !head.Is("INSERT");   // of an INSERT: where its rows come from
+  bool hasSource = !head.Is("INSERT");  // of an INSERT: where its rows come from
   bool hasSet = !head.Is("UPDATE");
-  bool hasAction = !isAlter;             // ALTER TABLE … ADD, DROP or ALTER
-  bool hasMain = !head.Is("WITH");       // after common table expressions
+  bool hasAction = !isAlter;        // ALTER TABLE … ADD, DROP or ALTER
+  bool hasMain = !head.Is("WITH");  // after common table expressions
   bool inGrantedList = isGrant;
   while (next_.Kind != TokenKind::End && !next_.IsSymbol(";")) {
     if (next_.IsSymbol("(")) {
@@ -250,8 +253,8 @@ void Parser::SkipToBoundary(const Token& head) {
         hasAction = true;
       } else if (IsBoundary(word) && !inGrantedList) {
         const bool goesOn =
-            (word.Is("SELECT") && (!hasSource || IsOneOf(last_, {"UNION", "ALL", "EXCEPT",
-                                                                 "INTERSECT", "AS"}))) ||
+            (word.Is("SELECT") &&
+             (!hasSource || IsOneOf(last_, {"UNION", "ALL", "EXCEPT", "INTERSECT", "AS"}))) ||
             (IsOneOf(word, {"UPDATE", "DELETE"}) && IsOneOf(last_, {"ON", "FOR"})) ||
             (word.Is("SET") && (!hasSet || IsOneOf(last_, {"UPDATE", "DELETE"}))) ||
             (!hasAction && IsOneOf(word, {"DROP", "ALTER"})) ||

@@ -133,15 +133,36 @@ AlterDatabase Parser::ParseAlterDatabase() {
     } else {
       // Options that change nothing that this server has.
       bool known = false;
-      for (const char* option :
-           {"MULTI_USER", "RECOVERY", "AUTO_CLOSE", "AUTO_SHRINK", "AUTO_CREATE_STATISTICS",
-            "AUTO_UPDATE_STATISTICS", "AUTO_UPDATE_STATISTICS_ASYNC", "ANSI_NULL_DEFAULT",
-            "ANSI_NULLS", "ANSI_PADDING", "ANSI_WARNINGS", "ARITHABORT", "CONCAT_NULL_YIELDS_NULL",
-            "NUMERIC_ROUNDABORT", "QUOTED_IDENTIFIER", "RECURSIVE_TRIGGERS",
-            "CURSOR_CLOSE_ON_COMMIT", "CURSOR_DEFAULT", "PAGE_VERIFY", "TRUSTWORTHY", "DB_CHAINING",
-            "DATE_CORRELATION_OPTIMIZATION", "DISABLE_BROKER", "ENABLE_BROKER", "PARAMETERIZATION",
-            "READ_COMMITTED_SNAPSHOT", "ALLOW_SNAPSHOT_ISOLATION", "COMPATIBILITY_LEVEL",
-            "HONOR_BROKER_PRIORITY", "READ_WRITE"}) {
+      for (const char* option : {"MULTI_USER",
+                                 "RECOVERY",
+                                 "AUTO_CLOSE",
+                                 "AUTO_SHRINK",
+                                 "AUTO_CREATE_STATISTICS",
+                                 "AUTO_UPDATE_STATISTICS",
+                                 "AUTO_UPDATE_STATISTICS_ASYNC",
+                                 "ANSI_NULL_DEFAULT",
+                                 "ANSI_NULLS",
+                                 "ANSI_PADDING",
+                                 "ANSI_WARNINGS",
+                                 "ARITHABORT",
+                                 "CONCAT_NULL_YIELDS_NULL",
+                                 "NUMERIC_ROUNDABORT",
+                                 "QUOTED_IDENTIFIER",
+                                 "RECURSIVE_TRIGGERS",
+                                 "CURSOR_CLOSE_ON_COMMIT",
+                                 "CURSOR_DEFAULT",
+                                 "PAGE_VERIFY",
+                                 "TRUSTWORTHY",
+                                 "DB_CHAINING",
+                                 "DATE_CORRELATION_OPTIMIZATION",
+                                 "DISABLE_BROKER",
+                                 "ENABLE_BROKER",
+                                 "PARAMETERIZATION",
+                                 "READ_COMMITTED_SNAPSHOT",
+                                 "ALLOW_SNAPSHOT_ISOLATION",
+                                 "COMPATIBILITY_LEVEL",
+                                 "HONOR_BROKER_PRIORITY",
+                                 "READ_WRITE"}) {
         known = known || next_.Is(option);
       }
       if (!known) FailAt(next_);
@@ -206,11 +227,13 @@ BackupDatabase Parser::ParseBackup() {
       }
     } else {
       bool known = false;
-      for (const char* option : {"NOINIT", "NOFORMAT", "SKIP", "NOSKIP", "REWIND", "NOREWIND",
-                                 "UNLOAD", "NOUNLOAD", "NAME", "DESCRIPTION", "MEDIANAME",
-                                 "MEDIADESCRIPTION", "COPY_ONLY", "COMPRESSION", "NO_COMPRESSION",
-                                 "CHECKSUM", "NO_CHECKSUM", "RETAINDAYS", "EXPIREDATE",
-                                 "STOP_ON_ERROR", "CONTINUE_AFTER_ERROR"}) {
+      for (const char* option : {"NOINIT",      "NOFORMAT",      "SKIP",
+                                 "NOSKIP",      "REWIND",        "NOREWIND",
+                                 "UNLOAD",      "NOUNLOAD",      "NAME",
+                                 "DESCRIPTION", "MEDIANAME",     "MEDIADESCRIPTION",
+                                 "COPY_ONLY",   "COMPRESSION",   "NO_COMPRESSION",
+                                 "CHECKSUM",    "NO_CHECKSUM",   "RETAINDAYS",
+                                 "EXPIREDATE",  "STOP_ON_ERROR", "CONTINUE_AFTER_ERROR"}) {
         known = known || next_.Is(option);
       }
       if (!known) FailAt(next_);
@@ -239,8 +262,8 @@ CreateLogin Parser::ParseCreateLogin() {
   create.Password = TakeString();
   TakeIf("MUST_CHANGE");
   if (TakeSymbol(",")) {
-    SkipOptionList({"SID", "DEFAULT_DATABASE", "DEFAULT_LANGUAGE", "CHECK_EXPIRATION",
-                    "CHECK_POLICY"});
+    SkipOptionList(
+        {"SID", "DEFAULT_DATABASE", "DEFAULT_LANGUAGE", "CHECK_EXPIRATION", "CHECK_POLICY"});
   }
   return create;
 }

@@ -53,7 +53,7 @@ constexpr std::string_view serverName = "SQLSTANDIN";
 constexpr std::size_t longestMessage = 2047;
 constexpr std::size_t longestColumnName = 128;
 /// Bytes gathered before anything is sent.
-constexpr std::size_t flushSize = 128 * 1024;
+constexpr std::size_t flushSize = std::size_t{128} * 1024;
 
 std::string Utf16(std::string_view utf8) {
   std::string bytes;
@@ -63,7 +63,9 @@ std::string Utf16(std::string_view utf8) {
 
 }  // namespace
 
-bool ReplyWriter::HasLongTypes() const { return version_ >= tdsVersion72; }
+bool ReplyWriter::HasLongTypes() const {
+  return version_ >= tdsVersion72;
+}
 
 void ReplyWriter::Number(std::uint64_t value, std::size_t size) {
   for (std::size_t i = 0; i < size; ++i) {
@@ -118,8 +120,12 @@ void ReplyWriter::LanguageChanged(std::string_view language) {
 void ReplyWriter::PacketSizeChanged(std::size_t newSize, std::size_t oldSize) {
   Change(changePacketSize, std::to_string(newSize), std::to_string(oldSize));
 }
-void ReplyWriter::CollationChanged() { Change(changeCollation, collation, ""); }
-void ReplyWriter::SessionReset() { Change(changeReset, "", ""); }
+void ReplyWriter::CollationChanged() {
+  Change(changeCollation, collation, "");
+}
+void ReplyWriter::SessionReset() {
+  Change(changeReset, "", "");
+}
 
 void ReplyWriter::TransactionBegan(std::uint64_t transaction) {
   if (!HasLongTypes()) return;  // older clients know no transaction numbers
@@ -205,7 +211,8 @@ void ReplyWriter::BeginRow() {
 void ReplyWriter::Null(const ResultColumn& column) {
   if (column.Type == ValueType::Text && column.Length != 0) {
     Number(0xFFFF, 2);
-  } else if ((column.Type == ValueType::Text || column.Type == ValueType::Bytes) && HasLongTypes()) {
+  } else if ((column.Type == ValueType::Text || column.Type == ValueType::Bytes) &&
+             HasLongTypes()) {
     Number(~std::uint64_t{0}, 8);
   } else {
     Number(0, 1);
@@ -235,7 +242,9 @@ void ReplyWriter::Text(const ResultColumn& column, std::string_view utf8) {
   }
 }
 
-void ReplyWriter::Bytes(std::string_view bytes) { LongValue(bytes); }
+void ReplyWriter::Bytes(std::string_view bytes) {
+  LongValue(bytes);
+}
 
 void ReplyWriter::LongValue(std::string_view bytes) {
   if (HasLongTypes()) {

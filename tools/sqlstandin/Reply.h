@@ -22,7 +22,13 @@ struct ResultColumn {
 };
 
 /// Statements as a "done" mark names them: the kind of statement whose row count it gives.
-enum class DoneCommand : std::uint16_t { None = 0, Select = 0xC1, Insert = 0xC3, Delete = 0xC4, Update = 0xC5 };
+enum class DoneCommand : std::uint16_t {
+  None = 0,
+  Select = 0xC1,
+  Insert = 0xC3,
+  Delete = 0xC4,
+  Update = 0xC5
+};
 
 /// Writes the answer to one message, as packets, to a sink, which gets one or more whole packets.
 class ReplyWriter {

@@ -62,11 +62,22 @@ std::string ParseBatch(std::string_view payload, std::uint32_t version) {
 
 std::string ParseProcedureName(std::string_view payload, std::uint32_t version) {
   // The procedures that have a number instead of a name on the wire, from 1.
-  static constexpr std::array<const char*, 16> numbered = {
-      "",           "sp_cursor",         "sp_cursoropen",    "sp_cursorprepare",
-      "sp_cursorexecute", "sp_cursorprepexec", "sp_cursorunprepare", "sp_cursorfetch",
-      "sp_cursoroption",  "sp_cursorclose",    "sp_executesql",      "sp_prepare",
-      "sp_execute",       "sp_prepexec",       "sp_prepexecrpc",     "sp_unprepare"};
+  static constexpr std::array<const char*, 16> numbered = {"",
+                                                           "sp_cursor",
+                                                           "sp_cursoropen",
+                                                           "sp_cursorprepare",
+                                                           "sp_cursorexecute",
+                                                           "sp_cursorprepexec",
+                                                           "sp_cursorunprepare",
+                                                           "sp_cursorfetch",
+                                                           "sp_cursoroption",
+                                                           "sp_cursorclose",
+                                                           "sp_executesql",
+                                                           "sp_prepare",
+                                                           "sp_execute",
+                                                           "sp_prepexec",
+                                                           "sp_prepexecrpc",
+                                                           "sp_unprepare"};
   ByteReader reader = AfterHeaders(payload, version);
   const std::size_t length = reader.Number(2);
   if (length != 0xFFFF) return Utf8FromUtf16(reader.Take(length * 2));
@@ -105,16 +116,15 @@ std::string AnswerPreLogin(std::string_view payload) {
   }
   // Five options of five bytes and the terminator, then their values.
   static constexpr std::array<unsigned char, 35> answer = {
-      0, 0, 26, 0, 6,  // version
-      1, 0, 32, 0, 1,  // encryption
-      2, 0, 33, 0, 1,  // instance
-      3, 0, 34, 0, 0,  // thread
-      4, 0, 34, 0, 1,  // multiple active result sets
-      0xFF,
-      10, 50, 0x06, 0x40, 0, 0,  // 10.50.1600
-      2,                         // encryption is not supported
-      0,                         // the instance name was right
-      0,                         // no multiple result sets
+      0,    0,  26, 0,    6,           // version
+      1,    0,  32, 0,    1,           // encryption
+      2,    0,  33, 0,    1,           // instance
+      3,    0,  34, 0,    0,           // thread
+      4,    0,  34, 0,    1,           // multiple active result sets
+      0xFF, 10, 50, 0x06, 0x40, 0, 0,  // 10.50.1600
+      2,                               // encryption is not supported
+      0,                               // the instance name was right
+      0,                               // no multiple result sets
   };
   return {answer.begin(), answer.end()};
 }

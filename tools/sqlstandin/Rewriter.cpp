@@ -40,7 +40,9 @@ std::string QuoteText(std::string_view text) {
   return quoted += "' AS TEXT)";
 }
 
-std::string Rewriter::TableName::Quoted() const { return Prefix + QuoteName(Table); }
+std::string Rewriter::TableName::Quoted() const {
+  return Prefix + QuoteName(Table);
+}
 
 void Rewriter::FailAt(const Token& token, const Token& last) {
   const Token& near = token.Kind == TokenKind::End ? last : token;
@@ -140,10 +142,10 @@ std::string Rewriter::RewriteInsert(Range range) {
     } while (last.IsSymbol(","));
     if (!last.IsSymbol(")")) FailAt(last, last);
     next = lexer.Peek();
-  } else if (!next.Is("DEFAULT") && std::any_of(columns.begin(), columns.end(), [](const auto& each) {
-               return each.IsIdentity;
-             })) {
+  } else if (!next.Is("DEFAULT") && std::any_of(columns.begin(), columns.end(),
+                                                [](const auto& each) { return each.IsIdentity; })) {
     // Without a list the values are those of all columns but the identity.
+    addedColumns_ = true;
     for (const TableColumn& column : columns) {
       if (!column.IsIdentity) list += (list.empty() ? "" : ", ") + QuoteName(column.Name);
     }
@@ -162,7 +164,8 @@ std::vector<std::string> Rewriter::RewriteTruncate(Range range) {
   if (lexer.Peek().Kind != TokenKind::End) FailAt(lexer.Peek(), lexer.Peek());
   std::vector<std::string> statements{"DELETE FROM " + table.Quoted()};
   const auto columns = environment_.Columns(table.Prefix, table.Table);
-  if (std::any_of(columns.begin(), columns.end(), [](const auto& each) { return each.IsIdentity; })) {
+  if (std::any_of(columns.begin(), columns.end(),
+                  [](const auto& each) { return each.IsIdentity; })) {
     statements.push_back("DELETE FROM " + table.Prefix + "sqlite_sequence WHERE name = " +
                          QuoteText(table.Table) + " COLLATE NOCASE");
   }

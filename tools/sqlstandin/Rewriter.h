@@ -19,8 +19,8 @@ struct TableColumn {
 class RewriteEnvironment {
  public:
   virtual ~RewriteEnvironment() = default;
-  /// Makes another database reachable and returns the prefix of its tables ("other."); empty for the
-  /// current database. Raises SqlFailure (911, 942) when it cannot be used.
+  /// Makes another database reachable and returns the prefix of its tables ("other."); empty for
+  /// the current database. Raises SqlFailure (911, 942) when it cannot be used.
   virtual std::string PrefixOf(const std::string& database) = 0;
   /// A system variable's value ("@@TRANCOUNT") as SQL; nothing for a variable that is not known.
   virtual std::optional<std::string> Variable(std::string_view name) = 0;
@@ -32,8 +32,8 @@ class RewriteEnvironment {
   virtual void NeedSystemViews() = 0;
 };
 
-/// Puts statements into SQLite's dialect. Everything is copied token by token, in one pass; what has
-/// no counterpart is refused with 102 near the word, here or by SQLite.
+/// Puts statements into SQLite's dialect. Everything is copied token by token, in one pass; what
+/// has no counterpart is refused with 102 near the word, here or by SQLite.
 class Rewriter {
  public:
   Rewriter(std::string_view batch, RewriteEnvironment& environment)
@@ -41,6 +41,9 @@ class Rewriter {
 
   /// The statements to carry out instead of this one, in order.
   std::vector<std::string> Rewrite(const DataStatement& statement);
+
+  /// Whether the last INSERT had no column list and was given one.
+  bool AddedColumns() const { return addedColumns_; }
 
   /// An expression, a condition, a query.
   std::string RewriteExpression(Range range);
@@ -56,9 +59,6 @@ class Rewriter {
   [[noreturn]] static void FailAt(const Token& token, const Token& last);
 
  private:
-  struct Frame;
-  class Copy;
-
   std::string RewriteInsert(Range range);
   std::vector<std::string> RewriteTruncate(Range range);
   std::vector<std::string> RewriteDrop(Range range, std::string_view kind);
@@ -67,6 +67,7 @@ class Rewriter {
 
   std::string_view batch_;
   RewriteEnvironment& environment_;
+  bool addedColumns_ = false;
 };
 
 /// A name as SQLite takes it whatever is in it.

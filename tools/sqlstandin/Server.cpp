@@ -45,7 +45,9 @@ Server::Server(ServerParts& parts, std::uint16_t port)
   port_ = ntohs(address.sin_port);
 }
 
-Server::~Server() { Reap(true); }
+Server::~Server() {
+  Reap(true);
+}
 
 void Server::Run(int stopDescriptor) {
   std::array<pollfd, 2> waits = {{{listener_.Number(), POLLIN, 0}, {stopDescriptor, POLLIN, 0}}};

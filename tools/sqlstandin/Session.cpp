@@ -63,7 +63,8 @@ bool Session::CarryLeaf(const Statement& statement) {
     std::visit(
         [this](const auto& what) {
           using What = std::decay_t<decltype(what)>;
-          constexpr bool isCompound = std::is_same_v<What, Block> || std::is_same_v<What, IfStatement>;
+          constexpr bool isCompound =
+              std::is_same_v<What, Block> || std::is_same_v<What, IfStatement>;
           if constexpr (!isCompound) Do(what);
         },
         statement.What);
@@ -94,8 +95,9 @@ bool Session::Report(const SqlFailure& failure, std::size_t at) {
 /// The line of a byte of the batch. Statements come in order, so the whole batch is counted once.
 std::size_t Session::LineOf(std::size_t at) {
   if (at < countedTo_) return line_;
-  line_ += static_cast<std::size_t>(std::count(batch_.begin() + static_cast<std::ptrdiff_t>(countedTo_),
-                                               batch_.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+  line_ +=
+      static_cast<std::size_t>(std::count(batch_.begin() + static_cast<std::ptrdiff_t>(countedTo_),
+                                          batch_.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
   countedTo_ = at;
   return line_;
 }
@@ -122,6 +124,7 @@ void Session::EndTransaction(ReplyWriter& reply, bool commits) {
   for (const auto& [id, database] : open_) {
     if (database->InTransaction()) database->Execute(commits ? "COMMIT" : "ROLLBACK");
   }
+  CloseOthers();
   reply.TransactionEnded(transactionId_, commits);
 }
 
@@ -135,6 +138,13 @@ void Session::Reset() {
 
 void Session::SwitchTo(const std::string& name) {
   facts_.Current = catalogue_.Use(number_, name);
+  CloseOthers();
+}
+
+/// A session keeps only its current database's files open, but for an open transaction's.
+void Session::CloseOthers() {
+  if (transactions_ > 0) return;
+  std::erase_if(open_, [this](const auto& each) { return each.first != facts_.Current.Id; });
 }
 
 void Session::Do(const SetOption& statement) {
@@ -163,7 +173,9 @@ void Session::Do(const CallProcedure& statement) {
   Done();
 }
 
-void Session::Do(const NoEffect& /*statement*/) { Done(); }
+void Session::Do(const NoEffect& /*statement*/) {
+  Done();
+}
 
 std::string Session::PrefixOf(const std::string& database) {
   if (SameName(database, facts_.Current.Name)) return {};
@@ -194,6 +206,8 @@ bool Session::AllowsIdentityInsert(const std::string& table) {
   return SameName(identityInsert_, table);
 }
 
-void Session::NeedSystemViews() { Current().AddSystemViews(facts_.Current.Id); }
+void Session::NeedSystemViews() {
+  Current().AddSystemViews(facts_.Current.Id);
+}
 
 }  // namespace talu::standin

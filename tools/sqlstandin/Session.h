@@ -17,11 +17,12 @@
 
 namespace talu::standin {
 
-/// One client's session after its login: its current database, its transaction, its options. Carries
-/// out batches. Used by one thread.
+/// One client's session after its login: its current database, its transaction, its options.
+/// Carries out batches. Used by one thread.
 class Session : private RewriteEnvironment {
  public:
-  /// `isCancelled` is asked while statements run. Raises SqlFailure when the database cannot be used.
+  /// `isCancelled` is asked while statements run. Raises SqlFailure when the database cannot be
+  /// used.
   Session(Catalogue& catalogue, int number, const std::string& login, const std::string& database,
           CancelTest isCancelled);
 
@@ -61,9 +62,9 @@ class Session : private RewriteEnvironment {
 
   bool IsTrue(Range condition);
   void SwitchTo(const std::string& name);
+  void CloseOthers();
   void RefuseInTransaction(std::string_view statement) const;
   SqliteDatabase& Current();
-  void Forget(const std::string& databaseName);
   void RunSql(const std::string& sql, DataStatement::Verb verb, bool isLast);
   void SendRows(SqliteStatement& rows);
   void SendValue(SqliteStatement& rows, int index, const ResultColumn& column);

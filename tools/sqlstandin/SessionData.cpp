@@ -56,36 +56,47 @@ ResultColumn TypeOfValue(sqlite3_stmt* row, int index) {
   }
 }
 
+/// 109 and 110 speak of the column list; an INSERT to which the rewriter gave one has none.
+SqlFailure WithoutColumnList(const SqlFailure& failure) {
+  const std::int32_t number = failure.Messages.front().Number;
+  const bool isCount = number == message::MoreColumnsThanValues().Number ||
+                       number == message::FewerColumnsThanValues().Number;
+  return isCount ? SqlFailure(message::ColumnCount(), true) : failure;
+}
+
 }  // namespace
 
 SqliteDatabase& Session::Current() {
   std::unique_ptr<SqliteDatabase>& database = open_[facts_.Current.Id];
   if (!database) {
     try {
-      database = std::make_unique<SqliteDatabase>(facts_.Current.File, facts_.Current.Name,
-                                                  isCancelled_);
+      database =
+          std::make_unique<SqliteDatabase>(facts_.Current.File, facts_.Current.Name, isCancelled_);
     } catch (...) {
       open_.erase(facts_.Current.Id);
       throw;
     }
     AddFunctions(*database, facts_);
   }
-  if (transactions_ > 0 && !database->InTransaction()) database->Execute("BEGIN");
+  if (transactions_ > 0 && !database->InTransaction()) database->Execute("BEGIN IMMEDIATE");
   return *database;
 }
 
 bool Session::IsTrue(Range condition) {
-  const std::string sql =
-      "SELECT CASE WHEN" + Rewriter(batch_, *this).RewriteExpression(condition) + " THEN 1 ELSE 0 END";
+  const std::string sql = "SELECT CASE WHEN" +
+                          Rewriter(batch_, *this).RewriteExpression(condition) +
+                          " THEN 1 ELSE 0 END";
   SqliteStatement query(Current(), sql, "IF");
   return query.Step() && sqlite3_column_int(query.Handle(), 0) != 0;
 }
 
 void Session::Do(const PrintText& statement) {
-  const std::string sql = "SELECT" + Rewriter(batch_, *this).RewriteExpression(statement.Expression);
+  const std::string sql =
+      "SELECT (" + Rewriter(batch_, *this).RewriteExpression(statement.Expression) + ")";
   SqliteStatement query(Current(), sql, "PRINT");
   if (query.Step()) {
-    reply_->Tell({0, 0, 1, std::string(TextAt(query.Handle(), 0))}, LineOf(statement.Expression.Begin));
+    reply_->Tell({0, 0, 1, std::string(TextAt(query.Handle(), 0))},
+                 LineOf(statement.Expression.Begin));
   }
   Done();
 }
@@ -93,17 +104,25 @@ void Session::Do(const PrintText& statement) {
 void Session::Do(const DataStatement& statement) {
   using Verb = DataStatement::Verb;
   Current().DetachAll();
-  std::vector<std::string> statements = Rewriter(batch_, *this).Rewrite(statement);
+  Rewriter rewriter(batch_, *this);
+  const std::vector<std::string> statements = rewriter.Rewrite(statement);
   SqliteDatabase& database = Current();
   // What is one statement to the client happens whole or not at all.
   const bool needsSavepoint = statements.size() > 1;
   if (needsSavepoint) database.Execute("SAVEPOINT whole");
+  const auto undo = [&] {
+    if (needsSavepoint) database.Execute("ROLLBACK TO whole; RELEASE whole");
+  };
   try {
     for (std::size_t i = 0; i < statements.size(); ++i) {
       RunSql(statements[i], statement.What, i + 1 == statements.size());
     }
+  } catch (const SqlFailure& failure) {
+    undo();
+    if (rewriter.AddedColumns()) throw WithoutColumnList(failure);
+    throw;
   } catch (...) {
-    if (needsSavepoint) database.Execute("ROLLBACK TO whole; RELEASE whole");
+    undo();
     throw;
   }
   if (needsSavepoint) database.Execute("RELEASE whole");

@@ -20,13 +20,6 @@ void Session::RefuseInTransaction(std::string_view statement) const {
   if (transactions_ > 0) throw SqlFailure(message::NotInTransaction(statement));
 }
 
-/// Closes what this session has open of a database, so that its files can go.
-void Session::Forget(const std::string& databaseName) {
-  std::erase_if(open_, [&databaseName](const auto& each) {
-    return SameName(each.second->Name(), databaseName);
-  });
-}
-
 void Session::Do(const CreateDatabase& statement) {
   RefuseInTransaction("CREATE DATABASE");
   catalogue_.Create(statement);
@@ -37,7 +30,6 @@ void Session::Do(const AlterDatabase& statement) {
   RefuseInTransaction("ALTER DATABASE");
   catalogue_.Alter(number_, statement);
   if (statement.What == AlterDatabase::Action::Offline) {
-    Forget(statement.Name);
     if (SameName(statement.Name, facts_.Current.Name)) {
       const std::string before = facts_.Current.Name;
       SwitchTo(std::string(masterName));
@@ -51,7 +43,6 @@ void Session::Do(const DropDatabase& statement) {
   RefuseInTransaction("DROP DATABASE");
   for (const std::string& name : statement.Names) {
     if (statement.IfExists && !catalogue_.Exists(name)) continue;
-    Forget(name);
     catalogue_.Drop(name);
   }
   Done();
@@ -71,6 +62,12 @@ void Session::Do(const BackupDatabase& statement) {
   }
   const FoundPath target = catalogue_.AllDrives().Find(statement.Path);
   if (!target.FolderExists) fail(message::NoBackupDevice(statement.Path, target.SystemError));
+  if (catalogue_.IsDatabaseFile(target.File)) {
+    fail(
+        message::NoBackupDevice(statement.Path,
+                                "32(The process cannot access the file because it is being used by "
+                                "another process.)"));
+  }
   if (target.Exists && !statement.Overwrites) {
     fail(message::Own("a second backup is not added to a file; say WITH INIT"));
   }

@@ -28,7 +28,6 @@ class SqliteDatabase {
   SqliteDatabase(const std::filesystem::path& file, std::string name, CancelTest isCancelled);
 
   sqlite3* Handle() const { return handle_.get(); }
-  const std::string& Name() const { return name_; }
 
   /// Carries out statements without rows and without text from a client.
   void Execute(const std::string& sql);

@@ -23,7 +23,8 @@ struct UseDatabase {
 
 struct CreateDatabase {
   std::string Name;
-  /// File paths as the statement has them; the first is the primary file. Empty: the server chooses.
+  /// File paths as the statement has them; the first is the primary file. Empty: the server
+  /// chooses.
   std::vector<std::string> DataFiles;
   std::vector<std::string> LogFiles;
 };

@@ -48,9 +48,9 @@ void Len(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
 void DataLength(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   if (sqlite3_value_type(values[0]) == SQLITE_NULL) return;
   const bool isBytes = sqlite3_value_type(values[0]) == SQLITE_BLOB;
-  sqlite3_result_int64(context, isBytes ? sqlite3_value_bytes(values[0])
-                                        : static_cast<sqlite3_int64>(
-                                              2 * CountUnits(TextOf(values[0]))));
+  sqlite3_result_int64(context,
+                       isBytes ? sqlite3_value_bytes(values[0])
+                               : static_cast<sqlite3_int64>(2 * CountUnits(TextOf(values[0]))));
 }
 
 /// CHARINDEX(part, text): from 1, 0 when it is not there; the case does not count.
@@ -111,7 +111,8 @@ void ObjectId(sqlite3_context* context, int count, sqlite3_value** values) {
                        -1, &raw, nullptr);
     sqlite3_bind_text(raw, 1, last.c_str(), -1, SQLITE_TRANSIENT);
     if (type != nullptr) sqlite3_bind_text(raw, 2, type, -1, SQLITE_STATIC);
-    if (sqlite3_step(raw) == SQLITE_ROW) sqlite3_result_int64(context, sqlite3_column_int64(raw, 0));
+    if (sqlite3_step(raw) == SQLITE_ROW)
+      sqlite3_result_int64(context, sqlite3_column_int64(raw, 0));
     sqlite3_finalize(raw);
   } catch (const SqlFailure&) {
     sqlite3_result_null(context);  // a name that is none
@@ -146,9 +147,10 @@ std::string ObjectView(std::string_view name, std::string_view columns, std::str
 std::string SystemViewDefinitions(int databaseId) {
   const std::string users = "sqlstandin_users(" + std::to_string(databaseId) + ")";
   const std::string type = "CASE o.type WHEN 'table' THEN 'U' ELSE 'V' END";
-  const std::string object = "o.name COLLATE NOCASE AS name, o.rowid AS object_id, 1 AS schema_id, " +
-                             type + " AS type, CASE o.type WHEN 'table' THEN 'USER_TABLE' ELSE "
-                                    "'VIEW' END AS type_desc";
+  const std::string object =
+      "o.name COLLATE NOCASE AS name, o.rowid AS object_id, 1 AS schema_id, " + type +
+      " AS type, CASE o.type WHEN 'table' THEN 'USER_TABLE' ELSE "
+      "'VIEW' END AS type_desc";
   return (
       JsonView("sys.databases", "sqlstandin_databases()",
                {"name", "database_id", "state", "state_desc", "create_date"}) +
@@ -168,7 +170,8 @@ std::string SystemViewDefinitions(int databaseId) {
                  "'dbo' AS TABLE_SCHEMA, o.name COLLATE NOCASE AS TABLE_NAME, CASE o.type WHEN "
                  "'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE",
                  "'table', 'view'") +
-      "CREATE TEMP VIEW IF NOT EXISTS \"sys.columns\" AS SELECT o.rowid AS object_id, c.name COLLATE "
+      "CREATE TEMP VIEW IF NOT EXISTS \"sys.columns\" AS SELECT o.rowid AS object_id, c.name "
+      "COLLATE "
       "NOCASE AS name, c.cid + 1 AS column_id, NOT c.\"notnull\" AS is_nullable FROM "
       "main.sqlite_schema AS o, pragma_table_info(o.name) AS c WHERE o.type IN ('table', 'view');"
       "CREATE TEMP VIEW IF NOT EXISTS \"information_schema.columns\" AS SELECT 'dbo' AS "

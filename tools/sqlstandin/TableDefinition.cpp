@@ -22,7 +22,9 @@ bool TakeSymbol(Lexer& lexer, std::string_view symbol) {
   return true;
 }
 
-[[noreturn]] void FailAt(const Token& token) { Rewriter::FailAt(token, token); }
+[[noreturn]] void FailAt(const Token& token) {
+  Rewriter::FailAt(token, token);
+}
 
 std::string TakeName(Lexer& lexer) {
   const Token token = lexer.Next();
@@ -89,7 +91,8 @@ std::vector<std::string> TableDefinition::Create(Range statement) {
     if (!part.empty()) parts += (parts.empty() ? "" : ", ") + part;
   };
   for (const Column& column : columns_) add(Declare(column, column.IsIdentity));
-  for (const Key& key : keys_) add(DeclareKey(key, identity == columns_.end() ? nullptr : &*identity));
+  for (const Key& key : keys_)
+    add(DeclareKey(key, identity == columns_.end() ? nullptr : &*identity));
   for (const std::string& constraint : constraints_) add(constraint);
   std::vector<std::string> statements{"CREATE TABLE " + table.Quoted() + " (" + parts + ")"};
   if (identity != columns_.end() && identity->Seed != 1) {
@@ -169,8 +172,8 @@ bool TableDefinition::TakeColumnConstraint(Lexer& lexer, Column& column) {
     column.Rest += named + TakeReferences(lexer);
   } else if (TakeIf(lexer, "COLLATE")) {
     const std::string collation = TakeName(lexer);
-    column.IsBinary = collation.find("_CS") != std::string::npos ||
-                      collation.find("_BIN") != std::string::npos;
+    column.IsBinary =
+        collation.find("_CS") != std::string::npos || collation.find("_BIN") != std::string::npos;
   } else if (!TakeIf(lexer, "NULL") && !TakeIf(lexer, "ROWGUIDCOL") && !TakeIf(lexer, "SPARSE")) {
     if (!constraint.empty()) FailAt(next);
     return false;

@@ -20,7 +20,8 @@ inline constexpr std::string_view typeConstraint = "sqlstandin:type:";
 /// automatic row number, so a primary key on other columns becomes a unique constraint beside it.
 class TableDefinition {
  public:
-  TableDefinition(std::string_view batch, Rewriter& rewriter) : batch_(batch), rewriter_(rewriter) {}
+  TableDefinition(std::string_view batch, Rewriter& rewriter)
+      : batch_(batch), rewriter_(rewriter) {}
 
   /// Raise SqlFailure for what SQLite has no counterpart of.
   std::vector<std::string> Create(Range statement);

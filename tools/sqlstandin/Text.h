@@ -7,8 +7,8 @@
 
 namespace talu::standin {
 
-/// UTF-16 (little-endian bytes, as on the wire) as UTF-8. A surrogate without its partner is kept as
-/// three bytes, so that nothing a client sends is lost; an odd last byte is dropped.
+/// UTF-16 (little-endian bytes, as on the wire) as UTF-8. A surrogate without its partner is kept
+/// as three bytes, so that nothing a client sends is lost; an odd last byte is dropped.
 std::string Utf8FromUtf16(std::string_view bytes);
 
 /// Appends UTF-8 to `bytes` as UTF-16, little-endian; a byte that is no UTF-8 becomes U+FFFD.

@@ -46,9 +46,8 @@ constexpr std::array<SystemView, 14> systemViews = {{
 }};
 
 const SystemView* FindSystemView(std::string_view name) {
-  const auto* found = std::find_if(systemViews.begin(), systemViews.end(), [name](const auto& view) {
-    return SameWord(view.Name, name);
-  });
+  const auto* found = std::find_if(systemViews.begin(), systemViews.end(),
+                                   [name](const auto& view) { return SameWord(view.Name, name); });
   return found == systemViews.end() ? nullptr : found;
 }
 
@@ -144,9 +143,8 @@ void TokenCopier::CopySymbol(const Token& token) {
     }
     Put(frame.JoinsTexts ? "||" : "+");
   } else {
-    static constexpr std::array<std::string_view, 16> known = {",", ".", "=", "<", ">",  "<=",
-                                                               ">=", "<>", "!=", "-", "*", "/",
-                                                               "%", "&", "|", "~"};
+    static constexpr std::array<std::string_view, 16> known = {
+        ",", ".", "=", "<", ">", "<=", ">=", "<>", "!=", "-", "*", "/", "%", "&", "|", "~"};
     if (std::find(known.begin(), known.end(), token.Raw) == known.end()) {
       Rewriter::FailAt(token, token);
     }
@@ -175,14 +173,19 @@ void TokenCopier::CopyWord(const Token& token) {
     Put(CastType(type->What));
   } else if (token.Raw.size() > 7 && FindSystemView(token.Raw) != nullptr) {
     PutSystemView(token.Raw, "");
-  } else if (IsNameHere(token) || token.Raw.find_first_of("@$#") != std::string_view::npos) {
-    Put(QuoteName(token.Raw));
   } else {
     if (IsOneOf(token, {"FROM", "WHERE", "AND", "OR", "WHEN", "THEN", "ELSE", "AS", "ORDER"})) {
       frames_.back().JoinsTexts = false;
     }
-    Put(token.Raw);
+    PutWord(token);
   }
+}
+
+/// A word that SQLite would not take for a name is put in quotes.
+void TokenCopier::PutWord(const Token& token) {
+  const bool needsQuotes =
+      IsNameHere(token) || token.Raw.find_first_of("@$#") != std::string_view::npos;
+  Put(needsQuotes ? QuoteName(token.Raw) : std::string(token.Raw));
 }
 
 void TokenCopier::CopyFunction(const Token& token) {
@@ -205,7 +208,7 @@ void TokenCopier::CopyFunction(const Token& token) {
         return;
       }
     }
-    Put(IsNameHere(token) ? QuoteName(token.Raw) : std::string(token.Raw));
+    PutWord(token);
   }
 }
 
@@ -271,8 +274,8 @@ void TokenCopier::CopyNames(const Token& first) {
   if (parts.size() >= 3 && (parts[1].empty() || SameWord(parts[1], "dbo"))) {
     prefix = environment_.PrefixOf(parts[0]);
     parts.erase(parts.begin(), parts.begin() + 2);
-  } else if (parts.size() == 3 && (SameWord(parts[1], "sys") ||
-                                   SameWord(parts[1], "INFORMATION_SCHEMA"))) {
+  } else if (parts.size() == 3 &&
+             (SameWord(parts[1], "sys") || SameWord(parts[1], "INFORMATION_SCHEMA"))) {
     prefix = environment_.PrefixOf(parts[0]);
     parts.erase(parts.begin());
   } else if (parts.size() >= 2 && SameWord(parts[0], "dbo")) {

@@ -25,7 +25,8 @@ constexpr const char* description =
     "A small server that speaks SQL Server's wire protocol (TDS 7.x) and keeps its databases with\n"
     "SQLite, for trying and testing an installation on a machine without SQL Server.\n"
     "It is NOT a SQL Server: it knows the statements that installation scripts use, checks no\n"
-    "permissions, encrypts nothing, and answers what it does not know with error 102. It listens on\n"
+    "permissions, encrypts nothing, and answers what it does not know with error 102. It listens "
+    "on\n"
     "127.0.0.1 only. Never keep data in it that you need.";
 
 constexpr const char* passwordVariable = "SQLSTANDIN_PASSWORD";
@@ -77,9 +78,10 @@ void Declare(CLI::App& app, Options& options) {
   app.add_option("--password-file", options.PasswordFile,
                  "File with the administrator's password; without it the environment variable " +
                      std::string(passwordVariable) + " is read");
-  app.add_option("--journal", options.Journal,
-                 "File to which every batch received is appended, one JSON object a line, passwords "
-                 "masked");
+  app.add_option(
+      "--journal", options.Journal,
+      "File to which every batch received is appended, one JSON object a line, passwords "
+      "masked");
   app.add_option("--fail-statement", options.FailStatements,
                  "N[=NUMBER:MESSAGE]: the N-th batch received fails, with error 50000 or this one "
                  "(repeatable)");
@@ -94,7 +96,8 @@ void Declare(CLI::App& app, Options& options) {
   app.add_option("--delay-text", options.DelayTexts,
                  "TEXT=MILLISECONDS: waits before a batch that contains the text (repeatable)");
   app.footer(
-      "Prints \"listening on 127.0.0.1:PORT\" when it is ready. SIGTERM or SIGINT ends it; the next "
+      "Prints \"listening on 127.0.0.1:PORT\" when it is ready. SIGTERM or SIGINT ends it; the "
+      "next "
       "start with the same --data goes on with the same databases and logins.");
 }
 

@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/simulated/CodePage.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -89,9 +90,5 @@ class Journal {
   std::optional<RuntimeError> failure_;
   std::string failedRequest_;
 };
-
-/// Windows-1252 to UTF-8 and back; what the other does not know becomes "?".
-std::string Utf8FromAnsi(const std::string& text);
-std::string AnsiFromUtf8(const std::string& text);
 
 }  // namespace talu

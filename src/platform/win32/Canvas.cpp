@@ -81,6 +81,11 @@ void Canvas::FillRound(const RECT& area, double radius, Colour colour, double op
         [&](double x, double y) { return opacity * Inside(EdgeDistance(area, radius, x, y)); });
 }
 
+void Canvas::FillRoundWithin(const RECT& limit, const RECT& area, double radius, Colour colour) {
+  Blend(limit, colour,
+        [&](double x, double y) { return Inside(EdgeDistance(area, radius, x, y)); });
+}
+
 void Canvas::FrameRound(const RECT& area, double radius, double thickness, Colour colour) {
   Blend(area, colour, [&](double x, double y) {
     const double distance = EdgeDistance(area, radius, x, y);
@@ -112,7 +117,7 @@ void Canvas::Blend(const RECT& area, Colour colour,
   for (int y = std::max<int>(area.top, 0); y < bottom; ++y) {
     std::uint32_t* row = pixels_ + static_cast<std::ptrdiff_t>(y) * width_;
     for (int x = left; x < right; ++x) {
-      const int weight = static_cast<int>(256 * coverage(x + 0.5, y + 0.5) + 0.5);
+      const int weight = static_cast<int>(std::lround(256 * coverage(x + 0.5, y + 0.5)));
       if (weight > 0) row[x] = Mix(row[x], colour, weight);
     }
   }

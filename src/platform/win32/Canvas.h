@@ -28,6 +28,8 @@ class Canvas {
   void Fill(Colour colour);
   /// A rectangle with round corners, mixed in with `opacity` from 0 to 1.
   void FillRound(const RECT& area, double radius, Colour colour, double opacity = 1);
+  /// As much of it as lies within `limit`.
+  void FillRoundWithin(const RECT& limit, const RECT& area, double radius, Colour colour);
   /// Its outline, `thickness` pixels wide, inside the rectangle.
   void FrameRound(const RECT& area, double radius, double thickness, Colour colour);
   /// Line from point to point with round ends.

@@ -27,8 +27,8 @@ ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* wi
 }
 
 ControlWindow::~ControlWindow() {
+  // The window itself goes with its frame.
   RemoveWindowSubclass(window_, Receive, 0);
-  DestroyWindow(window_);
 }
 
 const ControlView& ControlWindow::View() const {

@@ -34,6 +34,9 @@ class FormFrame {
   FormFrame(const FormFrame&) = delete;
   FormFrame& operator=(const FormFrame&) = delete;
 
+  /// Asks nothing of the form any more: it may be gone before the window.
+  void LetGo();
+
   HWND Window() const { return window_; }
   FormWindow& Form() const { return form_; }
   const Appearance& Look() const { return look_; }
@@ -50,6 +53,8 @@ class FormFrame {
   /// Shows what has changed since the last time; painting itself is left to Windows.
   void BringUpToDate();
   bool IsStale() const { return !stale_.empty(); }
+  /// A text has changed, not only bars.
+  bool HasStaleText() const;
   void AddStale(ControlWindow& control) { stale_.push_back(&control); }
 
   /// Enter and the mnemonics of labels. Returns whether it handled the message.

@@ -30,6 +30,8 @@ std::int32_t ShortNumber(HRESULT code) {
       description = "Object doesn't support this property or method";
     } else if (number == typeMismatch) {
       description = "Type mismatch";
+    } else if (number != code) {
+      description = StandardDescription(number);
     } else {
       description = SystemMessage(code);
     }
@@ -44,6 +46,7 @@ std::int32_t ShortNumber(HRESULT code) {
   SysFreeString(failure.bstrHelpFile);
   // Objects give either an HRESULT or a short number.
   if (failure.wCode != 0) {
+    if (description.empty()) description = StandardDescription(failure.wCode);
     throw RuntimeError(failure.wCode, std::move(description), std::move(source));
   }
   Raise(failure.scode, std::move(description), std::move(source));
@@ -60,13 +63,23 @@ IDispatch* Create(const char* className) {
   return static_cast<IDispatch*>(object);
 }
 
+std::vector<const Variant*> Addresses(const std::vector<Variant>& values) {
+  std::vector<const Variant*> addresses;
+  addresses.reserve(values.size());
+  for (const Variant& value : values) addresses.push_back(&value);
+  return addresses;
+}
+
 }  // namespace
 
 Variant::Variant(const std::string& text) : Variant() {
-  const std::wstring wide = Wide(text);
+  // Converted in place: a batch may be large.
+  const auto length = static_cast<int>(text.size());
+  const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
   value_.vt = VT_BSTR;
-  value_.bstrVal = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+  value_.bstrVal = SysAllocStringLen(nullptr, static_cast<UINT>(wideLength));
   if (value_.bstrVal == nullptr) throw RuntimeError(error::OutOfMemory);
+  MultiByteToWideChar(CP_ACP, 0, text.data(), length, value_.bstrVal, wideLength);
 }
 
 Variant::Variant(std::int32_t number) : Variant() {
@@ -114,8 +127,8 @@ LateBound::LateBound(const Variant& object) : object_(object.AsObject()) {
   object_->AddRef();
 }
 
-Variant LateBound::Get(const char* member) const {
-  return Invoke(Find(member), DISPATCH_PROPERTYGET | DISPATCH_METHOD, {});
+Variant LateBound::Get(const char* member, const std::vector<Variant>& arguments) const {
+  return Invoke(Find(member), DISPATCH_PROPERTYGET | DISPATCH_METHOD, Addresses(arguments));
 }
 
 void LateBound::Put(const char* member, const Variant& value) {
@@ -128,10 +141,7 @@ void LateBound::PutRef(const char* member, const LateBound& object) {
 }
 
 Variant LateBound::Call(const char* member, const std::vector<Variant>& arguments) const {
-  std::vector<const Variant*> list;
-  list.reserve(arguments.size());
-  for (const Variant& argument : arguments) list.push_back(&argument);
-  return Invoke(Find(member), DISPATCH_METHOD, list);
+  return Invoke(Find(member), DISPATCH_METHOD, Addresses(arguments));
 }
 
 std::vector<std::string> LateBound::Texts() const {

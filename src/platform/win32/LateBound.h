@@ -50,7 +50,7 @@ class LateBound {
   /// Takes the object out of a value. Raises 91 when it holds none.
   explicit LateBound(const Variant& object);
 
-  Variant Get(const char* member) const;
+  Variant Get(const char* member, const std::vector<Variant>& arguments = {}) const;
   void Put(const char* member, const Variant& value);
   /// Sets an object property by reference.
   void PutRef(const char* member, const LateBound& object);

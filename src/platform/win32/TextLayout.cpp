@@ -23,7 +23,8 @@ std::size_t FittingLength(HDC dc, const wchar_t* text, std::size_t length, int w
 /// Where to break a run of `length` characters of which `fitting` fit. Blanks at the break may
 /// hang over.
 std::size_t BreakAt(const wchar_t* text, std::size_t length, std::size_t fitting) {
-  if (fitting >= length || text[fitting] == L' ') return fitting;
+  if (fitting >= length) return length;
+  if (fitting > 0 && text[fitting] == L' ') return fitting;
   std::size_t behindWord = 0;
   std::size_t behindFolder = 0;
   for (std::size_t i = 0; i < fitting; ++i) {
@@ -71,10 +72,12 @@ TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic) {
         layout.MnemonicLine = static_cast<int>(layout.Lines.size());
         layout.MnemonicPosition = static_cast<int>(underlined - start);
       }
-      layout.Lines.emplace_back(run, length);
+      std::wstring& line = layout.Lines.emplace_back(run, length);
       start += length;
+      if (start == end) break;
       // The blanks of a soft break belong to neither line.
-      while (start < end && length > 0 && plain[start] == L' ') ++start;
+      line.resize(std::max<std::size_t>(line.find_last_not_of(L' ') + 1, 1));
+      while (start < end && plain[start] == L' ') ++start;
     } while (start < end);
     more = end < plain.size();
     const bool pair = plain.compare(end, 2, L"\r\n") == 0;
@@ -95,11 +98,12 @@ bool CutToFit(HDC dc, TextLayout& layout, int width, int height) {
   return true;
 }
 
-void DrawLines(HDC dc, const TextLayout& layout, const RECT& area, int offset) {
+void DrawLines(HDC dc, const TextLayout& layout, const RECT& area, int first) {
   SetBkMode(dc, TRANSPARENT);
-  int top = area.top - offset;
-  for (std::size_t i = 0; i < layout.Lines.size(); ++i, top += layout.LineHeight) {
-    if (top + layout.LineHeight <= area.top || top >= area.bottom) continue;
+  int top = area.top;
+  for (auto i = static_cast<std::size_t>(first); i < layout.Lines.size();
+       ++i, top += layout.LineHeight) {
+    if (top > area.top && top + layout.LineHeight > area.bottom) break;
     const std::wstring& line = layout.Lines[i];
     ExtTextOutW(dc, area.left, top, ETO_CLIPPED, &area, line.data(), static_cast<UINT>(line.size()),
                 nullptr);

@@ -31,7 +31,10 @@ std::int64_t Microseconds() {
 }  // namespace
 
 Win32WindowSystem::Win32WindowSystem() = default;
-Win32WindowSystem::~Win32WindowSystem() = default;
+
+Win32WindowSystem::~Win32WindowSystem() {
+  for (const auto& frame : frames_) frame->LetGo();
+}
 
 FormFrame* Win32WindowSystem::Find(const FormWindow& form) const {
   for (const auto& frame : frames_) {
@@ -114,6 +117,7 @@ void Win32WindowSystem::BringUpToDate() {
 void Win32WindowSystem::ShowProgress() {
   FinishHiding();
   if (shown_ == nullptr || !shown_->IsStale()) return;
+  if (!shown_->HasStaleText() && Microseconds() - lastPaint_ < paintInterval) return;
   BringUpToDate();
   RedrawWindow(shown_->Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
   lastPaint_ = Microseconds();

@@ -31,7 +31,8 @@ struct Diagnostic {
   std::wstring Text;
 
   bool IsWarning() const { return State.starts_with(L"01"); }
-  bool IsLinkFailure() const { return State.starts_with(L"08"); }
+  /// The driver's own errors, a broken link first of all, have no number or one of its library's.
+  bool IsDriversOwn() const { return ServerNumber == 0 || ServerNumber / 100 == 200; }
   bool IsTimeout() const { return State.starts_with(L"HYT"); }
   bool IsLoginRefused() const { return State == L"28000" || ServerNumber == loginFailedForUser; }
 };
@@ -62,9 +63,9 @@ HRESULT ConnectNumber(const Diagnostic& record) {
 
 HRESULT StatementNumber(const Diagnostic& record) {
   if (record.IsTimeout()) return timeoutReached;
+  if (record.IsDriversOwn()) return unspecifiedFailure;
   if (record.State == L"23000") return integrityBroken;
   if (record.State == L"42S02") return tableMissing;
-  if (record.IsLinkFailure() || record.State.starts_with(L"HY")) return unspecifiedFailure;
   return statementErrors;
 }
 
@@ -143,9 +144,8 @@ OdbcSession::OdbcSession(const std::wstring& connectionString) {
   }
   SQLSetConnectAttrW(connection_, SQL_ATTR_LOGIN_TIMEOUT, AsPointer(connectionTimeout), 0);
   std::wstring text = Tidied(connectionString);
-  const SQLRETURN code =
-      SQLDriverConnectW(connection_, nullptr, text.data(), static_cast<SQLSMALLINT>(text.size()),
-                        nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+  const SQLRETURN code = SQLDriverConnectW(connection_, nullptr, text.data(), SQL_NTS, nullptr, 0,
+                                           nullptr, SQL_DRIVER_NOPROMPT);
   if (SQL_SUCCEEDED(code)) return;
   const Diagnostic cause = Cause(SQL_HANDLE_DBC, connection_);
   Close();
@@ -168,9 +168,10 @@ void OdbcSession::Execute(const std::wstring& batch, int timeout) {
   const Statement statement(connection_);
   SQLSetStmtAttrW(statement.Handle(), SQL_ATTR_QUERY_TIMEOUT,
                   AsPointer(static_cast<std::uintptr_t>(timeout)), 0);
-  // The platform's interface is not const-correct: the text is only read.
-  SQLRETURN code = SQLExecDirectW(statement.Handle(), const_cast<SQLWCHAR*>(batch.data()),
-                                  static_cast<SQLINTEGER>(batch.size()));
+  // A text ends at its first NUL, as with OLE DB, whose commands take no length. The interface is
+  // not const-correct: the text is only read.
+  SQLRETURN code =
+      SQLExecDirectW(statement.Handle(), const_cast<SQLWCHAR*>(batch.c_str()), SQL_NTS);
 
   // A first statement that touched no row says "no data"; others may stand behind it.
   if (code == SQL_NO_DATA) code = SQL_SUCCESS;

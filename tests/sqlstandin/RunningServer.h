@@ -1,0 +1,105 @@
+#pragma once
+
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Catalogue.h"
+#include "Journal.h"
+#include "Mishaps.h"
+#include "Server.h"
+#include "TestClient.h"
+
+namespace talu::standin {
+
+inline const std::string testPassword = "Secret 1";
+
+/// A folder of its own for one test, removed at the end.
+class TestFolder {
+ public:
+  TestFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "sqlstandin-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+  }
+  ~TestFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TestFolder(const TestFolder&) = delete;
+  TestFolder& operator=(const TestFolder&) = delete;
+  const std::filesystem::path& Path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// A server within the test's process: drive C: is the folder "c" and has the folder "Data".
+class RunningServer {
+ public:
+  explicit RunningServer(const std::filesystem::path& folder, Mishaps mishaps = {})
+      : drive_(Prepare(folder)),
+        journalFile_(folder / "journal"),
+        mishaps_(std::move(mishaps)),
+        catalogue_(folder / "state", Mapped(drive_), "sa", testPassword),
+        journal_(journalFile_),
+        server_(parts_, 0),
+        thread_([this] { server_.Run(stop_.Number()); }) {}
+
+  ~RunningServer() {
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(stop_.Number(), &one, sizeof one);
+    thread_.join();
+  }
+  RunningServer(const RunningServer&) = delete;
+  RunningServer& operator=(const RunningServer&) = delete;
+
+  std::uint16_t Port() const { return server_.Port(); }
+  /// The folder behind C:\Data.
+  std::filesystem::path Data() const { return drive_ / "Data"; }
+
+  std::vector<nlohmann::json> Journal() const {
+    std::vector<nlohmann::json> records;
+    std::ifstream file(journalFile_);
+    for (std::string line; std::getline(file, line);)
+      records.push_back(nlohmann::json::parse(line));
+    return records;
+  }
+
+ private:
+  static std::filesystem::path Prepare(const std::filesystem::path& folder) {
+    std::filesystem::create_directories(folder / "c" / "Data");
+    return folder / "c";
+  }
+  static Drives Mapped(const std::filesystem::path& folder) {
+    Drives drives;
+    drives.Add("C=" + folder.string());
+    return drives;
+  }
+
+  std::filesystem::path drive_;
+  std::filesystem::path journalFile_;
+  Mishaps mishaps_;
+  Catalogue catalogue_;
+  standin::Journal journal_;
+  ServerParts parts_{catalogue_, journal_, mishaps_};
+  Descriptor stop_{eventfd(0, EFD_CLOEXEC)};
+  Server server_;
+  std::thread thread_;
+};
+
+/// A client that is logged in as the administrator.
+class LoggedIn : public TestClient {
+ public:
+  explicit LoggedIn(const RunningServer& server, const std::string& database = "")
+      : TestClient(server.Port()) {
+    LogIn("sa", testPassword, database);
+  }
+};
+
+}  // namespace talu::standin

@@ -1,0 +1,86 @@
+#!/usr/bin/env bash
+# The server under real clients: FreeTDS's tsql and bsqldb, and ODBC through unixODBC's isql with the
+# connection string that the wizard uses. Usage: clients.sh PATH-TO-sqlstandin
+set -u
+server=$1
+folder=$(mktemp -d)
+failures=0
+pid=
+
+stop() {
+  [[ -n $pid ]] && kill "$pid" 2>/dev/null && wait "$pid"
+  pid=
+}
+trap 'stop; rm -rf "$folder"' EXIT
+
+# expect WHAT TEXT PATTERN: the text has a line that matches the pattern.
+expect() {
+  if grep -qE -- "$3" <<<"$2"; then
+    echo "passed: $1"
+  else
+    echo "FAILED: $1: no line matches '$3' in:"$'\n'"$2"
+    failures=$((failures + 1))
+  fi
+}
+
+start() {
+  : >"$folder/out"
+  SQLSTANDIN_PASSWORD='Secret1' "$server" --port 0 --data "$folder/state" --drive "C=$folder/c" \
+    --journal "$folder/journal" "$@" >"$folder/out" 2>&1 &
+  pid=$!
+  for _ in $(seq 100); do
+    port=$(sed -n 's/^listening on 127\.0\.0\.1://p' "$folder/out")
+    [[ -n $port ]] && return
+    sleep 0.05
+  done
+  echo "FAILED: the server did not start: $(cat "$folder/out")"
+  exit 1
+}
+
+mkdir -p "$folder/c/Data" "$folder/odbc"
+cat >"$folder/odbc/odbcinst.ini" <<'INI'
+[SQL Server]
+Driver=libtdsodbc.so
+TDS_Version=7.3
+INI
+: >"$folder/odbc/odbc.ini"
+export ODBCSYSINI=$folder/odbc FREETDSCONF=/dev/null
+
+start
+text=$(printf '%s\ngo\n' "CREATE DATABASE Sales ON (NAME=S, FILENAME='C:\\data\\Sales.mdf')" \
+  "USE Sales CREATE TABLE t (Id INT IDENTITY(1,1), Name NVARCHAR(20), Price FLOAT)" \
+  "INSERT INTO t VALUES (N'Ünal', 2.5), (N'b', NULL)" "SELECT * FROM t" "DROP DATABASE Nowhere" |
+  tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)
+expect "tsql reads rows" "$text" $'^1\tÜnal\t2.5$'
+expect "tsql sees the error" "$text" 'Msg 3701 \(severity 11'
+expect "a wrong password is refused" \
+  "$(tsql -H 127.0.0.1 -p "$port" -U sa -P wrong </dev/null 2>&1)" "Login failed for user 'sa'"
+
+printf 'USE Sales\nGO\nINSERT INTO t VALUES (N%sc%s, 1)\nGO\nSELECT COUNT(*) FROM t\nGO\n' "'" "'" \
+  >"$folder/script.sql"
+expect "bsqldb runs a script" \
+  "$(bsqldb -S "127.0.0.1:$port" -U sa -P Secret1 -i "$folder/script.sql" 2>&1)" '^ +3$'
+
+connection="driver={SQL Server};server=127.0.0.1,$port;uid=sa;pwd=Secret1;database=Sales"
+text=$(printf 'SELECT Name, Price FROM t WHERE Id = 1\nSELECT * FROM Nowhere\n' |
+  isql -k "$connection" -e -b -v 2>&1)
+expect "ODBC reads rows" "$text" '\| Ünal +\| 2\.5 '
+expect "ODBC sees the error" "$text" "S0002.*Invalid object name 'Nowhere'"
+
+kill -TERM "$pid"
+wait "$pid"
+expect "SIGTERM ends it cleanly" "exit $?" '^exit 0$'
+expect "the database stands at its path" "$(ls "$folder/c/Data")" '^Sales\.mdf$'
+
+start --cut-text 'cut here'
+expect "a restart keeps the data" "$(printf 'SELECT COUNT(*) FROM Sales..t\ngo\n' |
+  tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" '^3$'
+expect "a cut connection is noticed" "$(printf "PRINT 'cut here'\ngo\n" |
+  tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" 'Unexpected EOF from the server'
+expect "a second server is refused the folder" "$(SQLSTANDIN_PASSWORD=x "$server" --port 0 \
+  --data "$folder/state" 2>&1)" '^sqlstandin: the data folder cannot be used'
+expect "a password is asked for" "$(env -u SQLSTANDIN_PASSWORD "$server" --data "$folder/x" 2>&1)" \
+  '^sqlstandin: no password'
+expect "no password in the journal" "$(grep -c Secret1 "$folder/journal")" '^0$'
+stop
+exit $((failures > 0))

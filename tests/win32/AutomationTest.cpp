@@ -1,0 +1,147 @@
+#include "Scratch.h"
+#include "platform/win32/LateBound.h"
+#include "platform/win32/ShellLink.h"
+#include "platform/win32/Text.h"
+#include "platform/win32/Win32OdbcInstaller.h"
+#include "platform/win32/Win32Processes.h"
+#include "platform/win32/Win32ScriptingHost.h"
+
+namespace talu {
+namespace {
+
+TEST(LateBound, CallsMembersByName) {
+  LateBound dictionary("Scripting.Dictionary");
+  dictionary.Put("CompareMode", 1);
+  EXPECT_EQ(dictionary.Get("CompareMode").Number(), 1);
+  dictionary.Call("Add", {"first",
+                          "Gr\xFC\xDF"
+                          "e"});
+  dictionary.Call("Add", {"second", 7});
+  EXPECT_EQ(dictionary.Get("Count").Number(), 2);
+  EXPECT_EQ(dictionary.Get("Item", {"first"}).Text(),
+            "Gr\xFC\xDF"
+            "e");
+  EXPECT_EQ(dictionary.Get("Item", {"second"}).Number(), 7);
+  EXPECT_EQ(dictionary.Texts(), (std::vector<std::string>{"first", "second"}));
+}
+
+TEST(LateBound, RaisesTheObjectsOwnErrors) {
+  LateBound dictionary("Scripting.Dictionary");
+  LateBound files("Scripting.FileSystemObject");
+  EXPECT_EQ(ErrorOf([] { LateBound("No.Such.Class"); }), 429);
+  EXPECT_EQ(ErrorOf([&] { dictionary.Get("NoSuchMember"); }), 438);
+  EXPECT_EQ(ErrorOf([&] { LateBound(dictionary.Get("Count")); }), 91);
+  EXPECT_EQ(ErrorOf([&] { LateBound("WScript.Shell").Texts(); }), 438);
+  EXPECT_EQ(ErrorOf([&] { (void)Variant("no number").Number(); }), 13);
+  EXPECT_EQ(ErrorOf([&] { files.Call("GetFolder", {"Q:\\none"}); }), 76);
+  dictionary.Call("Add", {"key", 1});
+  EXPECT_EQ(ErrorOf([&] { dictionary.Call("Add", {"key", 1}); }), 457);
+  EXPECT_EQ(ErrorOf([&] { dictionary.Put("CompareMode", 0); }), 5) << "not while it has entries";
+  try {
+    files.Call("GetFolder", {"Q:\\none"});
+  } catch (const RuntimeError& error) {
+    EXPECT_FALSE(error.Description.empty());
+  }
+}
+
+/// What a shortcut on disk says.
+struct Link {
+  explicit Link(const std::string& path) {
+    void* object = nullptr;
+    CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, &object);
+    auto* link = static_cast<IShellLinkA*>(object);
+    link->QueryInterface(IID_IPersistFile, &object);
+    auto* file = static_cast<IPersistFile*>(object);
+    Loaded = SUCCEEDED(file->Load(Wide(path).c_str(), STGM_READ));
+    char text[MAX_PATH] = "";
+    link->GetPath(text, MAX_PATH, nullptr, 0);
+    Target = text;
+    int index = -1;
+    link->GetIconLocation(text, MAX_PATH, &index);
+    Icon = std::string(text) + "," + std::to_string(index);
+    link->GetWorkingDirectory(text, MAX_PATH);
+    Folder = text;
+    file->Release();
+    link->Release();
+  }
+  bool Loaded;
+  std::string Target, Icon, Folder;
+};
+
+TEST(ScriptingHost, MakesTheSameShortcutWithAndWithoutTheHost) {
+  const Scratch scratch;
+  const std::string target = scratch.Write("prog, one.exe", "");
+  const auto make = [&](Shortcut& shortcut, const std::string& path) {
+    shortcut.TargetPath(target);
+    shortcut.WorkingDirectory("");
+    shortcut.IconLocation(target);
+    EXPECT_FALSE(Link(path).Loaded) << "nothing is written before Save";
+    shortcut.Save();
+    const Link made(path);
+    EXPECT_TRUE(made.Loaded);
+    EXPECT_STRCASEEQ(made.Target.c_str(), target.c_str());
+    EXPECT_STRCASEEQ(made.Icon.c_str(), (target + ",0").c_str());
+    EXPECT_EQ(made.Folder, "");
+  };
+  const auto shell = Win32ScriptingHost().CreateShell();
+  make(*shell->CreateShortcut(scratch / "host.lnk"), scratch / "host.lnk");
+  ShellLink link(scratch / "shell.lnk");
+  make(link, scratch / "shell.lnk");
+
+  const auto lost = shell->CreateShortcut(scratch / "missing\\host.lnk");
+  lost->TargetPath(target);
+  EXPECT_NE(ErrorOf([&] { lost->Save(); }), 0);
+  EXPECT_NE(ErrorOf([&] { ShellLink(scratch / "missing\\shell.lnk").Save(); }), 0);
+}
+
+TEST(ScriptingHost, ListsTheSpecialFoldersOfAllUsersFirst) {
+  const auto folders = Win32ScriptingHost().CreateShell()->SpecialFolders();
+  ASSERT_GT(folders.size(), 10u);
+  const auto path = [](int folder) {
+    char text[MAX_PATH];
+    SHGetFolderPathA(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, text);
+    return std::string(text);
+  };
+  const auto place = [&](int folder) {
+    return std::find(folders.begin(), folders.end(), path(folder)) - folders.begin();
+  };
+  EXPECT_EQ(place(CSIDL_COMMON_DESKTOPDIRECTORY), 0);
+  EXPECT_EQ(place(CSIDL_COMMON_STARTMENU), 1);
+  EXPECT_EQ(place(CSIDL_COMMON_PROGRAMS), 2);
+  EXPECT_LT(place(CSIDL_COMMON_PROGRAMS), place(CSIDL_DESKTOPDIRECTORY));
+  EXPECT_LT(place(CSIDL_DESKTOPDIRECTORY), place(CSIDL_STARTMENU));
+  EXPECT_LT(place(CSIDL_STARTMENU), place(CSIDL_PROGRAMS));
+  EXPECT_EQ(folders.back(), path(CSIDL_PROGRAMS));
+}
+
+TEST(Processes, WaitsForTheExitCode) {
+  int waits = 0;
+  Win32Processes processes([&] { ++waits; });
+  EXPECT_EQ(processes.RunAndWait("cmd /c exit 7"), 7);
+  EXPECT_EQ(processes.RunAndWait("cmd /c exit -3"), -3);
+  EXPECT_EQ(processes.RunAndWait("C:\\no such folder\\setup.exe"), -1);
+  EXPECT_EQ(waits, 3);
+  const Scratch scratch;
+  EXPECT_EQ(processes.RunAndWait(scratch.Write("noprogram.exe", "text")), -1);
+}
+
+TEST(Processes, StartsAndGoesOn) {
+  const Scratch scratch;
+  Win32Processes processes([] {});
+  const std::string made = scratch / "made.txt";
+  processes.Start("cmd /c echo x> \"" + made + "\"", 2);
+  for (int i = 0; i < 500 && Scratch::Read(made).empty(); ++i) Sleep(20);
+  EXPECT_EQ(Scratch::Read(made).substr(0, 1), "x");
+  Sleep(200);  // until cmd has left the folder
+  EXPECT_EQ(ErrorOf([&] { processes.Start("no-such-program-here /s", 2); }), 53);
+  EXPECT_EQ(ErrorOf([&] { processes.Start(scratch.Write("noprogram.exe", "text"), 2); }), 5);
+}
+
+TEST(OdbcInstaller, PassesOnTheLibrarysRefusal) {
+  Win32OdbcInstaller odbc;
+  const std::string attributes("DSN=None\0SERVER=none", 20);
+  EXPECT_FALSE(odbc.SQLConfigDataSource(4, "No Such Driver", attributes));
+}
+
+}  // namespace
+}  // namespace talu

@@ -1,0 +1,156 @@
+#include <algorithm>
+
+#include "Scratch.h"
+#include "platform/win32/Win32Clock.h"
+#include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32Settings.h"
+
+namespace talu {
+namespace {
+
+TEST(FileSystem, RaisesTheFileSystemObjectsOwnErrors) {
+  const Scratch scratch;
+  Win32FileSystem files;
+  const std::string file = scratch.Write("file.txt", "x");
+  const std::string locked = scratch.Write("locked.txt", "x");
+  const std::string readOnly = scratch.Write("readonly.txt", "x");
+  SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
+  const HANDLE lock =
+      CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  const auto open = [&](const std::string& path, OpenMode mode) {
+    return ErrorOf([&] { files.OpenTextFile(path, mode); });
+  };
+  const auto create = [&](const std::string& path) {
+    return ErrorOf([&] { files.CreateFolder(path); });
+  };
+
+  EXPECT_EQ(create(scratch.Path()), 58);
+  EXPECT_EQ(create(file), 58);
+  EXPECT_EQ(create(scratch / "no\\deep"), 76);
+  EXPECT_EQ(create(scratch / std::string(250, 'x')), 76) << "longer than Windows allows";
+  EXPECT_EQ(create(scratch / "a?b"), 52);
+  EXPECT_EQ(ErrorOf([&] { files.DeleteFile(scratch / "none", false); }), 53);
+  EXPECT_EQ(ErrorOf([&] { files.DeleteFile(scratch.Path(), true); }), 53);
+  EXPECT_EQ(ErrorOf([&] { files.DeleteFile(locked, true); }), 70);
+  EXPECT_EQ(ErrorOf([&] { files.DeleteFile(readOnly, false); }), 70);
+  EXPECT_EQ(ErrorOf([&] { files.GetFolder(scratch / "none"); }), 76);
+  EXPECT_EQ(ErrorOf([&] { files.GetFolder(file); }), 76);
+  EXPECT_EQ(ErrorOf([&] { files.GetFolder(""); }), 76);
+  EXPECT_EQ(ErrorOf([&] { files.GetSpecialFolder(3); }), 5);
+  EXPECT_EQ(open(scratch / "none", OpenMode::Input), 53);
+  EXPECT_EQ(open(scratch / "no\\file", OpenMode::Input), 76);
+  EXPECT_EQ(open(scratch / "no\\file", OpenMode::Append), 76);
+  EXPECT_EQ(open(scratch / "a?b", OpenMode::Output), 52);
+  EXPECT_EQ(open(locked, OpenMode::Input), 70);
+  EXPECT_EQ(open(scratch.Path(), OpenMode::Output), 75);
+  CloseHandle(lock);
+
+  EXPECT_EQ(ErrorOf([&] { files.DeleteFile(readOnly, true); }), 0);
+  EXPECT_FALSE(files.FileExists(readOnly));
+}
+
+TEST(FileSystem, ListsEveryFileAndFolderInTheFileSystemsOrder) {
+  const Scratch scratch;
+  Win32FileSystem files;
+  for (const char* name : {"b.txt", "a.txt", "hidden.dll"}) scratch.Write(name, "");
+  SetFileAttributesA((scratch / "hidden.dll").c_str(),
+                     FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
+  files.CreateFolder(scratch / "Sub \xE4");
+
+  const auto folder = files.GetFolder(scratch.Path() + "\\");
+  EXPECT_EQ(folder->Path(), scratch.Path());
+  EXPECT_EQ(scratch.Path().substr(scratch.Path().rfind('\\') + 1), folder->Name());
+  std::vector<std::string> expected;
+  WIN32_FIND_DATAA found;
+  const HANDLE search = FindFirstFileA((scratch / "*").c_str(), &found);
+  do {
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+      expected.emplace_back(found.cFileName);
+    }
+  } while (FindNextFileA(search, &found));
+  FindClose(search);
+  std::vector<std::string> names;
+  for (const FolderItem& item : folder->Files()) names.push_back(item.Name);
+  EXPECT_EQ(names, expected);
+  EXPECT_EQ(names.size(), 3u);
+  ASSERT_EQ(folder->SubFolders().size(), 1u);
+  EXPECT_EQ(folder->SubFolders()[0].Path, scratch / "Sub \xE4");
+
+  const auto gone = files.GetFolder(scratch / "Sub \xE4");
+  EXPECT_TRUE(gone->Files().empty());
+  RemoveDirectoryA((scratch / "Sub \xE4").c_str());
+  EXPECT_EQ(ErrorOf([&] { gone->Files(); }), 76);
+  EXPECT_TRUE(files.GetFolder("C:\\")->Path() == "C:\\" && files.GetFolder("C:\\")->Name().empty());
+}
+
+TEST(FileSystem, AppendsWhileOthersReadButNotWrite) {
+  const Scratch scratch;
+  Win32FileSystem files;
+  const std::string path = scratch / "log.txt";
+  const auto log = files.OpenTextFile(path, OpenMode::Append);
+  log->Write("first\r\n");
+  const auto reader = files.OpenTextFile(path, OpenMode::Input);
+  char buffer[16];
+  EXPECT_EQ(std::string(buffer, reader->Read(buffer, sizeof buffer)), "first\r\n");
+  EXPECT_EQ(reader->Size(), 7u);
+  EXPECT_EQ(reader->Read(buffer, sizeof buffer), 0u);
+  EXPECT_EQ(ErrorOf([&] { files.OpenTextFile(path, OpenMode::Append); }), 70);
+  log->Write("second\r\n");
+  EXPECT_EQ(Scratch::Read(path), "first\r\nsecond\r\n");
+}
+
+TEST(FileSystem, WorksUpToWindowsOwnLimitOfAPath) {
+  const Scratch scratch;
+  Win32FileSystem files;
+  std::string folder = scratch.Path();
+  while (folder.size() < 200) {
+    folder += "\\" + std::string(std::min<std::size_t>(40, 210 - folder.size()), 'f');
+    files.CreateFolder(folder);
+  }
+  const std::string path = folder + "\\" + std::string(255 - folder.size(), 'n');
+  files.OpenTextFile(path, OpenMode::Output)->Write("x");
+  EXPECT_TRUE(files.FileExists(path));
+  EXPECT_EQ(files.GetFolder(folder)->Files().at(0).Path, path);
+  EXPECT_EQ(ErrorOf([&] { files.OpenTextFile(path + "longer", OpenMode::Output); }), 76);
+}
+
+TEST(FileSystem, KnowsTheSpecialFolders) {
+  Win32FileSystem files;
+  EXPECT_EQ(files.GetSpecialFolder(1).find(files.GetSpecialFolder(0)), 0u);
+  for (const int number : {0, 1, 2}) {
+    EXPECT_TRUE(files.FolderExists(files.GetSpecialFolder(number)));
+    EXPECT_NE(files.GetSpecialFolder(number).back(), '\\');
+  }
+}
+
+TEST(Settings, KeepsTextsPerUserAndTheSectionsOwnUnderTheEmptyKey) {
+  Win32Settings settings;
+  settings.SaveSetting("TA-LU test", "Application", "", "C:\\Apps\\TA-LU");
+  settings.SaveSetting("TA-LU test", "Application", "Key", "value");
+  const auto read = [](const char* key) {
+    char text[MAX_PATH] = "";
+    DWORD size = sizeof text;
+    RegGetValueA(HKEY_CURRENT_USER, "Software\\TA-LU test\\Application", key, RRF_RT_REG_SZ,
+                 nullptr, text, &size);
+    return std::string(text);
+  };
+  EXPECT_EQ(read(nullptr), "C:\\Apps\\TA-LU");
+  EXPECT_EQ(read("Key"), "value");
+  EXPECT_EQ(ErrorOf([&] { settings.SaveSetting("a", std::string(300, 'x'), "", ""); }), 5);
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\TA-LU test");
+}
+
+TEST(Clock, TellsLocalTime) {
+  SYSTEMTIME before;
+  GetLocalTime(&before);
+  const DateTime now = Win32Clock().Now();
+  SYSTEMTIME after;
+  GetLocalTime(&after);
+  EXPECT_GE(now.Year * 12 + now.Month, before.wYear * 12 + before.wMonth);
+  EXPECT_TRUE(now.Day == before.wDay || now.Day == after.wDay);
+  EXPECT_TRUE(now.Hour == before.wHour || now.Hour == after.wHour);
+  EXPECT_TRUE(now.Minute == before.wMinute || now.Minute == after.wMinute);
+}
+
+}  // namespace
+}  // namespace talu

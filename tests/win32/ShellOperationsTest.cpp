@@ -1,0 +1,101 @@
+#include "Scratch.h"
+#include "platform/win32/Win32ShellOperations.h"
+
+namespace talu {
+namespace {
+
+constexpr int copy = 2;
+constexpr int noQuestions = 6416;
+
+/// One copy, done in a folder of its own; `Prepare` makes the folder's contents.
+struct Case {
+  const char* Name;
+  const char* From;
+  const char* To;
+};
+
+class CopyTest : public testing::TestWithParam<Case> {
+ protected:
+  void Prepare(const Scratch& scratch) {
+    scratch.Write("a.txt", "new");
+    scratch.Write("b.txt", "other");
+    scratch.Write("old.txt", "old");
+    scratch.Write("readonly.txt", "old");
+    SetFileAttributesA((scratch / "readonly.txt").c_str(), FILE_ATTRIBUTE_READONLY);
+    CreateDirectoryA((scratch / "folder").c_str(), nullptr);
+    CreateDirectoryA((scratch / "into").c_str(), nullptr);
+    scratch.Write("folder\\deep.txt", "deep");
+  }
+
+  /// Names, attributes that matter and contents of everything below a folder.
+  std::string Tree(const std::string& folder) {
+    std::string tree;
+    WIN32_FIND_DATAA found;
+    const HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return tree;
+    do {
+      const std::string name = found.cFileName;
+      if (name == "." || name == "..") continue;
+      const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+      const bool readOnly = (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+      tree += name + (readOnly ? "!" : "") + "=";
+      tree += isFolder ? "{" + Tree(folder + "\\" + name) + "}"
+                       : Scratch::Read(folder + "\\" + name) + ";";
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
+    return tree;
+  }
+};
+
+TEST_P(CopyTest, EndsAsTheShellsOwnCopyDoes) {
+  int expectedCode = -1;
+  std::string expectedTree;
+  {
+    const Scratch scratch;
+    Prepare(scratch);
+    const std::string from = scratch / GetParam().From + '\0';
+    const std::string to = scratch / GetParam().To + '\0';
+    SHFILEOPSTRUCTA request = {};
+    request.wFunc = FO_COPY;
+    request.pFrom = from.c_str();
+    request.pTo = to.c_str();
+    request.fFlags = noQuestions;
+    expectedCode = SHFileOperationA(&request);
+    expectedTree = Tree(scratch.Path());
+  }
+  const Scratch scratch;
+  Prepare(scratch);
+  Win32ShellOperations shell;
+  const int code =
+      shell.FileOperation(copy, scratch / GetParam().From, scratch / GetParam().To, noQuestions);
+  EXPECT_EQ(code, expectedCode);
+  EXPECT_EQ(Tree(scratch.Path()), expectedTree);
+}
+
+INSTANTIATE_TEST_SUITE_P(Copies, CopyTest,
+                         testing::Values(Case{"NewFile", "a.txt", "new.txt"},
+                                         Case{"OverAFile", "a.txt", "old.txt"},
+                                         Case{"OverAReadOnlyFile", "a.txt", "readonly.txt"},
+                                         Case{"OfAReadOnlyFile", "readonly.txt", "new.txt"},
+                                         Case{"IntoAFolder", "a.txt", "into"},
+                                         Case{"IntoAFolderSlash", "a.txt", "into\\"},
+                                         Case{"IntoAMissingFolder", "a.txt", "missing\\new.txt"},
+                                         Case{"OntoItself", "a.txt", "a.txt"},
+                                         Case{"MissingFile", "none.txt", "new.txt"},
+                                         Case{"Wildcard", "*.txt", "into"},
+                                         Case{"WholeFolder", "folder", "into"}),
+                         [](const auto& info) { return std::string(info.param.Name); });
+
+TEST(ShellOperations, CopiesUnderNamesWithEightBitCharacters) {
+  const Scratch scratch;
+  const std::string from = scratch.Write(
+      "Gr\xFC\xDF"
+      "e.txt",
+      "x");
+  Win32ShellOperations shell;
+  EXPECT_EQ(shell.FileOperation(copy, from, scratch / "\xC4.txt", noQuestions), 0);
+  EXPECT_EQ(Scratch::Read(scratch / "\xC4.txt"), "x");
+}
+
+}  // namespace
+}  // namespace talu

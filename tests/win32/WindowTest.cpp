@@ -1,0 +1,380 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "SamplePage.h"
+#include "Scratch.h"
+#include "platform/win32/Win32WindowSystem.h"
+
+namespace talu {
+namespace {
+
+using Doings = std::vector<std::string>;
+
+HWND FindFrame(const std::string& form) {
+  for (HWND window = nullptr;
+       (window = FindWindowExA(nullptr, window, "TaLuForm", nullptr)) != nullptr;) {
+    if (GetPropA(window, form.c_str()) != nullptr) return window;
+  }
+  return nullptr;
+}
+
+class WindowTest : public testing::Test {
+ protected:
+  void Show() {
+    windows_.ShowForm(page_);
+    frame_ = FindFrame("FrmSample");
+    SetForegroundWindow(frame_);
+    Settle();
+    page_.Doings.clear();
+  }
+  /// Handles what comes in for a moment.
+  void Settle() {
+    for (int i = 0; i < 10; ++i) {
+      Sleep(5);
+      windows_.DoEvents();
+    }
+  }
+  HWND Control(const std::string& name) const {
+    for (HWND child = GetWindow(frame_, GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+      if (GetPropA(child, name.c_str()) != nullptr) return child;
+    }
+    return nullptr;
+  }
+  std::string TextOf(const std::string& name) const {
+    char text[512] = "";
+    SendMessageA(Control(name), WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
+    return text;
+  }
+  std::string Focused() const {
+    for (std::size_t i = 0; i < page_.ControlCount(); ++i) {
+      if (GetPropA(GetFocus(), page_.ControlAt(i).Name.c_str()) != nullptr) {
+        return page_.ControlAt(i).Name;
+      }
+    }
+    return "";
+  }
+  void Press(WPARAM key) {
+    PostMessageA(GetFocus(), WM_KEYDOWN, key, 1);
+    PostMessageA(GetFocus(), WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+    Settle();
+  }
+  void ClickAt(const std::string& name) {
+    PostMessageA(Control(name), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 4));
+    PostMessageA(Control(name), WM_LBUTTONUP, 0, MAKELPARAM(4, 4));
+    Settle();
+  }
+  bool Checked(const std::string& name) const {
+    return SendMessageA(Control(name), BM_GETCHECK, 0, 0) == BST_CHECKED;
+  }
+  COLORREF PixelOf(const std::string& name, int x, int y) const {
+    const HDC dc = GetDC(Control(name));
+    const COLORREF colour = GetPixel(dc, x, y);
+    ReleaseDC(Control(name), dc);
+    return colour;
+  }
+
+  Win32WindowSystem windows_;
+  SamplePage page_{windows_};
+  HWND frame_ = nullptr;
+};
+
+TEST_F(WindowTest, MakesOneChildWindowAControlInPlace) {
+  Show();
+  ASSERT_NE(frame_, nullptr);
+  const HDC screen = GetDC(nullptr);
+  const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+  ReleaseDC(nullptr, screen);
+  RECT client;
+  GetClientRect(frame_, &client);
+  EXPECT_EQ(client.right, 9000 * dpi / 1440);
+  EXPECT_EQ(client.bottom, 6300 * dpi / 1440);
+  EXPECT_EQ(GetWindowLongA(frame_, GWL_STYLE) & (WS_THICKFRAME | WS_MAXIMIZEBOX), 0);
+  for (std::size_t i = 0; i < page_.ControlCount(); ++i) {
+    const ControlView& view = page_.ControlAt(i);
+    const HWND window = Control(view.Name);
+    ASSERT_NE(window, nullptr) << view.Name;
+    RECT area;
+    GetWindowRect(window, &area);
+    MapWindowPoints(nullptr, frame_, reinterpret_cast<POINT*>(&area), 2);
+    EXPECT_EQ(area.left, MulDiv(view.Left, dpi, 1440)) << view.Name;
+    EXPECT_EQ(area.right, MulDiv(view.Left + view.Width, dpi, 1440)) << view.Name;
+    EXPECT_EQ(GetPropA(window, "Width"), reinterpret_cast<HANDLE>(view.Width)) << view.Name;
+    EXPECT_EQ(IsWindowEnabled(window) != FALSE, view.Enabled) << view.Name;
+  }
+  EXPECT_EQ(TextOf("OptFresh"), "&Fresh installation") << "its label is its name";
+  EXPECT_EQ(TextOf("OptDemo"), "Demo && tour");
+  EXPECT_NE(GetWindowLongA(Control("TxtPsWord"), GWL_STYLE) & ES_PASSWORD, 0);
+}
+
+TEST_F(WindowTest, ClicksReachTheFormWhichSetsTheValue) {
+  Show();
+  SendMessageA(Control("OptDemo"), BM_CLICK, 0, 0);
+  EXPECT_TRUE(Checked("OptDemo"));
+  ClickAt("LblFresh");
+  EXPECT_TRUE(Checked("OptFresh"));
+  EXPECT_FALSE(Checked("OptDemo"));
+  EXPECT_EQ(Focused(), "OptFresh");
+  ClickAt("ChkOldLocation");
+  EXPECT_TRUE(Checked("ChkOldLocation"));
+  ClickAt("OptUpgrade");
+  ClickAt("CmdPrev");
+  EXPECT_EQ(page_.Doings,
+            Doings({"click OptDemo", "click OptFresh", "click ChkOldLocation", "click CmdPrev"}));
+  SendMessageA(frame_, WM_CLOSE, 0, 0);
+  EXPECT_EQ(SendMessageA(frame_, WM_QUERYENDSESSION, 0, 0), TRUE);
+  EXPECT_EQ(page_.Doings[4] + page_.Doings[5], "closeclose");
+}
+
+TEST_F(WindowTest, CanBeUsedByKeyboardAlone) {
+  page_["OptDemo"].Value = true;
+  Show();
+  EXPECT_EQ(Focused(), "OptDemo") << "the selected option is the group's one stop";
+  Press(VK_DOWN);
+  EXPECT_EQ(page_.Doings, Doings({"click OptFresh"})) << "round, past the disabled one";
+  EXPECT_EQ(Focused(), "OptFresh");
+  Doings stops;
+  for (int i = 0; i < 8; ++i) {
+    Press(VK_TAB);
+    stops.push_back(Focused());
+  }
+  EXPECT_EQ(stops, Doings({"ChkOldLocation", "TxtPath", "CmdLocation", "TxtPsWord", "LblFinalMsg",
+                           "CmdPrev", "CmdNext", "OptFresh"}));
+  page_.Doings.clear();
+  PostMessageA(GetFocus(), WM_SYSCHAR, 'l', 1 << 29);
+  Settle();
+  EXPECT_EQ(Focused(), "TxtPath") << "a label's mnemonic leads to the control behind it";
+  PostMessageA(GetFocus(), WM_SYSCHAR, 'u', 1 << 29);
+  Settle();
+  Press(VK_RETURN);
+  PostMessageA(GetFocus(), WM_KEYDOWN, VK_RETURN, 1 << 30);  // held down
+  Settle();
+  EXPECT_EQ(page_.Doings, Doings({"focus TxtPath", "click ChkOldLocation", "click CmdNext"}));
+  page_["CmdNext"].Enabled = false;
+  page_.Changed("CmdNext", Property::Enabled);
+  Press(VK_RETURN);
+  Press(VK_ESCAPE);
+  EXPECT_EQ(page_.Doings.size(), 3u);
+}
+
+TEST_F(WindowTest, TypingReachesTheFormAndItsOwnTextsDoNotEcho) {
+  Show();
+  SetFocus(Control("TxtPath"));
+  SendMessageA(Control("TxtPath"), EM_SETSEL, 0, -1);
+  for (const char c : {'C', ':'})
+    SendMessageA(Control("TxtPath"), WM_CHAR, static_cast<WPARAM>(c), 1);
+  EXPECT_EQ(page_.Doings, Doings({"focus TxtPath", "type TxtPath C", "type TxtPath C:"}));
+  page_["TxtPath"].Text = "D:\\Apps";
+  page_.Changed("TxtPath", Property::Text);
+  page_["TxtPath"].SelStart = 3;
+  page_["TxtPath"].SelLength = 4;
+  page_.Changed("TxtPath", Property::Selection);
+  EXPECT_EQ(page_.Doings.size(), 3u);
+  EXPECT_EQ(TextOf("TxtPath"), "D:\\Apps");
+  EXPECT_EQ(SendMessageA(Control("TxtPath"), EM_GETSEL, 0, 0), MAKELONG(3, 7));
+  SendMessageA(Control("TxtPath"), WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+  EXPECT_EQ(page_["TxtPath"].ToolTipText, "D:\\Apps");
+}
+
+TEST_F(WindowTest, FocusLeavesAControlThatIsDisabledInItsOwnClick) {
+  Show();
+  SetFocus(Control("CmdNext"));
+  page_.OnClick = [&] {
+    page_["CmdNext"].Enabled = false;
+    page_.Changed("CmdNext", Property::Enabled);
+  };
+  Press(VK_SPACE);
+  EXPECT_EQ(page_.Doings.back(), "click CmdNext");
+  EXPECT_FALSE(IsWindowEnabled(Control("CmdNext")));
+  EXPECT_EQ(Focused(), "OptFresh");
+}
+
+TEST_F(WindowTest, ShowsTextsAndBarsWhenAskedOrWhenTheHandlerIsOver) {
+  Show();
+  const COLORREF track = PixelOf("ShpProgBase", 300, 5);
+  page_["LblMsg"].Text = "Copying - x";
+  page_.Changed("LblMsg", Property::Caption);
+  EXPECT_EQ(TextOf("LblMsg"), "Copying - x") << "asked for, so up to date";
+  page_.OnClick = [&] {
+    page_["ShpProgBar"].Width = 5860;
+    page_.Changed("ShpProgBar", Property::Width);
+    page_["LblTitleMsg"].Text = "R & D";
+    page_.Changed("LblTitleMsg", Property::Caption);
+  };
+  SendMessageA(Control("CmdNext"), BM_CLICK, 0, 0);
+  EXPECT_EQ(GetPropA(Control("ShpProgBar"), "Width"), reinterpret_cast<HANDLE>(5860));
+  char title[32] = "";
+  DefWindowProcA(Control("LblTitleMsg"), WM_GETTEXT, sizeof title, reinterpret_cast<LPARAM>(title));
+  EXPECT_STREQ(title, "R & D");
+  Settle();
+  EXPECT_NE(PixelOf("ShpProgBar", 300, 5), track);
+  page_["ShpProgBar"].Visible = false;
+  page_.Changed("ShpProgBar", Property::Visible);
+  Settle();
+  EXPECT_EQ(PixelOf("ShpProgBase", 300, 5), track);
+}
+
+TEST_F(WindowTest, ThousandsOfUpdatesASecondCostNextToNothing) {
+  Show();
+  constexpr int files = 20000;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < files; ++i) {
+    page_["LblMsg"].Text = "Copying - C:\\Apps\\" + std::to_string(i);
+    page_.Changed("LblMsg", Property::Caption);
+    page_["ShpProgBar"].Width = i % 7325;
+    page_.Changed("ShpProgBar", Property::Width);
+    windows_.DoEvents();
+  }
+  const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
+  RecordProperty("microseconds_a_file", std::to_string(time.count() / files));
+  EXPECT_LT(time.count() / files, 20) << "microseconds a file, painting included";
+}
+
+TEST_F(WindowTest, PaintsAndTakesInputWhileAHandlerWorks) {
+  Show();
+  page_["LblMsg"].Text = "working";
+  page_.Changed("LblMsg", Property::Caption);
+  Sleep(40);
+  windows_.DoEvents();
+  char text[32] = "";
+  DefWindowProcA(Control("LblMsg"), WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
+  EXPECT_STREQ(text, "working");
+  EXPECT_FALSE(GetUpdateRect(Control("LblMsg"), nullptr, FALSE));
+  PostMessageA(frame_, WM_CLOSE, 0, 0);
+  Sleep(10);
+  windows_.DoEvents();
+  EXPECT_EQ(page_.Doings, Doings({"close"}));
+}
+
+TEST_F(WindowTest, TheNextPageAppearsWhereTheLastOneStood) {
+  Show();
+  RECT first;
+  RECT work;
+  GetWindowRect(frame_, &first);
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+  EXPECT_NEAR(first.left + first.right, work.left + work.right, 2);
+  EXPECT_NEAR(first.top + first.bottom, work.top + work.bottom, 2);
+
+  SetWindowPos(frame_, nullptr, 31, 47, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  SamplePage next(windows_, "FrmNext");
+  windows_.HideForm(page_);
+  windows_.ShowForm(next);
+  RECT second;
+  GetWindowRect(FindFrame("FrmNext"), &second);
+  EXPECT_EQ(second.left, 31);
+  EXPECT_EQ(second.top, 47);
+  EXPECT_FALSE(IsWindowVisible(frame_));
+
+  windows_.UpdateControl(page_, page_.IndexOf("LblMsg"), Property::Caption);
+  windows_.HideForm(next);
+  EXPECT_TRUE(IsWindowVisible(FindFrame("FrmNext"))) << "until the next page covers it";
+  Settle();
+  EXPECT_FALSE(IsWindowVisible(FindFrame("FrmNext")));
+  windows_.ShowForm(page_);
+  EXPECT_TRUE(IsWindowVisible(frame_));
+}
+
+TEST_F(WindowTest, LongTextsCanAlwaysBeRead) {
+  Show();
+  const auto tip = [&](const std::string& name) {
+    NMTTDISPINFOA info = {};
+    info.hdr.code = static_cast<UINT>(TTN_GETDISPINFOA);
+    info.hdr.idFrom = reinterpret_cast<UINT_PTR>(Control(name));
+    SendMessageA(frame_, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
+    return std::string(info.lpszText);
+  };
+  EXPECT_EQ(tip("LblMsg"), page_["LblMsg"].Text);
+  EXPECT_EQ(tip("LblTitleMsg"), "") << "it fits";
+  page_["LblTitleMsg"].ToolTipText = "own";
+  EXPECT_EQ(tip("LblTitleMsg"), "own");
+
+  const HWND final = Control("LblFinalMsg");
+  EXPECT_NE(GetWindowLongA(final, GWL_STYLE) & WS_VSCROLL, 0);
+  SetFocus(final);
+  Press(VK_END);
+  EXPECT_GT(GetScrollPos(final, SB_VERT), 0);
+  page_["LblFinalMsg"].Text = "short";
+  page_.Changed("LblFinalMsg", Property::Caption);
+  EXPECT_EQ(TextOf("LblFinalMsg"), "short");
+  EXPECT_EQ(GetWindowLongA(final, GWL_STYLE) & (WS_VSCROLL | WS_TABSTOP), 0);
+}
+
+TEST_F(WindowTest, APictureStandsBehindALightCard) {
+  const Scratch scratch;
+  // The smallest bitmap there is: one black pixel.
+  std::string bitmap("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\1\0\0\0\1\0\x18", 30);
+  bitmap.resize(58);
+  page_["ImgBack"].Picture = windows_.LoadPicture(scratch.Write("black.bmp", bitmap));
+  Show();
+  EXPECT_EQ(PixelOf("ImgBack", 2, 2), RGB(0, 0, 0));
+  const COLORREF card = PixelOf("LblTitleMsg", 460, 5);
+  EXPECT_GT(GetRValue(card), 200);
+  page_["ImgBack"].Picture = nullptr;
+  page_.Changed("ImgBack", Property::Picture);
+  Settle();
+  EXPECT_GT(GetRValue(PixelOf("ImgBack", 2, 2)), 200) << "a plain light ground";
+
+  EXPECT_EQ(windows_.LoadPicture(""), nullptr);
+  EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch / "none.jpg"); }), 53);
+  EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch.Write("no.jpg", "text")); }), 481);
+}
+
+/// Waits for a dialog of this process in another thread and answers it.
+class Answer {
+ public:
+  template <class Action>
+  explicit Answer(const Action& action)
+      : thread_([action] {
+          for (int i = 0; i < 500; ++i, Sleep(10)) {
+            const HWND dialog = FindWindowA("#32770", nullptr);
+            if (dialog == nullptr || !IsWindowVisible(dialog)) continue;
+            Sleep(100);
+            action(dialog);
+            return;
+          }
+        }) {}
+  ~Answer() { thread_.join(); }
+  Answer(const Answer&) = delete;
+  Answer& operator=(const Answer&) = delete;
+
+ private:
+  std::thread thread_;
+};
+
+TEST_F(WindowTest, MessageBoxesBelongToThePage) {
+  Show();
+  std::string title(64, '\0');
+  HWND owner = nullptr;
+  {
+    const Answer answer([&](HWND dialog) {
+      title.resize(static_cast<std::size_t>(GetWindowTextA(dialog, title.data(), 64)));
+      owner = GetWindow(dialog, GW_OWNER);
+      PostMessageA(dialog, WM_COMMAND, IDOK, 0);
+    });
+    windows_.MessageBox("text", "");
+  }
+  EXPECT_EQ(title, "TA-LU Setup");
+  EXPECT_EQ(owner, frame_);
+}
+
+TEST_F(WindowTest, TheFolderBrowserGivesAPathOrNothing) {
+  Show();
+  char windowsFolder[MAX_PATH];
+  GetWindowsDirectoryA(windowsFolder, MAX_PATH);
+  {
+    const Answer answer([](HWND dialog) { PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0); });
+    EXPECT_EQ(windows_.BrowseForFolder(page_, "Select"), std::nullopt);
+  }
+  const Answer answer([&](HWND dialog) {
+    SendMessageA(dialog, BFFM_SETSELECTIONA, TRUE, reinterpret_cast<LPARAM>(windowsFolder));
+    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
+  });
+  const auto chosen = windows_.BrowseForFolder(page_, "Select");
+  ASSERT_TRUE(chosen.has_value());
+  EXPECT_STRCASEEQ(chosen->c_str(), windowsFolder);
+}
+
+}  // namespace
+}  // namespace talu

@@ -1,0 +1,201 @@
+# Sourced by demo, test, bench and the end-to-end tests: builds what they need and makes machines to
+# install on. Everything lies under build/; whatever is started here ends with the caller.
+#
+# A machine is a folder: wine/ is its prefix (wine/drive_c its C:), media/ its D:, shots/ what was
+# photographed.
+
+Root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+Logs=$Root/build/log
+Started=()
+Machines=()
+
+Fail() {
+  echo "${0##*/}: $1" >&2
+  exit 1
+}
+
+# Wine reads file names by the locale; builds and tools must not depend on it.
+export LC_ALL=C.UTF-8
+
+EndAll() {
+  local status=$? machine process
+  for machine in "${Machines[@]}"; do
+    WINEPREFIX=$machine/wine wineserver -k 2>/dev/null || true
+  done
+  for process in "${Started[@]}"; do
+    kill "$process" 2>/dev/null && wait "$process" 2>/dev/null || true
+  done
+  return "$status"
+}
+trap EndAll EXIT
+set -o errtrace
+trap 'echo "${0##*/}: \"$BASH_COMMAND\" failed (${BASH_SOURCE[0]##*/}, line $LINENO)" >&2' ERR
+trap 'exit 130' INT TERM
+
+# Build PRESET TARGET...: configures at the first time, builds, and says in one line what went wrong.
+Build() {
+  local preset=$1 log=$Logs/build-$1.log
+  shift
+  mkdir -p "$Logs"
+  local ccache=()
+  command -v ccache >/dev/null &&
+    ccache=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  export CCACHE_DIR=${CCACHE_DIR:-$Root/build/ccache}
+  (cd "$Root" && cmake --preset "$preset" "${ccache[@]}") >"$log" 2>&1 ||
+    Fail "configuring $preset failed: $(grep -m1 -A2 'CMake Error' "$log" | tr '\n' ' ')(see $log)"
+  (cd "$Root" && cmake --build --preset "$preset" ${1:+--target "$@"}) >>"$log" 2>&1 ||
+    Fail "building $preset failed: $(grep -m1 -E 'error:|FAILED' "$log") (see $log)"
+}
+
+# StartDisplay: a screen of its own, in DISPLAY.
+StartDisplay() {
+  local file=$Logs/display
+  mkdir -p "$Logs"
+  : >"$file"
+  Xvfb -displayfd 3 -screen 0 "${1:-1280x1024}x24" -nolisten tcp 3>"$file" >/dev/null 2>&1 &
+  Started+=($!)
+  local i
+  for ((i = 0; i < 100; i++)); do
+    [[ -s $file ]] && break
+    sleep 0.05
+  done
+  [[ -s $file ]] || Fail "Xvfb did not start"
+  export DISPLAY=:$(<"$file")
+}
+
+# MakeMachine DIR [DPI]: a fresh machine; its environment is set for what follows.
+MakeMachine() {
+  local dir=$1 dpi=${2:-96}
+  local base=$Root/build/machine-$dpi
+  "$Root/tools/wine/prefix" "$base" "$Root/build/win32" --dpi "$dpi" >/dev/null 2>"$Logs/prefix.log" ||
+    Fail "the Wine prefix could not be made: $(tail -n1 "$Logs/prefix.log")"
+  [[ -f $base/desktop ]] || {
+    # A desktop of Wine's own gives windows their captions.
+    WINEPREFIX=$base/wine WINEARCH=win32 WINEDEBUG=-all wine reg add 'HKCU\Software\Wine\Explorer' \
+      /v Desktop /d Default /f >/dev/null 2>&1
+    WINEPREFIX=$base/wine WINEARCH=win32 WINEDEBUG=-all \
+      wine reg add 'HKCU\Software\Wine\Explorer\Desktops' \
+      /v Default /d "${DesktopSize:-1024x768}" /f >/dev/null 2>&1
+    WINEPREFIX=$base/wine wineserver -w
+    touch "$base/desktop"
+  }
+  rm -rf "$dir"
+  mkdir -p "$(dirname "$dir")"
+  cp -a "$base" "$dir"
+  dir=$(cd "$dir" && pwd)
+  Machines+=("$dir")
+  mkdir -p "$dir/media" "$dir/shots"
+  ln -sfn "$dir/media" "$dir/wine/dosdevices/d:"
+  rm -f "$dir/odbc/odbc.ini"
+  export WINEPREFIX=$dir/wine WINEARCH=win32 WINEDEBUG=${WINEDEBUG:--all} \
+    WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d' ODBCSYSINI=$dir/odbc ODBCINI=/dev/null TDSVER=7.3
+  Machine=$dir
+}
+
+# PutPack DIR: the pack with Setup.exe as D:\Pack of the machine.
+PutPack() {
+  rm -rf "$Machine/media/Pack"
+  cp -r "$1" "$Machine/media/Pack"
+  chmod -R u+w "$Machine/media/Pack"
+  cp "$Root/build/win32/src/platform/win32/Setup.exe" "$Machine/media/Pack/"
+}
+
+# StartServer DATA DRIVE_C [OPTION...]: the stand-in server; its address is in Server. The password is
+# in SQL_PASSWORD.
+StartServer() {
+  local data=$1 drive=$2 out i
+  shift 2
+  mkdir -p "$data"
+  out=$data/listening
+  : >"$out"
+  SQLSTANDIN_PASSWORD=$SQL_PASSWORD "$Root/build/release/tools/sqlstandin/sqlstandin" --port 0 \
+    --data "$data" --drive "C=$drive" --journal "$data/journal.jsonl" "$@" >"$out" 2>"$data/errors" &
+  ServerProcess=$!
+  Started+=("$ServerProcess")
+  for ((i = 0; i < 100; i++)); do
+    grep -q listening "$out" && break
+    sleep 0.05
+  done
+  grep -q listening "$out" || Fail "sqlstandin did not start: $(head -n1 "$data/errors")"
+  Port=$(grep -oE '[0-9]+$' "$out")
+  Server=127.0.0.1,$Port
+}
+
+StopServer() {
+  kill "$ServerProcess" 2>/dev/null && wait "$ServerProcess" 2>/dev/null || true
+}
+
+# Query DATABASE STATEMENT: the rows, by the wire.
+Query() {
+  printf '%s\ngo\n' "$2" |
+    tsql -H 127.0.0.1 -p "$Port" -U sa -P "$SQL_PASSWORD" -D "$1" -o fhq 2>/dev/null |
+    sed 's/[[:space:]]*$//' | grep -v '^$'
+}
+
+# LoadFreshScripts PACK DRIVE_C: what the pack's fresh scripts make, on the server, without the wizard.
+LoadFreshScripts() {
+  local script list file
+  list=$(tr -d '\r' <"$1/AppCfg.txt" | awk '$0 == "FreshDBSript" {k = 1} k && $0 == "}" {exit}
+    k == 2 {print} k && $0 == "{" {k = 2}')
+  while read -r script; do
+    [[ -n $script ]] || continue
+    file=$1/SQLScript/Fresh/$script
+    # The folders that the statements name, on the server's drive.
+    { grep -oE "[Cc]:\\\\[^']*\\\\" "$file" || true; } | sort -u | while read -r folder; do
+      folder=${folder:3}
+      mkdir -p "$2/${folder//\\//}"
+    done
+    iconv -f CP1252 -t UTF-8 "$file" | tr -d '\r' | awk '
+      toupper($0) ~ /--TALULINEBYLINE/ {lines = 1; next}
+      toupper($0) ~ /--TALUGO/ {lines = 0; next}
+      {print} lines && NF {print "GO"}' |
+      bsqldb -S "127.0.0.1:$Port" -U sa -P "$SQL_PASSWORD" -D master -q >"$Logs/load.log" 2>&1 ||
+      Fail "the server refused $script: $(head -n1 "$Logs/load.log")"
+  done <<<"$list"
+}
+
+# Drive SCRIPT [OPTION...]: plays a script; its output is in Machine/drive.log.
+Drive() {
+  local script=$1
+  shift
+  wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" --start 'D:\Pack\Setup.exe' \
+    --shots "Z:${Machine//\//\\}\\shots" --set "SERVER=${Server:-none}" --end-on-failure -v "$@" \
+    </dev/null >"$Machine/drive.log" 2>&1
+}
+
+# What stands in front of a page's first line: a type that the pack has no scripts for is not clicked.
+HasScripts() {
+  tr -d '\r' <"$Machine/media/Pack/AppCfg.txt" | awk -v key="$1" '$0 == key {k = 1; next}
+    k && $0 == "{" {k = 2; next} k && $0 == "}" {exit 1} k == 2 {found = 1; exit 0}
+    END {exit !found}'
+}
+
+# WriteScript FILE MODE TYPE: a drive script for a whole installation, with a picture of every page.
+WriteScript() {
+  local option key
+  case $3 in
+    fresh) option=OptFresh key=FreshDBSript ;;
+    demo) option=OptDemo key=DemoDBSript ;;
+    upgrade) option=OptUpgrade key=UpgradeDBSript ;;
+  esac
+  {
+    echo 'wait FrmType'
+    ! HasScripts "$key" || echo "click $option"
+    echo 'shot 1-type.png'
+    echo 'click CmdNext'
+    echo 'wait FrmMode'
+    if [[ $2 == server ]]; then
+      printf '%s\n' 'click OptServer' 'shot 2-mode.png' 'click CmdNext' 'wait FrmAuthentication' \
+        'type TxtUsrName sa' 'type TxtPsWord ${env:SQL_PASSWORD}' 'type TxtServer ${SERVER}' \
+        'shot 3-authentication.png' 'click CmdNext' 'wait FrmLocation' 'click CmdLocation' \
+        'browse ${FOLDER}' 'shot 4-location.png' 'click CmdNext' 'timeout 600' \
+        'wait FrmSQLNonQuery' 'shot 5-database.png' 'wait FrmApplication'
+    else
+      printf '%s\n' 'click OptClient' 'shot 2-mode.png' 'click CmdNext' 'wait FrmLocation' \
+        'click CmdLocation' 'browse ${FOLDER}' 'type TxtServer ${SERVER}' 'shot 4-location.png' \
+        'click CmdNext' 'timeout 600' 'wait FrmApplication'
+    fi
+    printf '%s\n' 'expect Lblmsg text Installation finished. Click Finish to Exit.' \
+      'expect ShpProgBar width 7325' 'shot 6-application.png' 'finish'
+  } >"$1"
+}
