@@ -16,6 +16,7 @@ void FrmApplication::ShowFinalMsg() {
     Lblmsg.Caption = "Please read below instructions carefully...";
     std::string line;
     for (int i = 1; i <= n; ++i) {
+      line.clear();  // a line that cannot be read must not show the one before again
       step([&] { line = wizard_.GetCfgValue("FinalMsg", i); });
       if (!TrimView(line).empty()) LblFinalMsg.Caption = LblFinalMsg.Caption.Get() + "\r" + line;
     }

@@ -83,8 +83,10 @@ void OptionButton::Changed(Property property) {
   Raise(Click);
 }
 
-CheckBox::CheckBox(Form& form, const std::string& name, const std::string& labelledBy, Place place)
+CheckBox::CheckBox(Form& form, const std::string& name, const std::string& caption,
+                   const std::string& labelledBy, Place place)
     : VisibleControl(form, ControlKind::CheckBox, name, place) {
+  view_.Text = caption;
   view_.LabelledBy = labelledBy;
 }
 

@@ -68,7 +68,8 @@ class ControlProperty {
   operator const T&() const { return Get(); }  // NOLINT(google-explicit-constructor)
 
   ControlProperty& operator=(T value) {
-    if (Get() == value) return *this;
+    // The window does not report its own selection back, so the same one may have to be made again.
+    if (Get() == value && property_ != Property::Selection) return *this;
     owner_.view_.*field_ = std::move(value);
     owner_.Notify(property_);
     return *this;
@@ -159,7 +160,8 @@ class OptionButton : public VisibleControl {
 /// Another value raises `Click`, whoever gives it.
 class CheckBox : public VisibleControl {
  public:
-  CheckBox(Form& form, const std::string& name, const std::string& labelledBy, Place place);
+  CheckBox(Form& form, const std::string& name, const std::string& caption,
+           const std::string& labelledBy, Place place);
 
   ControlProperty<std::string> Caption{*this, &ControlView::Text, Property::Caption};
   ControlProperty<bool> Value{*this, &ControlView::Value, Property::Value};

@@ -15,7 +15,8 @@ void Form::Show() {
     loaded_ = true;
     Raise([this] { Form_Load(); });
   }
-  windows_.ShowForm(*this);
+  // The page before is hidden by now: without this one nothing would be left on the screen.
+  Raise([this] { windows_.ShowForm(*this); });
   Raise([this] { Form_Activate(); });
 }
 
@@ -45,7 +46,10 @@ const ControlView& Form::ControlAt(std::size_t index) const {
 
 void Form::OperatorClicked(std::size_t index) {
   const ControlView& view = ControlAt(index);
-  if (view.Enabled && view.Visible) controls_.at(index)->OperatorClicked();
+  if (clicked_ || !view.Enabled || !view.Visible) return;
+  clicked_ = true;
+  controls_.at(index)->OperatorClicked();
+  clicked_ = false;
 }
 
 void Form::OperatorTyped(std::size_t index, const std::string& text) {

@@ -15,6 +15,10 @@ namespace talu {
 ///
 /// Every event procedure stands on its own: a run-time error that it does not catch ends the
 /// program (`EndWithErrorBox`) and never reaches the procedure that caused the event.
+///
+/// While the procedure of a click runs and lets window events through, further clicks on the same
+/// page are refused: its work is never started twice and its page is never left under it. Closing
+/// it is not refused.
 class Form : public FormWindow {
  public:
   /// Sizes are those of the client area, in twips.
@@ -68,6 +72,7 @@ class Form : public FormWindow {
   int height_;
   int pointer_ = 0;
   bool loaded_ = false;
+  bool clicked_ = false;
   std::vector<Control*> controls_;
 };
 

@@ -30,7 +30,7 @@ void FrmAuthentication::Form_Load() {
   wentBack_ = false;
   SetUpFrame();
   // The server's name is not looked at here.
-  if (state.SqlPassword.empty() || state.SqlUser.empty()) CmdNext.Enabled = false;
+  CmdNext.Enabled = !state.SqlPassword.empty() && !state.SqlUser.empty();
   ShpProgBar.Width = ProgressShare(3);
 }
 
@@ -52,6 +52,7 @@ void FrmAuthentication::CmdNext_Click() {
     Hide();
     wizard_.Page<FrmLocation>().Show();
   } catch (const RuntimeError&) {
+    connection_.reset();  // one that would not close refuses every further try
     LblMsg.Caption = "Authentication failed...";
     CmdNext.Enabled = false;
   }

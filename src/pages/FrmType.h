@@ -23,7 +23,7 @@ class FrmType : public WizardPage {
   Label LblUpgradeDescription{*this, "LblUpgradeDescription",
                               "Select this option if an installation already exists",
                               TextStyle::Body, layout::Text(2880)};
-  CheckBox ChkOldLocation{*this, "ChkOldLocation", "LblOldLocation",
+  CheckBox ChkOldLocation{*this, "ChkOldLocation", "Check1", "LblOldLocation",
                           layout::Mark(layout::kIndent, 3360)};
   Label LblOldLocation{*this,
                        "LblOldLocation",

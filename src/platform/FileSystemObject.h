@@ -51,8 +51,8 @@ class FileSystemObject {
 
   virtual bool FileExists(const std::string& path) = 0;
   virtual bool FolderExists(const std::string& path) = 0;
-  /// Creates one level. Raises 58 when it is there already, 76 when the parent is not, 70 when it
-  /// may not be written.
+  /// Creates one level. Raises 5 for an empty path, 58 when it is there already, 76 when the parent
+  /// is not, 70 when it may not be written.
   virtual void CreateFolder(const std::string& path) = 0;
   /// Deletes one file. `force` deletes read-only files too. Raises 53 when it is not there, 70
   /// when it is in use or protected.

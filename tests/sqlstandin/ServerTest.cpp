@@ -42,6 +42,45 @@ TEST(Login, ChecksNamePasswordAndDatabase) {
     EXPECT_EQ(record.dump().find("p w"), std::string::npos);
 }
 
+TEST(Drives, FollowPathsAsWindowsDoes) {
+  const TestFolder folder;
+  fs::create_directories(folder.Path() / "Program Files" / "M\xC3\xBCller");
+  std::ofstream(folder.Path() / "Program Files" / "Old.mdf") << "x";
+  Drives drives;
+  EXPECT_THROW(drives.Add("C"), std::invalid_argument);
+  EXPECT_THROW(drives.Add("C=" + (folder.Path() / "nowhere").string()), std::invalid_argument);
+  drives.Add("c=" + folder.Path().string());
+  const struct {
+    std::string Path;
+    const char* Found;  // below the folder; empty: not to be had
+    bool Exists;
+  } cases[] = {
+      {"C:\\PROGRAM FILES\\old.MDF", "Program Files/Old.mdf", true},
+      {"c:/program files/New.mdf. ", "Program Files/New.mdf", false},
+      {"C:\\program files \\m\xC3\x9CLLER\\a.mdf", "Program Files/M\xC3\xBCller/a.mdf", false},
+      {"C:\\..\\..\\x\\..\\a.mdf", "a.mdf", false},
+      {"C:\\nowhere\\a.mdf", "", false},
+      {"C:\\Program Files", "", true},
+      {"D:\\a.mdf", "", false},
+      {"C:a.mdf", "", false},
+      {"C:\\a|b.mdf", "", false},
+      {std::string("C:\\a\0b.mdf", 10), "", false},
+      {"\\\\server\\share\\a.mdf", "", false},
+      {"", "", false},
+      {"C:\\", "", false},
+  };
+  for (const auto& each : cases) {
+    const FoundPath found = drives.Find(each.Path);
+    const std::string expected = each.Found;
+    EXPECT_EQ(found.FolderExists, !expected.empty()) << each.Path;
+    EXPECT_EQ(found.SystemError.empty(), found.FolderExists) << each.Path;
+    EXPECT_EQ(found.Exists, each.Exists) << each.Path;
+    if (found.FolderExists) {
+      EXPECT_EQ(found.File, folder.Path() / expected);
+    }
+  }
+}
+
 TEST(Databases, StandAtTheirPaths) {
   const TestFolder folder;
   fs::create_directories(folder.Path() / "c" / "Data" / "sub");
@@ -206,6 +245,7 @@ TEST(Server, ServesSeveralSessionsAtOnce) {
   const RunningServer server(folder.Path());
   LoggedIn(server).Batch("CREATE TABLE t (a int)");
   std::vector<std::thread> clients;
+  clients.reserve(8);
   for (int i = 0; i < 8; ++i) {
     clients.emplace_back([&server] {
       LoggedIn client(server);

@@ -233,6 +233,7 @@ Answer TestClient::Receive() {
       }
       case 0xD1: {
         std::vector<std::string> row;
+        row.reserve(columns.size());
         for (const WireColumn& column : columns) row.push_back(TakeValue(body, column));
         answer.Rows.push_back(std::move(row));
         break;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "Pack.h"
 #include "pages/FrmLocation.h"
 
@@ -206,6 +208,20 @@ TEST_F(PagesTest, NextOverAnInstallationBacksItUpAndGoesOnWithItsRecord) {
   machine.Clock.Time.Minute = 6;
   windows.Click("CmdNext");
   EXPECT_EQ(Get("C:\\Progs\\TA-LU\\App BackUp\\AppFolderBkp_7_3_2012_9_6\\Sub\\old.txt"), "old");
+}
+
+TEST_F(PagesTest, ImpatientClicksDuringTheBackupAreRefused) {
+  machine.Disk.WriteFile(app + "\\old.txt", "old");
+  GoToLocation("OptFresh", "OptClient", "C:\\Progs");
+  windows.DuringEvents = [this] {
+    windows.Type("TxtServer", "SRV2");  // brings Next back
+    windows.Click("CmdNext");
+    windows.Click("CmdPrev");
+  };
+  windows.Click("CmdNext");
+  EXPECT_EQ(windows.VisibleForm(), "FrmApplication");
+  EXPECT_EQ(machine.Journal.Texts("show", "form").back(), "FrmApplication");
+  EXPECT_EQ(std::ranges::count(LogEntries(), "Installation finished."), 1);
 }
 
 TEST_F(PagesTest, AMinuteThatPassesBeforeTheCopyLeavesTheBackupEmpty) {

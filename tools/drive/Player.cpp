@@ -147,7 +147,10 @@ HWND Player::Usable(const std::string& name) {
     if (control == nullptr) return "there is no such control, " + setup_.PagesShown();
     if (!IsWindowVisible(control)) return "it is hidden";
     if (!IsWindowEnabled(control)) return "it is disabled";
-    if (setup_.Dialog() != nullptr) return "a dialog stands before the page";
+    // A page is disabled from the moment that a dialog of its own is made, before that is shown.
+    if (setup_.Dialog() != nullptr || !IsWindowEnabled(GetAncestor(control, GA_ROOT))) {
+      return "a dialog stands before the page";
+    }
     return "";
   });
   return control;

@@ -37,7 +37,7 @@ inline constexpr std::string_view masterName = "master";
 class Catalogue {
  public:
   /// Raises std::runtime_error when the data folder cannot be used or another server uses it.
-  Catalogue(std::filesystem::path dataFolder, Drives drives, std::string adminName,
+  Catalogue(const std::filesystem::path& dataFolder, Drives drives, std::string adminName,
             std::string adminPassword);
   ~Catalogue();
   Catalogue(const Catalogue&) = delete;

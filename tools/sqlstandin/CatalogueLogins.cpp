@@ -59,7 +59,7 @@ std::string LocalTimeText() {
   return {text.data(), size};
 }
 
-Catalogue::Catalogue(std::filesystem::path dataFolder, Drives drives, std::string adminName,
+Catalogue::Catalogue(const std::filesystem::path& dataFolder, Drives drives, std::string adminName,
                      std::string adminPassword)
     : folder_(std::filesystem::absolute(dataFolder)),
       drives_(std::move(drives)),

@@ -17,10 +17,11 @@ constexpr std::size_t firstPacketSize = 4096;
 constexpr std::size_t smallestPacketSize = 512;
 constexpr std::size_t largestPacketSize = 32767;
 /// Bytes of a message before the login, and after it: a batch of 500 million characters.
-constexpr std::size_t loginLimit = 128 * 1024;
+constexpr std::size_t loginLimit = std::size_t{128} * 1024;
 constexpr std::size_t batchLimit = std::size_t{1000} * 1000 * 1000;
 /// How long a client may take to log in.
 constexpr timeval loginTime{30, 0};
+constexpr std::size_t receiveSize = std::size_t{64} * 1024;
 constexpr std::string_view language = "us_english";
 
 /// The client has gone, or does not want to hear more.
@@ -59,7 +60,7 @@ void Connection::Serve() {
 /// Reads what has come; false at the end of the connection or, without waiting, when there is
 /// nothing.
 bool Connection::ReceiveMore(bool waits) {
-  std::array<char, 64 * 1024> bytes;
+  std::array<char, receiveSize> bytes;
   const ssize_t size =
       recv(socket_->Number(), bytes.data(), bytes.size(), waits ? 0 : MSG_DONTWAIT);
   if (size > 0) {

@@ -73,6 +73,12 @@ SqlMessage InvalidObject(std::string_view name) {
 SqlMessage AmbiguousColumn(std::string_view name) {
   return Error(209, 16, 1, "Ambiguous column name '%'.", {name});
 }
+SqlMessage DuplicateColumn(std::string_view name) {
+  return Error(2705, 16, 4,
+               "Column names in each table must be unique. Column name '%' is specified more than "
+               "once.",
+               {name});
+}
 SqlMessage UnknownFunction(std::string_view name) {
   return Error(195, 15, 10, "'%' is not a recognized built-in function name.", {name});
 }

@@ -55,6 +55,7 @@ SqlMessage UnknownType(std::size_t column, std::string_view type);
 SqlMessage InvalidColumn(std::string_view name);
 SqlMessage InvalidObject(std::string_view name);
 SqlMessage AmbiguousColumn(std::string_view name);
+SqlMessage DuplicateColumn(std::string_view name);
 SqlMessage UnknownFunction(std::string_view name);
 SqlMessage ColumnCount();
 SqlMessage MoreColumnsThanValues();

@@ -53,7 +53,7 @@ constexpr std::string_view serverName = "SQLSTANDIN";
 constexpr std::size_t longestMessage = 2047;
 constexpr std::size_t longestColumnName = 128;
 /// Bytes gathered before anything is sent.
-constexpr std::size_t flushSize = 128 * 1024;
+constexpr std::size_t flushSize = std::size_t{128} * 1024;
 
 std::string Utf16(std::string_view utf8) {
   std::string bytes;

@@ -18,7 +18,7 @@ std::string Between(std::string_view text, std::string_view left, std::string_vi
   return rest.substr(0, rest.rfind(right));
 }
 
-std::string WithoutMain(std::string name) {
+std::string WithoutMain(const std::string& name) {
   return name.starts_with("main.") ? name.substr(5) : name;
 }
 
@@ -51,7 +51,8 @@ SqlMessage OfConstraint(int code, std::string_view text, std::string_view verb,
 
 SqlMessage OfStatement(std::string_view text, std::string_view verb) {
   std::string name;
-  if (!(name = Between(text, "near \"", "\": syntax error")).empty()) {
+  if (!(name = Between(text, "near \"", "\": syntax error")).empty() ||
+      !(name = Between(text, "unrecognized token: \"", "\"")).empty()) {
     return message::SyntaxNear(name);
   }
   if (text == "incomplete input") return message::SyntaxNear(verb);
@@ -65,19 +66,24 @@ SqlMessage OfStatement(std::string_view text, std::string_view verb) {
   }
   if (!(name = After(text, "no such index: ")).empty()) return message::CannotDrop("index", name);
   if (!(name = After(text, "no such column: ")).empty() ||
-      !(name = After(text, "has no column named ")).empty() ||
-      !(name = Between(text, "no such column: \"", "\"")).empty()) {
+      !(name = After(text, "has no column named ")).empty()) {
+    std::erase(name, '"');  // SQLite quotes some names and not others
     return message::InvalidColumn(name.substr(name.rfind('.') + 1));
   }
   if (!(name = After(text, "ambiguous column name: ")).empty()) {
     return message::AmbiguousColumn(name);
   }
-  if (!(name = After(text, "no such function: ")).empty()) return message::UnknownFunction(name);
+  if (!(name = After(text, "no such function: ")).empty() ||
+      !(name = Between(text, "unknown function: ", "()")).empty()) {
+    return message::UnknownFunction(name);
+  }
+  if (!(name = After(text, "duplicate column name: ")).empty()) {
+    return message::DuplicateColumn(name);
+  }
   for (const char* kind : {"table ", "view ", "index ", "there is already a table named "}) {
     if (text.starts_with(kind) && text.ends_with(" already exists")) {
       name = Between(text, kind, " already exists");
-      // SQLite quotes some names and not others.
-      if (name.size() > 1 && name.front() == '"') name = name.substr(1, name.size() - 2);
+      std::erase(name, '"');
       return message::ObjectExists(name);
     }
   }

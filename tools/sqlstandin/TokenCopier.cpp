@@ -173,14 +173,19 @@ void TokenCopier::CopyWord(const Token& token) {
     Put(CastType(type->What));
   } else if (token.Raw.size() > 7 && FindSystemView(token.Raw) != nullptr) {
     PutSystemView(token.Raw, "");
-  } else if (IsNameHere(token) || token.Raw.find_first_of("@$#") != std::string_view::npos) {
-    Put(QuoteName(token.Raw));
   } else {
     if (IsOneOf(token, {"FROM", "WHERE", "AND", "OR", "WHEN", "THEN", "ELSE", "AS", "ORDER"})) {
       frames_.back().JoinsTexts = false;
     }
-    Put(token.Raw);
+    PutWord(token);
   }
+}
+
+/// A word that SQLite would not take for a name is put in quotes.
+void TokenCopier::PutWord(const Token& token) {
+  const bool needsQuotes =
+      IsNameHere(token) || token.Raw.find_first_of("@$#") != std::string_view::npos;
+  Put(needsQuotes ? QuoteName(token.Raw) : std::string(token.Raw));
 }
 
 void TokenCopier::CopyFunction(const Token& token) {
@@ -203,7 +208,7 @@ void TokenCopier::CopyFunction(const Token& token) {
         return;
       }
     }
-    Put(IsNameHere(token) ? QuoteName(token.Raw) : std::string(token.Raw));
+    PutWord(token);
   }
 }
 

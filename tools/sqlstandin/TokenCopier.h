@@ -32,6 +32,7 @@ class TokenCopier {
 
   void Put(std::string_view text);
   void CopyWord(const Token& token);
+  void PutWord(const Token& token);
   void CopyFunction(const Token& token);
   void CopyNames(const Token& first);
   void CopySymbol(const Token& token);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/simulated/CodePage.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -37,6 +39,9 @@ class Journal {
  public:
   /// Counts a request that may fail. Raises the error that was asked for this request.
   void Count(const char* request);
+  /// Told of every such request before it is carried out, with its number (from 1); what it throws
+  /// comes out of the request.
+  std::function<void(int number, const char* request)> OnRequest;
   /// Requests counted so far.
   int Requests() const { return requests_; }
   /// Makes request number `request` (from 1) fail once.
@@ -44,7 +49,16 @@ class Journal {
   /// The name of the request that failed on demand; empty when none has.
   const std::string& FailedRequest() const { return failedRequest_; }
 
-  void Add(JournalEvent event) { events_.push_back(std::move(event)); }
+  void Add(JournalEvent event) {
+    if (watcher_) {
+      watcher_(event);
+    } else {
+      events_.push_back(std::move(event));
+    }
+  }
+  /// From now on hands each event to `watcher` as it happens and keeps none; keeps them again
+  /// without one.
+  void Watch(std::function<void(const JournalEvent&)> watcher) { watcher_ = std::move(watcher); }
   const std::vector<JournalEvent>& Events() const { return events_; }
   /// One text per event of a kind: the value of `field`.
   std::vector<std::string> Texts(const std::string& kind, const std::string& field) const;
@@ -73,14 +87,11 @@ class Journal {
 
  private:
   std::vector<JournalEvent> events_;
+  std::function<void(const JournalEvent&)> watcher_;
   int requests_ = 0;
   int failAt_ = 0;
   std::optional<RuntimeError> failure_;
   std::string failedRequest_;
 };
-
-/// Windows-1252 to UTF-8 and back; what the other does not know becomes "?".
-std::string Utf8FromAnsi(const std::string& text);
-std::string AnsiFromUtf8(const std::string& text);
 
 }  // namespace talu

@@ -3,7 +3,6 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -42,6 +41,9 @@ class SimulatedServer : public Ado {
   void Connect(const std::string& text);
   void Run(const std::string& statement, int timeout);
   void Carry(const std::string& statement);
+  void CarryOne(const std::string& verb, const std::string& name, bool login, bool asked);
+  /// Whether the upper-cased name is there.
+  bool Has(const std::string& name, bool login) const;
 
   Journal& journal_;
   SimulatedOdbc& odbc_;
@@ -50,9 +52,5 @@ class SimulatedServer : public Ado {
 
 /// The provider's error for a statement that the server refuses; `text` is the server's.
 RuntimeError StatementError(const std::string& text);
-
-/// The words of a statement: keywords and names without brackets, quoted texts with a leading
-/// quote, single characters; comments left out.
-std::vector<std::string> SqlWords(std::string_view statement);
 
 }  // namespace talu

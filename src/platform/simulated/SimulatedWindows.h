@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,7 +28,9 @@ class SimulatedWindows : public WindowSystem {
   void MessageBox(const std::string& text, const std::string& title) override;
   std::optional<std::string> BrowseForFolder(FormWindow& owner, const std::string& title) override;
   std::shared_ptr<Picture> LoadPicture(const std::string& path) override;
-  void DoEvents() override {}
+  void DoEvents() override {
+    if (DuringEvents) DuringEvents();
+  }
   [[noreturn]] void EndProgram() override;
 
   // The operator. What cannot be done (no such control, disabled, not visible) is refused: false.
@@ -57,6 +60,8 @@ class SimulatedWindows : public WindowSystem {
 
   /// What the operator does at the next folder browsers; cancels when there is nothing left.
   std::deque<std::optional<std::string>> BrowseAnswers;
+  /// What the operator does whenever the wizard lets window events through.
+  std::function<void()> DuringEvents;
   /// Raised by the next folder browser.
   std::optional<RuntimeError> BrowseError;
 

@@ -28,6 +28,8 @@ class Canvas {
   void Fill(Colour colour);
   /// A rectangle with round corners, mixed in with `opacity` from 0 to 1.
   void FillRound(const RECT& area, double radius, Colour colour, double opacity = 1);
+  /// As much of it as lies within `limit`.
+  void FillRoundWithin(const RECT& limit, const RECT& area, double radius, Colour colour);
   /// Its outline, `thickness` pixels wide, inside the rectangle.
   void FrameRound(const RECT& area, double radius, double thickness, Colour colour);
   /// Line from point to point with round ends.
@@ -36,9 +38,10 @@ class Canvas {
   void CopyTo(HDC target, const RECT& area, int left, int top) const;
 
  private:
-  /// Mixes `colour` into each pixel of `area` as far as `coverage` (at its middle) says.
+  /// Mixes `colour` into each pixel of `area` as far as `coverage` (at its middle) says. Within
+  /// `inner` the coverage is the same everywhere and asked for only once.
   void Blend(const RECT& area, Colour colour,
-             const std::function<double(double x, double y)>& coverage);
+             const std::function<double(double x, double y)>& coverage, const RECT& inner = {});
 
   int width_;
   int height_;

@@ -20,6 +20,9 @@ Colour TextColour(const ControlView& view) {
   }
 }
 
+/// Lines that one notch of the wheel scrolls.
+constexpr int wheelLines = 3;
+
 int ClientWidth(HWND window) {
   RECT client;
   GetClientRect(window, &client);
@@ -55,7 +58,7 @@ class MeasuringDc {
 
 LabelWindow::LabelWindow(FormFrame& frame, std::size_t index)
     : ControlWindow(frame, index, "STATIC", SS_LEFT | SS_NOPREFIX) {
-  BringUpToDate();
+  LabelWindow::BringUpToDate();
 }
 
 void LabelWindow::BringUpToDate() {
@@ -86,7 +89,7 @@ void LabelWindow::Draw(Canvas& canvas) {
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
   TextLayout layout = LayOutText(dc, canvas.Width());
   if (!scrolling_) CutToFit(dc, layout, canvas.Width(), canvas.Height());
-  DrawLines(dc, layout, area, position_);
+  DrawLines(dc, layout, area, firstLine_);
   SelectObject(dc, former);
   if (GetFocus() == Window()) canvas.FrameRound(area, 2, frame_.Look().Scaled(1), colour::Accent);
 }
@@ -94,52 +97,51 @@ void LabelWindow::Draw(Canvas& canvas) {
 void LabelWindow::FitScrollBar() {
   RECT window;
   GetWindowRect(Window(), &window);
-  const int page = window.bottom - window.top;
+  const int height = window.bottom - window.top;
   const int whole = window.right - window.left;
   const MeasuringDc dc(Window(), frame_.Look().Font(View().Style));
   TextLayout layout = LayOutText(dc, whole);
-  scrolling_ = layout.Height() > page;
+  scrolling_ = layout.Height() > height;
   if (scrolling_) layout = LayOutText(dc, whole - GetSystemMetrics(SM_CXVSCROLL));
   SCROLLINFO info = {};
   info.cbSize = sizeof info;
   info.fMask = SIF_RANGE | SIF_PAGE;
-  info.nMax = layout.Height() - 1;
-  info.nPage = static_cast<UINT>(page);
+  info.nMax = static_cast<int>(layout.Lines.size()) - 1;
+  info.nPage = static_cast<UINT>(std::max(1, height / layout.LineHeight));
   SetScrollInfo(Window(), SB_VERT, &info, TRUE);
   ShowScrollBar(Window(), SB_VERT, scrolling_);
   const LONG style = GetWindowLongA(Window(), GWL_STYLE);
   SetWindowLongA(Window(), GWL_STYLE,
                  scrolling_ ? style | LONG{WS_TABSTOP} : style & ~LONG{WS_TABSTOP});
-  ScrollTo(position_);
+  ScrollTo(firstLine_);
 }
 
-void LabelWindow::ScrollTo(int position) {
+void LabelWindow::ScrollTo(int line) {
   SCROLLINFO info = {};
   info.cbSize = sizeof info;
   info.fMask = SIF_POS;
-  info.nPos = position;
+  info.nPos = line;
   SetScrollInfo(Window(), SB_VERT, &info, TRUE);
   GetScrollInfo(Window(), SB_VERT, &info);  // kept within the range
-  position_ = scrolling_ ? info.nPos : 0;
+  firstLine_ = scrolling_ ? info.nPos : 0;
   Repaint();
 }
 
 void LabelWindow::OnScroll(int command) {
-  const int line = frame_.Look().Scaled(16);
-  const int page = ClientHeight(Window());
   SCROLLINFO info = {};
   info.cbSize = sizeof info;
   info.fMask = SIF_ALL;
   GetScrollInfo(Window(), SB_VERT, &info);
+  const int page = static_cast<int>(info.nPage);
   switch (command) {
     case SB_LINEUP:
-      return ScrollTo(position_ - line);
+      return ScrollTo(firstLine_ - 1);
     case SB_LINEDOWN:
-      return ScrollTo(position_ + line);
+      return ScrollTo(firstLine_ + 1);
     case SB_PAGEUP:
-      return ScrollTo(position_ - page);
+      return ScrollTo(firstLine_ - page);
     case SB_PAGEDOWN:
-      return ScrollTo(position_ + page);
+      return ScrollTo(firstLine_ + page);
     case SB_TOP:
       return ScrollTo(info.nMin);
     case SB_BOTTOM:
@@ -191,8 +193,7 @@ LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       OnScroll(LOWORD(wParam));
       return 0;
     case WM_MOUSEWHEEL:
-      ScrollTo(position_ -
-               MulDiv(GET_WHEEL_DELTA_WPARAM(wParam), frame_.Look().Scaled(48), WHEEL_DELTA));
+      ScrollTo(firstLine_ - wheelLines * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA);
       return 0;
     case WM_KEYDOWN:
       if (scrolling_ && OnKey(wParam)) return 0;

@@ -22,12 +22,12 @@ class LabelWindow : public ControlWindow {
   TextLayout LayOutText(HDC dc, int width) const;
   /// Shows or hides the scroll bar and takes or leaves the keyboard, as the text needs it.
   void FitScrollBar();
-  void ScrollTo(int position);
+  void ScrollTo(int line);
   void OnScroll(int command);
   bool OnKey(WPARAM key);
 
   bool scrolling_ = false;
-  int position_ = 0;
+  int firstLine_ = 0;
 };
 
 }  // namespace talu

@@ -1,5 +1,7 @@
 #include "platform/win32/ShapeWindow.h"
 
+#include <algorithm>
+
 #include "platform/win32/FormFrame.h"
 
 namespace talu {
@@ -10,7 +12,12 @@ ShapeWindow::ShapeWindow(FormFrame& frame, std::size_t index)
 void ShapeWindow::DrawAt(Canvas& canvas, int left, int top) const {
   RECT area = Area();
   OffsetRect(&area, -left, -top);
-  canvas.FillRound(area, canvas.Height() / 2.0, View().Bar ? colour::Accent : colour::Track);
+  const LONG height = area.bottom - area.top;
+  // A bar that has hardly begun is the left part of a round one.
+  RECT shape = area;
+  shape.right = std::max(area.right, area.left + height);
+  const Colour filling = View().Bar ? colour::Accent : colour::Track;
+  canvas.FillRoundWithin(area, shape, static_cast<double>(height) / 2, filling);
 }
 
 void ShapeWindow::Draw(Canvas& canvas) {

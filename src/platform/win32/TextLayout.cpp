@@ -98,11 +98,12 @@ bool CutToFit(HDC dc, TextLayout& layout, int width, int height) {
   return true;
 }
 
-void DrawLines(HDC dc, const TextLayout& layout, const RECT& area, int offset) {
+void DrawLines(HDC dc, const TextLayout& layout, const RECT& area, int first) {
   SetBkMode(dc, TRANSPARENT);
-  int top = area.top - offset;
-  for (std::size_t i = 0; i < layout.Lines.size(); ++i, top += layout.LineHeight) {
-    if (top + layout.LineHeight <= area.top || top >= area.bottom) continue;
+  int top = area.top;
+  for (auto i = static_cast<std::size_t>(first); i < layout.Lines.size();
+       ++i, top += layout.LineHeight) {
+    if (top > area.top && top + layout.LineHeight > area.bottom) break;
     const std::wstring& line = layout.Lines[i];
     ExtTextOutW(dc, area.left, top, ETO_CLIPPED, &area, line.data(), static_cast<UINT>(line.size()),
                 nullptr);

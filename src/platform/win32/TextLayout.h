@@ -28,8 +28,8 @@ TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic);
 /// ellipsis, within `width` pixels. Returns whether any line had to go.
 bool CutToFit(HDC dc, TextLayout& layout, int width, int height);
 
-/// Draws the lines into `area` from its top, moved up by `offset` pixels, in the colour and font
-/// that are selected into `dc`.
-void DrawLines(HDC dc, const TextLayout& layout, const RECT& area, int offset = 0);
+/// Draws the lines from `first` on into `area`, as many as fit whole, in the colour and font that
+/// are selected into `dc`.
+void DrawLines(HDC dc, const TextLayout& layout, const RECT& area, int first = 0);
 
 }  // namespace talu

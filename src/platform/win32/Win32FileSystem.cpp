@@ -73,6 +73,7 @@ bool Win32FileSystem::FolderExists(const std::string& path) {
 }
 
 void Win32FileSystem::CreateFolder(const std::string& path) {
+  if (path.empty()) throw RuntimeError(error::InvalidProcedureCall);
   if (CreateDirectoryA(path.c_str(), nullptr)) return;
   switch (GetLastError()) {
     case ERROR_ALREADY_EXISTS:
@@ -84,6 +85,7 @@ void Win32FileSystem::CreateFolder(const std::string& path) {
     case ERROR_BAD_NETPATH:
     case ERROR_BAD_NET_NAME:
     case ERROR_FILENAME_EXCED_RANGE:
+    case ERROR_NOT_READY:
       throw RuntimeError(error::PathNotFound);
     case ERROR_INVALID_NAME:
       throw RuntimeError(error::BadFileNumber);

@@ -1,0 +1,59 @@
+#include "Plan.h"
+
+#include "PlanOperator.h"
+#include "runtime/TextFunctions.h"
+#include "startup/Main.h"
+
+namespace talu {
+namespace {
+
+/// A folder that is chosen in a browser is there.
+void MakeChosenFolder(SimulatedDisk& disk, const std::string& path) {
+  if (!path.empty()) disk.MakeFolders(path);
+}
+
+}  // namespace
+
+PlannedRun::PlannedRun(const PlanOptions& options, const Watcher& watcher)
+    : Machine(options.PackPath), Wizard(Machine.Parts) {
+  SetUp(options);
+  if (watcher) {
+    Machine.Journal.Watch([this, &watcher](const JournalEvent& event) { watcher(*this, event); });
+  }
+  Machine.Windows.Run([this] { Main(Wizard); });
+  stop_ = PlanOperator(options, Machine.Windows).Play();
+  Machine.Journal.Watch({});
+}
+
+void PlannedRun::SetUp(const PlanOptions& options) {
+  SimulatedDisk& disk = Machine.Disk;
+  if (!options.Disk.empty()) disk.AddHostFolder(options.Disk, "C:");
+  disk.AddHostFolder(options.Pack, options.PackPath);
+  MakeChosenFolder(disk, options.InstallPath);
+  MakeChosenFolder(disk, options.OldPath);
+  if (!options.SpecialFolders.empty()) {
+    Machine.Scripting.SpecialFolders = options.SpecialFolders;
+    for (const std::string& folder : options.SpecialFolders) MakeChosenFolder(disk, folder);
+  }
+  Machine.Clock.Time = options.Now;
+
+  SimulatedServer& server = Machine.Server;
+  server.AcceptAll = options.AcceptAll;
+  for (const std::string& name : options.Databases) server.Databases.insert(UCase(name));
+  for (const std::string& name : options.Logins) server.Logins.insert(UCase(name));
+  for (const StatementFailure& failure : options.FailSql) {
+    server.FailStatements(failure.Text, failure.Error);
+  }
+  for (const auto& [name, code] : options.ExitCodes) {
+    Machine.Programs.ExitCodes[UCase(name)] = code;
+  }
+  if (options.FailRequest != 0) {
+    Machine.Journal.FailRequest(options.FailRequest, RuntimeError(options.FailRequestError));
+  }
+}
+
+std::unique_ptr<PlannedRun> Plan(const PlanOptions& options) {
+  return std::make_unique<PlannedRun>(options);
+}
+
+}  // namespace talu

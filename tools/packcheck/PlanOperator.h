@@ -1,0 +1,36 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "Plan.h"
+
+namespace talu {
+
+/// The operator of a planned run: does on each page what a person would who wants the installation
+/// of the options.
+class PlanOperator {
+ public:
+  PlanOperator(const PlanOptions& options, SimulatedWindows& windows)
+      : options_(options), windows_(windows) {}
+
+  /// Goes on from the page on the screen to Finish, or to where the wizard goes no further. Returns
+  /// why it does not; empty after Finish.
+  std::string Play();
+
+ private:
+  /// Fills in the page on the screen. Returns what hinders.
+  std::string FillIn(const std::string& page);
+  std::string ChooseType();
+  void FillInAuthentication();
+  void FillInLocation();
+  std::string GoBackAndComeAgain(const std::string& page);
+  std::string WhyStopped(const std::string& page) const;
+  std::string Shown(const char* control) const;
+
+  const PlanOptions& options_;
+  SimulatedWindows& windows_;
+  std::set<std::string> wentBackFrom_;
+};
+
+}  // namespace talu
