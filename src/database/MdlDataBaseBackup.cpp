@@ -64,6 +64,9 @@ void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
   }
   files.Close(BackupScriptFile);
   BackupScriptName.clear();
+  // The build that follows must not carry the room of the longest batch along.
+  BackupBatchText.shrink_to_fit();
+  BackupCurrentLine = {};
 }
 
 void MdlDataBaseBackup::TakeLine(const ErrorTrap& step) {
@@ -105,7 +108,7 @@ void MdlDataBaseBackup::Connect(const ErrorTrap& step) {
 }
 
 void MdlDataBaseBackup::BackupListed(const ErrorTrap& step) {
-  step([&] { DatabaseNames = Split(DatabaseList, ','); });
+  step([&] { DatabaseNames = Split(DatabaseList.Text(), ','); });
   for (int index = 1; index <= DatabaseCount; ++index) {
     BackupScriptIndex = index;
     std::string name;
@@ -171,8 +174,8 @@ void MdlDataBaseBackup::CollectToTheEnd() {
 
 // A substring test: a name that is part of one in the list counts as listed.
 void MdlDataBaseBackup::AddCandidate() {
-  if (Contains(DatabaseList, CandidateName) || CandidateName.size() > 128) return;
-  DatabaseList += "," + CandidateName;
+  if (CandidateName.size() > 128 || DatabaseList.Contains(CandidateName)) return;
+  DatabaseList.Append(CandidateName);
   ++DatabaseCount;
 }
 

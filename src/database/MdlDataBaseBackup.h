@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "database/NameList.h"
 #include "runtime/Int16.h"
 
 namespace talu {
@@ -58,7 +59,7 @@ class MdlDataBaseBackup {
   std::string BackupBatchText;
   bool BackupGoMode = false;
   bool BackupLineMode = false;
-  std::string DatabaseList;
+  NameList DatabaseList;
   Int16 DatabaseCount;
   std::vector<std::string> DatabaseNames;
   std::string CandidateName;

@@ -35,7 +35,7 @@ void FrmApplication::WriteSettings() {
       if (!wizard_.Machine.Files.FileExists(path)) continue;
       files.Open(path, OpenMode::Append, file);
       const std::string key = UCase(TrimView(Element(fields, 2)));
-      files.Print(file, Element(fields, 1) + SettingValue(wizard_.State, key));
+      files.Print(file, {Element(fields, 1), SettingValue(wizard_.State, key)});
       files.Close(file);
     }
   }

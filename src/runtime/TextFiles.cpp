@@ -83,11 +83,14 @@ void TextFiles::LineInput(int number, std::string& line) {
   } while (Fill(file));
 }
 
-void TextFiles::Print(int number, const std::string& text) {
+void TextFiles::Print(int number, std::initializer_list<std::string_view> pieces) {
   OpenFile& file = Opened(number, false);
+  std::size_t size = kCrLf.size();
+  for (const std::string_view piece : pieces) size += piece.size();
   std::string record;
-  record.reserve(text.size() + kCrLf.size());
-  file.File->Write(record.append(text).append(kCrLf));
+  record.reserve(size);
+  for (const std::string_view piece : pieces) record += piece;
+  file.File->Write(record += kCrLf);
 }
 
 std::string TextFiles::ReadWhole(const std::string& path) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -44,8 +45,8 @@ class TextFiles {
   /// Reads the next line into `line`, whole, without its end. Raises 52, 54, and 62 at the end of
   /// the file.
   void LineInput(int number, std::string& line);
-  /// Writes `text` and a line end. Raises 52, 54, 57, 61.
-  void Print(int number, const std::string& text);
+  /// Writes the pieces and a line end, as one record. Raises 52, 54, 57, 61.
+  void Print(int number, std::initializer_list<std::string_view> pieces);
 
   /// Reads a whole file under a free number and closes it. Raises as `FreeFile` and `Open` do.
   std::string ReadWhole(const std::string& path);

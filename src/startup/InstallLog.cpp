@@ -9,14 +9,14 @@ namespace talu {
 void Wizard::WriteErrLog(const std::string& message) {
   TextFiles.Close(State.LogFileNumber);
   TextFiles.Open(State.AppFolderPath + "\\Ta-luErrLog.txt", OpenMode::Append, State.LogFileNumber);
-  TextFiles.Print(State.LogFileNumber, "//\r\n" + message + "\r\n");
+  TextFiles.Print(State.LogFileNumber, {"//\r\n", message, "\r\n"});
 }
 
 void Wizard::WriteUninstall(const std::string& line) {
   TextFiles.Close(State.UninstallFileNumber);
   TextFiles.Open(State.AppFolderPath + "\\Uninstall.dat", OpenMode::Append,
                  State.UninstallFileNumber);
-  TextFiles.Print(State.UninstallFileNumber, line + "\r\n");
+  TextFiles.Print(State.UninstallFileNumber, {line, "\r\n"});
 }
 
 void Wizard::WriteErrorEntry(const RuntimeError& error) {
@@ -26,7 +26,10 @@ void Wizard::WriteErrorEntry(const RuntimeError& error) {
 
 void Wizard::WriteErrorEntry(const RuntimeError& error, const std::string& batchText) {
   TextFiles.Close(State.LogFileNumber);
-  WriteErrLog("//\r\n" + error.Description + "\r\n" + batchText + "\r\n");
+  std::string message;
+  message.reserve(error.Description.size() + batchText.size() + 8);
+  message.append("//\r\n").append(error.Description).append("\r\n").append(batchText);
+  WriteErrLog(message.append("\r\n"));
 }
 
 }  // namespace talu

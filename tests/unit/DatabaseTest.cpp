@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "Pack.h"
+#include "database/NameList.h"
 #include "pages/FrmSQLNonQuery.h"
 
 namespace talu {
@@ -349,6 +350,22 @@ TEST_F(DatabaseTest, TheBackupsListLivesAsLongAsTheProgram) {
   EXPECT_EQ(std::ranges::count(LogEntries(),
                                "//\r\nOperation is not allowed when the object is open.\r\n\r\n"),
             2);
+}
+
+TEST(NameList, FindsWhatAPlainSearchFinds) {
+  NameList list;
+  std::string plain;
+  for (int i = 0; i < 3000; ++i) {
+    const std::string name = std::to_string(i * 7919 % 4001) + (i % 3 == 0 ? "')" : "x");
+    for (const std::string& part : {name, name.substr(0, 2), name.substr(1), "," + name}) {
+      ASSERT_EQ(list.Contains(part), Contains(plain, part)) << part;
+    }
+    list.Append(name);
+    plain += "," + name;
+  }
+  EXPECT_EQ(list.Text(), plain);
+  EXPECT_FALSE(NameList().Contains(""));
+  EXPECT_TRUE(list.Contains(""));
 }
 
 TEST_F(DatabaseTest, TheBackupScansTheCrossedSets) {

@@ -96,7 +96,7 @@ TEST(TextFiles, NumbersAreAPool) {
   EXPECT_EQ(ErrorOf([&] { files.Open("C:\\a.txt", OpenMode::Input, 0); }), error::BadFileNumber);
   EXPECT_EQ(ErrorOf([&] { files.EndOfFile(2); }), error::BadFileNumber);
   EXPECT_EQ(ErrorOf([&] { files.EndOfFile(1); }), error::BadFileMode);
-  files.Print(1, "whole");
+  files.Print(1, {"who", "le"});
   EXPECT_EQ(machine.Disk.ReadFile("C:\\log.txt"), "whole\r\n") << "not on disk before it is closed";
   files.Close(1);
   files.Close(1);

@@ -70,7 +70,9 @@ std::string JournalEvent::ToJson() const {
 }
 
 void Journal::Count(const char* request) {
-  if (++requests_ != failAt_) return;
+  ++requests_;
+  if (OnRequest) OnRequest(requests_, request);
+  if (requests_ != failAt_) return;
   failedRequest_ = request;
   throw RuntimeError(*failure_);
 }

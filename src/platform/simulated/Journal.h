@@ -39,6 +39,9 @@ class Journal {
  public:
   /// Counts a request that may fail. Raises the error that was asked for this request.
   void Count(const char* request);
+  /// Told of every such request before it is carried out, with its number (from 1); what it throws
+  /// comes out of the request.
+  std::function<void(int number, const char* request)> OnRequest;
   /// Requests counted so far.
   int Requests() const { return requests_; }
   /// Makes request number `request` (from 1) fail once.

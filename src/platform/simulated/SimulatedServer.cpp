@@ -124,7 +124,8 @@ void SimulatedServer::Connect(const std::string& text) {
                        "driver specified",
                        kProvider);
   }
-  if (!Reachable || (dsn.empty() && ValueOf(text, "SERVER").empty())) {
+  const bool ofServer = dsn.empty() || odbc_.IsOfServer(dsn);
+  if ((!Reachable && ofServer) || (dsn.empty() && ValueOf(text, "SERVER").empty())) {
     throw RuntimeError(
         error::Unspecified,
         "[Microsoft][ODBC SQL Server Driver][DBNETLIB]SQL Server does not exist or access denied.",

@@ -95,6 +95,11 @@ bool SimulatedOdbc::HasSource(const std::string& name) const {
   return sources_.contains(UCase(name));
 }
 
+bool SimulatedOdbc::IsOfServer(const std::string& name) const {
+  const auto source = sources_.find(UCase(name));
+  return source != sources_.end() && Contains(source->second, "SERVER=");
+}
+
 std::string SimulatedProcesses::ProgramOf(const std::string& commandLine) const {
   if (commandLine.starts_with('"')) {
     const std::string path = commandLine.substr(1, commandLine.find('"', 1) - 1);

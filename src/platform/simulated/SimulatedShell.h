@@ -25,6 +25,8 @@ class SimulatedOdbc : public OdbcInstaller {
                            const std::string& attributes) override;
 
   bool HasSource(const std::string& name) const;
+  /// Whether the source leads to the database server.
+  bool IsOfServer(const std::string& name) const;
 
   std::vector<std::string> Drivers = {"SQL Server", "Microsoft Access Driver (*.mdb)"};
 

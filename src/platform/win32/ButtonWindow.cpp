@@ -30,8 +30,8 @@ std::string WithPlainAmpersands(const std::string& text) {
 
 ButtonWindow::ButtonWindow(FormFrame& frame, std::size_t index)
     : ControlWindow(frame, index, "BUTTON", Style(frame.Form().ControlAt(index))) {
-  BringUpToDate();
-  Update(Property::Value);
+  ButtonWindow::BringUpToDate();
+  ButtonWindow::Update(Property::Value);
 }
 
 std::string ButtonWindow::WindowText() const {

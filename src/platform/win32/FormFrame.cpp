@@ -1,5 +1,6 @@
 #include "platform/win32/FormFrame.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/win32/Backdrop.h"
@@ -178,6 +179,12 @@ void FormFrame::BringUpToDate() {
   }
 }
 
+bool FormFrame::HasStaleText() const {
+  return std::any_of(stale_.begin(), stale_.end(), [](const ControlWindow* control) {
+    return control->View().Kind == ControlKind::Label;
+  });
+}
+
 const Canvas& FormFrame::Backdrop() {
   if (!backdrop_) {
     const PictureFile* picture = nullptr;
@@ -273,34 +280,6 @@ HBRUSH FormFrame::TextBoxBrush(HDC dc, HWND control) const {
   SetTextColor(dc, ToColorref(enabled ? colour::Text : colour::Disabled));
   SetBkColor(dc, ToColorref(enabled ? colour::Card : colour::FaceDisabled));
   return enabled ? enabledBrush_ : disabledBrush_;
-}
-
-void FormFrame::MakeToolTips() {
-  toolTips_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
-                              WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_, nullptr,
-                              GetModuleHandleA(nullptr), nullptr);
-  SendMessageA(toolTips_, WM_SETFONT, reinterpret_cast<WPARAM>(look_.Font(TextStyle::Body)), FALSE);
-  SendMessageA(toolTips_, TTM_SETMAXTIPWIDTH, 0, look_.Pixels(form_.WindowWidth()));
-  SendMessageA(toolTips_, TTM_SETDELAYTIME, TTDT_AUTOPOP, MAKELPARAM(30000, 0));
-  for (const auto& control : controls_) {
-    TOOLINFOA tool = {};
-    tool.cbSize = TTTOOLINFOA_V1_SIZE;
-    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
-    tool.hwnd = window_;
-    tool.uId = reinterpret_cast<UINT_PTR>(control->Window());
-    tool.lpszText = LPSTR_TEXTCALLBACKA;
-    SendMessageA(toolTips_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
-  }
-}
-
-void FormFrame::FillToolTip(LPARAM info) {
-  auto* wanted = reinterpret_cast<NMTTDISPINFOA*>(info);
-  for (const auto& control : controls_) {
-    if (reinterpret_cast<UINT_PTR>(control->Window()) == wanted->hdr.idFrom) {
-      tip_ = control->TipText();
-    }
-  }
-  wanted->lpszText = tip_.data();
 }
 
 }  // namespace talu

@@ -53,6 +53,8 @@ class FormFrame {
   /// Shows what has changed since the last time; painting itself is left to Windows.
   void BringUpToDate();
   bool IsStale() const { return !stale_.empty(); }
+  /// A text has changed, not only bars.
+  bool HasStaleText() const;
   void AddStale(ControlWindow& control) { stale_.push_back(&control); }
 
   /// Enter and the mnemonics of labels. Returns whether it handled the message.

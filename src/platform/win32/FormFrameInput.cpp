@@ -1,4 +1,4 @@
-// What the operator does to a form: keys, focus, clicks.
+// What the operator does to a form: keys, focus, clicks, hovering.
 
 #include <cctype>
 
@@ -27,8 +27,8 @@ bool IsOption(const ControlWindow& control) {
 bool FormFrame::HandleKey(const MSG& message) {
   if (message.message == WM_KEYDOWN && message.wParam == VK_RETURN) {
     // A key that is held down must not run through pages that are filled in already.
-    constexpr LPARAM kRepeated = 1L << 30;
-    if ((message.lParam & kRepeated) != 0) return true;
+    constexpr LPARAM repeated = 1L << 30;
+    if ((message.lParam & repeated) != 0) return true;
     std::size_t chosen = controls_.size();
     for (std::size_t i = 0; i < controls_.size(); ++i) {
       const ControlView& view = controls_[i]->View();
@@ -160,6 +160,34 @@ const ControlView* FormFrame::FindControl(const std::string& name) const {
     if (form_.ControlAt(i).Name == name) return &form_.ControlAt(i);
   }
   return nullptr;
+}
+
+void FormFrame::MakeToolTips() {
+  toolTips_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                              WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_, nullptr,
+                              GetModuleHandleA(nullptr), nullptr);
+  SendMessageA(toolTips_, WM_SETFONT, reinterpret_cast<WPARAM>(look_.Font(TextStyle::Body)), FALSE);
+  SendMessageA(toolTips_, TTM_SETMAXTIPWIDTH, 0, look_.Pixels(form_.WindowWidth()));
+  SendMessageA(toolTips_, TTM_SETDELAYTIME, TTDT_AUTOPOP, MAKELPARAM(30000, 0));
+  for (const auto& control : controls_) {
+    TOOLINFOA tool = {};
+    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = window_;
+    tool.uId = reinterpret_cast<UINT_PTR>(control->Window());
+    tool.lpszText = LPSTR_TEXTCALLBACKA;
+    SendMessageA(toolTips_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+  }
+}
+
+void FormFrame::FillToolTip(LPARAM info) {
+  auto* wanted = reinterpret_cast<NMTTDISPINFOA*>(info);
+  for (const auto& control : controls_) {
+    if (reinterpret_cast<UINT_PTR>(control->Window()) == wanted->hdr.idFrom) {
+      tip_ = control->TipText();
+    }
+  }
+  wanted->lpszText = tip_.data();
 }
 
 void FormFrame::Click(std::size_t index) {

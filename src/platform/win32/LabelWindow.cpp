@@ -58,7 +58,7 @@ class MeasuringDc {
 
 LabelWindow::LabelWindow(FormFrame& frame, std::size_t index)
     : ControlWindow(frame, index, "STATIC", SS_LEFT | SS_NOPREFIX) {
-  BringUpToDate();
+  LabelWindow::BringUpToDate();
 }
 
 void LabelWindow::BringUpToDate() {

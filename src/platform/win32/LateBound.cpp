@@ -46,6 +46,7 @@ std::int32_t ShortNumber(HRESULT code) {
   SysFreeString(failure.bstrHelpFile);
   // Objects give either an HRESULT or a short number.
   if (failure.wCode != 0) {
+    if (description.empty()) description = StandardDescription(failure.wCode);
     throw RuntimeError(failure.wCode, std::move(description), std::move(source));
   }
   Raise(failure.scode, std::move(description), std::move(source));
@@ -72,10 +73,13 @@ std::vector<const Variant*> Addresses(const std::vector<Variant>& values) {
 }  // namespace
 
 Variant::Variant(const std::string& text) : Variant() {
-  const std::wstring wide = Wide(text);
+  // Converted in place: a batch may be large.
+  const auto length = static_cast<int>(text.size());
+  const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
   value_.vt = VT_BSTR;
-  value_.bstrVal = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+  value_.bstrVal = SysAllocStringLen(nullptr, static_cast<UINT>(wideLength));
   if (value_.bstrVal == nullptr) throw RuntimeError(error::OutOfMemory);
+  MultiByteToWideChar(CP_ACP, 0, text.data(), length, value_.bstrVal, wideLength);
 }
 
 Variant::Variant(std::int32_t number) : Variant() {

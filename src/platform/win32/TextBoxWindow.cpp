@@ -18,7 +18,7 @@ TextBoxWindow::TextBoxWindow(FormFrame& frame, std::size_t index)
   SetWindowPos(Window(), nullptr, 0, 0, 0, 0,
                SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
   if (View().Password) SendMessageW(Window(), EM_SETPASSWORDCHAR, bullet, 0);
-  Update(Property::Text);
+  TextBoxWindow::Update(Property::Text);
 }
 
 std::string TextBoxWindow::Contents() const {

@@ -117,6 +117,7 @@ void Win32WindowSystem::BringUpToDate() {
 void Win32WindowSystem::ShowProgress() {
   FinishHiding();
   if (shown_ == nullptr || !shown_->IsStale()) return;
+  if (!shown_->HasStaleText() && Microseconds() - lastPaint_ < paintInterval) return;
   BringUpToDate();
   RedrawWindow(shown_->Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
   lastPaint_ = Microseconds();

@@ -36,7 +36,8 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   void HandlerBegins() override { ++handlers_; }
   void HandlerEnds() override;
 
-  /// Paints what has changed: for the moment before this thread is blocked.
+  /// Paints what has changed: for the moment before this thread is blocked. A bar alone is painted
+  /// no more often than in `DoEvents`.
   void ShowProgress();
 
  private:
