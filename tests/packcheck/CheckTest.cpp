@@ -94,8 +94,8 @@ TEST_F(CheckTest, EachFindingIsWhatAPlanDoes) {
         << test.Proof << "\n"
         << journal;
   }
-  for (const std::span<const Rule> rules : AllRules()) {
-    for (const Rule& rule : rules) {
+  for (const RuleGroup& group : AllRules()) {
+    for (const Rule& rule : group.Rules) {
       EXPECT_TRUE(proved.contains(std::string(rule.Code))) << rule.Code << " is not proved";
     }
   }
