@@ -14,7 +14,7 @@ Hold() {
   Started+=($!)
   Soon "the hold on $1" Held "$1"
 }
-Held() { (cd "$Host" && wine cmd /c "type nul >> $1") 2>&1 | grep -q 'Sharing violation'; }
+Held() { [[ -n $(find /proc/[0-9]*/fd -lname "$(realpath "$Host/$1")" 2>/dev/null) ]]; }
 Release() {
   exec 7>&-
   kill "${Started[-1]}" 2>/dev/null || true
@@ -62,9 +62,12 @@ Play "message Run-time error '53':\r\n\r\nFile not found; ended 0"
 Test 'a location in use is refused, another one is taken'
 Pack
 InUse='Location in use,Please select Another Location...'
+InstallBelow InUse
+mkdir -p "$Host"
+echo >"$Host/Uninstall.dat"
 Hold Uninstall.dat
 Play "@install Client; message $InUse; expect LblMsg text $InUse; expect CmdNext enabled false
-  type TxtInstaPath C:\\Apps\\TA-LU\\Other; click CmdNext; @finish"
+  type TxtInstaPath C:\\InUse\\TA-LU\\Other; click CmdNext; @finish"
 Release
 True 'installed elsewhere' test -f "$(dirname "$Host")/Other/One.txt"
 
