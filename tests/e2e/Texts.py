@@ -6,7 +6,8 @@
   Texts.py copied SOURCE WINDOWS-SOURCE TARGET THERE
                                     the log's entries for a copied tree; THERE is a regular expression
                                     for the sub-folders that were there before
-  Texts.py statements JOURNAL       what the server was told, one statement a line
+  Texts.py statements JOURNAL       what the server was told, or what a plan foretells, one statement a
+                                    line, without the passwords of logins
 
 " / " stands for a line break inside an entry, "*" for any text in a line. "error: TEXT" is the entry of
 a trapped error, "error: TEXT @BATCH" that of one in a build. A difference is shown line by line and
@@ -55,7 +56,8 @@ def statements(journal):
     for line in pathlib.Path(journal).read_text("utf-8").splitlines():
         event = json.loads(line)
         if event["event"] == "sql":
-            print(re.sub(r"\s*[\r\n]+\s*", " / ", event["text"].strip("\r\n")))
+            text = re.sub(r"(\bPASSWORD\s*=\s*)N?'[^']*'", r"\1'***'", event["text"], flags=re.IGNORECASE)
+            print(re.sub(r"\s*[\r\n]+\s*", " / ", text.strip("\r\n")))
 
 
 command, *arguments = sys.argv[1:]
