@@ -41,7 +41,8 @@ Build() {
   local ccache=()
   command -v ccache >/dev/null &&
     ccache=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-  export CCACHE_DIR=${CCACHE_DIR:-$Root/build/ccache}
+  # A cache that several trees share finds what another one compiled.
+  export CCACHE_DIR=${CCACHE_DIR:-$Root/build/ccache} CCACHE_BASEDIR=$Root CCACHE_NOHASHDIR=1
   (cd "$Root" && cmake --preset "$preset" "${ccache[@]}") >"$log" 2>&1 ||
     Fail "configuring $preset failed: $(grep -m1 -A2 'CMake Error' "$log" | tr '\n' ' ')(see $log)"
   (cd "$Root" && cmake --build --preset "$preset" ${1:+--target "$@"}) >>"$log" 2>&1 ||
