@@ -1,0 +1,36 @@
+#!/usr/bin/env python3
+"""The release's zip as its receiver meets it: ZipTest.py ZIP. Unpacks it below the current folder, checks
+every file against the checksums, every link of the manuals, and the pack to start from with the
+packcheck.exe beside it (under Wine)."""
+
+import hashlib
+import pathlib
+import re
+import subprocess
+import sys
+import zipfile
+
+with zipfile.ZipFile(sys.argv[1]) as archive:
+    archive.extractall()
+top = pathlib.Path(pathlib.Path(sys.argv[1]).stem)
+
+sums = dict(line.split("  ", 1)[::-1] for line in (top / "SHA256SUMS").read_text("utf-8").splitlines())
+files = {str(path.relative_to(top)) for path in top.rglob("*") if path.is_file()} - {"SHA256SUMS"}
+assert files == set(sums), files ^ set(sums)
+for name in files:
+    assert hashlib.sha256((top / name).read_bytes()).hexdigest() == sums[name], name
+
+for manual in top.glob("*.html"):
+    for link in re.findall(r'href="([^"]+)"', manual.read_text("utf-8")):
+        page, _, anchor = link.partition("#")
+        target = top / (page or manual.name)
+        assert target.is_file(), f"{manual.name} leads to {link}, which is not there"
+        assert not anchor or f'id="{anchor}"' in target.read_text("utf-8"), f"{manual.name}: {link}"
+
+said = subprocess.run(["wine", str(top / "packcheck.exe"), "check", str(top / "Pack")],
+                      capture_output=True, text=True)
+assert (said.returncode, said.stdout.strip()) == (0, "0 errors, 0 warnings, 0 notes"), said
+# What is taken out is missed.
+(top / "Pack/SQLScript/Fresh/Create.sql").unlink()
+assert subprocess.run(["wine", str(top / "packcheck.exe"), "check", str(top / "Pack")],
+                      capture_output=True).returncode == 2

@@ -1,0 +1,68 @@
+#!/usr/bin/env python3
+"""Packs a release: MakeZip.py ROOT OUT. Names, order, times and contents depend on the sources alone."""
+
+import hashlib
+import html
+import pathlib
+import re
+import subprocess
+import sys
+import zipfile
+
+# The parts of other projects that are linked into the programs, by the Debian package they come from.
+LICENCES = {
+    "GCC runtime libraries": "gcc-mingw-w64-base",
+    "mingw-w64 runtime": "mingw-w64-common",
+    "CLI11": "libcli11-dev",
+}
+# No file has a time of its own: the first that a zip can hold.
+TIME = (1980, 1, 1, 0, 0, 0)
+
+
+def page(root, name):
+    """A manual as one HTML file; headings can be linked to as in the sources."""
+    markdown = (root / "docs" / f"{name}.md").read_text("utf-8")
+    body = subprocess.run(["cmark-gfm", "-e", "table"], input=markdown, capture_output=True, text=True,
+                          check=True).stdout
+    body = re.sub(r'href="([\w-]+)\.md', r'href="\1.html', body)
+
+    def anchored(match):
+        slug = re.sub(r"<[^>]*>", "", match[2]).lower()
+        slug = re.sub(r"[^\w\- ]", "", html.unescape(slug)).replace(" ", "-")
+        return f'<h{match[1]} id="{slug}">{match[2]}</h{match[1]}>'
+
+    body = re.sub(r"<h(\d)>(.*?)</h\1>", anchored, body)
+    title = re.search(r"^# (.*)", markdown)[1]
+    frame = (root / "tools/release/page.html").read_text("utf-8")
+    return frame.replace("@TITLE@", html.escape(title)).replace("@BODY@", body)
+
+
+def contents(root):
+    built = root / "build/win32"
+    files = {
+        "packcheck.exe": (built / "tools/packcheck/packcheck.exe").read_bytes(),
+        "drive.exe": (built / "tools/drive/drive.exe").read_bytes(),
+        "Pack/Setup.exe": (built / "src/platform/win32/Setup.exe").read_bytes(),
+    }
+    starter = root / "samples/Starter"
+    for path in starter.rglob("*"):
+        if path.is_file():
+            files[f"Pack/{path.relative_to(starter)}"] = path.read_bytes()
+    for name in ("pack-format", "operators", "drive"):
+        files[f"{name}.html"] = page(root, name).encode()
+    for part, package in LICENCES.items():
+        files[f"Licences/{part}.txt"] = pathlib.Path(f"/usr/share/doc/{package}/copyright").read_bytes()
+    sums = [f"{hashlib.sha256(data).hexdigest()}  {name}\n" for name, data in sorted(files.items())]
+    files["SHA256SUMS"] = "".join(sums).encode()
+    return files
+
+
+root, out = map(pathlib.Path, sys.argv[1:])
+version = re.search(r"VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text("utf-8").split("project(")[1])[1]
+top = f"TA-LU-Setup-{version}"
+with zipfile.ZipFile(out / f"{top}.zip", "w", zipfile.ZIP_DEFLATED) as archive:
+    for name, data in sorted(contents(root).items()):
+        entry = zipfile.ZipInfo(f"{top}/{name}", TIME)
+        entry.compress_type = zipfile.ZIP_DEFLATED
+        entry.create_system = 0
+        archive.writestr(entry, data)
