@@ -123,7 +123,8 @@ TEST_F(PlanTest, OldFolderIsTickedAndBackedUpAndItsDiskMayBeOfAnEarlierRun) {
   Tell(0);
   const std::string app = "second/C/Progs/TA-LU/App/";
   EXPECT_EQ(saved.Get(app + "Help.txt"), "help");
-  EXPECT_EQ(saved.Get("second/C/Progs/TA-LU/App BackUp/AppFolderBkp_7_3_2012_9_5/Help.txt"), "help");
+  EXPECT_EQ(saved.Get("second/C/Progs/TA-LU/App BackUp/AppFolderBkp_7_3_2012_9_5/Help.txt"),
+            "help");
   EXPECT_NE(saved.Get(app + "Uninstall.dat").find("DBNames:1, Sales"), std::string::npos);
   EXPECT_THROW(Tell(0), std::runtime_error) << "what was saved is not overwritten";
 }

@@ -151,9 +151,8 @@ SqliteStatement::SqliteStatement(const SqliteDatabase& database, std::string_vie
 
 bool SqliteStatement::Step() {
   const int code = sqlite3_step(handle_.get());
-  if (code == SQLITE_ROW) return true;
-  if (code == SQLITE_DONE) return false;
-  database_.Fail(code, verb_);
+  if (code != SQLITE_ROW && code != SQLITE_DONE) database_.Fail(code, verb_);
+  return code == SQLITE_ROW;
 }
 
 }  // namespace talu::standin

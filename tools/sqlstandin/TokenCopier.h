@@ -13,7 +13,7 @@ namespace talu::standin {
 /// Copies tokens into SQLite's dialect: names, texts, TOP, CAST and CONVERT, text sums, functions.
 class TokenCopier {
  public:
-  TokenCopier(Lexer lexer, RewriteEnvironment& environment)
+  TokenCopier(const Lexer& lexer, RewriteEnvironment& environment)
       : lexer_(lexer), environment_(environment) {}
 
   std::string CopyAll();

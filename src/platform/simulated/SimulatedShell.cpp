@@ -69,6 +69,32 @@ class SimulatedScriptShell : public ScriptShell {
   std::vector<std::string> folders_;
 };
 
+/// A new machine's special folders, in the host's documented order.
+std::vector<std::string> NewMachinesFolders() {
+  const std::string all = "C:\\ProgramData\\Microsoft\\Windows\\Start Menu";
+  const std::string own = "C:\\Users\\Operator";
+  const std::string roaming = own + "\\AppData\\Roaming";
+  const std::string shell = roaming + "\\Microsoft\\Windows";
+  return {"C:\\Users\\Public\\Desktop",
+          all,
+          all + "\\Programs",
+          all + "\\Programs\\Startup",
+          own + "\\Desktop",
+          roaming,
+          shell + "\\Printer Shortcuts",
+          shell + "\\Templates",
+          "C:\\Windows\\Fonts",
+          shell + "\\Network Shortcuts",
+          own + "\\Desktop",
+          shell + "\\Start Menu",
+          shell + "\\SendTo",
+          shell + "\\Recent",
+          shell + "\\Start Menu\\Programs\\Startup",
+          own + "\\Favorites",
+          own + "\\Documents",
+          shell + "\\Start Menu\\Programs"};
+}
+
 }  // namespace
 
 bool SimulatedOdbc::SQLConfigDataSource(int, const std::string& driver,
@@ -148,30 +174,7 @@ void SimulatedProcesses::Start(const std::string& commandLine, int windowStyle) 
 }
 
 SimulatedScripting::SimulatedScripting(Journal& journal, SimulatedDisk& disk)
-    : journal_(journal), disk_(disk) {
-  // The host's documented order.
-  const std::string all = "C:\\ProgramData\\Microsoft\\Windows\\Start Menu";
-  const std::string own = "C:\\Users\\Operator";
-  const std::string roaming = own + "\\AppData\\Roaming";
-  const std::string shell = roaming + "\\Microsoft\\Windows";
-  SpecialFolders = {"C:\\Users\\Public\\Desktop",
-                    all,
-                    all + "\\Programs",
-                    all + "\\Programs\\Startup",
-                    own + "\\Desktop",
-                    roaming,
-                    shell + "\\Printer Shortcuts",
-                    shell + "\\Templates",
-                    "C:\\Windows\\Fonts",
-                    shell + "\\Network Shortcuts",
-                    own + "\\Desktop",
-                    shell + "\\Start Menu",
-                    shell + "\\SendTo",
-                    shell + "\\Recent",
-                    shell + "\\Start Menu\\Programs\\Startup",
-                    own + "\\Favorites",
-                    own + "\\Documents",
-                    shell + "\\Start Menu\\Programs"};
+    : SpecialFolders(NewMachinesFolders()), journal_(journal), disk_(disk) {
   for (const std::string& folder : SpecialFolders) disk_.MakeFolders(folder);
 }
 

@@ -45,11 +45,12 @@ std::int32_t ShortNumber(HRESULT code) {
   std::string source = TakeText(failure.bstrSource);
   SysFreeString(failure.bstrHelpFile);
   // Objects give either an HRESULT or a short number.
-  if (failure.wCode != 0) {
+  if (failure.wCode == 0) {
+    Raise(failure.scode, std::move(description), std::move(source));
+  } else {
     if (description.empty()) description = StandardDescription(failure.wCode);
     throw RuntimeError(failure.wCode, std::move(description), std::move(source));
   }
-  Raise(failure.scode, std::move(description), std::move(source));
 }
 
 IDispatch* Create(const char* className) {

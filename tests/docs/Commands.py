@@ -1,0 +1,98 @@
+#!/usr/bin/env python3
+"""Runs the commands of all documents: Commands.py PLACE, in the tree's root, called by tests/docs/run.
+
+Commands are the lines of fences marked sh (run here), bat (run under Wine), and every `./...` or
+`tools/...` in the text. A fence marked drive is a script for drive, named in its first line; one marked
+cpp must stand in the tests as it is. Every fence has a mark, so that no command slips by.
+"""
+
+import os
+import pathlib
+import re
+import subprocess
+import sys
+
+place = pathlib.Path(sys.argv[1]).resolve()
+machine = pathlib.Path(os.environ["Machine"])
+pack = machine / "media/Pack"
+server = os.environ["Server"]
+
+# What is run in place of a command that would take long, or that would run this test again.
+INSTEAD = {
+    "./test": "./test sample",
+    "./bench": "./bench --quick",
+    "./demo": f"./demo --out {place}/demo",
+    "./demo --mode client": f"./demo --mode client --out {place}/demo-client",
+    "./demo --pack DIR": f"./demo --mode client --pack samples/Starter --out {place}/demo-starter",
+    # The window's close box ends it, as a person would.
+    "./demo --show": f"./demo --show --out {place}/demo-show & until xdotool search --onlyvisible "
+                     "--name '^SalesDesk 3$' windowclose; do sleep 0.5; done; wait $!",
+    "tools/lint": "tools/lint src/runtime",
+    "./release --twice": "./release --help",
+    "fuzz/run": "fuzz/run 1",
+    # Suite rollout runs it for real.
+    "ansible-playbook -i machines.ini rollout.yml -e pack=/srv/packs/SalesDesk":
+        "cd samples/RollOut && ansible-playbook -i machines.ini rollout.yml --syntax-check",
+}
+MARKS = ("sh", "bat", "drive", "cpp", "text", "files", "copies", "usage")
+
+
+def documents():
+    names = subprocess.run(["git", "ls-files", "*.md"], capture_output=True, text=True, check=True)
+    return names.stdout.split()
+
+
+def parts(name):
+    """The fences of a document as (mark, lines), and its inline commands as ("sh", [command])."""
+    mark, lines = None, []
+    for line in pathlib.Path(name).read_text("utf-8").splitlines():
+        fence = re.match(r"```(.*)", line)
+        if fence and mark is None:
+            mark, lines = fence[1], []
+            assert mark in MARKS or "." in mark, f"{name}: a fence marked '{mark}'"
+        elif fence:
+            yield mark, lines
+            mark = None
+        elif mark is not None:
+            lines.append(line)
+        else:
+            yield from (("sh", [code]) for code in re.findall(r"`((?:\./|tools/)[^`]*)`", line)
+                        if os.access(code.split()[0], os.X_OK) and os.path.isfile(code.split()[0]))
+
+
+def run(name, command, shown):
+    print(f"{name}: {shown}", flush=True)
+    done = subprocess.run(command, capture_output=True, text=True, errors="replace", timeout=900,
+                          **({"cwd": pack} if command[0] == "wine" else {}))
+    assert done.returncode == 0, f"{name}: '{shown}' ended with {done.returncode}:\n" + (
+        done.stdout + done.stderr)[-2000:]
+
+
+done = set()
+scripts = 0
+for name in documents():
+    for mark, lines in parts(name):
+        if mark == "drive":
+            script = re.match(r"# ([\w-]+\.txt):", lines[0])
+            assert script, f"{name}: a drive script whose first line does not name it: {lines[0]}"
+            (pack / script[1]).write_text("\n".join(lines) + "\n", "utf-8")
+        elif mark == "cpp":
+            text = "\n".join(lines)
+            assert any(text in path.read_text("utf-8") for path in pathlib.Path("tests").rglob("*.cpp")), \
+                f"{name}: no test reads like\n{text}"
+
+for name in documents():
+    for mark, lines in parts(name):
+        for line in lines if mark in ("sh", "bat") else []:
+            command = re.sub(r"\s+#.*", "", line).strip()
+            if not command or (mark, command) in done:
+                continue
+            done.add((mark, command))
+            if mark == "bat":
+                here = command.replace("SRV1", server).replace("%COMPUTERNAME%", server)
+                run(name, ["wine", "cmd", "/c", here], here)
+            else:
+                here = INSTEAD.get(command, command)
+                run(name, ["bash", "-c", here], here)
+print(f"{len(done)} commands")
+assert len(done) > 20
