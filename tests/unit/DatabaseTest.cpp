@@ -154,6 +154,16 @@ TEST_F(DatabaseTest, AFailingDropLeavesTheRestOfItsListAndStillDropsTheLogins) {
   EXPECT_TRUE(machine.Server.Logins.empty());
 }
 
+TEST_F(DatabaseTest, BehindTheLast16BitEntryTheRollbackOverflows) {
+  std::string text = "--taluGO\r\nBAD\r\nGO\r\n";
+  for (int i = 0; i < 32767; ++i) text += "CREATE LOGIN  X \r\nGO\r\n";
+  Put("SQLScript\\Fresh\\a.sql", text);
+  FailOn("BAD");
+  machine.Server.AcceptAll = true;
+  Build();
+  EXPECT_EQ(windows.Messages(), std::vector<std::string>{"Overflow"});
+}
+
 TEST_F(DatabaseTest, ModesLeakAndResetAsTheyAlwaysDid) {
   List({"a.sql", "b.sql", "c.sql"});
   Script("a.sql", {"--taluLineByLine", "ONE", "--taluGO", "TWO"});  // no last GO
