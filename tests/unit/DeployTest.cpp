@@ -2,6 +2,7 @@
 
 #include "Pack.h"
 #include "deploy/MdlCommon.h"
+#include "deploy/MdlShellCopy.h"
 #include "pages/FrmApplication.h"
 
 namespace talu {
@@ -24,6 +25,12 @@ class DeployTest : public PackTest {
     const auto end = std::find(start, entries.end(), last);
     EXPECT_NE(end, entries.end()) << last;
     return start == entries.end() ? entries : std::vector<std::string>(start + 1, end);
+  }
+  /// How often the status line was given this text.
+  std::ptrdiff_t TimesShown(const std::string& text) {
+    return std::ranges::count_if(machine.Journal.Events(), [&](const JournalEvent& event) {
+      return event.Text("control") == "Lblmsg" && event.Text("value") == text;
+    });
   }
 };
 
@@ -108,6 +115,7 @@ TEST_F(DeployTest, AWholeClientInstallationInOrder) {
   EXPECT_EQ(Get(app + "\\Conn.txt"), "Server=SRV1\r\n");
   EXPECT_EQ(Get(app + "\\desk.mdf"), "(none)");
   EXPECT_EQ(Shown("LblFinalMsg"), "\rA\rB");
+  EXPECT_EQ(TimesShown("DSN(s) created successfully"), 1);
   EXPECT_EQ(Shown("Lblmsg"), "Installation finished. Click Finish to Exit.");
   EXPECT_EQ(Shown("LblNotRes"), "");
   EXPECT_EQ(Width(), 7325);
@@ -189,6 +197,11 @@ TEST_F(DeployTest, TheBarCreepsToItsLimitWhileCopying) {
   wizard.Page<FrmApplication>().ShpProgBar.Width = 6695;
   CopyFolderFiles(wizard, "D:\\Pack\\Application", app);
   EXPECT_EQ(Width(), 6700);
+
+  EXPECT_TRUE(ShellCopy(wizard, "D:\\Pack\\Application\\file1", app + "\\x", false));
+  EXPECT_FALSE(ShellCopy(wizard, "D:\\Pack\\none", app + "\\x", true));
+  const auto flags = machine.Journal.Texts("copy", "flags");
+  EXPECT_EQ(flags.at(flags.size() - 2) + "," + flags.back(), "64,6416");
 }
 
 TEST_F(DeployTest, DataSourcesOfOddLines) {
@@ -206,6 +219,21 @@ TEST_F(DeployTest, DataSourcesOfOddLines) {
                                 "//\r\nSubscript out of range\r\n", "creating - Other,Third,T,u,p",
                                 "//\r\nOperation is not allowed when the object is open.\r\n"}));
   EXPECT_EQ(Records().size(), 6U) << "each line is recorded, whatever became of it";
+  EXPECT_EQ(TimesShown("DSN(s) created successfully"), 0) << "the block's first line was refused";
+}
+
+TEST_F(DeployTest, StepsWithoutLinesShowAndLogNothingOfTheirOwn) {
+  Put("Application\\a.txt", "");
+  Install("OptClient");
+  for (const char* text :
+       {"DSN(s) created successfully", "Creating Shotcuts...", "Writing Settings started...",
+        "Execution of AddOn packs started...", "Please read below instructions carefully..."}) {
+    EXPECT_EQ(TimesShown(text), 0) << text;
+  }
+  EXPECT_EQ(TimesShown("Writing Settings not Finished"), 1);
+  EXPECT_EQ(Between("Special Registration finished.", "Installation finished."),
+            (std::vector<std::string>{"Writing Settings not Finished", "Final Message started...",
+                                      "Final Message write successfully"}));
 }
 
 TEST_F(DeployTest, AServerThatCannotBeReachedEndsTheProgram) {
@@ -234,6 +262,16 @@ TEST_F(DeployTest, RegistrationWalksAndSurvives) {
             "//\r\nPath not found\r\n");
 }
 
+TEST_F(DeployTest, WithoutPlacesToRegisterTheWholeFolderIsWalked) {
+  Put("Application\\a.dll", "");
+  Put("Application\\One\\Two\\b.ocx", "");
+  Install("OptClient");
+  const auto commands = machine.Journal.Texts("start", "command");
+  ASSERT_EQ(commands.size(), 4U);
+  EXPECT_EQ(commands.at(0), "regsvr32 /s \"" + app + "\\a.dll\" /U");
+  EXPECT_EQ(commands.at(3), "regsvr32 /s \"" + app + "\\One\\Two\\b.ocx\"");
+}
+
 TEST_F(DeployTest, ManyRegistrationsStepTheBarBack) {
   Configure({Block("RegnLocation", {"\\Parts"})});
   for (int i = 0; i < 750; ++i) Put("Application\\Parts\\" + std::to_string(1000 + i) + ".dll", "");
@@ -252,7 +290,8 @@ TEST_F(DeployTest, ManyRegistrationsStepTheBarBack) {
 }
 
 TEST_F(DeployTest, AShortcutThatCannotBeMadeTriesTheNextFolderOfItsName) {
-  Configure({Block("Shotcut", {"\\a.exe,Desktop,A", "\\a.exe,Nowhere,A", "a.exe,Desktop"})});
+  Configure({Block("Shotcut", {"\\a.exe,Desktop,A", "\\a.exe,Nowhere,A", "a.exe,Desktop",
+                               "b.exe, DESKTOP ,B"})});
   machine.Disk.MakeFolders("D:\\Pack\\Application");
   machine.Disk.Find("C:\\Users\\Public\\Desktop")->Denied = true;
   Install("OptClient");
@@ -260,8 +299,12 @@ TEST_F(DeployTest, AShortcutThatCannotBeMadeTriesTheNextFolderOfItsName) {
             (std::vector<std::string>{"//\r\nPath/File access error\r\n",
                                       "Shotcut:C:\\Users\\Public\\Desktop\\A.lnk can't created",
                                       "Shotcut:C:\\Users\\Operator\\Desktop\\A.lnk created",
-                                      "//\r\nSubscript out of range\r\n"}));
-  EXPECT_EQ(Records().back(), "Shotcut:C:\\Users\\Operator\\Desktop\\A.lnk");
+                                      "//\r\nSubscript out of range\r\n",
+                                      "//\r\nPath/File access error\r\n",
+                                      "Shotcut:C:\\Users\\Public\\Desktop\\B.lnk can't created",
+                                      "Shotcut:C:\\Users\\Operator\\Desktop\\B.lnk created"}));
+  EXPECT_EQ(Records().back(), "Shotcut:C:\\Users\\Operator\\Desktop\\B.lnk");
+  EXPECT_EQ(machine.Journal.Texts("shortcut", "target").back(), "C:\\Progs\\TA-LU\\Appb.exe");
 }
 
 TEST_F(DeployTest, SettingsFilesOfOddLines) {
