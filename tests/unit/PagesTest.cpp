@@ -228,6 +228,12 @@ TEST_F(PagesTest, NextOverAnInstallationBacksItUpAndGoesOnWithItsRecord) {
   EXPECT_TRUE(Enabled("CmdNext"));
   EXPECT_EQ(Get(backup + "\\Sub\\old.txt"), "old");
   EXPECT_EQ(Get(backup + "\\Ta-luErrLog.txt"), "(none)") << "the reset comes first";
+  EXPECT_EQ(Shown("LblMsg"), "Taking Backup of installation folders...");
+  std::string pointers;
+  for (const JournalEvent& event : machine.Journal.Events()) {
+    if (event.Text("property") == "MousePointer") pointers += event.Text("value") + ",";
+  }
+  EXPECT_EQ(pointers, "11,0,");
   EXPECT_FALSE(Get(app + "\\Ta-luErrLog.txt").starts_with("old"));
   EXPECT_TRUE(Get(app + "\\Uninstall.dat").starts_with("old record\r\nAppFolder:"));
   windows.Click("CmdNext");
