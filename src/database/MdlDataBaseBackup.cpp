@@ -18,11 +18,11 @@ void MdlDataBaseBackup::BackupDatabases() {
       [this](const RuntimeError& error) { wizard_.WriteErrorEntry(error, BackupBatchText); });
   step([&] { BackupScriptCount = wizard_.GetCfgCount("DBSript"); });
   ChooseScripts();
-  for (int index = 1; index <= BackupScriptCount; ++index) {
+  step.CountTo(BackupScriptCount, [&](Int16 index) {
     BackupScriptIndex = index;
     step([&] { BackupScriptName = wizard_.GetCfgValue(BackupScriptKey, BackupScriptIndex); });
     if (!BackupScriptName.empty()) ScanScript(step);
-  }
+  });
   InstallState& state = wizard_.State;
   step([&] { state.BackupFolderPath = BackupFolderFor(state.AppFolderPath, state.AppFolderName); });
   step([&] {
@@ -109,18 +109,18 @@ void MdlDataBaseBackup::Connect(const ErrorTrap& step) {
 
 void MdlDataBaseBackup::BackupListed(const ErrorTrap& step) {
   step([&] { DatabaseNames = Split(DatabaseList.Text(), ','); });
-  for (int index = 1; index <= DatabaseCount; ++index) {
+  step.CountTo(DatabaseCount, [&](Int16 index) {
     BackupScriptIndex = index;
     std::string name;
     step([&] { name = Trim(Element(DatabaseNames, index)); });
-    if (name.empty()) continue;
+    if (name.empty()) return;
     if (Contains(name, "[")) name = Mid(name, 2);
     if (name.ends_with(']')) name.pop_back();
     name = Trim(name);
-    DatabaseNames[static_cast<std::size_t>(index)] = name;
+    DatabaseNames[static_cast<std::size_t>(int{index})] = name;
     Execute(step, "USE Master");
     Execute(step, BackupStatement(name));
-  }
+  });
 }
 
 std::string MdlDataBaseBackup::BackupStatement(const std::string& name) const {

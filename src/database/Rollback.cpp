@@ -12,7 +12,7 @@ namespace talu {
 void FrmSQLNonQuery::DropCreatedDatabases() {
   InstallState& state = wizard_.State;
   state.CreatedDatabases = Split(state.CreatedDatabaseList, ',');
-  for (int index = 1; index <= DBCount; ++index) {
+  for (Int16 index = 1; index <= DBCount; ++index) {
     const std::string& entry = Element(state.CreatedDatabases, index);
     if (TrimView(entry).empty()) continue;
     Send("USE Master");
@@ -24,7 +24,7 @@ void FrmSQLNonQuery::DropCreatedDatabases() {
 void FrmSQLNonQuery::DropCreatedLogins() {
   InstallState& state = wizard_.State;
   state.CreatedLogins = Split(state.CreatedLoginList, ',');
-  for (int index = 1; index <= LoginCount; ++index) {
+  for (Int16 index = 1; index <= LoginCount; ++index) {
     const std::string& entry = Element(state.CreatedLogins, index);
     if (TrimView(entry).empty()) continue;
     Send("USE Master");

@@ -28,10 +28,10 @@ void FrmApplication::FileRegistration() {
   step([&] { n = wizard_.GetCfgCount("RegnLocation"); });
   if (n > 0) {
     std::string line;
-    for (int i = 1; i <= n; ++i) {
+    step.CountTo(n, [&](Int16 i) {
       step([&] { line = wizard_.GetCfgValue("RegnLocation", i); });
       if (!TrimView(line).empty()) step([&] { RegisterFolderFiles(appFolder + line); });
-    }
+    });
   } else {
     step([&] { RegisterFolderFiles(appFolder); });
   }
@@ -84,7 +84,7 @@ void FrmApplication::SpecialRegistration() {
   step([&] { n = wizard_.GetCfgCount("SpecialRegn"); });
   std::string name;
   std::string systemFolder;
-  for (int i = 1; i <= n; ++i) {
+  step.CountTo(n, [&](Int16 i) {
     step([&] { name = Element(Split(wizard_.GetCfgValue("SpecialRegn", i), ','), 0); });
     step([&] { systemFolder = wizard_.Machine.Files.GetSpecialFolder(0) + "\\system"; });
     const std::string path = systemFolder + "\\" + name;
@@ -96,7 +96,7 @@ void FrmApplication::SpecialRegistration() {
     step([&] { wizard_.WriteErrLog(unregister); });
     step([&] { programs.Start(RegisterCommand(path), kMinimisedWithFocus); });
     step([&] { wizard_.WriteErrLog(RegisterCommand(path)); });
-  }
+  });
   const std::string finished = "Special Registration finished.";
   Lblmsg.Caption = finished;
   step([&] { wizard_.WriteErrLog(finished); });

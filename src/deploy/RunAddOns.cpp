@@ -14,7 +14,7 @@ void FrmApplication::RunAddOns() {
   Lblmsg.Caption = started;
   wizard_.WriteErrLog(started);
   std::int32_t exitCode = 0;
-  for (int i = 1; i <= n; ++i) {
+  for (Int16 i = 1; i <= n; ++i) {
     windows_.DoEvents();
     const std::string line = wizard_.GetCfgValue("AddOns", i);
     const std::string path = wizard_.Machine.AppPath + "\\AddOns\\" + line;

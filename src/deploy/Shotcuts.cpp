@@ -18,13 +18,13 @@ void FrmApplication::Shotcuts() {
   step([&] { wizard_.WriteErrLog(creating); });
   const InstallState& state = wizard_.State;
   std::vector<std::string> fields;
-  for (int i = 1; i <= n; ++i) {
+  step.CountTo(n, [&](Int16 i) {
     step([&] { fields = Split(wizard_.GetCfgValue("Shotcut", i), ','); });
     step([&] {
       MakeShortcut(wizard_, state.InstallPath + "\\" + state.AppFolderName + Element(fields, 0),
                    Element(fields, 1), Element(fields, 2), "");
     });
-  }
+  });
 }
 
 }  // namespace talu

@@ -15,11 +15,11 @@ void FrmApplication::ShowFinalMsg() {
   if (n > 0) {
     Lblmsg.Caption = "Please read below instructions carefully...";
     std::string line;
-    for (int i = 1; i <= n; ++i) {
+    step.CountTo(n, [&](Int16 i) {
       line.clear();  // a line that cannot be read must not show the one before again
       step([&] { line = wizard_.GetCfgValue("FinalMsg", i); });
       if (!TrimView(line).empty()) LblFinalMsg.Caption = LblFinalMsg.Caption.Get() + "\r" + line;
-    }
+    });
   }
   step([&] { wizard_.WriteErrLog("Final Message write successfully"); });
 }

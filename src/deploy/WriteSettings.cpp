@@ -23,7 +23,7 @@ void FrmApplication::WriteSettings() {
     const std::string started = "Writing Settings started...";
     Lblmsg.Caption = started;
     wizard_.WriteErrLog(started);
-    for (int i = 1; i <= n; ++i) {
+    for (Int16 i = 1; i <= n; ++i) {
       windows_.DoEvents();
       const std::vector<std::string> fields = Split(wizard_.GetCfgValue("WriteSettings", i), ',');
       if (!Contains(Element(fields, 0), ".txt")) continue;

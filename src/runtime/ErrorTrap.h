@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "runtime/Int16.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -29,6 +30,16 @@ class ErrorTrap {
       handler_(RuntimeError(error::OutOfMemory));
     }
     return false;
+  }
+
+  /// A counted loop: `body` with 1 to `last`. The index is a 16-bit one and is counted on behind
+  /// the last round too, so that 32767 rounds end with an error 6 for the handler.
+  template <class Body>
+  void CountTo(Int16 last, Body&& body) const {
+    for (Int16 index = 1; index <= last;) {
+      body(index);
+      if (!(*this)([&] { ++index; })) return;
+    }
   }
 
  private:

@@ -44,15 +44,16 @@ class DatabaseTest : public PackTest {
 
 TEST_F(DatabaseTest, BatchesMoveTheirFilesAndRecordTheirNames) {
   List({"a.sql", "b.sql"});
-  Script("a.sql", {"  --TALUgo", "", create, " go ", "CREATE LOGIN Seller WITH PASSWORD='x'", "GO",
-                   "SELECT 1", "GO -- end", "Go"});
+  Script("a.sql",
+         {"  --TALUgo", "", create, " go ", "CREATE LOGIN Seller WITH PASSWORD='x'", "GO",
+          "SELECT 1", "-- no --taluGO is sent", "--taluLineByLine", "GO -- end", "Go", "GO"});
   Script("b.sql", {"--taluLineByLine", "  INSERT 1 ", "x --talulinebyline y", "GO"});
   Build();
   const std::string data = app + "\\Data";
-  EXPECT_EQ(Statements(),
-            (std::vector<std::string>{"\r\n" + Replace(create, "C:\\Old\\Data", data),
-                                      "\r\nCREATE LOGIN Seller WITH PASSWORD='x'",
-                                      "\r\nSELECT 1\r\nGO -- end", "  INSERT 1 ", "GO"}));
+  EXPECT_EQ(Statements(), (std::vector<std::string>{"\r\n" + Replace(create, "C:\\Old\\Data", data),
+                                                    "\r\nCREATE LOGIN Seller WITH PASSWORD='x'",
+                                                    "\r\nSELECT 1\r\n--taluLineByLine\r\nGO -- end",
+                                                    "  INSERT 1 ", "GO"}));
   EXPECT_EQ(Statements().size(), 5U);
   EXPECT_EQ(machine.Journal.Texts("sql", "timeout").front(), "300");
   EXPECT_EQ(wizard.State.CreatedDatabaseList, ", SalesDB");
@@ -154,6 +155,26 @@ TEST_F(DatabaseTest, AFailingDropLeavesTheRestOfItsListAndStillDropsTheLogins) {
   EXPECT_TRUE(machine.Server.Logins.empty());
 }
 
+TEST_F(DatabaseTest, AnEntryOfBlanksIsNotDropped) {
+  Script("a.sql", {"--taluGO", "CREATE DATABASE  X ON (FILENAME='C:\\Old\\x.mdf')", "GO", "BAD",
+                   "GO", "CREATE LOGIN  Seller WITH PASSWORD='x'", "GO"});
+  FailOn("BAD");
+  Build();
+  EXPECT_EQ(wizard.State.CreatedDatabaseList, ", ");
+  EXPECT_EQ(Statements().size(), 3U) << "not even USE Master";
+  EXPECT_EQ(Shown("LblMsg"), "Database creation not finished...");
+}
+
+TEST_F(DatabaseTest, BehindTheLast16BitEntryTheRollbackOverflows) {
+  std::string text = "--taluGO\r\nBAD\r\nGO\r\n";
+  for (int i = 0; i < 32767; ++i) text += "CREATE LOGIN  X \r\nGO\r\n";
+  Put("SQLScript\\Fresh\\a.sql", text);
+  FailOn("BAD");
+  machine.Server.AcceptAll = true;
+  Build();
+  EXPECT_EQ(windows.Messages(), std::vector<std::string>{"Overflow"});
+}
+
 TEST_F(DatabaseTest, ModesLeakAndResetAsTheyAlwaysDid) {
   List({"a.sql", "b.sql", "c.sql"});
   Script("a.sql", {"--taluLineByLine", "ONE", "--taluGO", "TWO"});  // no last GO
@@ -248,6 +269,8 @@ TEST_F(DatabaseTest, WithoutServerOrFolderNothingIsRun) {
   windows.Click("CmdNext");
   EXPECT_EQ(Shown("LblMsg"), "Database authentication failed, Can not continue ...");
   EXPECT_EQ(windows.VisibleForm(), "FrmSQLNonQuery");
+  EXPECT_EQ(Width(), 440);
+  EXPECT_FALSE(windows.Shown("CmdPrev")->Enabled || windows.Shown("CmdNext")->Enabled);
   machine.Server.Reachable = true;
   wizard.State.DBFolderPath = "";
   BuildAgain();
@@ -256,18 +279,25 @@ TEST_F(DatabaseTest, WithoutServerOrFolderNothingIsRun) {
 }
 
 TEST_F(DatabaseTest, TheBarGrowsToItsLimitAndFallsBack) {
-  std::vector<std::string> lines(1500, "X");
+  std::vector<std::string> lines(600, "X");
   lines.insert(lines.begin(), "--taluLineByLine");
   Script("a.sql", lines);
+  List({"a.sql"}, true);
   Build();
+  List({"a.sql"});
   wizard.Page<FrmSQLNonQuery>().ShpProgBar.Width = 5500;
   BuildAgain();
-  int most = 0;
+  std::vector<int> turns;
+  int last = 440;
   for (const JournalEvent& event : machine.Journal.Events()) {
     if (event.Text("form") != "FrmSQLNonQuery" || event.Text("property") != "Width") continue;
-    most = std::max(most, std::stoi(event.Text("value")));
+    const int width = std::stoi(event.Text("value"));
+    if (width != last + 1) turns.insert(turns.end(), {last, width});
+    last = width;
   }
-  EXPECT_EQ(most, 6000);
+  // The backup's scan, the build behind it and its end; then what the test set, and the second
+  // build.
+  EXPECT_EQ(turns, (std::vector<int>{1000, 500, 1139, 5860, 5860, 5500, 6000, 5000, 5099, 5860}));
 }
 
 TEST_F(DatabaseTest, TheBackupCollectsNamesItsOwnWay) {
@@ -293,7 +323,8 @@ TEST_F(DatabaseTest, TheBackupCollectsNamesItsOwnWay) {
        "CREATE DATABASE Sales\r\nDROP DATABASE Old",
        {"Sales\r\nDROP", "Old"},
        ""},
-      {"nothing behind the name", "CREATE DATABASE Sales", {}, invalid},
+      {"nothing behind the name", "USE Old\r\nCREATE DATABASE Sales", {}, invalid},
+      {"the longest name", "USE " + std::string(128, 'n'), {std::string(128, 'n')}, ""},
       {"too long a name", "CREATE DATABASE " + std::string(129, 'n') + " ON", {}, ""},
       {"a position past 16 bits", std::string(32760, '-') + " CREATE DATABASE A B", {}, overflow},
       {"a long batch", std::string(32740, '-') + "USE A", {"A"}, ""},
@@ -325,6 +356,7 @@ TEST_F(DatabaseTest, TheBackupCollectsNamesItsOwnWay) {
                          "-Full Database Backup', SKIP, NOREWIND, NOUNLOAD,  STATS = 10");
     }
     EXPECT_EQ(other.Journal.Texts("sql", "text"), expected);
+    EXPECT_EQ(other.Journal.Texts("sql", "timeout"), std::vector<std::string>(expected.size()));
     EXPECT_EQ(Contains(other.Disk.ReadFile("C:\\Progs\\App\\Ta-luErrLog.txt").value_or(""),
                        "//\r\n//\r\n" + (test.error.empty() ? "?" : test.error)),
               !test.error.empty());

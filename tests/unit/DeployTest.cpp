@@ -2,6 +2,7 @@
 
 #include "Pack.h"
 #include "deploy/MdlCommon.h"
+#include "deploy/MdlShellCopy.h"
 #include "pages/FrmApplication.h"
 
 namespace talu {
@@ -24,6 +25,14 @@ class DeployTest : public PackTest {
     const auto end = std::find(start, entries.end(), last);
     EXPECT_NE(end, entries.end()) << last;
     return start == entries.end() ? entries : std::vector<std::string>(start + 1, end);
+  }
+  /// What a control was given, in order.
+  std::vector<std::string> Given(const std::string& control) {
+    std::vector<std::string> values;
+    for (const JournalEvent& event : machine.Journal.Events()) {
+      if (event.Text("control") == control) values.push_back(event.Text("value"));
+    }
+    return values;
   }
 };
 
@@ -85,6 +94,28 @@ TEST_F(DeployTest, AWholeClientInstallationInOrder) {
                 "Final Message started...",
                 "Final Message write successfully",
                 "Installation finished."}));
+  EXPECT_EQ(Given("Lblmsg"),
+            (std::vector<std::string>{
+                "DSN creation started. Please Wait...",
+                "DSN(s) created successfully",
+                "Started Copying files. Please wait....",
+                "Copying - " + app + "\\Desk.exe",
+                "Copying - " + app + "\\Parts\\grid.OCX",
+                "File copying finished Successfully....",
+                "File Registration started. Please Wait...",
+                "Registering - " + app + "\\Parts\\grid.OCX",
+                "All Files registered successfully",
+                "Special Registration started. Please Wait...",
+                "Special Registration finished.",
+                "Creating Shotcuts...",
+                "Writing Settings started...",
+                "Writing Settings not Finished",
+                "Execution of AddOn packs started...",
+                "Execution of tool.exe AddOn pack started.Please follow instructions...",
+                "Execution of extra.msi AddOn pack started.Please wait...",
+                "Execution of missing.exe AddOn pack started.Please follow instructions...",
+                "Please read below instructions carefully...",
+                "Installation finished. Click Finish to Exit."}));
   EXPECT_EQ(Records(),
             (std::vector<std::string>{
                 "AppFolder:" + app, "DBFolder:" + app + "\\Data", "Server:SRV1",
@@ -108,7 +139,6 @@ TEST_F(DeployTest, AWholeClientInstallationInOrder) {
   EXPECT_EQ(Get(app + "\\Conn.txt"), "Server=SRV1\r\n");
   EXPECT_EQ(Get(app + "\\desk.mdf"), "(none)");
   EXPECT_EQ(Shown("LblFinalMsg"), "\rA\rB");
-  EXPECT_EQ(Shown("Lblmsg"), "Installation finished. Click Finish to Exit.");
   EXPECT_EQ(Shown("LblNotRes"), "");
   EXPECT_EQ(Width(), 7325);
   EXPECT_TRUE(windows.Click("CmdNext"));
@@ -179,16 +209,18 @@ TEST_F(DeployTest, CopyGoesOnPastWhatItCannotCopy) {
 TEST_F(DeployTest, TheBarCreepsToItsLimitWhileCopying) {
   for (int i = 0; i < 30; ++i) Put("Application\\file" + std::to_string(i), "");
   Install("OptClient");
-  std::vector<std::string> widths;
-  for (const JournalEvent& event : machine.Journal.Events()) {
-    if (event.Text("control") == "ShpProgBar") widths.push_back(event.Text("value"));
-  }
+  const std::vector<std::string> widths = Given("ShpProgBar");
   EXPECT_EQ(widths.at(widths.size() - 3), "1495");  // 30 files after 1465, then the copy's share
   EXPECT_EQ(widths.at(widths.size() - 2), "4425");
 
   wizard.Page<FrmApplication>().ShpProgBar.Width = 6695;
   CopyFolderFiles(wizard, "D:\\Pack\\Application", app);
   EXPECT_EQ(Width(), 6700);
+
+  EXPECT_TRUE(ShellCopy(wizard, "D:\\Pack\\Application\\file1", app + "\\x", false));
+  EXPECT_FALSE(ShellCopy(wizard, "D:\\Pack\\none", app + "\\x", true));
+  const auto flags = machine.Journal.Texts("copy", "flags");
+  EXPECT_EQ(flags.at(flags.size() - 2) + "," + flags.back(), "64,6416");
 }
 
 TEST_F(DeployTest, DataSourcesOfOddLines) {
@@ -206,6 +238,18 @@ TEST_F(DeployTest, DataSourcesOfOddLines) {
                                 "//\r\nSubscript out of range\r\n", "creating - Other,Third,T,u,p",
                                 "//\r\nOperation is not allowed when the object is open.\r\n"}));
   EXPECT_EQ(Records().size(), 6U) << "each line is recorded, whatever became of it";
+  EXPECT_EQ(Given("Lblmsg").at(1), "Started Copying files. Please wait....")
+      << "the block's first line was refused";
+  EXPECT_EQ(Given("ShpProgBar").at(5), "1477") << "a step of 4 for each";
+}
+
+TEST_F(DeployTest, StepsWithoutLinesShowAndLogNothingOfTheirOwn) {
+  Put("Application\\a.txt", "");
+  Install("OptClient");
+  EXPECT_EQ(Given("Lblmsg").size(), 10U) << "no data source, shortcut, setting, add-on, last word";
+  EXPECT_EQ(Between("Special Registration finished.", "Installation finished."),
+            (std::vector<std::string>{"Writing Settings not Finished", "Final Message started...",
+                                      "Final Message write successfully"}));
 }
 
 TEST_F(DeployTest, AServerThatCannotBeReachedEndsTheProgram) {
@@ -234,6 +278,16 @@ TEST_F(DeployTest, RegistrationWalksAndSurvives) {
             "//\r\nPath not found\r\n");
 }
 
+TEST_F(DeployTest, WithoutPlacesToRegisterTheWholeFolderIsWalked) {
+  Put("Application\\a.dll", "");
+  Put("Application\\One\\Two\\b.ocx", "");
+  Install("OptClient");
+  const auto commands = machine.Journal.Texts("start", "command");
+  ASSERT_EQ(commands.size(), 4U);
+  EXPECT_EQ(commands.at(0), "regsvr32 /s \"" + app + "\\a.dll\" /U");
+  EXPECT_EQ(commands.at(3), "regsvr32 /s \"" + app + "\\One\\Two\\b.ocx\"");
+}
+
 TEST_F(DeployTest, ManyRegistrationsStepTheBarBack) {
   Configure({Block("RegnLocation", {"\\Parts"})});
   for (int i = 0; i < 750; ++i) Put("Application\\Parts\\" + std::to_string(1000 + i) + ".dll", "");
@@ -252,7 +306,8 @@ TEST_F(DeployTest, ManyRegistrationsStepTheBarBack) {
 }
 
 TEST_F(DeployTest, AShortcutThatCannotBeMadeTriesTheNextFolderOfItsName) {
-  Configure({Block("Shotcut", {"\\a.exe,Desktop,A", "\\a.exe,Nowhere,A", "a.exe,Desktop"})});
+  Configure({Block("Shotcut", {"\\a.exe,Desktop,A", "\\a.exe,Nowhere,A", "a.exe,Desktop",
+                               "b.exe, DESKTOP ,B"})});
   machine.Disk.MakeFolders("D:\\Pack\\Application");
   machine.Disk.Find("C:\\Users\\Public\\Desktop")->Denied = true;
   Install("OptClient");
@@ -260,8 +315,12 @@ TEST_F(DeployTest, AShortcutThatCannotBeMadeTriesTheNextFolderOfItsName) {
             (std::vector<std::string>{"//\r\nPath/File access error\r\n",
                                       "Shotcut:C:\\Users\\Public\\Desktop\\A.lnk can't created",
                                       "Shotcut:C:\\Users\\Operator\\Desktop\\A.lnk created",
-                                      "//\r\nSubscript out of range\r\n"}));
-  EXPECT_EQ(Records().back(), "Shotcut:C:\\Users\\Operator\\Desktop\\A.lnk");
+                                      "//\r\nSubscript out of range\r\n",
+                                      "//\r\nPath/File access error\r\n",
+                                      "Shotcut:C:\\Users\\Public\\Desktop\\B.lnk can't created",
+                                      "Shotcut:C:\\Users\\Operator\\Desktop\\B.lnk created"}));
+  EXPECT_EQ(Records().back(), "Shotcut:C:\\Users\\Operator\\Desktop\\B.lnk");
+  EXPECT_EQ(machine.Journal.Texts("shortcut", "target").back(), "C:\\Progs\\TA-LU\\Appb.exe");
 }
 
 TEST_F(DeployTest, SettingsFilesOfOddLines) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "Pack.h"
+#include "pages/FrmAuthentication.h"
 #include "pages/FrmLocation.h"
 
 namespace talu {
@@ -59,6 +60,7 @@ TEST_F(PagesTest, OldFolderControlsFollowTheirClicks) {
   EXPECT_EQ(wizard.State.OldInstallPath, "");
   windows.BrowseAnswers = {"C:\\Old"};
   windows.Click("CmdLocation");
+  windows.Click("CmdLocation");  // cancelled
   EXPECT_EQ(wizard.State.OldInstallPath, "C:\\Old");
   EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Old");
   windows.Click("OptDemo");
@@ -88,8 +90,10 @@ TEST_F(PagesTest, BackAndNextFollowTheMode) {
   EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
   EXPECT_EQ(Shown("LblTitleMsg"), "Select Location ");
   EXPECT_FALSE(Visible("TxtServer"));
+  EXPECT_EQ(Width(), 440);
   windows.Click("CmdPrev");
   EXPECT_EQ(windows.VisibleForm(), "FrmAuthentication");
+  EXPECT_EQ(Shown("TxtUsrName"), " sa ") << "as it was typed";
   windows.Click("CmdPrev");
   EXPECT_EQ(windows.VisibleForm(), "FrmMode");
   windows.Click("OptClient");
@@ -128,6 +132,16 @@ TEST_F(PagesTest, AuthenticationStoresFirstAndStaysUntilTheServerAgrees) {
   EXPECT_EQ(machine.Journal.Texts("connect", "text").back(),
             "driver={SQL Server};server=SRV1;uid=sa;pwd=right;database=Master");
   EXPECT_TRUE(windows.Messages().empty());
+}
+
+TEST_F(PagesTest, AtItsLoadAuthenticationLooksAtTheLoginOnly) {
+  for (const char* password : {"", "secret"}) {
+    Wizard other(machine.Parts);
+    other.State.SqlUser = "sa";
+    other.State.SqlPassword = password;
+    windows.Run([&] { other.Page<FrmAuthentication>().Show(); });
+    EXPECT_EQ(Enabled("CmdNext"), *password != '\0');
+  }
 }
 
 TEST_F(PagesTest, AChosenRootGetsProductAndApplicationFolder) {
@@ -173,6 +187,16 @@ TEST_F(PagesTest, UpgradeIntoTheOldFolderFillsTheLocation) {
   windows.Click("CmdNext");
   EXPECT_EQ(wizard.State.InstallPath, "C:\\Old\\TA-LU");
   EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Old\\TA-LU\\App");
+
+  // What is backed up is the old folder, wherever the new one is.
+  machine.Disk.WriteFile("C:\\Old\\old.txt", "old");
+  machine.Disk.WriteFile("C:\\New\\App\\new.txt", "new");
+  windows.Type("TxtInstaPath", "C:\\New\\App");
+  windows.Type("TxtServer", "SRV1");
+  windows.Click("CmdNext");
+  const std::string backup = "C:\\New\\App BackUp\\AppFolderBkp_7_3_2012_9_5";
+  EXPECT_EQ(Get(backup + "\\old.txt"), "old");
+  EXPECT_EQ(Get(backup + "\\new.txt"), "(none)");
 }
 
 TEST_F(PagesTest, NextMakesFoldersLogAndRecord) {
@@ -203,8 +227,18 @@ TEST_F(PagesTest, NextOverAnInstallationBacksItUpAndGoesOnWithItsRecord) {
   EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
   EXPECT_TRUE(Enabled("CmdNext"));
   EXPECT_EQ(Get(backup + "\\Sub\\old.txt"), "old");
+  EXPECT_EQ(Get(backup + "\\Ta-luErrLog.txt"), "(none)") << "the reset comes first";
+  EXPECT_EQ(Shown("LblMsg"), "Taking Backup of installation folders...");
+  std::string pointers;
+  for (const JournalEvent& event : machine.Journal.Events()) {
+    if (event.Text("property") == "MousePointer") pointers += event.Text("value") + ",";
+  }
+  EXPECT_EQ(pointers, "11,0,");
   EXPECT_FALSE(Get(app + "\\Ta-luErrLog.txt").starts_with("old"));
   EXPECT_TRUE(Get(app + "\\Uninstall.dat").starts_with("old record\r\nAppFolder:"));
+  windows.Click("CmdNext");
+  EXPECT_EQ(std::ranges::count(machine.Journal.Texts("mkdir", "path"), backup), 1)
+      << "one a minute";
   machine.Clock.Time.Minute = 6;
   windows.Click("CmdNext");
   EXPECT_EQ(Get("C:\\Progs\\TA-LU\\App BackUp\\AppFolderBkp_7_3_2012_9_6\\Sub\\old.txt"), "old");
@@ -285,6 +319,8 @@ TEST_F(PagesTest, AddRegistryLogsAndSaves) {
   const auto entries = LogEntries().size();
   wizard.Page<FrmLocation>().AddRegistry();
   EXPECT_EQ(LogEntries().size(), entries);
+  wizard.WriteErrLog("");
+  EXPECT_TRUE(Get(app + "\\Ta-luErrLog.txt").ends_with(app + "\r\n\r\n//\r\n\r\n\r\n"));
 }
 
 }  // namespace

@@ -118,5 +118,16 @@ TEST(ErrorTrap, ResumesWithTheNextStatementAndLetsTheHandlersErrorOut) {
             error::PathNotFound);
 }
 
+TEST(ErrorTrap, CountsItsLoopsInSixteenBits) {
+  int errors = 0;
+  const ErrorTrap step([&](const RuntimeError& error) { errors += error.Number; });
+  for (const int last : {0, 1, 32766, 32767}) {
+    int rounds = 0;
+    step.CountTo(last, [&](Int16 index) { EXPECT_EQ(index, ++rounds); });
+    EXPECT_EQ(rounds, last);
+    EXPECT_EQ(errors, last == 32767 ? error::Overflow : 0);
+  }
+}
+
 }  // namespace
 }  // namespace talu
