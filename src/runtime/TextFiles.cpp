@@ -9,7 +9,7 @@
 namespace talu {
 namespace {
 
-constexpr std::size_t kChunk = 64 * 1024;
+constexpr std::size_t kChunk = std::size_t{64} * 1024;
 
 }  // namespace
 
@@ -67,14 +67,12 @@ void TextFiles::LineInput(int number, std::string& line) {
   if (file.At == file.Buffer.size() && !Fill(file)) throw RuntimeError(error::InputPastEnd);
   line.clear();
   do {
-    const char* start = file.Buffer.data() + file.At;
-    const std::size_t left = file.Buffer.size() - file.At;
-    const void* end = std::memchr(start, '\r', left);
-    const std::size_t length =
-        end == nullptr ? left : static_cast<std::size_t>(static_cast<const char*>(end) - start);
-    line.append(start, length);
-    file.At += length;
-    if (end != nullptr) {
+    const std::string_view rest = std::string_view(file.Buffer).substr(file.At);
+    const std::size_t end = rest.find('\r');
+    const std::string_view part = rest.substr(0, end);
+    line.append(part);
+    file.At += part.size();
+    if (end != std::string_view::npos) {
       ++file.At;
       const bool more = file.At < file.Buffer.size() || Fill(file);
       if (more && file.Buffer[file.At] == '\n') ++file.At;
