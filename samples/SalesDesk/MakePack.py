@@ -32,6 +32,7 @@ def make_pack(pack):
     upgrade = (SOURCES / "sql/UpgradeTables.sql").read_text(encoding="utf-8")
     texts = {
         "AppCfg.txt": (SOURCES / "AppCfg.txt").read_text(encoding="utf-8"),
+        "packcheck.ignore": (SOURCES / "packcheck.ignore").read_text(encoding="utf-8"),
         "SQLScript/Fresh/CreateDatabases.sql": create,
         "SQLScript/Fresh/BaseRows.sql": line_script(base_rows()),
         "SQLScript/Demo/CreateDatabases.sql": create,

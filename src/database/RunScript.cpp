@@ -20,7 +20,9 @@ bool FrmSQLNonQuery::RunScript(const ErrorTrap& step, const std::string& folder)
   step([&] { TheCommand().CommandTimeout(kCommandTimeout); });
   OpenForReading(step, files, wizard_.Machine.AppPath + folder + ScriptName, ScriptFile);
   BatchMode = false;
+  scriptLine_ = 0;
   while (MoreToRead(step, files, ScriptFile)) {
+    ++scriptLine_;
     if (!step([&] { files.LineInput(ScriptFile, CurrentLine); }))
       continue;  // the line before must not be taken twice
     if (TrimView(CurrentLine).empty()) continue;
@@ -38,11 +40,13 @@ bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step) {
   } else if (BatchMode && EqualsUpper(TrimView(CurrentLine), "GO")) {
     FinishBatch(step);
   } else if (BatchMode) {
+    if (BatchText.empty()) batchOrigin_ = {ScriptName, scriptLine_};
     step([&] { BatchText.append(kCrLf).append(TrimView(CurrentLine)); });
   } else if (ContainsUpper(CurrentLine, kLineDirective)) {
     LineByLineMode = true;
   } else if (LineByLineMode) {
     windows_.DoEvents();
+    batchOrigin_ = {ScriptName, scriptLine_};
     step([&] { BatchText = CurrentLine; });
     if (!BatchText.empty()) ExecuteBatch(step);
     BatchText.clear();
@@ -94,8 +98,10 @@ void FrmSQLNonQuery::RecordName(const ErrorTrap& step, const char* statement, co
 }
 
 void FrmSQLNonQuery::ExecuteBatch(const ErrorTrap& step) {
+  executing_ = batchOrigin_;
   step([&] { TheCommand().CommandText(BatchText); });
   step([&] { TheCommand().Execute(); });
+  executing_.reset();
   windows_.DoEvents();
   ShpProgBar.Width = ShpProgBar.Width < 6000 ? ShpProgBar.Width + 1 : 5000;
 }

@@ -15,7 +15,8 @@ void Form::Show() {
     loaded_ = true;
     Raise([this] { Form_Load(); });
   }
-  windows_.ShowForm(*this);
+  // The page before is hidden by now: without this one nothing would be left on the screen.
+  Raise([this] { windows_.ShowForm(*this); });
   Raise([this] { Form_Activate(); });
 }
 

@@ -52,6 +52,7 @@ void FrmAuthentication::CmdNext_Click() {
     Hide();
     wizard_.Page<FrmLocation>().Show();
   } catch (const RuntimeError&) {
+    connection_.reset();  // one that would not close refuses every further try
     LblMsg.Caption = "Authentication failed...";
     CmdNext.Enabled = false;
   }

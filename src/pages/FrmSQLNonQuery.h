@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "pages/WizardPage.h"
@@ -25,6 +26,14 @@ class FrmSQLNonQuery : public WizardPage {
   Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
   CommandButton CmdPrev{*this, "CmdPrev", "&Back", layout::kBack};
   CommandButton CmdNext{*this, "CmdNext", "&Next", layout::kNext};
+
+  /// Where a batch begins: script file name and line, from 1.
+  struct BatchOrigin {
+    std::string Script;
+    int Line = 0;
+  };
+  /// The batch that is being executed, for whoever watches a build; nothing in between.
+  const std::optional<BatchOrigin>& Executing() const { return executing_; }
 
  protected:
   void Form_Load() override;
@@ -76,6 +85,9 @@ class FrmSQLNonQuery : public WizardPage {
   bool WentBack = false;
   int ConfigFile = 0;
   int ScriptFile = 0;
+  int scriptLine_ = 0;
+  BatchOrigin batchOrigin_;
+  std::optional<BatchOrigin> executing_;
   std::unique_ptr<Connection> connection_;
   std::unique_ptr<Command> command_;
 };

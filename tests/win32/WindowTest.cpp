@@ -152,11 +152,16 @@ TEST_F(WindowTest, CanBeUsedByKeyboardAlone) {
   PostMessageA(GetFocus(), WM_KEYDOWN, VK_RETURN, 1 << 30);  // held down
   Settle();
   EXPECT_EQ(page_.Doings, Doings({"focus TxtPath", "click ChkOldLocation", "click CmdNext"}));
+  page_.Doings.clear();
+  SetFocus(Control("CmdPrev"));
+  Press(VK_RETURN);
+  EXPECT_EQ(page_.Doings, Doings({"click CmdPrev"})) << "a focused button comes first";
+  SetFocus(Control("OptFresh"));
   page_["CmdNext"].Enabled = false;
   page_.Changed("CmdNext", Property::Enabled);
   Press(VK_RETURN);
   Press(VK_ESCAPE);
-  EXPECT_EQ(page_.Doings.size(), 3u);
+  EXPECT_EQ(page_.Doings.size(), 1u);
 }
 
 TEST_F(WindowTest, TypingReachesTheFormAndItsOwnTextsDoNotEcho) {

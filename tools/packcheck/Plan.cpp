@@ -1,7 +1,5 @@
 #include "Plan.h"
 
-#include <stdexcept>
-
 #include "PlanOperator.h"
 #include "runtime/TextFunctions.h"
 #include "startup/Main.h"
@@ -31,9 +29,6 @@ void PlannedRun::SetUp(const PlanOptions& options) {
   SimulatedDisk& disk = Machine.Disk;
   if (!options.Disk.empty()) disk.AddHostFolder(options.Disk, "C:");
   disk.AddHostFolder(options.Pack, options.PackPath);
-  if (!disk.FileExists(options.PackPath + "\\AppCfg.txt")) {
-    throw std::runtime_error("no AppCfg.txt in the pack folder " + options.Pack.string());
-  }
   MakeChosenFolder(disk, options.InstallPath);
   MakeChosenFolder(disk, options.OldPath);
   if (!options.SpecialFolders.empty()) {

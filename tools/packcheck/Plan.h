@@ -26,7 +26,7 @@ struct StatementFailure {
 /// What the operator chooses and types, and what the machine and its server are like before. Texts
 /// are in the Windows-1252 code page.
 struct PlanOptions {
-  /// The host folder that is the pack; holds AppCfg.txt.
+  /// The host folder that is the pack.
   std::filesystem::path Pack;
   InstallType Type = InstallType::Fresh;
   InstallMode Mode = InstallMode::Server;
@@ -67,7 +67,7 @@ struct PlanOptions {
 class PlannedRun {
  public:
   /// Takes each event of the journal as it happens, in place of the journal.
-  using Watcher = std::function<void(const PlannedRun& run, const JournalEvent& event)>;
+  using Watcher = std::function<void(PlannedRun& run, const JournalEvent& event)>;
 
   /// Runs the plan. Raises std::runtime_error with a line for the user when the pack or the disk
   /// cannot be put on a Windows machine, std::filesystem::filesystem_error when it cannot be read.

@@ -1,18 +1,129 @@
 // packcheck: what Setup.exe would do with a pack, told to its author.
 
 #include <CLI/CLI.hpp>
+#include <exception>
 #include <iostream>
+#include <string>
 
-#include "Plan.h"
+#include "CommandLine.h"
+#include "PlanArguments.h"
+#include "PlanCommand.h"
+#if __has_include("CheckCommand.h")
+#include "CheckCommand.h"
+#define TALU_CHECK
+#endif
+
+namespace talu {
+namespace {
+
+constexpr int kUsage = 2;
+
+CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
+  CLI::App& plan = *app.add_subcommand("plan", "Tell what an installation would do");
+  plan.footer(
+      "Exit status: 0 the installation came to Finish, 1 the wizard stopped before, 2 it could not "
+      "be planned.");
+  std::string group;
+  const auto add = [&](const char* name, auto& value, const char* valueName, const char* help) {
+    CLI::Option* const option = plan.add_option(name, value, help)->type_name(valueName);
+    if (!group.empty()) option->group(group);
+    return option->allow_extra_args(false);  // one value each time, or PACK would be taken for more
+  };
+  add("PACK", given.Pack, "", "The pack folder")->required();
+  add("--type", given.Type, "TYPE", "fresh, demo or upgrade")->required();
+  add("--mode", given.Mode, "MODE", "server or client")->required();
+  plan.add_flag("--json", given.Json, "Print the journal, one JSON object a line");
+  add("--save", given.Save, "DIR", "Save the drives at the end into a new folder");
+
+  group = "What the operator does";
+  add("--server", given.Server, "NAME", "Type this database server (SERVER)");
+  add("--user", given.User, "NAME", "Type this SQL user (sa)");
+  add("--password", given.Password, "TEXT", "Type this password (password)");
+  add("--install-path", given.InstallPath, "PATH",
+      "Browse for this folder (what the page shows, else C:\\Program Files)");
+  add("--old-path", given.OldPath, "PATH",
+      "Tick the box of the existing application folder and browse for it (upgrade only)");
+  plan.add_flag("--twice", given.Twice, "Go back once from every page that allows it")
+      ->group(group);
+
+  group = "What the machine is like";
+  add("--pack-path", given.PackPath, "PATH", "Where it has the pack (D:\\Pack)");
+  add("--now", given.Now, "TIME", "What its clock says (\"2012-03-07 09:05\")");
+  add("--disk", given.Disk, "DIR", "A folder that is its C: at the start (a new machine's)");
+  add("--special-folders", given.SpecialFolders, "FILE",
+      "Its special folders in order, one path a line (a new machine's)");
+  add("--exit", given.Exits, "NAME=CODE", "How an add-on ends (0); repeatable");
+  add("--fail-request", given.FailRequest, "K[=NUMBER]",
+      "Request K to the machine fails, with run-time error NUMBER (57)");
+
+  group = "What the server is like";
+  add("--database", given.Databases, "NAME", "A database that is there; repeatable");
+  add("--login", given.Logins, "NAME", "A login that is there; repeatable");
+  add("--fail-sql", given.FailSql, "TEXT[=NUMBER:MESSAGE]",
+      "Statements that contain TEXT fail; repeatable");
+  plan.add_flag("--accept-all", given.AcceptAll,
+                "It keeps no names and accepts all but what --fail-sql says")
+      ->group(group);
+  return plan;
+}
+
+#ifdef TALU_CHECK
+struct CheckArguments {
+  std::string Pack;
+  std::string Code;
+  bool Json = false;
+};
+
+CLI::App& AddCheck(CLI::App& app, CheckArguments& given) {
+  CLI::App& check = *app.add_subcommand("check", "Find what is likely not meant");
+  check.footer("Exit status: 0 the pack is clean, 1 there are warnings, 2 there are errors.");
+  CLI::Option* const pack = check.add_option("PACK", given.Pack, "The pack folder")->type_name("");
+  check.add_flag("--json", given.Json, "Print one JSON object a finding");
+  check.add_option("--explain", given.Code, "Explain a finding's code")
+      ->type_name("CODE")
+      ->excludes(pack);
+  return check;
+}
+
+int RunCheck(const CheckArguments& given) {
+  if (!given.Code.empty()) return ExplainCommand(given.Code, std::cout);
+  if (given.Pack.empty()) throw std::runtime_error("check: a pack folder is wanted");
+  const std::u8string pack(given.Pack.begin(), given.Pack.end());
+  return CheckCommand({.Pack = pack, .Json = given.Json}, std::cout);
+}
+#endif
+
+int Main(int count, char** arguments) {
+  std::ios::sync_with_stdio(false);
+  CLI::App app("packcheck tells what Setup.exe would do with an installation pack.");
+  app.name("packcheck");
+  app.require_subcommand(1);
+  PlanArguments planned;
+  const CLI::App& plan = AddPlan(app, planned);
+#ifdef TALU_CHECK
+  CheckArguments checked;
+  AddCheck(app, checked);
+#endif
+  try {
+    app.parse(Utf8Arguments(count, arguments));
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : kUsage;
+  }
+  try {
+    if (plan.parsed()) return PlanCommand(ReadPlanArguments(planned), std::cout);
+#ifdef TALU_CHECK
+    return RunCheck(checked);
+#endif
+  } catch (const std::exception& error) {
+    std::cout.flush();
+    std::cerr << "packcheck: " << error.what() << '\n';
+  }
+  return kUsage;
+}
+
+}  // namespace
+}  // namespace talu
 
 int main(int count, char** arguments) {
-  CLI::App app("What Setup.exe would do with a pack");
-  talu::PlanOptions options;
-  CLI::App* plan = app.add_subcommand("plan", "Runs the installation on a simulated machine");
-  plan->add_option("PACK", options.Pack)->required()->check(CLI::ExistingDirectory);
-  app.require_subcommand(1);
-  CLI11_PARSE(app, count, arguments);
-  const talu::PlannedRun run(
-      options, [](const auto&, const auto& event) { std::cout << event.ToJson() << '\n'; });
-  return run.Finished() ? 0 : 1;
+  return talu::Main(count, arguments);
 }

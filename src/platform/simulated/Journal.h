@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/simulated/CodePage.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -38,6 +39,9 @@ class Journal {
  public:
   /// Counts a request that may fail. Raises the error that was asked for this request.
   void Count(const char* request);
+  /// Told of every such request before it is carried out, with its number (from 1); what it throws
+  /// comes out of the request.
+  std::function<void(int number, const char* request)> OnRequest;
   /// Requests counted so far.
   int Requests() const { return requests_; }
   /// Makes request number `request` (from 1) fail once.
@@ -89,9 +93,5 @@ class Journal {
   std::optional<RuntimeError> failure_;
   std::string failedRequest_;
 };
-
-/// Windows-1252 to UTF-8 and back; what the other does not know becomes "?".
-std::string Utf8FromAnsi(const std::string& text);
-std::string AnsiFromUtf8(const std::string& text);
 
 }  // namespace talu

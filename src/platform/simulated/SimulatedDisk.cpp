@@ -4,7 +4,7 @@
 #include <fstream>
 #include <utility>
 
-#include "platform/simulated/Journal.h"
+#include "platform/simulated/CodePage.h"
 #include "runtime/RuntimeError.h"
 #include "runtime/TextFunctions.h"
 
@@ -30,6 +30,10 @@ std::string FileContent::All() const {
   return bytes;
 }
 
+bool ListingOrder::operator()(std::string_view a, std::string_view b) const {
+  return std::ranges::lexicographical_compare(a, b, {}, UnicodeOf, UnicodeOf);
+}
+
 SimulatedDisk::SimulatedDisk(std::string currentFolder) : currentFolder_(std::move(currentFolder)) {
   root_.IsFolder = true;
   MakeFolders(currentFolder_);
@@ -50,6 +54,17 @@ std::string SimulatedDisk::FullPath(const std::string& path) const {
     full.append(piece, 0, end + 1);
   }
   return full;
+}
+
+std::string SimulatedDisk::OwnSpelling(const std::string& path) {
+  if (Find(path) == nullptr) return path;
+  std::string spelled;
+  const Node* node = &root_;
+  for (const std::string& piece : Split(FullPath(path), '\\')) {
+    node = node->Children.at(UCase(piece)).get();
+    spelled += (spelled.empty() ? "" : "\\") + node->Name;
+  }
+  return spelled;
 }
 
 SimulatedDisk::Node* SimulatedDisk::Find(const std::string& path) {
@@ -174,34 +189,6 @@ std::optional<std::string> SimulatedDisk::ReadFile(const std::string& path) {
   const Node* node = Find(path);
   if (node == nullptr || node->IsFolder) return std::nullopt;
   return node->Content->All();
-}
-
-void SimulatedDisk::AddHostFolder(const std::filesystem::path& hostFolder,
-                                  const std::string& path) {
-  MakeFolders(path);
-  for (const auto& entry : std::filesystem::directory_iterator(hostFolder)) {
-    const std::string target = path + "\\" + AnsiFromUtf8(entry.path().filename().string());
-    if (entry.is_directory()) {
-      AddHostFolder(entry.path(), target);
-    } else if (entry.is_regular_file()) {
-      auto content = std::make_shared<FileContent>();
-      content->HostFile = entry.path();
-      content->Size = entry.file_size();
-      FileForWriting(target).Content = std::move(content);
-    }
-  }
-}
-
-void SimulatedDisk::SaveTo(const std::string& path, const std::filesystem::path& hostFolder) {
-  std::filesystem::create_directories(hostFolder);
-  for (const auto& [upper, node] : FolderAt(path).Children) {
-    const std::filesystem::path target = hostFolder / Utf8FromAnsi(node->Name);
-    if (node->IsFolder) {
-      SaveTo(path + "\\" + node->Name, target);
-    } else {
-      std::ofstream(target, std::ios::binary) << node->Content->All();
-    }
-  }
 }
 
 void SimulatedDisk::Use(std::uint64_t bytes) {

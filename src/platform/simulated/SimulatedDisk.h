@@ -23,8 +23,15 @@ struct FileContent {
   std::string All() const;
 };
 
-/// The drives of a simulated machine: backslash paths, case kept and ignored, listings sorted as
-/// NTFS sorts them (upper-cased). Raises what Windows raises.
+/// The order in which a folder lists its entries, by their upper-cased names: that of Unicode, as
+/// NTFS and Wine have it.
+struct ListingOrder {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const;
+};
+
+/// The drives of a simulated machine: backslash paths, case kept and ignored. Raises what Windows
+/// raises.
 class SimulatedDisk {
  public:
   struct Node {
@@ -36,7 +43,7 @@ class SimulatedDisk {
     /// Handles that are open for writing.
     int Writers = 0;
     std::shared_ptr<FileContent> Content;
-    std::map<std::string, std::unique_ptr<Node>, std::less<>> Children;  // by upper-cased name
+    std::map<std::string, std::unique_ptr<Node>, ListingOrder> Children;  // by upper-cased name
   };
 
   /// `currentFolder` is where a path without a drive starts; its drive is there at once.
@@ -60,11 +67,13 @@ class SimulatedDisk {
   void WriteFile(const std::string& path, std::string bytes);
   /// The bytes of a file; nothing when there is none.
   std::optional<std::string> ReadFile(const std::string& path);
-  /// Puts a host folder's tree at `path`. The bytes stay on the host until something is written to
-  /// them.
+  /// Puts a host folder's tree at `path`, over what is there. The bytes stay on the host until
+  /// something is written to them. Raises std::runtime_error for a name that Windows-1252 or
+  /// Windows cannot have, and for two names that differ in case only.
   void AddHostFolder(const std::filesystem::path& hostFolder, const std::string& path);
-  /// Writes the tree at `path` into a host folder.
-  void SaveTo(const std::string& path, const std::filesystem::path& hostFolder);
+  /// Writes all drives into a host folder, each into a folder of its letter, without the tree at
+  /// `except`. Raises std::runtime_error when a file cannot be written.
+  void SaveTo(const std::filesystem::path& hostFolder, const std::string& except);
 
   /// Takes `bytes` of the free space. Raises 61 when there is not so much.
   void Use(std::uint64_t bytes);
@@ -74,6 +83,8 @@ class SimulatedDisk {
   /// A path with drive, without doubled or trailing backslashes; a component's trailing blanks and
   /// dots are dropped, as Windows does.
   std::string FullPath(const std::string& path) const;
+  /// The path as the folders on it are spelled; as it is given where there is nothing at it.
+  std::string OwnSpelling(const std::string& path);
 
  private:
   Node* Parent(const std::string& fullPath, std::string& name);

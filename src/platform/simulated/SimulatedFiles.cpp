@@ -106,11 +106,11 @@ std::string SimulatedFiles::GetSpecialFolder(int number) {
   journal_.Count("special folder");
   switch (number) {
     case 0:
-      return "C:\\Windows";
+      return disk_.OwnSpelling("C:\\Windows");
     case 1:
-      return "C:\\Windows\\System32";
+      return disk_.OwnSpelling("C:\\Windows\\System32");
     case 2:
-      return "C:\\Windows\\Temp";
+      return disk_.OwnSpelling("C:\\Windows\\Temp");
     default:
       throw RuntimeError(error::InvalidProcedureCall);
   }

@@ -1,7 +1,5 @@
 #include "platform/simulated/SimulatedServer.h"
 
-#include <algorithm>
-#include <cctype>
 #include <utility>
 
 #include "platform/simulated/SimulatedShell.h"
@@ -155,112 +153,6 @@ void SimulatedServer::Run(const std::string& statement, int timeout) {
     }
     if (!AcceptAll) Carry(statement);
   });
-}
-
-// Carries out what changes the names that the server keeps; the first refusal ends the statement.
-void SimulatedServer::Carry(const std::string& statement) {
-  const std::vector<std::string> words = SqlWords(statement);
-  const auto word = [&words](std::size_t at) { return at < words.size() ? words[at] : ""; };
-  bool skip = false;
-  for (std::size_t at = 0; at < words.size(); ++at) {
-    const std::string verb = UCase(word(at));
-    const std::string kind = UCase(word(at + 1));
-    if (verb == "IF") {
-      const bool negated = kind == "NOT";
-      std::size_t end = at;
-      while (end < words.size() && word(end) != ")") ++end;
-      const std::string last = word(end - 1);
-      const bool known = last.starts_with('\'') && (Databases.contains(UCase(last.substr(1))) ||
-                                                    Logins.contains(UCase(last.substr(1))));
-      skip = known == negated;
-      at = end;
-      continue;
-    }
-    if (kind != "DATABASE" && kind != "LOGIN" && verb != "USE") continue;
-    if (at > 0 && (UCase(word(at - 1)) == "GRANT" || UCase(word(at - 1)) == "DENY")) continue;
-    if (std::exchange(skip, false)) continue;
-    const bool login = kind == "LOGIN";
-    const std::string name = verb == "USE" ? word(at + 1) : word(at + 2);
-    auto& names = login ? Logins : Databases;
-    const bool there = names.contains(UCase(name)) || (!login && UCase(name) == "MASTER");
-    if (verb == "CREATE") {
-      if (there && login) {
-        throw StatementError("The server principal '" + name + "' already exists.");
-      }
-      if (there) {
-        throw StatementError("Database '" + name +
-                             "' already exists. Choose a different database name.");
-      }
-      names.insert(UCase(name));
-    } else if (verb == "DROP") {
-      if (!there && login) {
-        throw StatementError("Cannot drop the login '" + name +
-                             "', because it does not exist or you do not have permission.");
-      }
-      if (!there) {
-        throw StatementError("Cannot drop the database '" + name +
-                             "', because it does not exist or you do not have permission.");
-      }
-      names.erase(UCase(name));
-    } else if (verb == "ALTER" && !there && !login) {
-      throw StatementError("User does not have permission to alter database '" + name +
-                           "', the database does not exist, or the database is not in a state that "
-                           "allows access checks.");
-    } else if (verb == "USE" && !there) {
-      throw StatementError("Database '" + name +
-                           "' does not exist. Make sure that the name is entered correctly.");
-    }
-    ++at;
-  }
-}
-
-std::vector<std::string> SqlWords(std::string_view statement) {
-  std::vector<std::string> words;
-  const auto until = [&](std::size_t from, char quote) {
-    std::size_t at = from;
-    while (at < statement.size()) {
-      if (statement[at] == quote) {
-        if (at + 1 < statement.size() && statement[at + 1] == quote) {
-          ++at;
-        } else {
-          break;
-        }
-      }
-      ++at;
-    }
-    return at;
-  };
-  const auto isWord = [](char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte >= 0x80 || std::isalnum(byte) != 0 || Contains("_@#$", {&character, 1});
-  };
-  for (std::size_t at = 0; at < statement.size();) {
-    const char character = statement[at];
-    if (character == '\'' || character == '[' || character == '"') {
-      const std::size_t end = until(at + 1, character == '[' ? ']' : character);
-      words.push_back((character == '\'' ? "'" : "") +
-                      std::string(statement.substr(at + 1, end - at - 1)));
-      at = end + 1;
-    } else if (statement.substr(at, 2) == "--") {
-      at = std::min(statement.find('\n', at), statement.size());
-    } else if (statement.substr(at, 2) == "/*") {
-      at = std::min(statement.find("*/", at + 2), statement.size() - 2) + 2;
-    } else if (isWord(character)) {
-      std::size_t end = at;
-      while (end < statement.size() && isWord(statement[end])) ++end;
-      if (end < statement.size() && statement[end] == '\'' && end - at == 1 &&
-          UCase(character) == 'N') {
-        ++at;  // N'...'
-        continue;
-      }
-      words.emplace_back(statement.substr(at, end - at));
-      at = end;
-    } else {
-      if (static_cast<unsigned char>(character) > ' ') words.emplace_back(1, character);
-      ++at;
-    }
-  }
-  return words;
 }
 
 }  // namespace talu

@@ -41,7 +41,10 @@ class SimulatedServer : public Ado {
 
   void Connect(const std::string& text);
   void Run(const std::string& statement, int timeout);
-  void Carry(const std::string& statement);
+  void Carry(std::string_view statement);
+  void CarryOne(std::string_view verb, const std::string& name, bool login, bool asked);
+  /// Whether the upper-cased name is there.
+  bool Has(const std::string& name, bool login) const;
 
   Journal& journal_;
   SimulatedOdbc& odbc_;
@@ -50,9 +53,5 @@ class SimulatedServer : public Ado {
 
 /// The provider's error for a statement that the server refuses; `text` is the server's.
 RuntimeError StatementError(const std::string& text);
-
-/// The words of a statement: keywords and names without brackets, quoted texts with a leading
-/// quote, single characters; comments left out.
-std::vector<std::string> SqlWords(std::string_view statement);
 
 }  // namespace talu

@@ -35,6 +35,13 @@ double Inside(double distance) {
   return std::clamp(0.5 - distance, 0.0, 1.0);
 }
 
+/// The part of a rectangle that is farther from its edges than `distance` by a pixel.
+RECT Inset(RECT area, double distance) {
+  const int pixels = static_cast<int>(std::ceil(distance)) + 1;
+  InflateRect(&area, -pixels, -pixels);
+  return area;
+}
+
 double LineDistance(const POINT& from, const POINT& to, double x, double y) {
   const double dx = to.x - from.x;
   const double dy = to.y - from.y;
@@ -77,8 +84,10 @@ void Canvas::Fill(Colour colour) {
 }
 
 void Canvas::FillRound(const RECT& area, double radius, Colour colour, double opacity) {
-  Blend(area, colour,
-        [&](double x, double y) { return opacity * Inside(EdgeDistance(area, radius, x, y)); });
+  Blend(
+      area, colour,
+      [&](double x, double y) { return opacity * Inside(EdgeDistance(area, radius, x, y)); },
+      Inset(area, radius));
 }
 
 void Canvas::FillRoundWithin(const RECT& limit, const RECT& area, double radius, Colour colour) {
@@ -87,10 +96,13 @@ void Canvas::FillRoundWithin(const RECT& limit, const RECT& area, double radius,
 }
 
 void Canvas::FrameRound(const RECT& area, double radius, double thickness, Colour colour) {
-  Blend(area, colour, [&](double x, double y) {
-    const double distance = EdgeDistance(area, radius, x, y);
-    return Inside(distance) - Inside(distance + thickness);
-  });
+  Blend(
+      area, colour,
+      [&](double x, double y) {
+        const double distance = EdgeDistance(area, radius, x, y);
+        return Inside(distance) - Inside(distance + thickness);
+      },
+      Inset(area, radius + thickness));
 }
 
 void Canvas::Polyline(const std::vector<POINT>& points, double thickness, Colour colour) {
@@ -109,15 +121,27 @@ void Canvas::CopyTo(HDC target, const RECT& area, int left, int top) const {
 }
 
 void Canvas::Blend(const RECT& area, Colour colour,
-                   const std::function<double(double x, double y)>& coverage) {
+                   const std::function<double(double x, double y)>& coverage, const RECT& inner) {
   GdiFlush();  // what was drawn through the device context comes first
+  const auto weightAt = [&](int x, int y) {
+    return static_cast<int>(std::lround(256 * coverage(x + 0.5, y + 0.5)));
+  };
+  const int innerWeight = IsRectEmpty(&inner) ? 0
+                                              : weightAt((inner.left + inner.right) / 2,
+                                                         (inner.top + inner.bottom) / 2);
   const int left = std::max<int>(area.left, 0);
   const int right = std::min<int>(area.right, width_);
   const int bottom = std::min<int>(area.bottom, height_);
   for (int y = std::max<int>(area.top, 0); y < bottom; ++y) {
     std::uint32_t* row = pixels_ + static_cast<std::ptrdiff_t>(y) * width_;
+    const bool crossesInner = y >= inner.top && y < inner.bottom;
     for (int x = left; x < right; ++x) {
-      const int weight = static_cast<int>(std::lround(256 * coverage(x + 0.5, y + 0.5)));
+      const bool isInner = crossesInner && x >= inner.left && x < inner.right;
+      if (isInner && innerWeight == 0) {
+        x = static_cast<int>(inner.right) - 1;
+        continue;
+      }
+      const int weight = isInner ? innerWeight : weightAt(x, y);
       if (weight > 0) row[x] = Mix(row[x], colour, weight);
     }
   }

@@ -38,9 +38,10 @@ class Canvas {
   void CopyTo(HDC target, const RECT& area, int left, int top) const;
 
  private:
-  /// Mixes `colour` into each pixel of `area` as far as `coverage` (at its middle) says.
+  /// Mixes `colour` into each pixel of `area` as far as `coverage` (at its middle) says. Within
+  /// `inner` the coverage is the same everywhere and asked for only once.
   void Blend(const RECT& area, Colour colour,
-             const std::function<double(double x, double y)>& coverage);
+             const std::function<double(double x, double y)>& coverage, const RECT& inner = {});
 
   int width_;
   int height_;

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace talu {
+
+/// The Unicode character of a Windows-1252 byte.
+char32_t UnicodeOf(char ansi);
+
+/// Windows-1252 to UTF-8 and back; what the other does not know becomes "?".
+std::string Utf8FromAnsi(std::string_view text);
+std::string AnsiFromUtf8(std::string_view text);
+
+/// Appends a character in UTF-8.
+void AppendUtf8(std::string& text, char32_t character);
+
+}  // namespace talu

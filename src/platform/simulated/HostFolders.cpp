@@ -1,0 +1,100 @@
+// What a simulated disk takes from folders of the host, and what it leaves in them.
+
+#include <fstream>
+#include <set>
+#include <stdexcept>
+
+#include "platform/simulated/CodePage.h"
+#include "platform/simulated/SimulatedDisk.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Utf8(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+fs::path FromUtf8(const std::string& text) {
+  return std::u8string(text.begin(), text.end());
+}
+
+/// The name that a host file has on a Windows machine.
+std::string NameOnWindows(const fs::path& path) {
+  const std::string name = Utf8(path.filename());
+  std::string ansi = AnsiFromUtf8(name);
+  if (Utf8FromAnsi(ansi) != name) {
+    throw std::runtime_error(Utf8(path) + ": the name cannot be written in Windows-1252");
+  }
+  if (ansi.find_first_of("\\:*?\"<>|") != std::string::npos || ansi.ends_with('.') ||
+      ansi.ends_with(' ')) {
+    throw std::runtime_error(Utf8(path) + ": Windows does not allow this name");
+  }
+  return ansi;
+}
+
+void AddTree(const fs::path& hostFolder, SimulatedDisk::Node& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator(hostFolder)) {
+    const bool isFolder = entry.is_directory();
+    if (!isFolder && !entry.is_regular_file()) continue;
+    const std::string name = NameOnWindows(entry.path());
+    if (!names.insert(UCase(name)).second) {
+      throw std::runtime_error(Utf8(entry.path()) +
+                               ": another name in this folder differs from it in case only");
+    }
+    auto& node = folder.Children[UCase(name)];
+    if (!node || node->IsFolder != isFolder) node = std::make_unique<SimulatedDisk::Node>();
+    node->Name = name;
+    node->IsFolder = isFolder;
+    if (isFolder) {
+      AddTree(entry.path(), *node);
+    } else {
+      node->Content = std::make_shared<FileContent>();
+      node->Content->HostFile = entry.path();
+      node->Content->Size = entry.file_size();
+    }
+  }
+}
+
+void SaveFile(const FileContent& content, const fs::path& target) {
+  if (!content.HostFile.empty()) {
+    fs::copy_file(content.HostFile, target, fs::copy_options::overwrite_existing);
+    return;
+  }
+  std::ofstream file(target, std::ios::binary);
+  if (!file.write(content.Bytes.data(), static_cast<std::streamsize>(content.Bytes.size())).flush())
+    throw std::runtime_error("cannot write " + Utf8(target));
+}
+
+void SaveTree(const SimulatedDisk::Node& folder, const fs::path& hostFolder,
+              const SimulatedDisk::Node* except) {
+  fs::create_directories(hostFolder);
+  for (const auto& [upper, node] : folder.Children) {
+    if (node.get() == except) continue;
+    const fs::path target = hostFolder / FromUtf8(Utf8FromAnsi(node->Name));
+    if (node->IsFolder) {
+      SaveTree(*node, target, except);
+    } else {
+      SaveFile(*node->Content, target);
+    }
+  }
+}
+
+}  // namespace
+
+void SimulatedDisk::AddHostFolder(const fs::path& hostFolder, const std::string& path) {
+  AddTree(hostFolder, MakeFolders(path));
+}
+
+void SimulatedDisk::SaveTo(const fs::path& hostFolder, const std::string& except) {
+  const Node* const left = Find(except);
+  for (const auto& [name, drive] : root_.Children) {
+    SaveTree(*drive, hostFolder / name.substr(0, 1), left);
+  }
+}
+
+}  // namespace talu

@@ -1,0 +1,193 @@
+// Every finding, with the smallest pack that shows it and what a plan of that pack does; and the
+// manual's own pack, which has none.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "CheckCases.h"
+#include "CheckCommand.h"
+#include "Rules.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu {
+namespace {
+
+namespace fs = std::filesystem;
+
+class CheckTest : public testing::Test {
+ protected:
+  CheckTest() {
+    std::string name = (fs::path(testing::TempDir()) / "checkXXXXXX").string();
+    folder = mkdtemp(name.data());
+  }
+  ~CheckTest() override { fs::remove_all(folder); }
+
+  void MakePack(Files files) {
+    fs::remove_all(folder);
+    for (const auto& [path, bytes] : files) {
+      if (bytes == "-") continue;
+      fs::create_directories((folder / path).parent_path());
+      std::ofstream(folder / path, std::ios::binary) << bytes;
+    }
+  }
+  std::string Check(bool json, int status = -1) {
+    std::ostringstream out;
+    const int ended = CheckCommand({folder, json}, out);
+    if (status >= 0) {
+      EXPECT_EQ(ended, status) << out.str();
+    }
+    return out.str();
+  }
+  /// The codes found, each once; the one looked for is first.
+  std::string Codes(const std::string& first) {
+    const std::string json = Check(true);
+    const std::string mark = "\"code\":\"";
+    std::set<std::string> found;
+    for (std::size_t at = json.find(mark); at != std::string::npos; at = json.find(mark, at)) {
+      at += mark.size();
+      found.insert(json.substr(at, json.find('"', at) - at));
+    }
+    std::string codes = found.erase(first) == 1 ? first : "(no " + first + ")";
+    for (const std::string& other : found) codes += " " + other;
+    return codes;
+  }
+  /// What the plan did, an event a line: its kind, its values, its error; and why it stopped.
+  std::string Plan(const CheckCase& test) {
+    PlanOptions options;
+    options.Pack = folder;
+    options.Mode = test.Mode;
+    options.Type = test.Type;
+    options.ExitCodes = {{"My.exe", 5}};
+    std::string journal;
+    try {
+      const PlannedRun run(options, [&journal](const PlannedRun&, const JournalEvent& event) {
+        journal += event.Kind;
+        for (const auto& [name, value] : event.Fields) journal += " " + event.Text(name);
+        journal += (event.Error ? " " + event.Error->Description : "") + "\n";
+      });
+      return journal + run.Stop();
+    } catch (const std::exception& error) {
+      return error.what();
+    }
+  }
+
+  fs::path folder;
+};
+
+TEST_F(CheckTest, EachFindingIsWhatAPlanDoes) {
+  std::set<std::string> proved;
+  for (const CheckCase& test : CheckCases()) {
+    SCOPED_TRACE(test.Codes);
+    Files files = test.Pack;
+    files.merge(PlainPack());
+    MakePack(files);
+    const std::string codes = test.Codes;
+    const std::string code = codes.substr(0, codes.find(' '));
+    EXPECT_EQ(Codes(code), codes);
+    proved.insert(code);
+    const std::string journal = Plan(test);
+    const bool absent = test.Proof.starts_with('!');
+    EXPECT_EQ(journal.find(test.Proof.substr(absent ? 1 : 0)) == std::string::npos, absent)
+        << test.Proof << "\n"
+        << journal;
+  }
+  for (const RuleGroup& group : AllRules()) {
+    for (const Rule& rule : group.Rules) {
+      EXPECT_TRUE(proved.contains(std::string(rule.Code))) << rule.Code << " is not proved";
+    }
+  }
+}
+
+TEST_F(CheckTest, FindingsAreToldWithPlaceWeightAndStatus) {
+  Files files = PlainPack();
+  MakePack(files);
+  EXPECT_EQ(Check(false, 0), "0 errors, 0 warnings, 0 notes\n");
+
+  files["AppCfg.txt"] += "AddOns\r\n{\r\nb.bat\r\n";
+  MakePack(files);
+  const std::string json = Check(true, 1);
+  EXPECT_NE(json.find(R"("file":"AppCfg.txt","line":23,"code":"ADD-KIND","severity":"warning",)"
+                      R"("will":"\"b.bat\" contains neither .exe nor .msi, so nothing is run.")"),
+            std::string::npos)
+      << json;
+
+  // One kind is listed twenty times a file; lines count as an editor counts them.
+  files["AppCfg.txt"] += "}\r\n";
+  std::string script = "--taluLineByLine\r\n\r\n";
+  for (int i = 0; i < 30; ++i) script += "PRINT N'\xFC" + std::to_string(i) + "',\r\n";
+  files["SQLScript/Fresh/A.sql"] = script;
+  files["packcheck.ignore"] = "# why\nadd-kind | appcfg.txt | b.bat | run by hand later\n";
+  MakePack(files);
+  const std::string text = Check(false, 2);
+  EXPECT_TRUE(text.starts_with("AppCfg.txt:23: warning ADD-KIND") ||
+              text.starts_with("SQLScript\\Fresh\\A.sql:3: error SQL-LINE-SPLIT"))
+      << text;
+  EXPECT_NE(text.find("(and 10 more like this in the file)"), std::string::npos) << text;
+  EXPECT_TRUE(text.ends_with("30 errors, 0 warnings, 0 notes; 1 finding accepted\n")) << text;
+  EXPECT_NE(Check(true).find(R"("accepted":"run by hand later")"), std::string::npos);
+
+  std::ostringstream out;
+  EXPECT_EQ(CheckCommand({folder / "nowhere"}, out), 2);
+  EXPECT_TRUE(out.str().starts_with("packcheck: ")) << out.str();
+  EXPECT_EQ(ExplainCommand("no-such", out), 2);
+  EXPECT_EQ(ExplainCommand("add-kind", out), 0);
+}
+
+/// The fenced parts of the manual: what stands behind the fence, and the lines.
+std::vector<std::pair<std::string, std::vector<std::string>>> Fences(std::istream& manual) {
+  std::vector<std::pair<std::string, std::vector<std::string>>> fences;
+  bool inside = false;
+  for (std::string line; std::getline(manual, line);) {
+    if (line.starts_with("```")) {
+      inside = !inside;
+      if (inside) fences.push_back({line.substr(3), {}});
+    } else if (inside) {
+      fences.back().second.push_back(line);
+    }
+  }
+  return fences;
+}
+
+TEST_F(CheckTest, TheManualsPackIsCleanAndItsFindingsAreThese) {
+  std::ifstream manual(TALU_MANUAL);
+  Files files;
+  const auto path = [](const std::string& text) { return Replace(text, "\\", "/"); };
+  for (const auto& [name, lines] : Fences(manual)) {
+    for (const std::string& line : lines) {
+      const std::size_t equals = line.find(" = ");
+      if (name == "files") {
+        files[path(line)] = "x";
+      } else if (name == "copies") {
+        files[path(line.substr(0, equals))] = files.at(path(line.substr(equals + 3)));
+      } else if (name.find('.') != std::string::npos) {
+        files[path(name)] += line + "\r\n";
+      }
+    }
+  }
+  MakePack(files);
+  const std::string text = Check(false, 0);
+  EXPECT_TRUE(text.ends_with("0 errors, 0 warnings, 3 notes; 1 finding accepted\n")) << text;
+  for (const InstallType type : {InstallType::Fresh, InstallType::Demo, InstallType::Upgrade}) {
+    PlanOptions options;
+    options.Pack = folder;
+    options.Type = type;
+    options.Databases = {"Library_Books"};
+    options.AcceptAll = true;
+    EXPECT_TRUE(PlannedRun(options).Finished());
+  }
+
+  manual.clear();
+  manual.seekg(0);
+  const std::string whole((std::istreambuf_iterator<char>(manual)), {});
+  std::ostringstream findings;
+  ExplainCommand("all", findings);
+  EXPECT_TRUE(whole.ends_with(findings.str()))
+      << "docs/pack-format.md must end with what packcheck check --explain all prints";
+}
+
+}  // namespace
+}  // namespace talu

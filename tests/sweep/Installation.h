@@ -1,0 +1,68 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/simulated/SimulatedMachine.h"
+#include "startup/Wizard.h"
+
+namespace talu {
+
+/// A whole installation of a small pack that has something for every step.
+struct Scenario {
+  const char* Name;
+  /// The option buttons that the operator selects.
+  const char* Type;
+  const char* Mode;
+  /// An earlier installation lies in the folder already.
+  bool Over;
+  /// One batch of the scripts is refused: the build ends with its rollback.
+  bool BadBatch;
+};
+
+inline constexpr std::array<Scenario, 4> kScenarios = {
+    {{"server", "OptFresh", "OptServer", false, false},
+     {"client", "OptFresh", "OptClient", false, false},
+     {"server over an earlier one", "OptUpgrade", "OptServer", true, false},
+     {"server, a batch is refused", "OptFresh", "OptServer", false, true}}};
+
+/// A machine with the pack, and an operator who installs it and presses on after a setback.
+class Installation {
+ public:
+  explicit Installation(const Scenario& scenario);
+
+  /// Starts the program anew, on the machine as it is, and installs until the program has ended or
+  /// nothing is left to press. Each page is tried three times at most.
+  void Run();
+
+  /// The file's text, empty without it.
+  std::string Read(const std::string& name) { return Disk().ReadFile(App + name).value_or(""); }
+  std::string Log() { return Read("Ta-luErrLog.txt"); }
+  /// What the file must hold by the first `events` events of the journal.
+  std::string Printed(const std::string& name, std::size_t events) const;
+  /// The records of Uninstall.dat. Fails the test when one is not whole.
+  std::vector<std::string> Records();
+  SimulatedDisk& Disk() { return Machine.Disk; }
+  /// The text of a control of the page on the screen; empty without it.
+  std::string Shown(const std::string& control) const;
+  /// The operator pressed Finish on the last page, all done.
+  bool Finished() const { return finished_; }
+
+  SimulatedMachine Machine;
+  /// The windows and the wizard of the program's last start.
+  std::unique_ptr<SimulatedWindows> Windows;
+  const std::string App = "C:\\Progs\\TA-LU\\App\\";
+
+ private:
+  void PutPack();
+  /// Does what the page asks for; false when it leaves nothing to do.
+  bool Act(const std::string& page);
+
+  const Scenario& scenario_;
+  std::unique_ptr<talu::Wizard> wizard_;
+  bool finished_ = false;
+};
+
+}  // namespace talu

@@ -1,0 +1,81 @@
+#include "CheckCommand.h"
+
+#include <exception>
+#include <map>
+#include <ostream>
+
+#include "CheckAccepted.h"
+#include "CheckConfiguration.h"
+#include "CheckContent.h"
+#include "CheckPack.h"
+#include "CheckScripts.h"
+
+namespace talu {
+namespace {
+
+constexpr int kClean = 0;
+constexpr int kWarnings = 1;
+constexpr int kErrors = 2;
+
+void CheckEverything(CheckedPack& pack) {
+  const Configuration configuration(pack);
+  if (pack.HasFile("AppCfg.txt")) {
+    CheckScripts(pack, configuration);
+    CheckContent(pack, configuration);
+  }
+  AcceptFindings(pack);
+  pack.Findings.Sort();
+}
+
+std::string Counted(int count, const std::string& thing) {
+  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+int CheckCommand(const CheckOptions& options, std::ostream& out) try {
+  CheckedPack pack(options.Pack);
+  CheckEverything(pack);
+  std::map<Severity, int> counts;
+  int accepted = 0;
+  for (const Finding& finding : pack.Findings.All()) {
+    if (options.Json) out << finding.ToJson() << '\n';
+    if (!finding.Accepted.empty()) {
+      accepted += 1 + finding.More;
+      continue;
+    }
+    counts[finding.Rule->Weight] += 1 + finding.More;
+    if (!options.Json) out << finding.ToText();
+  }
+  if (!options.Json) {
+    out << Counted(counts[Severity::Error], "error") << ", "
+        << Counted(counts[Severity::Warning], "warning") << ", "
+        << Counted(counts[Severity::Note], "note");
+    if (accepted > 0) out << "; " << Counted(accepted, "finding") << " accepted";
+    out << '\n';
+  }
+  if (counts[Severity::Error] > 0) return kErrors;
+  return counts[Severity::Warning] > 0 ? kWarnings : kClean;
+} catch (const std::exception& error) {
+  out << "packcheck: " << error.what() << '\n';
+  return kErrors;
+}
+
+int ExplainCommand(const std::string& code, std::ostream& out) {
+  if (code == "all") {
+    for (const RuleGroup& group : AllRules()) {
+      out << "### " << group.Heading << "\n\n";
+      for (const Rule& rule : group.Rules) out << Explanation(rule) << '\n';
+    }
+    return kClean;
+  }
+  const Rule* rule = FindRule(code);
+  if (rule == nullptr) {
+    out << "packcheck: no finding is called " << code << "; \"all\" explains every one\n";
+    return kErrors;
+  }
+  out << Explanation(*rule);
+  return kClean;
+}
+
+}  // namespace talu

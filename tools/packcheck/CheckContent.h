@@ -1,0 +1,12 @@
+#pragma once
+
+#include "CheckConfiguration.h"
+#include "CheckPack.h"
+
+namespace talu {
+
+/// Checks what is deployed: the application's files, data sources, components, shortcuts, settings
+/// files and add-ons.
+void CheckContent(CheckedPack& pack, const Configuration& configuration);
+
+}  // namespace talu

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Finding.h"
+#include "platform/simulated/SimulatedMachine.h"
+#include "runtime/TextFiles.h"
+
+namespace talu {
+
+/// A pack as Windows would see it, and what was found in it. Paths are below the pack folder, with
+/// backslashes, in any case.
+class CheckedPack {
+ public:
+  /// Reads the folder's tree, not the files. Raises std::filesystem::filesystem_error.
+  explicit CheckedPack(const std::filesystem::path& folder) {
+    Machine.Disk.AddHostFolder(folder, Machine.Parts.AppPath);
+  }
+
+  bool HasFile(const std::string& path) { return Machine.Disk.FileExists(Full(path)); }
+  bool HasFolder(const std::string& path) { return Machine.Disk.FolderExists(Full(path)); }
+  /// The folder or file; a null pointer when there is none.
+  const SimulatedDisk::Node* Find(const std::string& path) { return Machine.Disk.Find(Full(path)); }
+  /// The bytes of a file; nothing when there is none. Raises RuntimeError 57.
+  std::optional<std::string> Read(const std::string& path) {
+    return Machine.Disk.ReadFile(Full(path));
+  }
+
+  SimulatedMachine Machine;
+  talu::Findings Findings;
+
+ private:
+  std::string Full(const std::string& path) const { return Machine.Parts.AppPath + "\\" + path; }
+};
+
+/// The lines of a text as the wizard reads them, with the numbers that an editor shows.
+class NumberedLines {
+ public:
+  explicit NumberedLines(std::string_view text) : lines_(text) {}
+
+  /// Puts the next line and its number into `line` and `number`; false when there is none left.
+  bool Next(std::string_view& line, int& number) {
+    if (!lines_.Next(line)) return false;
+    number = next_;
+    next_ += 1 + static_cast<int>(std::ranges::count(line, '\n'));
+    return true;
+  }
+
+ private:
+  LineScanner lines_;
+  int next_ = 1;
+};
+
+/// Without blanks and tabs at its ends, as an author sees a line.
+inline std::string_view Stripped(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+/// How many bytes a byte-order mark takes at the beginning of `text`, and whether it is UTF-16.
+struct TextMark {
+  bool Utf8 = false;
+  bool Utf16 = false;
+};
+inline TextMark MarkOf(std::string_view text) {
+  return {text.starts_with("\xEF\xBB\xBF"),
+          text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF") ||
+              text.substr(0, 64).find('\0') != std::string_view::npos};
+}
+
+}  // namespace talu

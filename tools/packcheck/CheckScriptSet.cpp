@@ -1,0 +1,287 @@
+#include "CheckScriptSet.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+#include "database/ScriptReader.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu {
+namespace {
+
+using Region = SqlFollower::Region;
+
+constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
+
+/// Words with which no statement begins, but the rest of one does.
+constexpr std::array<std::string_view, 23> kGoesOn = {
+    "AND",   "AS",     "CROSS", "ELSE", "END",   "FOR",    "FROM", "FULL",
+    "GROUP", "HAVING", "INNER", "INTO", "JOIN",  "LEFT",   "ON",   "OR",
+    "ORDER", "OUTER",  "RIGHT", "THEN", "UNION", "VALUES", "WHERE"};
+
+bool GoesOn(std::string_view statement) {
+  std::size_t end = 0;
+  while (end < statement.size() && std::isalpha(static_cast<unsigned char>(statement[end])) != 0) {
+    ++end;
+  }
+  if (end == 0) return !statement.empty() && Contains("(),", statement.substr(0, 1));
+  const std::string_view word = statement.substr(0, end);
+  return std::ranges::any_of(kGoesOn,
+                             [&](std::string_view upper) { return EqualsUpper(word, upper); });
+}
+
+/// The position of the first byte outside ASCII at or behind `at`; the size without one.
+std::size_t FirstHighByte(std::string_view text, std::size_t at) {
+  std::uint64_t eight = 0;
+  for (; at + sizeof eight <= text.size(); at += sizeof eight) {
+    std::memcpy(&eight, text.data() + at, sizeof eight);
+    if ((eight & 0x8080808080808080U) != 0) break;
+  }
+  while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
+  return at;
+}
+
+/// The length of the UTF-8 character outside ASCII at `at`; 0 when there is none.
+std::size_t Utf8Length(std::string_view text, std::size_t at) {
+  const auto lead = static_cast<unsigned char>(text[at]);
+  if (lead < 0xC2 || lead > 0xF4) return 0;
+  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  if (at + length > text.size()) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((static_cast<unsigned char>(text[at + i]) & 0xC0) != 0x80) return 0;
+  }
+  return length;
+}
+
+/// Whether the text is UTF-8 with letters outside ASCII; the line of the first one.
+bool IsUtf8(std::string_view text, int& line) {
+  const std::size_t first = FirstHighByte(text, 0);
+  for (std::size_t at = first; at < text.size(); at = FirstHighByte(text, at)) {
+    const std::size_t length = Utf8Length(text, at);
+    if (length == 0) return false;
+    at += length;
+  }
+  line = 1 + static_cast<int>(std::ranges::count(text.substr(0, first), '\n'));
+  return first < text.size();
+}
+
+/// Whether an author meant the line to be GO, although it is not.
+bool IsMeantAsGo(std::string_view line) {
+  const std::string_view stripped = Stripped(line);
+  if (!EqualsUpper(stripped.substr(0, 2), "GO")) return false;
+  return stripped.size() == 2 || std::string_view(" \t;-/").find(stripped[2]) != std::string::npos;
+}
+
+}  // namespace
+
+ScriptSet::ScriptSet(CheckedPack& pack, const std::string& folder, const std::string& key,
+                     std::size_t backedUp)
+    : pack_(pack),
+      findings_(pack.Findings),
+      folder_("SQLScript\\" + folder + "\\"),
+      key_(key),
+      backedUp_(backedUp),
+      backup_(pack.Findings) {}
+
+void ScriptSet::Check(const Configuration& configuration) {
+  for (const CfgLine& listed : configuration.Values(key_)) {
+    ++index_;
+    CheckFile(listed);
+  }
+  if (!batch_.Text.empty()) TellUnfinished("never run");
+  CheckUnlisted(configuration);
+}
+
+void ScriptSet::CheckFile(const CfgLine& listed) {
+  file_ = folder_ + std::string(listed.Text);
+  if (!pack_.HasFile(file_)) {
+    findings_.Add("SQL-NOT-THERE", listed.Place(), {Shown(file_)});
+    return;
+  }
+  const std::string text = *pack_.Read(file_);
+  sql_.Restart();
+  batchMode_ = false;
+  hasDirective_ = false;
+  splitTold_ = false;
+  toldRegion_ = 0;
+  toldText_ = 0;
+  if (CheckText(text)) TakeText(text);
+}
+
+bool ScriptSet::CheckText(const std::string& text) {
+  if (MarkOf(text).Utf16) {
+    findings_.Add("SQL-UTF16", {file_, 0, ""});
+    return false;
+  }
+  int line = 0;
+  if (IsUtf8(text, line)) findings_.Add("SQL-UTF8", {file_, line, ""});
+  return true;
+}
+
+void ScriptSet::TakeText(const std::string& text) {
+  text_ = text;
+  NumberedLines lines(text);
+  std::string_view line;
+  int number = 0;
+  bool lineEndsTold = false;
+  while (lines.Next(line, number)) {
+    if (const std::size_t feed = line.find('\n');
+        feed != std::string_view::npos && !std::exchange(lineEndsTold, true)) {
+      findings_.Add("SQL-LINE-ENDS", At(number, line.substr(0, feed)));
+    }
+    if (TrimView(line).empty()) {
+      if (batchMode_) CheckTextLine(line);
+      continue;
+    }
+    if (!TakeLine(line, number)) return;
+  }
+}
+
+bool ScriptSet::TakeLine(std::string_view line, int number) {
+  if (ContainsUpper(line, kBatchDirective)) {
+    TakeDirective(line, number, "--taluGO");
+    batchMode_ = true;
+  } else if (batchMode_ && EqualsUpper(TrimView(line), "GO")) {
+    CheckGo(number, line);
+    FinishBatch();
+  } else if (batchMode_) {
+    TakeBatchLine(line, number);
+  } else if (ContainsUpper(line, kLineDirective)) {
+    TakeDirective(line, number, "--taluLineByLine");
+    if (!std::exchange(lineMode_, true)) lineModeFrom_ = file_;
+  } else if (lineMode_) {
+    TakeStatementLine(line, number);
+  } else {
+    const std::string_view rest =
+        text_.substr(static_cast<std::size_t>(line.data() - text_.data()));
+    std::string_view later;
+    int laterNumber = 0;
+    NumberedLines lines(rest);
+    while (lines.Next(later, laterNumber)) {
+      if (!ContainsUpper(later, kBatchDirective) && !ContainsUpper(later, kLineDirective)) continue;
+      findings_.Add("SQL-LATE-DIRECTIVE", At(number, line),
+                    {std::to_string(number + laterNumber - 1)});
+      return false;
+    }
+    findings_.Add("SQL-NO-DIRECTIVE", At(number, line));
+    return false;
+  }
+  return true;
+}
+
+// At the top of a script the directive may have a comment with it.
+void ScriptSet::TakeDirective(std::string_view line, int number, std::string_view directive) {
+  const bool alone = Stripped(line).size() == directive.size();
+  const bool onTop = !std::exchange(hasDirective_, true) && Stripped(line).starts_with("--");
+  if (!alone && !onTop) {
+    findings_.Add("SQL-DIRECTIVE-INSIDE", At(number, line), {std::string(directive)});
+  }
+}
+
+void ScriptSet::TakeBatchLine(std::string_view line, int number) {
+  CheckBatchLine(line, number);
+  if (batch_.Text.empty()) batch_.Start = At(number, line);
+  batch_.Text.append(kCrLf).append(TrimView(line));
+  sql_.TakeLine(file_, number, line);
+}
+
+void ScriptSet::CheckBatchLine(std::string_view line, int number) {
+  if (ContainsUpper(line, kLineDirective)) findings_.Add("SQL-LINE-IN-BATCH", At(number, line));
+  CheckTextLine(line);
+  if (sql_.Inside() != Region::Code) return;
+  if (IsMeantAsGo(line)) findings_.Add("SQL-GO-TAIL", At(number, line), {Shown(line)});
+  const std::string_view stripped = Stripped(line);
+  if (stripped.size() > 1 && stripped[0] == ':' &&
+      std::isalpha(static_cast<unsigned char>(stripped[1])) != 0) {
+    findings_.Add("SQL-SQLCMD", At(number, line), {Shown(stripped)});
+  }
+}
+
+// Inside a text blanks and empty lines may matter.
+void ScriptSet::CheckTextLine(std::string_view line) {
+  const bool changed = line.empty() || TrimView(line).size() != line.size();
+  if (sql_.Inside() != Region::Text || !changed) return;
+  if (toldText_ == sql_.RegionLine()) return;
+  toldText_ = sql_.RegionLine();
+  findings_.Add("SQL-TEXT-LINES", At(toldText_, line));
+}
+
+void ScriptSet::CheckGo(int number, std::string_view line) {
+  if (sql_.Inside() == Region::Code || toldRegion_ == sql_.RegionLine()) return;
+  toldRegion_ = sql_.RegionLine();
+  findings_.Add(sql_.Inside() == Region::Comment ? "SQL-GO-COMMENT" : "SQL-GO-TEXT",
+                At(number, line), {std::to_string(toldRegion_)});
+}
+
+void ScriptSet::FinishBatch() {
+  if (batch_.Text.empty()) return;
+  if (batch_.Start.File != file_) {
+    TellUnfinished("put in front of the first batch of " + file_);
+  }
+  CheckCreated(batch_, sql_.Facts, findings_);
+  if (index_ <= backedUp_) backup_.Collect(batch_, sql_.Facts);
+  NoteUses();
+  batch_.Text.clear();
+}
+
+void ScriptSet::TakeStatementLine(std::string_view line, int number) {
+  if (!batch_.Text.empty()) TellUnfinished("discarded by " + file_);
+  batch_.Text.clear();
+  sql_.Facts.Clear();
+  if (!std::exchange(hasDirective_, true)) {
+    findings_.Add("SQL-LINE-LEAK", At(number, line), {lineModeFrom_});
+  }
+  if (IsMeantAsGo(line)) {
+    findings_.Add("SQL-LINE-GO", At(number, line), {Shown(line)});
+    sql_.Restart();
+    splitTold_ = false;
+    return;
+  }
+  const std::string_view stripped = Stripped(line);
+  const bool goesOn = sql_.Inside() == Region::Code && GoesOn(stripped);
+  sql_.TakeLine(file_, number, line);
+  const bool open = sql_.Inside() != Region::Code || sql_.Depth() > 0;
+  if ((open || goesOn || stripped.ends_with(',')) && !std::exchange(splitTold_, true)) {
+    findings_.Add("SQL-LINE-SPLIT", At(number, line));
+  }
+  if (!open && !goesOn) splitTold_ = false;
+  for (const SqlStatement& statement : sql_.Facts.Statements) {
+    if (statement.Verb != SqlStatement::Kind::Create) continue;
+    findings_.Add("SQL-CREATE-LINE", statement.Place, {statement.Login ? "login" : "database"});
+  }
+  if (index_ <= backedUp_) backup_.Collect({std::string(line), At(number, line)}, sql_.Facts);
+  NoteUses();
+}
+
+// Takes over the names of the databases and forgets the batch's facts.
+void ScriptSet::NoteUses() {
+  for (const SqlStatement& statement : sql_.Facts.Statements) {
+    const std::string name = BareName(statement.Name);
+    if (statement.Login || name.empty() || !known_.insert(name).second) continue;
+    if (statement.Verb == SqlStatement::Kind::Create) continue;
+    if (std::ranges::find(kSystemDatabases, name) != kSystemDatabases.end()) continue;
+    used_.push_back({statement.Name, statement.Place});
+  }
+  sql_.Facts.Clear();
+}
+
+void ScriptSet::TellUnfinished(const std::string& what) {
+  findings_.Add("SQL-LAST-GO", batch_.Start, {what});
+}
+
+void ScriptSet::CheckUnlisted(const Configuration& configuration) {
+  const SimulatedDisk::Node* folder = pack_.Find(folder_.substr(0, folder_.size() - 1));
+  if (folder == nullptr) return;
+  std::set<std::string> listed;
+  for (const CfgLine& line : configuration.Values(key_)) listed.insert(UCase(line.Text));
+  for (const auto& [upper, node] : folder->Children) {
+    if (node->IsFolder || !upper.ends_with(".SQL") || listed.contains(upper)) continue;
+    findings_.Add("SQL-NOT-LISTED", {folder_ + node->Name, 0, node->Name}, {key_});
+  }
+}
+
+}  // namespace talu

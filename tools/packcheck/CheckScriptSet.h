@@ -1,0 +1,78 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "CheckBatch.h"
+#include "CheckConfiguration.h"
+#include "CheckPack.h"
+#include "CheckSql.h"
+
+namespace talu {
+
+/// The scripts of one type of installation, read in their order as the build reads them.
+class ScriptSet {
+ public:
+  /// `folder` is "Fresh", "Demo" or "Upgrade"; `backedUp` is how many of the scripts the backup
+  /// searches.
+  ScriptSet(CheckedPack& pack, const std::string& folder, const std::string& key,
+            std::size_t backedUp);
+
+  /// Reads and checks the scripts that `configuration` lists.
+  void Check(const Configuration& configuration);
+
+  const std::string& Key() const { return key_; }
+  /// The databases that the scripts use before they create them, as written, each with the
+  /// first place.
+  const std::vector<SqlText>& Used() const { return used_; }
+  const BackupNames& Backup() const { return backup_; }
+
+ private:
+  void CheckFile(const CfgLine& listed);
+  /// Returns false when no line of the script can be made out.
+  bool CheckText(const std::string& text);
+  void TakeText(const std::string& text);
+  /// Returns false when the build stops at the line.
+  bool TakeLine(std::string_view line, int number);
+  void TakeDirective(std::string_view line, int number, std::string_view directive);
+  void TakeBatchLine(std::string_view line, int number);
+  void TakeStatementLine(std::string_view line, int number);
+  void CheckBatchLine(std::string_view line, int number);
+  void CheckTextLine(std::string_view line);
+  void CheckGo(int number, std::string_view line);
+  void CheckUnlisted(const Configuration& configuration);
+  void FinishBatch();
+  void NoteUses();
+  void TellUnfinished(const std::string& what);
+  Place At(int number, std::string_view line) const { return {file_, number, std::string(line)}; }
+
+  CheckedPack& pack_;
+  Findings& findings_;
+  std::string folder_;
+  std::string key_;
+  std::size_t backedUp_;
+
+  // The build's state: the line mode and the text go on from script to script.
+  bool batchMode_ = false;
+  bool lineMode_ = false;
+  std::string lineModeFrom_;
+  SqlBatch batch_;
+
+  SqlFollower sql_;
+  BackupNames backup_;
+  std::vector<SqlText> used_;
+  std::set<std::string> known_;  // created or used, bare names
+
+  // Of the script being read:
+  std::string file_;
+  std::string_view text_;
+  std::size_t index_ = 0;
+  bool hasDirective_ = false;
+  bool splitTold_ = false;
+  int toldRegion_ = 0;
+  int toldText_ = 0;
+};
+
+}  // namespace talu

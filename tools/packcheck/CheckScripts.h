@@ -1,0 +1,11 @@
+#pragma once
+
+#include "CheckConfiguration.h"
+#include "CheckPack.h"
+
+namespace talu {
+
+/// Checks the three sets of scripts, one file in memory at a time.
+void CheckScripts(CheckedPack& pack, const Configuration& configuration);
+
+}  // namespace talu

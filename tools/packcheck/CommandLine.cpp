@@ -1,0 +1,34 @@
+#include "CommandLine.h"
+
+#ifdef _WIN32
+#include <windows.h>
+// After windows.h.
+#include <shellapi.h>
+
+#include <filesystem>
+#endif
+
+namespace talu {
+
+#ifdef _WIN32
+std::vector<std::string> Utf8Arguments(int, char**) {
+  SetConsoleOutputCP(CP_UTF8);
+  int count = 0;
+  wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> result;
+  for (int i = count - 1; i > 0; --i) {
+    const std::u8string text = std::filesystem::path(wide[i]).u8string();
+    result.emplace_back(text.begin(), text.end());
+  }
+  LocalFree(wide);
+  return result;
+}
+#else
+std::vector<std::string> Utf8Arguments(int count, char** arguments) {
+  std::vector<std::string> result;
+  for (int i = count - 1; i > 0; --i) result.emplace_back(arguments[i]);
+  return result;
+}
+#endif
+
+}  // namespace talu

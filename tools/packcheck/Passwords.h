@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+namespace talu {
+
+/// The text with "***" in place of the passwords that its form gives away: in connection texts and
+/// data sources (PWD=...), in statements (PASSWORD = '...') and in the records of credentials and
+/// data sources.
+std::string WithoutPasswords(std::string text);
+
+/// What stands for a password.
+inline constexpr const char* kHiddenPassword = "***";
+
+}  // namespace talu

@@ -1,0 +1,166 @@
+#include "PlanAccount.h"
+
+#include <array>
+#include <iomanip>
+#include <ostream>
+#include <utility>
+
+#include "Passwords.h"
+#include "pages/FrmSQLNonQuery.h"
+#include "platform/simulated/CodePage.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu {
+namespace {
+
+constexpr std::array kTypes = {"fresh", "demo", "upgrade"};
+constexpr std::array kModes = {"server", "client"};
+constexpr int kLabelWidth = 12;
+constexpr const char* kTextIndent = "               ";
+constexpr const char* kStatementIndent = "      ";
+
+/// The text in UTF-8, its lines below each other, without the line end that batches begin with.
+std::string Lines(std::string_view text, const char* indent) {
+  std::string lines;
+  LineScanner scanner(text);
+  for (std::string_view line; scanner.Next(line);) {
+    if (lines.empty() && line.empty()) continue;
+    if (!lines.empty()) lines.append("\n").append(indent);
+    lines += Utf8FromAnsi(line);
+  }
+  return lines;
+}
+
+std::string WithoutLineEnds(std::string text) {
+  while (text.ends_with(kCrLf)) text.resize(text.size() - kCrLf.size());
+  return text;
+}
+
+std::string Counted(int count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+void PlanAccount::Begin() {
+  const DateTime& now = options_.Now;
+  const auto two = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  out_ << "A " << kTypes.at(static_cast<std::size_t>(options_.Type)) << " installation in "
+       << kModes.at(static_cast<std::size_t>(options_.Mode)) << " mode from "
+       << Utf8FromAnsi(options_.PackPath) << ", on " << now.Year << '-' << two(now.Month) << '-'
+       << two(now.Day) << " at " << two(now.Hour) << ':' << two(now.Minute) << '\n';
+}
+
+void PlanAccount::Take(PlannedRun& run, const JournalEvent& event) {
+  const auto text = [&event](const char* field) { return event.Text(field); };
+  const std::string& kind = event.Kind;
+  if (counts_.empty()) Begin();
+  ++counts_[kind];
+  if (event.Error) lastError_ = event.Error->Description;
+  if (kind == "show") {
+    TakePage(run, event);
+  } else if (kind == "set") {
+    if (text("control") == "LblFinalMsg") finalMessage_ = text("value");
+  } else if (kind == "msgbox") {
+    Tell("message", text("text"));
+  } else if (kind == "mkdir") {
+    Tell("folder", text("path"), event);
+  } else if (kind == "delete") {
+    Tell("deletes", text("path"), event);
+  } else if (kind == "print") {
+    TakePrint(event);
+  } else if (kind == "copy") {
+    Tell("file", text("to"), event);
+  } else if (kind == "connect") {
+    ++connections_;
+    Tell("connects", text("text"), event);
+  } else if (kind == "sql") {
+    TakeStatement(run, event);
+  } else if (kind == "dsn") {
+    const std::string attributes = Replace(text("attributes"), std::string_view("\0", 1), "; ");
+    Tell("data source", text("driver") + ": " + attributes, event);
+  } else if (kind == "run") {
+    Tell("runs", text("command") + "  ends with " + text("exit"));
+  } else if (kind == "start") {
+    Tell("starts", text("command"), event);
+  } else if (kind == "shortcut") {
+    Tell("shortcut", text("path") + "  leads to " + text("target"), event);
+  }
+}
+
+void PlanAccount::TakePage(const PlannedRun& run, const JournalEvent& event) {
+  connections_ = 0;
+  out_ << '\n' << event.Text("form");
+  if (const ControlView* title = run.Machine.Windows.Shown("LblTitleMsg")) {
+    out_ << ": " << Trim(title->Text);
+  }
+  out_ << '\n';
+}
+
+void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
+  out_ << "  statement " << counts_["sql"];
+  // What no script sends is the backup's before the build connects, the rollback's after.
+  if (const auto& origin = run.Wizard.Page<FrmSQLNonQuery>().Executing()) {
+    out_ << ", " << Utf8FromAnsi(origin->Script) << " line " << origin->Line;
+  } else {
+    out_ << (connections_ < 2 ? ", backup" : ", rollback");
+  }
+  if (event.Error) {
+    ++counts_["failed sql"];
+    out_ << ", fails: " << Utf8FromAnsi(event.Error->Description);
+  }
+  out_ << '\n'
+       << kStatementIndent << Lines(WithoutPasswords(event.Text("text")), kStatementIndent) << '\n';
+}
+
+void PlanAccount::TakePrint(const JournalEvent& event) {
+  const std::string path = event.Text("path");
+  const std::string text = event.Text("text");
+  if (path.ends_with("\\Uninstall.dat")) {
+    Tell("record", WithoutLineEnds(text), event);
+  } else if (path.ends_with("\\Ta-luErrLog.txt")) {
+    TakeLogEntry(text);
+  } else {
+    const std::string hidden = Replace(text, options_.Password, kHiddenPassword);
+    Tell("writes", path + ": " + WithoutLineEnds(hidden), event);
+  }
+}
+
+// Only errors are told. Their entries have a second "//" line before the text and a second line end
+// behind it; no other entry has both.
+void PlanAccount::TakeLogEntry(const std::string& entry) {
+  constexpr std::string_view kHead = "//\r\n//\r\n";
+  if (!entry.starts_with(kHead) || !entry.ends_with("\r\n\r\n\r\n")) return;
+  const std::string error =
+      entry.substr(kHead.size(), entry.find('\r', kHead.size()) - kHead.size());
+  if (error != std::exchange(lastError_, "")) Tell("error", error);
+}
+
+void PlanAccount::Tell(const char* label, const std::string& text, const JournalEvent& event) {
+  Tell(label, event.Error ? text + "  fails: " + event.Error->Description : text);
+}
+
+void PlanAccount::Tell(const char* label, const std::string& text) {
+  out_ << "  " << std::left << std::setw(kLabelWidth) << label << ' '
+       << Lines(WithoutPasswords(text), kTextIndent) << '\n';
+}
+
+void PlanAccount::End(const PlannedRun& run) {
+  const Journal& journal = run.Machine.Journal;
+  if (!finalMessage_.empty()) Tell("last words", finalMessage_);
+  out_ << '\n'
+       << (run.Finished() ? "Finished: Finish ended the program" : "Stopped: " + run.Stop())
+       << ".\n"
+       << Counted(counts_["sql"], "statement") << " (" << counts_["failed sql"] << " failed), "
+       << Counted(counts_["copy"], "file") << ", " << Counted(counts_["dsn"], "data source") << ", "
+       << Counted(counts_["shortcut"], "shortcut") << ", "
+       << Counted(counts_["run"] + counts_["start"], "command") << ", "
+       << Counted(counts_["msgbox"], "message") << "; " << Counted(journal.Requests(), "request")
+       << " to the machine.\n";
+  if (options_.FailRequest == 0) return;
+  const std::string& failed = journal.FailedRequest();
+  out_ << "Request " << options_.FailRequest
+       << (failed.empty() ? " never came.\n" : " (" + failed + ") was made to fail.\n");
+}
+
+}  // namespace talu

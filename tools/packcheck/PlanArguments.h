@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "PlanCommand.h"
+
+namespace talu {
+
+/// The arguments of `packcheck plan` as they are given, in UTF-8. An empty text is an option that
+/// is not there.
+struct PlanArguments {
+  std::string Pack;
+  std::string Type;
+  std::string Mode;
+  std::string Server, User, InstallPath, OldPath, PackPath, Now, Disk;
+  std::optional<std::string> Password;
+  std::vector<std::string> Databases;
+  std::vector<std::string> Logins;
+  std::vector<std::string> FailSql;
+  std::string FailRequest;
+  std::vector<std::string> Exits;
+  std::string SpecialFolders;
+  bool AcceptAll = false;
+  bool Twice = false;
+  bool Json = false;
+  std::string Save;
+};
+
+/// What the arguments ask for. Raises std::runtime_error with a line for the user that names the
+/// option.
+PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments);
+
+}  // namespace talu

@@ -1,0 +1,35 @@
+#include "PlanCommand.h"
+
+#include <ostream>
+#include <stdexcept>
+
+#include "PlanAccount.h"
+
+namespace talu {
+namespace {
+
+void RequireEmpty(const std::filesystem::path& folder) {
+  if (std::filesystem::exists(folder) && !std::filesystem::is_empty(folder)) {
+    throw std::runtime_error("--save: " + folder.string() + " is not empty");
+  }
+}
+
+}  // namespace
+
+int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
+  if (!options.Save.empty()) RequireEmpty(options.Save);
+  PlanAccount account(options.Run, out);
+  PlannedRun run(options.Run, [&](PlannedRun& sofar, const JournalEvent& event) {
+    if (options.Json) {
+      out << event.ToJson() << '\n';
+    } else {
+      account.Take(sofar, event);
+    }
+  });
+  if (!options.Json) account.End(run);
+  if (!options.Save.empty()) run.Machine.Disk.SaveTo(options.Save, options.Run.PackPath);
+  if (!out.flush()) throw std::runtime_error("cannot write the plan");
+  return run.Finished() ? 0 : 1;
+}
+
+}  // namespace talu
