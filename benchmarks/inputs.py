@@ -1,7 +1,7 @@
-"""Makes what ./bench installs and runs: inputs.py DIR FILES BATCHES
+"""Makes what ./bench installs, runs and checks: inputs.py DIR FILES BATCHES SCRIPTS
 
-copy/ is a pack with FILES small files in folders of 50, batches/ one with a script of so many batches;
-copy.nsi and copy.wxs are the same tree for makensis and wixl, empty.nsi an installer of nothing.
+copy/ is a pack with FILES small files in folders of 50, batches/ one with a script of so many batches,
+large/ one with SCRIPTS scripts of 100 kB each; copy.nsi and copy.wxs are the same tree for makensis and wixl, empty.nsi an installer of nothing.
 """
 
 import random
@@ -10,14 +10,20 @@ import uuid
 from pathlib import Path
 
 FILES_A_FOLDER = 50
-FIELDS = {"AppTitle": "Bench", "AppFolder": "Bench", "DBFolder": "Data", "FreshDBSript": "Rows.sql"}
+LARGE_SCRIPT = 100_000  # bytes
+FIELDS = {"AppTitle": "Bench", "AppFolder": "Bench", "DBFolder": "Data"}
 NSIS_HEAD = 'Unicode true\nName Bench\nRequestExecutionLevel user\nSetCompress off\nOutFile "{}"\n'
 
 
-def write_pack(pack):
+def write_lines(path, lines):
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_bytes("\r\n".join([*lines, ""]).encode("ascii"))
+
+
+def write_pack(pack, scripts, **more):
     (pack / "Application").mkdir(parents=True)
-    text = "".join(f"{key}\r\n{{\r\n{value}\r\n}}\r\n" for key, value in FIELDS.items())
-    (pack / "AppCfg.txt").write_bytes(text.encode("ascii"))
+    fields = {**FIELDS, "FreshDBSript": "\r\n".join(scripts), **more}
+    write_lines(pack / "AppCfg.txt", [f"{key}\r\n{{\r\n{value}\r\n}}" for key, value in fields.items()])
 
 
 def write_tree(tree, count):
@@ -56,21 +62,42 @@ def write_installers(root, tree):
         f'</Directory></Directory><Feature Id="All" Level="1">{references}</Feature></Product></Wix>')
 
 
-def write_script(path, count):
-    path.parent.mkdir(parents=True)
+def write_batches(path, count):
     lines = ["--taluGO", "USE Bench", "GO", "DELETE FROM dbo.Row", "GO"]
     for number in range(count):
         lines += [f"INSERT INTO dbo.Row (Id, Name) VALUES ({number}, N'The row with number {number}')", "GO"]
-    path.write_bytes("\r\n".join(lines + [""]).encode("ascii"))
+    write_lines(path, lines)
+
+
+def write_large(pack, count):
+    """A database in the first script, a table of its own in each, and rows in batches of ten."""
+    names = [f"Table {number:04}.sql" for number in range(count)]
+    # What the backup knows is counted against the scripts that it searches.
+    write_pack(pack, names, DBSript="\r\n".join(names))
+    for number, name in enumerate(names):
+        lines = ["--taluGO"]
+        if number == 0:
+            lines += ["CREATE DATABASE Bench ON (NAME = N'Bench', FILENAME = N'C:\\Old\\Bench.mdf')", "GO"]
+        lines += ["USE Bench", "GO", f"CREATE TABLE dbo.Table{number} (Id INT, Name NVARCHAR(60))", "GO"]
+        size = row = 0
+        while size < LARGE_SCRIPT:
+            row += 1
+            lines.append(f"INSERT INTO dbo.Table{number} (Id, Name) VALUES ({row}, N'The row with number {row}')")
+            size += len(lines[-1]) + 2
+            if row % 10 == 0:
+                lines.append("GO")
+        write_lines(pack / "SQLScript/Fresh" / name, [*lines, "GO"])
 
 
 def main():
     root = Path(sys.argv[1])
+    files, batches, scripts = map(int, sys.argv[2:])
     for name in ("copy", "batches"):
-        write_pack(root / name)
-        write_script(root / name / "SQLScript/Fresh/Rows.sql", int(sys.argv[3]))
-    write_tree(root / "copy/Application", int(sys.argv[2]))
+        write_pack(root / name, ["Rows.sql"])
+        write_batches(root / name / "SQLScript/Fresh/Rows.sql", batches)
+    write_tree(root / "copy/Application", files)
     write_installers(root, root / "copy/Application")
+    write_large(root / "large", scripts)
 
 
 main()

@@ -83,7 +83,7 @@ def main():
     options, command = parser.parse_args(sys.argv[1:split]), sys.argv[split + 1:]
 
     begin = time.monotonic()
-    program = subprocess.Popen(command, stdin=subprocess.DEVNULL)
+    program = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
     watch = Watch(None if options.process else program.pid, options.process, options.journal)
     watch.start()
     status = program.wait()

@@ -1,4 +1,4 @@
-"""Makes the table of ./bench: report.py WORK FILES BATCHES [DOCUMENT]
+"""Makes the table of ./bench: report.py WORK FILES BATCHES SCRIPTS [DOCUMENT]
 
 Prints it; in DOCUMENT it takes the place of what stands between the two marks.
 """
@@ -56,8 +56,8 @@ def rows(title, names, reference, values, text, peak):
     for key, label in names.items():
         mine = values(key)
         spread = f"{text(min(mine))} to {text(max(mine))}" if len(mine) > 1 else ""
-        ratio = "" if key == reference else f"{ratio_of(mine, values(reference)):.2f}"
-        lines.append(f"| {title} | {label} | {text(median(mine))} | {spread} | {ratio or '1'} | {peak(key)} |")
+        ratio = f"{ratio_of(mine, values(reference)):.2f}" if reference else ""
+        lines.append(f"| {title} | {label} | {text(median(mine))} | {spread} | {ratio} | {peak(key)} |")
         title = ""
     return lines
 
@@ -86,7 +86,7 @@ def verdict(what, value, limit):
     return f"- {what}: {'met' if value < limit else 'missed'} ({value:.2f}, to be below {limit})"
 
 
-def make(work, files, batches):
+def make(work, files, batches, scripts):
     results = Results(work)
     span = lambda name: results.values(name, "span")
     seconds = lambda name: results.values(name, "seconds")
@@ -97,6 +97,8 @@ def make(work, files, batches):
     starts = {"start-setup": "`Setup.exe`", "start-picture": "`Setup.exe`, background picture",
               "start-nsis": "empty NSIS installer"}
     sizes = {"size-Setup.exe": "`Setup.exe`", "size-empty-nsis.exe": "empty NSIS installer"}
+    checks = {"pack-check": "`packcheck check`", "pack-plan": "`packcheck plan`"}
+    size = sum(file.stat().st_size for file in (work / "inputs/large").rglob("*.sql")) // 1_000_000
     brief = lambda value: f"{value:.2f}"
     none = lambda key: ""
     table = HEAD + rows(f"{files} files, first to last, s", installers, "copy-nsis", span, brief, results.peak)
@@ -106,6 +108,7 @@ def make(work, files, batches):
                   results.peak)
     table += rows("file size, kB", sizes, "size-empty-nsis.exe", lambda key: results.values(key, "bytes"),
                   lambda value: f"{value / 1e3:.0f}", none)
+    table += rows(f"pack of {scripts} scripts, {size} MB, s", checks, None, seconds, brief, results.peak)
     table += native_rows(results)
 
     reader = max(ratio_of(results.native["CfgMemchr"], results.native[f"CfgRead/GetCfg{which}"])
@@ -113,7 +116,9 @@ def make(work, files, batches):
     goals = [verdict("copying beside NSIS", ratio_of(span("copy-setup"), span("copy-nsis")), 1),
              verdict("batches beside `bsqldb`", ratio_of(span("batches-setup"), span("batches-bsqldb")), 1),
              verdict("first window beside NSIS's", ratio_of(seconds("start-setup"), seconds("start-nsis")), 1),
-             verdict("the slower reader, times `memchr`'s time", reader, 3)]
+             verdict("the slower reader, times `memchr`'s time", reader, 3),
+             verdict("the slower command of `packcheck`, seconds",
+                     max(median(seconds(check)) for check in checks), 2)]
     machine = (f"Measured on {date.today()}: {entry('/proc/cpuinfo', 'model name')}, "
                f"{said_by('nproc')} cores, {int(entry('/proc/meminfo', 'MemTotal').split()[0]) >> 20} GB, "
                f"Linux {said_by('uname', '-r')}, load {(work / 'load').read_text().strip()} at the start; "
@@ -122,18 +127,18 @@ def make(work, files, batches):
                f"mingw-w64 GCC {said_by('i686-w64-mingw32-g++-posix', '-dumpfullversion')}, "
                f"GCC {said_by('c++', '-dumpfullversion')}, commit "
                f"{said_by('git', '-C', str(Path(__file__).parent), 'describe', '--always', '--dirty')}; "
-               f"{len(span('copy-setup'))} rounds of copying and batches, {len(seconds('start-setup'))} of first "
+               f"{len(span('copy-setup'))} rounds of copying, batches and packs, {len(seconds('start-setup'))} of first "
                "windows, 5 natively, always in turn. A ratio is the median of the rounds' ratios.")
     return "\n".join([machine, "", *table, "", *goals])
 
 
 def main():
-    work, files, batches = Path(sys.argv[1]), int(sys.argv[2]), int(sys.argv[3])
-    table = make(work, f"{files:,}", f"{batches:,}")
+    work = Path(sys.argv[1])
+    table = make(work, *(f"{int(count):,}" for count in sys.argv[2:5]))
     print(table)
-    if len(sys.argv) < 5:
+    if len(sys.argv) < 6:
         return
-    document = Path(sys.argv[4])
+    document = Path(sys.argv[5])
     text = document.read_text(encoding="utf-8") if document.exists() else f"# Performance\n\n{BEGIN}\n{END}\n"
     before, mark, rest = text.partition(BEGIN)
     if not mark or END not in rest:
