@@ -31,9 +31,9 @@ bool NameList::Contains(std::string_view part) const {
       offset = at;
     }
   }
-  return std::ranges::any_of(*rarest, [&](std::uint32_t place) {
-    return place >= offset && text_.compare(place - offset, part.size(), part) == 0;
-  });
+  return rarest != nullptr && std::ranges::any_of(*rarest, [&](std::uint32_t place) {
+           return place >= offset && text_.compare(place - offset, part.size(), part) == 0;
+         });
 }
 
 void NameList::Append(std::string_view name) {

@@ -67,6 +67,12 @@ class FileSystemObject {
   /// when missing. Raises 53 when it is missing, 76 when its folder is, 70 when it is locked, 75
   /// when it may not be accessed, 52 for a bad name.
   virtual std::unique_ptr<TextFile> OpenTextFile(const std::string& path, OpenMode mode) = 0;
+  /// Closes `file`, which is open for append under `path`, and opens it for append again. Raises
+  /// as `OpenTextFile` does; `file` is then a null pointer.
+  virtual void ReopenTextFile(const std::string& path, std::unique_ptr<TextFile>& file) {
+    file.reset();
+    file = OpenTextFile(path, OpenMode::Append);
+  }
 };
 
 }  // namespace talu

@@ -46,7 +46,19 @@ void TextFiles::Open(const std::string& path, OpenMode mode, int number) {
     }
   }
   pool_[static_cast<std::size_t>(number)] = {
-      files_.OpenTextFile(path, mode), mode, upperPath, {}, 0};
+      files_.OpenTextFile(path, mode), mode, path, upperPath, {}, 0};
+}
+
+void TextFiles::ReopenForAppend(const std::string& path, int number) {
+  if (IsOpen(number)) {
+    OpenFile& file = pool_[static_cast<std::size_t>(number)];
+    if (file.Mode == OpenMode::Append && file.Path == path) {
+      files_.ReopenTextFile(path, file.File);
+      return;
+    }
+  }
+  Close(number);
+  Open(path, OpenMode::Append, number);
 }
 
 void TextFiles::Close(int number) {

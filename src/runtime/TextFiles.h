@@ -36,6 +36,8 @@ class TextFiles {
   /// open or the file is open for writing (for writing: open at all), and what the file system
   /// raises.
   void Open(const std::string& path, OpenMode mode, int number);
+  /// Closes a number and opens a file for append under it. Raises as `Open` does.
+  void ReopenForAppend(const std::string& path, int number);
   /// Closes a number; no error when it is not open.
   void Close(int number);
   bool IsOpen(int number) const;
@@ -57,6 +59,7 @@ class TextFiles {
   struct OpenFile {
     std::unique_ptr<TextFile> File;
     OpenMode Mode = OpenMode::Input;
+    std::string Path;
     std::string UpperPath;
     std::string Buffer;
     std::size_t At = 0;

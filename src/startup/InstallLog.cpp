@@ -3,19 +3,16 @@
 
 namespace talu {
 
-// Both files stay open between calls and are closed at the start of the next, so that the file
+// Both files stay open between calls and are reopened at the start of the next, so that the file
 // number is never given back.
 
 void Wizard::WriteErrLog(const std::string& message) {
-  TextFiles.Close(State.LogFileNumber);
-  TextFiles.Open(State.AppFolderPath + "\\Ta-luErrLog.txt", OpenMode::Append, State.LogFileNumber);
+  TextFiles.ReopenForAppend(State.AppFolderPath + "\\Ta-luErrLog.txt", State.LogFileNumber);
   TextFiles.Print(State.LogFileNumber, {"//\r\n", message, "\r\n"});
 }
 
 void Wizard::WriteUninstall(const std::string& line) {
-  TextFiles.Close(State.UninstallFileNumber);
-  TextFiles.Open(State.AppFolderPath + "\\Uninstall.dat", OpenMode::Append,
-                 State.UninstallFileNumber);
+  TextFiles.ReopenForAppend(State.AppFolderPath + "\\Uninstall.dat", State.UninstallFileNumber);
   TextFiles.Print(State.UninstallFileNumber, {line, "\r\n"});
 }
 

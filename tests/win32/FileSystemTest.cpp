@@ -87,16 +87,19 @@ TEST(FileSystem, AppendsWhileOthersReadButNotWrite) {
   const Scratch scratch;
   Win32FileSystem files;
   const std::string path = scratch / "log.txt";
-  const auto log = files.OpenTextFile(path, OpenMode::Append);
+  auto log = files.OpenTextFile(path, OpenMode::Append);
   log->Write("first\r\n");
   const auto reader = files.OpenTextFile(path, OpenMode::Input);
   char buffer[16];
   EXPECT_EQ(std::string(buffer, reader->Read(buffer, sizeof buffer)), "first\r\n");
   EXPECT_EQ(reader->Size(), 7u);
   EXPECT_EQ(reader->Read(buffer, sizeof buffer), 0u);
-  EXPECT_EQ(ErrorOf([&] { files.OpenTextFile(path, OpenMode::Append); }), 70);
-  log->Write("second\r\n");
-  EXPECT_EQ(Scratch::Read(path), "first\r\nsecond\r\n");
+  for (const char* entry : {"second\r\n", "third\r\n"}) {
+    EXPECT_EQ(ErrorOf([&] { files.OpenTextFile(path, OpenMode::Append); }), 70);
+    log->Write(entry);
+    files.ReopenTextFile(path, log);
+  }
+  EXPECT_EQ(Scratch::Read(path), "first\r\nsecond\r\nthird\r\n");
 }
 
 TEST(FileSystem, WorksUpToWindowsOwnLimitOfAPath) {

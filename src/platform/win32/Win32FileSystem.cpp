@@ -140,4 +140,10 @@ std::unique_ptr<TextFile> Win32FileSystem::OpenTextFile(const std::string& path,
   return std::make_unique<Win32TextFile>(path, mode);
 }
 
+void Win32FileSystem::ReopenTextFile(const std::string& path, std::unique_ptr<TextFile>& file) {
+  // Only this machine's own files are given back to it.
+  if (static_cast<Win32TextFile&>(*file).GoToEnd()) return;
+  FileSystemObject::ReopenTextFile(path, file);
+}
+
 }  // namespace talu

@@ -57,6 +57,13 @@ Win32TextFile::~Win32TextFile() {
   CloseHandle(file_);
 }
 
+bool Win32TextFile::GoToEnd() {
+  FILE_STANDARD_INFO info;
+  if (!GetFileInformationByHandleEx(file_, FileStandardInfo, &info, sizeof info)) return false;
+  if (info.DeletePending || info.NumberOfLinks == 0) return false;
+  return SetFilePointerEx(file_, {}, nullptr, FILE_END) != FALSE;
+}
+
 std::size_t Win32TextFile::Read(char* buffer, std::size_t size) {
   constexpr std::size_t largest = 1U << 30;
   DWORD done = 0;

@@ -13,9 +13,9 @@ constexpr const char* defaultTitle = "TA-LU Setup";
 
 /// Asking Windows for events costs far more than a small file's copy, so it is asked this often at
 /// most; in microseconds.
-constexpr std::int64_t pumpInterval = 4000;
+constexpr std::int64_t pumpInterval = 10000;
 /// And this often the pages are painted while work goes on.
-constexpr std::int64_t paintInterval = 30000;
+constexpr std::int64_t paintInterval = 50000;
 
 std::int64_t Microseconds() {
   static const std::int64_t frequency = [] {
