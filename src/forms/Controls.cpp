@@ -71,6 +71,11 @@ CommandButton& CommandButton::AsDefault() {
   return *this;
 }
 
+CommandButton& CommandButton::LabelledBy(const std::string& label) {
+  view_.LabelledBy = label;
+  return *this;
+}
+
 OptionButton::OptionButton(Form& form, const std::string& name, const std::string& labelledBy,
                            Place place)
     : VisibleControl(form, ControlKind::OptionButton, name, place) {

@@ -27,8 +27,7 @@ class FrmLocation : public WizardPage {
   Label LblServerInfo{*this, "LblServerInfo",
                       "Provide your server information where your database is created.",
                       TextStyle::Body, Line(2880)};
-  TextBox TxtServer{
-      *this, "TxtServer", "LblServer", {layout::kLeft, 3180, 3600, layout::kBoxHeight}};
+  TextBox TxtServer{*this, "TxtServer", "LblServer", layout::Box(layout::kLeft, 3180)};
 
   Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
   Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};

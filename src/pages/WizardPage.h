@@ -67,6 +67,10 @@ constexpr Place Mark(int indent, int top) {
 constexpr Place Text(int top, int lines = 1) {
   return {kIndent, top, kIndentWidth, lines * kLine};
 }
+/// A text box as far as the right edge of the column.
+constexpr Place Box(int left, int top) {
+  return {left, top, kLeft + kWidth - left, kBoxHeight};
+}
 /// A folder box and the button behind it that opens the folder browser.
 constexpr Place FolderBox(int left, int top) {
   return {left, top, kLeft + kWidth - left - 600, kBoxHeight};

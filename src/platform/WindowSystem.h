@@ -69,8 +69,8 @@ struct ControlView {
   /// Of a shape: the filled part of the progress track.
   bool Bar = false;
   /// Name of the label that says what this control is: a click on that label is a click on the
-  /// control, and assistive software reads its text as the control's name. Empty where the control
-  /// has a text of its own.
+  /// control, and assistive software reads its text as the control's name, for a command button
+  /// with the button's own text behind it. Empty where the control's own text says it all.
   std::string LabelledBy;
 };
 
