@@ -73,6 +73,7 @@ CommandButton& CommandButton::AsDefault() {
 
 CommandButton& CommandButton::LabelledBy(const std::string& label) {
   view_.LabelledBy = label;
+  view_.Style = TextStyle::Label;  // a mere sign, such as three dots, is faint in a lighter one
   return *this;
 }
 

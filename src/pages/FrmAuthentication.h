@@ -38,7 +38,7 @@ class FrmAuthentication : public WizardPage {
   void Form_Load() override;
 
  private:
-  static constexpr Place NameOf(int top) { return {layout::kLeft, top + 45, 1680, layout::kLine}; }
+  static constexpr Place NameOf(int top) { return {layout::kLeft, top + 75, 1680, layout::kLine}; }
 
   void AnyBox_Change();
   void CmdNext_Click();

@@ -59,9 +59,10 @@ inline constexpr Place kBack{kLeft + kWidth - 2760, 5520, 1320, 420};
 constexpr Place Bar(int width) {
   return {kTrack.Left, kTrack.Top, width, kTrack.Height};
 }
-/// An option button or check box beside its label, which stands at `indent` + 360.
+/// An option button or check box, level with the capitals of its label, which stands at `indent` +
+/// 360 and `top`.
 constexpr Place Mark(int indent, int top) {
-  return {indent, top, 255, kLine};
+  return {indent, top - 30, 255, kLine};
 }
 /// A line of text in the indented column, `lines` high.
 constexpr Place Text(int top, int lines = 1) {

@@ -33,6 +33,10 @@ enum class Property {
   MousePointer
 };
 
+/// What a label that scrolls leaves free to the left and right of its text, in twips: its focus
+/// shows at its edges.
+inline constexpr int kScrollMargin = 90;
+
 /// A control as the window system sees it. Places and sizes are in twips (1440 an inch), measured
 /// from the upper left corner of the form's client area. The order of a form's controls is the
 /// tab order and, from bottom to top, the drawing order.
