@@ -62,7 +62,7 @@ constexpr Place Bar(int width) {
 /// An option button or check box, level with the capitals of its label, which stands at `indent` +
 /// 360 and `top`.
 constexpr Place Mark(int indent, int top) {
-  return {indent, top - 30, 255, kLine};
+  return {indent, top - 60, 300, 300};
 }
 /// A line of text in the indented column, `lines` high.
 constexpr Place Text(int top, int lines = 1) {
