@@ -1,4 +1,4 @@
-# Sourced by demo, test, bench and the end-to-end tests: builds what they need and makes machines to
+# Sourced by demo, test, bench, tools/contact-sheet and the end-to-end tests: builds what they need and makes machines to
 # install on. Everything lies under build/; whatever is started here ends with the caller.
 #
 # A machine is a folder: wine/ is its prefix (wine/drive_c its C:), media/ its D:, shots/ what was
