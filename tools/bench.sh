@@ -1,4 +1,4 @@
-# Sourced by demo, test, bench and the end-to-end tests: builds what they need and makes machines to
+# Sourced by demo, test, bench, tools/contact-sheet and the end-to-end tests: builds what they need and makes machines to
 # install on. Everything lies under build/; whatever is started here ends with the caller.
 #
 # A machine is a folder: wine/ is its prefix (wine/drive_c its C:), media/ its D:, shots/ what was
@@ -77,7 +77,7 @@ MakeBase() {
       /v Desktop /d Default /f >/dev/null 2>&1
     WINEPREFIX=$Base/wine WINEARCH=win32 WINEDEBUG=-all \
       wine reg add 'HKCU\Software\Wine\Explorer\Desktops' \
-      /v Default /d "${DesktopSize:-1024x768}" /f >/dev/null 2>&1
+      /v Default /d "$((1024 * dpi / 96))x$((768 * dpi / 96))" /f >/dev/null 2>&1
     WINEPREFIX=$Base/wine wineserver -w
     touch "$Base/desktop"
   }
@@ -106,6 +106,25 @@ PutPack() {
   cp -r "$1" "$Machine/media/Pack"
   chmod -R u+w "$Machine/media/Pack"
   cp "$Root/build/win32/src/platform/win32/Setup.exe" "$Machine/media/Pack/"
+}
+
+# SmallPack DIR [KEY=LINE|LINE...]...: a small pack with Setup.exe, with these blocks in its configuration.
+SmallPack() {
+  local dir=$1 block
+  shift
+  rm -rf "$dir"
+  mkdir -p "$dir/Application/Sub" "$dir/SQLScript/Fresh"
+  echo one >"$dir/Application/One.txt"
+  echo two >"$dir/Application/Sub/Two.txt"
+  for block in AppTitle=Small AppFolder=Small DBFolder=Data; do
+    [[ " $*" == *" ${block%%=*}="* ]] || set -- "$@" "$block"
+  done
+  for block in "$@"; do
+    printf '%s\n{\n' "${block%%=*}"
+    [[ -z ${block#*=} ]] || tr '|' '\n' <<<"${block#*=}"
+    echo '}'
+  done | sed 's/$/\r/' | iconv -t CP1252 >"$dir/AppCfg.txt"
+  cp "$Root/build/win32/src/platform/win32/Setup.exe" "$dir/"
 }
 
 # StartServer DATA DRIVE_C [OPTION...]: the stand-in server; its address is in Server, its

@@ -71,6 +71,12 @@ CommandButton& CommandButton::AsDefault() {
   return *this;
 }
 
+CommandButton& CommandButton::LabelledBy(const std::string& label) {
+  view_.LabelledBy = label;
+  view_.Style = TextStyle::Label;  // a mere sign, such as three dots, is faint in a lighter one
+  return *this;
+}
+
 OptionButton::OptionButton(Form& form, const std::string& name, const std::string& labelledBy,
                            Place place)
     : VisibleControl(form, ControlKind::OptionButton, name, place) {

@@ -138,6 +138,8 @@ class CommandButton : public VisibleControl {
 
   /// Enter clicks it wherever the focus is.
   CommandButton& AsDefault();
+  /// Its caption alone does not say what it is for: assistive software reads this label with it.
+  CommandButton& LabelledBy(const std::string& label);
 
   void OperatorClicked() override { Raise(Click); }
 };

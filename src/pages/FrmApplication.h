@@ -32,8 +32,11 @@ class FrmApplication : public WizardPage {
   Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
   Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(0)};
   Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
-  Label LblFinalMsg{
-      *this, "LblFinalMsg", "", TextStyle::Body, {layout::kLeft, 960, layout::kWidth, 3120}};
+  Label LblFinalMsg{*this,
+                    "LblFinalMsg",
+                    "",
+                    TextStyle::Body,
+                    {layout::kLeft - kScrollMargin, 960, layout::kWidth + kScrollMargin, 3120}};
   CommandButton CmdNext{*this, "CmdNext", "&Finish", layout::kNext};
 
  protected:

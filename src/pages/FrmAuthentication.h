@@ -21,11 +21,11 @@ class FrmAuthentication : public WizardPage {
                TextStyle::Body,
                {layout::kLeft, 1200, layout::kWidth, 2 * layout::kLine}};
   Label Label2{*this, "Label2", "&User Name", TextStyle::Label, NameOf(1920)};
-  TextBox TxtUsrName{*this, "TxtUsrName", "Label2", BoxOf(1920)};
+  TextBox TxtUsrName{*this, "TxtUsrName", "Label2", layout::Box(2640, 1920)};
   Label Label3{*this, "Label3", "&Password", TextStyle::Label, NameOf(2400)};
-  TextBox TxtPsWord{*this, "TxtPsWord", "Label3", BoxOf(2400)};
+  TextBox TxtPsWord{*this, "TxtPsWord", "Label3", layout::Box(2640, 2400)};
   Label Label5{*this, "Label5", "Server Name", TextStyle::Label, NameOf(2880)};
-  TextBox TxtServer{*this, "TxtServer", "Label5", BoxOf(2880)};
+  TextBox TxtServer{*this, "TxtServer", "Label5", layout::Box(2640, 2880)};
 
   Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
   Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
@@ -38,8 +38,7 @@ class FrmAuthentication : public WizardPage {
   void Form_Load() override;
 
  private:
-  static constexpr Place NameOf(int top) { return {layout::kLeft, top + 45, 1680, layout::kLine}; }
-  static constexpr Place BoxOf(int top) { return {2640, top, 3600, layout::kBoxHeight}; }
+  static constexpr Place NameOf(int top) { return {layout::kLeft, top + 75, 1680, layout::kLine}; }
 
   void AnyBox_Change();
   void CmdNext_Click();

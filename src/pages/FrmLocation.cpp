@@ -17,6 +17,7 @@ namespace talu {
 FrmLocation::FrmLocation(Wizard& wizard)
     : WizardPage(wizard, "FrmLocation", "Select Location and Server[Server in client mode only]") {
   CmdNext.AsDefault();
+  CmdLocation.LabelledBy("Label1");
   CmdLocation.Click = [this] { CmdLocation_Click(); };
   CmdNext.Click = [this] { CmdNext_Click(); };
   CmdPrev.Click = [this] { CmdPrev_Click(); };

@@ -17,18 +17,19 @@ class FrmLocation : public WizardPage {
   void AddRegistry();
 
   Label Label1{*this, "Label1", "Installation Location", TextStyle::Label, Line(1200)};
-  Label Label3{*this, "Label3",
+  Label Label3{*this,
+               "Label3",
                "Select a location in which the product files need to be installed in"
                "               this machine.",
-               TextStyle::Body, Line(1440, 2)};
+               TextStyle::Body,
+               {layout::kLeft, 1440, kBrokenWidth, 2 * layout::kLine}};
   TextBox TxtInstaPath{*this, "TxtInstaPath", "Label1", layout::FolderBox(layout::kLeft, 1980)};
   CommandButton CmdLocation{*this, "CmdLocation", "...", layout::FolderButton(1980)};
   Label LblServer{*this, "LblServer", "Server Name", TextStyle::Label, Line(2640)};
   Label LblServerInfo{*this, "LblServerInfo",
                       "Provide your server information where your database is created.",
                       TextStyle::Body, Line(2880)};
-  TextBox TxtServer{
-      *this, "TxtServer", "LblServer", {layout::kLeft, 3180, 3600, layout::kBoxHeight}};
+  TextBox TxtServer{*this, "TxtServer", "LblServer", layout::Box(layout::kLeft, 3180)};
 
   Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
   Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
@@ -41,6 +42,8 @@ class FrmLocation : public WizardPage {
   void Form_Load() override;
 
  private:
+  /// Too narrow for the whole of `Label3`, whose gap is a line break then.
+  static constexpr int kBrokenWidth = 6000;
   static constexpr Place Line(int top, int lines = 1) {
     return {layout::kLeft, top, layout::kWidth, lines * layout::kLine};
   }

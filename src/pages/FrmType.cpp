@@ -7,6 +7,7 @@ namespace talu {
 
 FrmType::FrmType(Wizard& wizard) : WizardPage(wizard, "FrmType", "Select Installation type") {
   CmdNext.AsDefault();
+  CmdLocation.LabelledBy("LblOldLocation");
   OptFresh.Click = [this] { OptFresh_Click(); };
   OptUpgrade.Click = [this] { OptUpgrade_Click(); };
   ChkOldLocation.Click = [this] { ChkOldLocation_Click(); };

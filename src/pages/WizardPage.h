@@ -59,13 +59,18 @@ inline constexpr Place kBack{kLeft + kWidth - 2760, 5520, 1320, 420};
 constexpr Place Bar(int width) {
   return {kTrack.Left, kTrack.Top, width, kTrack.Height};
 }
-/// An option button or check box beside its label, which stands at `indent` + 360.
+/// An option button or check box, level with the capitals of its label, which stands at `indent` +
+/// 360 and `top`.
 constexpr Place Mark(int indent, int top) {
-  return {indent, top, 255, kLine};
+  return {indent, top - 60, 300, 300};
 }
 /// A line of text in the indented column, `lines` high.
 constexpr Place Text(int top, int lines = 1) {
   return {kIndent, top, kIndentWidth, lines * kLine};
+}
+/// A text box as far as the right edge of the column.
+constexpr Place Box(int left, int top) {
+  return {left, top, kLeft + kWidth - left, kBoxHeight};
 }
 /// A folder box and the button behind it that opens the folder browser.
 constexpr Place FolderBox(int left, int top) {

@@ -33,6 +33,10 @@ enum class Property {
   MousePointer
 };
 
+/// What a label that scrolls leaves free to the left and right of its text, in twips: its focus
+/// shows at its edges.
+inline constexpr int kScrollMargin = 90;
+
 /// A control as the window system sees it. Places and sizes are in twips (1440 an inch), measured
 /// from the upper left corner of the form's client area. The order of a form's controls is the
 /// tab order and, from bottom to top, the drawing order.
@@ -69,8 +73,8 @@ struct ControlView {
   /// Of a shape: the filled part of the progress track.
   bool Bar = false;
   /// Name of the label that says what this control is: a click on that label is a click on the
-  /// control, and assistive software reads its text as the control's name. Empty where the control
-  /// has a text of its own.
+  /// control, and assistive software reads its text as the control's name, for a command button
+  /// with the button's own text behind it. Empty where the control's own text says it all.
   std::string LabelledBy;
 };
 

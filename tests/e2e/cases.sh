@@ -29,22 +29,7 @@ EndTest() {
 }
 
 # Pack [KEY=LINE|LINE...]...: a small pack on the machine, with these blocks in its configuration.
-Pack() {
-  local block
-  rm -rf "$PackDir"
-  mkdir -p "$PackDir/Application/Sub" "$PackDir/SQLScript/Fresh"
-  echo one >"$PackDir/Application/One.txt"
-  echo two >"$PackDir/Application/Sub/Two.txt"
-  for block in AppTitle=Small AppFolder=Small DBFolder=Data; do
-    [[ " $*" == *" ${block%%=*}="* ]] || set -- "$@" "$block"
-  done
-  for block in "$@"; do
-    printf '%s\n{\n' "${block%%=*}"
-    [[ -z ${block#*=} ]] || tr '|' '\n' <<<"${block#*=}"
-    echo '}'
-  done | sed 's/$/\r/' | iconv -t CP1252 >"$PackDir/AppCfg.txt"
-  cp "$Root/build/win32/src/platform/win32/Setup.exe" "$PackDir/"
-}
+Pack() { SmallPack "$PackDir" "$@"; }
 
 # Script NAME < TEXT: one of the pack's fresh scripts.
 Script() { sed 's/$/\r/' | iconv -t CP1252 >"$PackDir/SQLScript/Fresh/$1"; }

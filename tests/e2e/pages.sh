@@ -37,7 +37,8 @@ Play 'wait FrmType; expect OptFresh value true; expect OptDemo enabled false; cl
   wait FrmType; click CmdNext; wait FrmMode; click CmdNext
   wait FrmAuthentication; click CmdPrev; wait FrmMode; click OptClient; click CmdNext
   wait FrmLocation; expect ShpProgBar width 440; expect LblTitleMsg text Select Location and Server
-  expect TxtServer visible true; expect CmdNext enabled false; click CmdPrev
+  expect TxtServer visible true; expect CmdNext enabled false
+  expect CmdLocation text Installation Location ...; click CmdPrev
   wait FrmMode; expect OptClient value true; click OptServer; click CmdNext
   wait FrmAuthentication; type TxtUsrName sa; type TxtPsWord ${env:SQL_PASSWORD}
   type TxtServer ${SERVER}; click CmdNext; wait FrmLocation; click CmdPrev

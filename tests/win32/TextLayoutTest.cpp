@@ -37,6 +37,7 @@ TEST_F(TextLayoutTest, BreaksLines) {
   EXPECT_EQ(Lines(L"one two three", 8), List({L"one two", L"three"}));
   EXPECT_EQ(Lines(L" one", 8), List({L" one"})) << "leading blanks stay";
   EXPECT_EQ(Lines(L"in               this", 10), List({L"in", L"this"}));
+  EXPECT_EQ(Lines(L"one two      three four", 20), List({L"one two", L"three four"})) << "a gap";
   EXPECT_EQ(Lines(L"abcdefghijkl", 5), List({L"abcde", L"fghij", L"kl"}));
   EXPECT_EQ(Lines(L"To C:\\folder\\sub\\file", 14), List({L"To C:\\folder\\", L"sub\\file"}));
   EXPECT_EQ(Lines(L" ab", 0), List({L" ", L"a", L"b"})) << "no room at all still ends";
@@ -58,6 +59,18 @@ TEST_F(TextLayoutTest, CutsWithAnEllipsis) {
   EXPECT_EQ(layout.Lines, List({L"one two", L"three..."}));
   EXPECT_TRUE(CutToFit(dc_, layout, 8 * character_, 1)) << "one line is always left";
   EXPECT_EQ(layout.Lines, List({L"one t..."}));
+
+  const auto cut = [&](const wchar_t* text) {
+    TextLayout path = LayOut(dc_, text, 15 * character_, false);
+    CutToFit(dc_, path, 15 * character_, 2 * line);
+    return path.Lines;
+  };
+  EXPECT_EQ(cut(L"To C:\\folder\\folder\\folder\\a.txt"),
+            List({L"To C:\\folder\\", L"folder...\\a.txt"}));
+  EXPECT_EQ(cut(L"To C:\\folder\\innermost\\a report"),
+            List({L"To C:\\folder\\", L"inn...\\a report"}));
+  EXPECT_EQ(cut(L"To C:\\folder\\a very long name.txt"),
+            List({L"To C:\\folder\\a", L"very long..."}));
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <thread>
 
 #include "SamplePage.h"
 #include "Scratch.h"
 #include "platform/win32/Win32WindowSystem.h"
+// Behind the names that Windows.h frees.
+#include <oleacc.h>
 
 namespace talu {
 namespace {
@@ -107,6 +110,45 @@ TEST_F(WindowTest, MakesOneChildWindowAControlInPlace) {
   EXPECT_EQ(TextOf("OptFresh"), "&Fresh installation") << "its label is its name";
   EXPECT_EQ(TextOf("OptDemo"), "Demo && tour");
   EXPECT_NE(GetWindowLongA(Control("TxtPsWord"), GWL_STYLE) & ES_PASSWORD, 0);
+}
+
+TEST_F(WindowTest, ScreenReadersHearWhatEveryControlIs) {
+  page_["TxtPath"].LabelledBy = "LblPath";
+  page_["CmdLocation"].LabelledBy = "LblDemo";
+  page_["CmdLocation"].Text = "...";
+  Show();
+  const auto nameOf = [&](const std::string& control) {
+    IAccessible* object = nullptr;
+    EXPECT_HRESULT_SUCCEEDED(
+        AccessibleObjectFromWindow(Control(control), static_cast<DWORD>(OBJID_CLIENT),
+                                   IID_IAccessible, reinterpret_cast<void**>(&object)));
+    VARIANT self = {};
+    self.vt = VT_I4;
+    BSTR name = nullptr;
+    if (object != nullptr) object->get_accName(self, &name);
+    if (object != nullptr) object->Release();
+    const std::wstring text(name, SysStringLen(name));
+    SysFreeString(name);
+    return text;
+  };
+  EXPECT_EQ(nameOf("OptFresh"), L"Fresh installation");
+  EXPECT_EQ(nameOf("OptDemo"), L"Demo & tour");
+  EXPECT_EQ(nameOf("ChkOldLocation"), L"Use the old location");
+  EXPECT_EQ(nameOf("TxtPath"), L"Installation Location");
+  EXPECT_EQ(nameOf("CmdLocation"), L"Demo & tour ...");
+  EXPECT_EQ(nameOf("CmdNext"), L"Next");
+  EXPECT_EQ(nameOf("ImgBack"), L"Background picture");
+  // The system's own objects for these two take their names from the label before them.
+  EXPECT_EQ(GetWindow(Control("TxtPath"), GW_HWNDPREV), Control("LblPath"));
+  EXPECT_EQ(GetWindow(Control("ShpProgBar"), GW_HWNDPREV), Control("LblTitleMsg"));
+  char className[32] = "";
+  GetClassNameA(Control("ShpProgBar"), className, sizeof className);
+  EXPECT_STREQ(className, PROGRESS_CLASSA);
+  EXPECT_EQ(SendMessageA(Control("ShpProgBar"), PBM_GETPOS, 0, 0), 2930);
+  page_["ShpProgBar"].Width = 5860;
+  page_.Changed("ShpProgBar", Property::Width);
+  Settle();
+  EXPECT_EQ(SendMessageA(Control("ShpProgBar"), PBM_GETPOS, 0, 0), 5860);
 }
 
 TEST_F(WindowTest, ClicksReachTheFormWhichSetsTheValue) {
@@ -306,6 +348,20 @@ TEST_F(WindowTest, LongTextsCanAlwaysBeRead) {
   EXPECT_EQ(GetWindowLongA(final, GWL_STYLE) & (WS_VSCROLL | WS_TABSTOP), 0);
 }
 
+/// The contrast of two colours as web pages measure it, from 1 to 21.
+double Contrast(COLORREF one, COLORREF other) {
+  const auto luminance = [](COLORREF colour) {
+    const auto part = [](BYTE value) {
+      const double share = value / 255.0;
+      return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(GetRValue(colour)) + 0.7152 * part(GetGValue(colour)) +
+           0.0722 * part(GetBValue(colour)) + 0.05;
+  };
+  const double ratio = luminance(one) / luminance(other);
+  return std::max(ratio, 1 / ratio);
+}
+
 TEST_F(WindowTest, APictureStandsBehindALightCard) {
   const Scratch scratch;
   // The smallest bitmap there is: one black pixel.
@@ -315,7 +371,15 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   Show();
   EXPECT_EQ(PixelOf("ImgBack", 2, 2), RGB(0, 0, 0));
   const COLORREF card = PixelOf("LblTitleMsg", 460, 5);
-  EXPECT_GT(GetRValue(card), 200);
+  for (const Colour text : {colour::Text, colour::Title, colour::Note, colour::Disabled}) {
+    EXPECT_GE(Contrast(ToColorref(text), card), 4.5) << std::hex << text;
+  }
+  EXPECT_GE(Contrast(ToColorref(colour::Accent), card), 4.5) << "the focus";
+  EXPECT_GE(Contrast(ToColorref(colour::Edge), card), 3) << "what can be clicked";
+  for (const Colour face : {colour::Accent, colour::AccentHot, colour::AccentDown}) {
+    EXPECT_GE(Contrast(ToColorref(colour::OnAccent), ToColorref(face)), 4.5) << std::hex << face;
+  }
+  EXPECT_GE(Contrast(ToColorref(colour::Disabled), ToColorref(colour::FaceDisabled)), 4.5);
   page_["ImgBack"].Picture = nullptr;
   page_.Changed("ImgBack", Property::Picture);
   Settle();

@@ -7,8 +7,9 @@
 
 namespace talu {
 
-/// The pages' colours. Every text colour keeps a contrast of at least 4.5 to 1 (disabled text: 3 to
-/// 1) to the page's card, even where the picture below it is black.
+/// The pages' colours. Every text colour, the disabled one too, keeps a contrast of at least 4.5 to
+/// 1, and every edge that can be clicked one of 3 to 1, to the page's card, even where the picture
+/// below it is black.
 namespace colour {
 inline constexpr Colour Page = 0xE8ECF1;
 inline constexpr Colour Card = 0xFFFFFF;
@@ -16,7 +17,7 @@ inline constexpr Colour CardEdge = 0xC9D1DA;
 inline constexpr Colour Text = 0x1F2933;
 inline constexpr Colour Title = 0x14324F;
 inline constexpr Colour Note = 0x555C64;
-inline constexpr Colour Disabled = 0x737A82;
+inline constexpr Colour Disabled = 0x636A72;
 inline constexpr Colour Accent = 0x1F6AA5;
 inline constexpr Colour AccentHot = 0x2A7ABA;
 inline constexpr Colour AccentDown = 0x17527F;
@@ -25,7 +26,7 @@ inline constexpr Colour Face = 0xFDFDFE;
 inline constexpr Colour FaceHot = 0xF0F6FB;
 inline constexpr Colour FaceDown = 0xDCE9F4;
 inline constexpr Colour FaceDisabled = 0xEDEFF2;
-inline constexpr Colour Edge = 0x8A95A1;
+inline constexpr Colour Edge = 0x6F7B87;
 inline constexpr Colour EdgeDisabled = 0xC4CAD1;
 inline constexpr Colour Track = 0xC3CCD6;
 }  // namespace colour
@@ -33,7 +34,7 @@ inline constexpr Colour Track = 0xC3CCD6;
 COLORREF ToColorref(Colour colour);
 
 /// The opacity of the card that lies over the picture and under the texts.
-inline constexpr double CardOpacity = 0.86;
+inline constexpr double CardOpacity = 0.92;
 /// Its distance from the edges of the client area, in twips.
 inline constexpr int CardInset = 240;
 

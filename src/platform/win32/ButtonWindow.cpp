@@ -37,7 +37,8 @@ ButtonWindow::ButtonWindow(FormFrame& frame, std::size_t index)
 std::string ButtonWindow::WindowText() const {
   const ControlView* label = frame_.FindControl(View().LabelledBy);
   if (label == nullptr) return View().Text;
-  return label->Mnemonic ? label->Text : WithPlainAmpersands(label->Text);
+  const std::string name = label->Mnemonic ? label->Text : WithPlainAmpersands(label->Text);
+  return View().Kind == ControlKind::CommandButton ? name + " " + View().Text : name;
 }
 
 void ButtonWindow::Update(Property changed) {

@@ -99,8 +99,14 @@ void FormFrame::OrderControls() {
       SetWindowPos(controls_[i]->Window(), HWND_BOTTOM, 0, 0, 0, 0, orderOnly);
     }
   }
+  const auto title = std::find_if(controls_.begin(), controls_.end(), [](const auto& control) {
+    return control->View().Style == TextStyle::Title;
+  });
   for (const auto& control : controls_) {
     const ControlView& view = control->View();
+    if (view.Bar && title != controls_.end()) {
+      SetWindowPos(control->Window(), (*title)->Window(), 0, 0, 0, 0, orderOnly);
+    }
     if (view.Kind != ControlKind::TextBox || view.LabelledBy.empty()) continue;
     for (const auto& label : controls_) {
       if (label->View().Name != view.LabelledBy) continue;

@@ -79,6 +79,8 @@ class FormFrame {
   void OnLabelClick(const std::string& label);
   void OnLabelText(const std::string& label);
   const ControlView* FindControl(const std::string& name) const;
+  /// Width in twips of the form's progress track, 0 when it has none.
+  int FullBarWidth() const;
 
  private:
   static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -87,8 +89,8 @@ class FormFrame {
   LRESULT OnActivate(bool active);
   void Close();
   void MakeControls();
-  /// Shapes and pictures are drawn first to last below everything else; a text box comes right
-  /// behind its label, where assistive software looks for its name.
+  /// Shapes and pictures are drawn first to last below everything else. Right behind its label,
+  /// where assistive software looks for its name, comes a text box; behind the title the bar.
   void OrderControls();
   void MakeToolTips();
   void FillToolTip(LPARAM info);

@@ -162,6 +162,14 @@ const ControlView* FormFrame::FindControl(const std::string& name) const {
   return nullptr;
 }
 
+int FormFrame::FullBarWidth() const {
+  for (std::size_t i = 0; i < form_.ControlCount(); ++i) {
+    const ControlView& view = form_.ControlAt(i);
+    if (view.Kind == ControlKind::Shape && !view.Bar) return view.Width;
+  }
+  return 0;
+}
+
 void FormFrame::MakeToolTips() {
   toolTips_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
                               WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_, nullptr,

@@ -74,6 +74,11 @@ TextLayout LabelWindow::LayOutText(HDC dc, int width) const {
   return LayOut(dc, Wide(View().Text), width, View().Mnemonic);
 }
 
+SIZE LabelWindow::Margin() const {
+  if (!View().Scrolls) return {0, 0};
+  return {frame_.Look().Pixels(kScrollMargin), frame_.Look().Scaled(2)};
+}
+
 std::string LabelWindow::TipText() const {
   if (!View().ToolTipText.empty() || View().Scrolls) return View().ToolTipText;
   const MeasuringDc dc(Window(), frame_.Look().Font(View().Style));
@@ -87,9 +92,12 @@ void LabelWindow::Draw(Canvas& canvas) {
   const HGDIOBJ former = SelectObject(dc, frame_.Look().Font(View().Style));
   SetTextColor(dc, ToColorref(TextColour(View())));
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
-  TextLayout layout = LayOutText(dc, canvas.Width());
-  if (!scrolling_) CutToFit(dc, layout, canvas.Width(), canvas.Height());
-  DrawLines(dc, layout, area, firstLine_);
+  RECT inner = area;
+  InflateRect(&inner, -Margin().cx, -Margin().cy);
+  const int width = inner.right - inner.left;
+  TextLayout layout = LayOutText(dc, width);
+  if (!scrolling_) CutToFit(dc, layout, width, inner.bottom - inner.top);
+  DrawLines(dc, layout, inner, firstLine_);
   SelectObject(dc, former);
   if (GetFocus() == Window()) canvas.FrameRound(area, 2, frame_.Look().Scaled(1), colour::Accent);
 }
@@ -97,8 +105,8 @@ void LabelWindow::Draw(Canvas& canvas) {
 void LabelWindow::FitScrollBar() {
   RECT window;
   GetWindowRect(Window(), &window);
-  const int height = window.bottom - window.top;
-  const int whole = window.right - window.left;
+  const int height = window.bottom - window.top - 2 * Margin().cy;
+  const int whole = window.right - window.left - 2 * Margin().cx;
   const MeasuringDc dc(Window(), frame_.Look().Font(View().Style));
   TextLayout layout = LayOutText(dc, whole);
   scrolling_ = layout.Height() > height;

@@ -20,6 +20,8 @@ class LabelWindow : public ControlWindow {
 
  private:
   TextLayout LayOutText(HDC dc, int width) const;
+  /// Between the edges and the text, in pixels.
+  SIZE Margin() const;
   /// Shows or hides the scroll bar and takes or leaves the keyboard, as the text needs it.
   void FitScrollBar();
   void ScrollTo(int line);

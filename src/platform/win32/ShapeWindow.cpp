@@ -7,7 +7,21 @@
 namespace talu {
 
 ShapeWindow::ShapeWindow(FormFrame& frame, std::size_t index)
-    : ControlWindow(frame, index, "STATIC", SS_LEFT) {}
+    : ControlWindow(frame, index, frame.Form().ControlAt(index).Bar ? PROGRESS_CLASSA : "STATIC",
+                    SS_LEFT) {
+  if (!View().Bar) return;
+  // The class gives itself an edge.
+  SetWindowLongA(Window(), GWL_EXSTYLE, 0);
+  SetWindowPos(Window(), nullptr, 0, 0, 0, 0,
+               SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  SendMessageA(Window(), PBM_SETRANGE32, 0, frame.FullBarWidth());
+  ShapeWindow::BringUpToDate();
+}
+
+void ShapeWindow::BringUpToDate() {
+  ControlWindow::BringUpToDate();
+  if (View().Bar) SendMessageA(Window(), PBM_SETPOS, static_cast<WPARAM>(View().Width), 0);
+}
 
 void ShapeWindow::DrawAt(Canvas& canvas, int left, int top) const {
   RECT area = Area();
@@ -17,7 +31,9 @@ void ShapeWindow::DrawAt(Canvas& canvas, int left, int top) const {
   RECT shape = area;
   shape.right = std::max(area.right, area.left + height);
   const Colour filling = View().Bar ? colour::Accent : colour::Track;
-  canvas.FillRoundWithin(area, shape, static_cast<double>(height) / 2, filling);
+  const double radius = static_cast<double>(height) / 2;
+  canvas.FillRoundWithin(area, shape, radius, filling);
+  if (!View().Bar) canvas.FrameRound(area, radius, frame_.Look().Scaled(1), colour::Edge);
 }
 
 void ShapeWindow::Draw(Canvas& canvas) {
@@ -26,7 +42,10 @@ void ShapeWindow::Draw(Canvas& canvas) {
 }
 
 ImageWindow::ImageWindow(FormFrame& frame, std::size_t index)
-    : ControlWindow(frame, index, "STATIC", SS_LEFT) {}
+    : ControlWindow(frame, index, "STATIC", SS_BITMAP | SS_REALSIZECONTROL) {
+  // Past the class, which would look for a bitmap of that name.
+  DefWindowProcA(Window(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Background picture"));
+}
 
 void ImageWindow::Update(Property changed) {
   ControlWindow::Update(changed);

@@ -4,12 +4,13 @@
 
 namespace talu {
 
-/// The progress track or its filled part.
+/// The progress track or its filled part, which assistive software knows as a progress bar.
 class ShapeWindow : public ControlWindow {
  public:
   ShapeWindow(FormFrame& frame, std::size_t index);
   /// Draws the shape on a canvas whose upper left corner is at (`left`, `top`) of the page.
   void DrawAt(Canvas& canvas, int left, int top) const;
+  void BringUpToDate() override;
 
  protected:
   void Draw(Canvas& canvas) override;

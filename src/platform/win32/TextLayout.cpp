@@ -1,6 +1,7 @@
 #include "platform/win32/TextLayout.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace talu {
 namespace {
@@ -27,10 +28,14 @@ std::size_t BreakAt(const wchar_t* text, std::size_t length, std::size_t fitting
   if (fitting > 0 && text[fitting] == L' ') return fitting;
   std::size_t behindWord = 0;
   std::size_t behindFolder = 0;
+  std::size_t behindGap = 0;
   for (std::size_t i = 0; i < fitting; ++i) {
     if (text[i] == L' ') behindWord = i + 1;
+    if (i + 3 < fitting && std::wstring_view(text + i, 4) == L"    ") behindGap = i;
     if (text[i] == L'\\' && i > 0) behindFolder = i + 1;
   }
+  // Whoever leaves a gap wants the break there.
+  if (behindGap > fitting / 3) return behindGap;
   // A break that leaves most of the line empty, as before a long path, is worse than one inside it.
   if (behindWord > fitting / 3) return behindWord;
   if (behindFolder > behindWord) return behindFolder;
@@ -51,6 +56,14 @@ std::wstring TakeMnemonic(const std::wstring& text, std::size_t& position) {
   return plain;
 }
 
+/// The last step of the path that ends `text`, from its backslash on; empty where there is none.
+std::wstring FileAtTheEnd(const std::wstring& text) {
+  const std::size_t folder = text.rfind(L'\\');
+  const bool isPath =
+      folder != std::wstring::npos && text.find_first_of(L"\r\n", folder) == std::wstring::npos;
+  return isPath ? text.substr(folder) : L"";
+}
+
 }  // namespace
 
 TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic) {
@@ -60,7 +73,8 @@ TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic) {
   layout.LineHeight = metrics.tmHeight + metrics.tmExternalLeading;
 
   std::size_t underlined = std::wstring::npos;
-  const std::wstring plain = mnemonic ? TakeMnemonic(text, underlined) : text;
+  layout.Text = mnemonic ? TakeMnemonic(text, underlined) : text;
+  const std::wstring& plain = layout.Text;
   std::size_t start = 0;
   for (bool more = true; more;) {
     const std::size_t end = std::min(plain.find_first_of(L"\r\n", start), plain.size());
@@ -91,10 +105,17 @@ bool CutToFit(HDC dc, TextLayout& layout, int width, int height) {
   if (layout.Lines.size() <= room) return false;
   layout.Lines.resize(room);
   std::wstring& last = layout.Lines.back();
-  const std::wstring ellipsis = L"...";
-  const int left = width - WidthOf(dc, ellipsis.data(), ellipsis.size());
+  std::wstring ending = L"...";
+  const std::wstring file = FileAtTheEnd(layout.Text);
+  if (WidthOf(dc, file.data(), file.size()) <= width * 2 / 3) {
+    ending += file;
+    // A name that has begun on this line does not begin twice.
+    const std::size_t begun = last.rfind(L'\\');
+    if (begun != std::wstring::npos && file.starts_with(last.substr(begun))) last.resize(begun);
+  }
+  const int left = width - WidthOf(dc, ending.data(), ending.size());
   last.resize(FittingLength(dc, last.data(), last.size(), left));
-  last += ellipsis;
+  last += ending;
   return true;
 }
 

@@ -9,6 +9,8 @@ namespace talu {
 
 /// A text broken into lines.
 struct TextLayout {
+  /// The whole text, without the signs of mnemonics.
+  std::wstring Text;
   std::vector<std::wstring> Lines;
   /// Height of one line in pixels.
   int LineHeight = 0;
@@ -20,12 +22,14 @@ struct TextLayout {
 };
 
 /// Breaks `text` so that no line is wider than `width` pixels in the font that is selected into
-/// `dc`: at each CR, LF or CR LF, else at blanks, else behind a backslash, else in the middle of a
-/// word. With `mnemonic` a single "&" underlines the character behind it and "&&" is one "&".
+/// `dc`: at each CR, LF or CR LF, else at a wide gap, else at blanks, else behind a backslash, else
+/// in the middle of a word. With `mnemonic` a single "&" underlines the character behind it and
+/// "&&" is one "&".
 TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic);
 
 /// Leaves only the lines that `height` pixels hold, at least one; the last of them then ends in an
-/// ellipsis, within `width` pixels. Returns whether any line had to go.
+/// ellipsis, within `width` pixels, and behind it the name of the file where the text ends in a
+/// path. Returns whether any line had to go.
 bool CutToFit(HDC dc, TextLayout& layout, int width, int height);
 
 /// Draws the lines from `first` on into `area`, as many as fit whole, in the colour and font that
