@@ -19,6 +19,7 @@ export LC_ALL=C.UTF-8
 
 EndAll() {
   local status=$? machine process
+  trap - ERR
   for machine in "${Machines[@]}"; do
     WINEPREFIX=$machine/wine wineserver -k 2>/dev/null || true
   done
@@ -49,9 +50,8 @@ Build() {
 
 # StartDisplay: a screen of its own, in DISPLAY.
 StartDisplay() {
-  local file=$Logs/display
-  mkdir -p "$Logs"
-  : >"$file"
+  local file
+  file=$(mktemp)
   Xvfb -displayfd 3 -screen 0 "${1:-1280x1024}x24" -nolisten tcp 3>"$file" >/dev/null 2>&1 &
   Started+=($!)
   local i
@@ -61,27 +61,34 @@ StartDisplay() {
   done
   [[ -s $file ]] || Fail "Xvfb did not start"
   export DISPLAY=:$(<"$file")
+  rm "$file"
+}
+
+# MakeBase [DPI]: the machine that others are copies of, in Base.
+MakeBase() {
+  local dpi=${1:-96}
+  Base=$Root/build/machine-$dpi
+  "$Root/tools/wine/prefix" "$Base" "$Root/build/win32" --dpi "$dpi" >/dev/null 2>"$Logs/prefix.log" ||
+    Fail "the Wine prefix could not be made: $(tail -n1 "$Logs/prefix.log")"
+  [[ -f $Base/desktop ]] || {
+    # A desktop of Wine's own gives windows their captions.
+    WINEPREFIX=$Base/wine WINEARCH=win32 WINEDEBUG=-all wine reg add 'HKCU\Software\Wine\Explorer' \
+      /v Desktop /d Default /f >/dev/null 2>&1
+    WINEPREFIX=$Base/wine WINEARCH=win32 WINEDEBUG=-all \
+      wine reg add 'HKCU\Software\Wine\Explorer\Desktops' \
+      /v Default /d "${DesktopSize:-1024x768}" /f >/dev/null 2>&1
+    WINEPREFIX=$Base/wine wineserver -w
+    touch "$Base/desktop"
+  }
 }
 
 # MakeMachine DIR [DPI]: a fresh machine; its environment is set for what follows.
 MakeMachine() {
-  local dir=$1 dpi=${2:-96}
-  local base=$Root/build/machine-$dpi
-  "$Root/tools/wine/prefix" "$base" "$Root/build/win32" --dpi "$dpi" >/dev/null 2>"$Logs/prefix.log" ||
-    Fail "the Wine prefix could not be made: $(tail -n1 "$Logs/prefix.log")"
-  [[ -f $base/desktop ]] || {
-    # A desktop of Wine's own gives windows their captions.
-    WINEPREFIX=$base/wine WINEARCH=win32 WINEDEBUG=-all wine reg add 'HKCU\Software\Wine\Explorer' \
-      /v Desktop /d Default /f >/dev/null 2>&1
-    WINEPREFIX=$base/wine WINEARCH=win32 WINEDEBUG=-all \
-      wine reg add 'HKCU\Software\Wine\Explorer\Desktops' \
-      /v Default /d "${DesktopSize:-1024x768}" /f >/dev/null 2>&1
-    WINEPREFIX=$base/wine wineserver -w
-    touch "$base/desktop"
-  }
+  local dir=$1
+  MakeBase "${2:-96}"
   rm -rf "$dir"
   mkdir -p "$(dirname "$dir")"
-  cp -a "$base" "$dir"
+  cp -a "$Base" "$dir"
   dir=$(cd "$dir" && pwd)
   Machines+=("$dir")
   mkdir -p "$dir/media" "$dir/shots"
@@ -100,12 +107,13 @@ PutPack() {
   cp "$Root/build/win32/src/platform/win32/Setup.exe" "$Machine/media/Pack/"
 }
 
-# StartServer DATA DRIVE_C [OPTION...]: the stand-in server; its address is in Server. The password is
-# in SQL_PASSWORD.
+# StartServer DATA DRIVE_C [OPTION...]: the stand-in server; its address is in Server, its
+# journal in ServerData. The password is in SQL_PASSWORD.
 StartServer() {
   local data=$1 drive=$2 out i
   shift 2
-  mkdir -p "$data"
+  mkdir -p "$data" "$drive"
+  ServerData=$data
   out=$data/listening
   : >"$out"
   SQLSTANDIN_PASSWORD=$SQL_PASSWORD "$Root/build/release/tools/sqlstandin/sqlstandin" --port 0 \
@@ -129,21 +137,22 @@ StopServer() {
 Query() {
   printf '%s\ngo\n' "$2" |
     tsql -H 127.0.0.1 -p "$Port" -U sa -P "$SQL_PASSWORD" -D "$1" -o fhq 2>/dev/null |
-    sed 's/[[:space:]]*$//' | grep -v '^$'
+    sed 's/[[:space:]]*$//; /^$/d'
 }
 
-# LoadFreshScripts PACK DRIVE_C: what the pack's fresh scripts make, on the server, without the wizard.
-LoadFreshScripts() {
+# LoadScripts PACK TYPE DRIVE_C: what the pack's scripts for Fresh, Demo or Upgrade make, on the server,
+# without the wizard.
+LoadScripts() {
   local script list file
-  list=$(tr -d '\r' <"$1/AppCfg.txt" | awk '$0 == "FreshDBSript" {k = 1} k && $0 == "}" {exit}
+  list=$(tr -d '\r' <"$1/AppCfg.txt" | awk -v key="$2DBSript" '$0 == key {k = 1} k && $0 == "}" {exit}
     k == 2 {print} k && $0 == "{" {k = 2}')
   while read -r script; do
     [[ -n $script ]] || continue
-    file=$1/SQLScript/Fresh/$script
+    file=$1/SQLScript/$2/$script
     # The folders that the statements name, on the server's drive.
     { grep -oE "[Cc]:\\\\[^']*\\\\" "$file" || true; } | sort -u | while read -r folder; do
       folder=${folder:3}
-      mkdir -p "$2/${folder//\\//}"
+      mkdir -p "$3/${folder//\\//}"
     done
     iconv -f CP1252 -t UTF-8 "$file" | tr -d '\r' | awk '
       toupper($0) ~ /--TALULINEBYLINE/ {lines = 1; next}

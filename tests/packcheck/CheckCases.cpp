@@ -66,7 +66,7 @@ const std::string kBatch = "sql \r\n";
 
 const CheckCase kCases[] = {
     // AppCfg.txt
-    {"CFG-MISSING", {{"AppCfg.txt", "-"}}, "no AppCfg.txt"},
+    {"CFG-MISSING", {{"AppCfg.txt", "-"}}, "msgbox Run-time error '53'"},
     {"CFG-ENCODING", Config("\xEF\xBB\xBF" + kTitle + kRest), "!Caption Desk"},
     {"CFG-LINE-ENDS", {{"AppCfg.txt", Replace(kTitle + kRest, "|", "\n")}}, "!Caption Desk"},
     {"CFG-BLANK-LINE", Config("|" + kAppFolder + kTitle + "DBFolder|{|Data|}|" + kScripts),

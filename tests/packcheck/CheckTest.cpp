@@ -11,6 +11,7 @@
 #include "CheckCases.h"
 #include "CheckCommand.h"
 #include "Rules.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu {
 namespace {
@@ -94,11 +95,98 @@ TEST_F(CheckTest, EachFindingIsWhatAPlanDoes) {
         << test.Proof << "\n"
         << journal;
   }
-  for (const std::span<const Rule> rules : AllRules()) {
-    for (const Rule& rule : rules) {
+  for (const RuleGroup& group : AllRules()) {
+    for (const Rule& rule : group.Rules) {
       EXPECT_TRUE(proved.contains(std::string(rule.Code))) << rule.Code << " is not proved";
     }
   }
+}
+
+TEST_F(CheckTest, FindingsAreToldWithPlaceWeightAndStatus) {
+  Files files = PlainPack();
+  MakePack(files);
+  EXPECT_EQ(Check(false, 0), "0 errors, 0 warnings, 0 notes\n");
+
+  files["AppCfg.txt"] += "AddOns\r\n{\r\nb.bat\r\n";
+  MakePack(files);
+  const std::string json = Check(true, 1);
+  EXPECT_NE(json.find(R"("file":"AppCfg.txt","line":23,"code":"ADD-KIND","severity":"warning",)"
+                      R"("will":"\"b.bat\" contains neither .exe nor .msi, so nothing is run.")"),
+            std::string::npos)
+      << json;
+
+  // One kind is listed twenty times a file; lines count as an editor counts them.
+  files["AppCfg.txt"] += "}\r\n";
+  std::string script = "--taluLineByLine\r\n\r\n";
+  for (int i = 0; i < 30; ++i) script += "PRINT N'\xFC" + std::to_string(i) + "',\r\n";
+  files["SQLScript/Fresh/A.sql"] = script;
+  files["packcheck.ignore"] = "# why\nadd-kind | appcfg.txt | b.bat | run by hand later\n";
+  MakePack(files);
+  const std::string text = Check(false, 2);
+  EXPECT_TRUE(text.starts_with("AppCfg.txt:23: warning ADD-KIND") ||
+              text.starts_with("SQLScript\\Fresh\\A.sql:3: error SQL-LINE-SPLIT"))
+      << text;
+  EXPECT_NE(text.find("(and 10 more like this in the file)"), std::string::npos) << text;
+  EXPECT_TRUE(text.ends_with("30 errors, 0 warnings, 0 notes; 1 finding accepted\n")) << text;
+  EXPECT_NE(Check(true).find(R"("accepted":"run by hand later")"), std::string::npos);
+
+  std::ostringstream out;
+  EXPECT_EQ(CheckCommand({folder / "nowhere"}, out), 2);
+  EXPECT_TRUE(out.str().starts_with("packcheck: ")) << out.str();
+  EXPECT_EQ(ExplainCommand("no-such", out), 2);
+  EXPECT_EQ(ExplainCommand("add-kind", out), 0);
+}
+
+/// The fenced parts of the manual: what stands behind the fence, and the lines.
+std::vector<std::pair<std::string, std::vector<std::string>>> Fences(std::istream& manual) {
+  std::vector<std::pair<std::string, std::vector<std::string>>> fences;
+  bool inside = false;
+  for (std::string line; std::getline(manual, line);) {
+    if (line.starts_with("```")) {
+      inside = !inside;
+      if (inside) fences.push_back({line.substr(3), {}});
+    } else if (inside) {
+      fences.back().second.push_back(line);
+    }
+  }
+  return fences;
+}
+
+TEST_F(CheckTest, TheManualsPackIsCleanAndItsFindingsAreThese) {
+  std::ifstream manual(TALU_MANUAL);
+  Files files;
+  const auto path = [](const std::string& text) { return Replace(text, "\\", "/"); };
+  for (const auto& [name, lines] : Fences(manual)) {
+    for (const std::string& line : lines) {
+      const std::size_t equals = line.find(" = ");
+      if (name == "files") {
+        files[path(line)] = "x";
+      } else if (name == "copies") {
+        files[path(line.substr(0, equals))] = files.at(path(line.substr(equals + 3)));
+      } else if (name.find('.') != std::string::npos) {
+        files[path(name)] += line + "\r\n";
+      }
+    }
+  }
+  MakePack(files);
+  const std::string text = Check(false, 0);
+  EXPECT_TRUE(text.ends_with("0 errors, 0 warnings, 3 notes; 1 finding accepted\n")) << text;
+  for (const InstallType type : {InstallType::Fresh, InstallType::Demo, InstallType::Upgrade}) {
+    PlanOptions options;
+    options.Pack = folder;
+    options.Type = type;
+    options.Databases = {"Library_Books"};
+    options.AcceptAll = true;
+    EXPECT_TRUE(PlannedRun(options).Finished());
+  }
+
+  manual.clear();
+  manual.seekg(0);
+  const std::string whole((std::istreambuf_iterator<char>(manual)), {});
+  std::ostringstream findings;
+  ExplainCommand("all", findings);
+  EXPECT_TRUE(whole.ends_with(findings.str()))
+      << "docs/pack-format.md must end with what packcheck check --explain all prints";
 }
 
 }  // namespace

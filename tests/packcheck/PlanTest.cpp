@@ -1,44 +1,189 @@
-#include <gtest/gtest.h>
-#include <stdlib.h>
+#include <sstream>
 
-#include <fstream>
-
+#include "PackFolder.h"
 #include "Plan.h"
+#include "PlanCommand.h"
 
 namespace talu {
 namespace {
 
-std::string Block(const std::string& key, const std::string& lines) {
-  return key + "\r\n{\r\n" + lines + "}\r\n";
-}
+using Texts = std::vector<std::string>;
 
-/// A pack in a host folder of its own, removed at the end.
+/// A small pack with a script for each type, and what a plan of it says.
 class PlanTest : public testing::Test {
  protected:
   PlanTest() {
-    std::string name = (std::filesystem::temp_directory_path() / "plan.XXXXXX").string();
-    options.Pack = mkdtemp(name.data());
-    Put("AppCfg.txt", Block("AppTitle", "Sales Desk\r\n") + Block("AppFolder", "App\r\n") +
-                          Block("DBFolder", "Data\r\n") + Block("FreshDBSript", "f.sql\r\n"));
-    Put("SQLScript/Fresh/f.sql",
-        "--taluGO\r\n\r\nCREATE TABLE T (A INT)\r\nGO\r\nSELECT\r\n1\r\nGO\r\n");
-  }
-  ~PlanTest() override { std::filesystem::remove_all(options.Pack); }
-
-  void Put(const std::string& path, const std::string& bytes) {
-    std::filesystem::create_directories((options.Pack / path).parent_path());
-    std::ofstream(options.Pack / path, std::ios::binary) << bytes;
+    Configure("FreshDBSript f.sql DemoDBSript d.sql UpgradeDBSript u.sql");
+    pack.Put("SQLScript/Fresh/f.sql",
+             "--taluGO\r\n\r\nCREATE DATABASE Sales ON (FILENAME='C:\\Old\\S.mdf')\r\nGO\r\n"
+             "CREATE LOGIN Clerk WITH PASSWORD = N'it''s secret'\r\n\r\nGO\r\nSELECT 1\r\nGO\r\n");
+    pack.Put("SQLScript/Demo/d.sql", "--taluLineByLine\r\n\r\nSELECT 2\r\n");
+    pack.Put("SQLScript/Upgrade/u.sql", "--taluGO\r\nUSE Sales\r\nGO\r\n");
+    pack.Put("Application/Help.txt", "help");
+    options.Pack = pack.Path;
   }
 
+  /// Key and value alternate in `lists`.
+  void Configure(const std::string& lists, const std::string& more = "") {
+    std::string text = Block("AppTitle", "Sales Desk\r\n") + Block("AppFolder", "App\r\n") +
+                       Block("DBFolder", "Data\r\n");
+    std::istringstream words(lists);
+    for (std::string key, value; words >> key >> value;) text += Block(key, value + "\r\n");
+    pack.Put("AppCfg.txt", text + more);
+  }
+
+  std::unique_ptr<PlannedRun> Run() { return Plan(options); }
+  Texts Pages() { return Run()->Machine.Journal.Texts("show", "form"); }
+  Texts Statements() { return Run()->Machine.Journal.Texts("sql", "text"); }
+  std::string Tell(int status, bool json = false) {
+    std::ostringstream out;
+    EXPECT_EQ(PlanCommand({options, json, save}, out), status);
+    return out.str();
+  }
+
+  HostFolder pack;
   PlanOptions options;
+  std::filesystem::path save;
 };
 
-TEST_F(PlanTest, RunsToFinish) {
-  const auto run = Plan(options);
-  EXPECT_EQ(run->Stop(), "");
-  EXPECT_EQ(run->Machine.Journal.Events().back().Kind, "end");
-  EXPECT_EQ(run->Machine.Journal.Texts("sql", "text"),
-            (std::vector<std::string>{"\r\nCREATE TABLE T (A INT)", "\r\nSELECT\r\n1"}));
+TEST_F(PlanTest, GoesTheWayOfTypeAndMode) {
+  struct Case {
+    InstallType Type;
+    InstallMode Mode;
+    Texts Sent;
+  };
+  const std::string moved =
+      "\r\nCREATE DATABASE Sales ON (FILENAME='C:\\Program Files\\TA-LU\\App"
+      "\\Data\\S.mdf')";
+  const std::string login = "\r\nCREATE LOGIN Clerk WITH PASSWORD = N'it''s secret'";
+  const Case cases[] = {
+      {InstallType::Fresh, InstallMode::Server, {moved, login, "\r\nSELECT 1"}},
+      {InstallType::Demo, InstallMode::Server, {"SELECT 2"}},
+      {InstallType::Upgrade, InstallMode::Server, {"\r\nUSE Sales"}},
+      {InstallType::Upgrade, InstallMode::Client, {}},
+  };
+  for (const Case& test : cases) {
+    options.Type = test.Type;
+    options.Mode = test.Mode;
+    options.Databases.assign(test.Type == InstallType::Upgrade ? 1 : 0, "sales");
+    const auto run = Run();
+    const Journal& journal = run->Machine.Journal;
+    EXPECT_EQ(run->Stop(), "");
+    EXPECT_EQ(journal.Texts("sql", "text"), test.Sent);
+    EXPECT_EQ(journal.Events().back().Kind, "end");
+    EXPECT_EQ(journal.Texts("show", "form").size(), test.Sent.empty() ? 4U : 6U);
+    EXPECT_EQ(run->Wizard.State.SetupType, static_cast<int>(test.Type));
+  }
+}
+
+TEST_F(PlanTest, StopsWhereThePersonWould) {
+  options.Type = InstallType::Upgrade;
+  EXPECT_EQ(Run()->Stop(),
+            "FrmSQLNonQuery stays, its Next disabled: Database creation not "
+            "finished...");
+  options.Databases = {"Sales"};
+  options.Password = " ";
+  EXPECT_EQ(Run()->Stop(), "FrmAuthentication stays, its Next disabled");
+  options.Password = "x";
+  options.PackPath = "D:\\Elsewhere";
+  options.FailRequest = 1;
+  options.FailRequestError = error::FileNotFound;
+  EXPECT_EQ(Run()->Stop(), "the program ended by itself");
+  options.FailRequest = 0;
+  Configure("DemoDBSript d.sql");
+  EXPECT_EQ(Run()->Stop(), "the upgrade installation cannot be chosen: its option is disabled");
+  Configure("");
+  EXPECT_EQ(Run()->Stop(), "") << "without any script Next goes on";
+  std::filesystem::remove(pack.Path / "AppCfg.txt");
+  EXPECT_EQ(Run()->Machine.Journal.Texts("msgbox", "text"),
+            Texts{"Run-time error '53':\r\n\r\nFile not found"});
+}
+
+TEST_F(PlanTest, TwiceGoesBackFromEveryPageThatAllowsIt) {
+  options.Mode = InstallMode::Client;
+  options.Twice = true;
+  EXPECT_EQ(Pages(), (Texts{"FrmType", "FrmMode", "FrmType", "FrmMode", "FrmLocation", "FrmMode",
+                            "FrmLocation", "FrmApplication"}));
+  options.Mode = InstallMode::Server;
+  EXPECT_EQ(Run()->Stop(), "");
+}
+
+TEST_F(PlanTest, OldFolderIsTickedAndBackedUpAndItsDiskMayBeOfAnEarlierRun) {
+  HostFolder saved;
+  save = saved.Path / "first";
+  options.InstallPath = "C:\\Progs";
+  Tell(0);
+  EXPECT_FALSE(std::filesystem::exists(save / "D" / "Pack"));
+  options.Disk = save / "C";
+  options.Type = InstallType::Upgrade;
+  options.Databases = {"Sales"};
+  options.InstallPath = "";
+  options.OldPath = "C:\\Progs\\TA-LU\\App";
+  save = saved.Path / "second";
+  Tell(0);
+  const std::string app = "second/C/Progs/TA-LU/App/";
+  EXPECT_EQ(saved.Get(app + "Help.txt"), "help");
+  EXPECT_EQ(saved.Get("second/C/Progs/TA-LU/App BackUp/AppFolderBkp_7_3_2012_9_5/Help.txt"), "help");
+  EXPECT_NE(saved.Get(app + "Uninstall.dat").find("DBNames:1, Sales"), std::string::npos);
+  EXPECT_THROW(Tell(0), std::runtime_error) << "what was saved is not overwritten";
+}
+
+TEST_F(PlanTest, TellsItToAPerson) {
+  Configure("FreshDBSript f.sql WriteSettings \\c.txt,Pw=,password AddOns a.exe FinalMsg Bye",
+            Block("SystemDSN", "SQL Server,Books,Sales,Clerk,secret\r\n"));
+  pack.Put("AddOns/A.EXE", "");
+  options.ExitCodes["a.exe"] = 3;
+  options.FailSql = {{"SELECT", StatementError("No table.")}};
+  const std::string stopped = Tell(1);
+  const auto has = [](const std::string& account, const char* part) {
+    return account.find(part) != std::string::npos;
+  };
+  EXPECT_TRUE(has(stopped, "A fresh installation in server mode from D:\\Pack, on 2012-03-07"));
+  EXPECT_TRUE(has(stopped,
+                  "\n  statement 2, f.sql line 5\n"
+                  "      CREATE LOGIN Clerk WITH PASSWORD = N'***'\n"));
+  EXPECT_TRUE(has(stopped, "  statement 3, f.sql line 8, fails: "));
+  EXPECT_TRUE(has(stopped, "  statement 4, rollback\n      USE Master\n"));
+  EXPECT_TRUE(has(stopped, "  message      [Microsoft][ODBC SQL Server Driver][SQL Server]No tab"));
+  EXPECT_TRUE(has(stopped, "Stopped: FrmSQLNonQuery stays"));
+  EXPECT_TRUE(has(stopped, "8 statements (1 failed)")) << stopped;
+  options.FailSql.clear();
+  options.FailRequest = 100000;
+  const std::string finished = Tell(0);
+  EXPECT_TRUE(has(finished, "  runs         D:\\Pack\\AddOns\\a.exe  ends with 3\n"));
+  EXPECT_TRUE(has(finished, "  writes       C:\\Program Files\\TA-LU\\App\\c.txt: Pw=***\n"));
+  EXPECT_TRUE(has(finished, "  record       SystemDSN:SQL Server,Books,Sales,Clerk,***\n"));
+  EXPECT_TRUE(has(finished, "PWD=***"));
+  EXPECT_TRUE(has(finished, "  last words   Bye\n"));
+  EXPECT_TRUE(has(finished, "Request 100000 never came."));
+  EXPECT_FALSE(has(finished + stopped, "secret"));
+}
+
+TEST_F(PlanTest, TellsAnErrorThatNoRequestRaised) {
+  pack.Put("SQLScript/Fresh/f.sql", "--taluGO\r\nCREATE LOGIN Clerk\r\nGO\r\n");
+  EXPECT_NE(Tell(1).find("  error        Invalid procedure call or argument\n  statement 1, f.sql "
+                         "line 2\n"),
+            std::string::npos);
+}
+
+TEST_F(PlanTest, JournalIsJson) {
+  Configure("DemoDBSript d.sql");
+  pack.Put("SQLScript/Demo/d.sql", "--taluLineByLine\r\nSELECT '\x80\"\\'\tUSE Gone\r\n");
+  options.Type = InstallType::Demo;
+  const std::string json = Tell(1, true);
+  for (
+      const char* line :
+      {R"({"event":"show","form":"FrmType"})",
+       R"({"event":"mkdir","path":"C:\\Program Files\\TA-LU"})",
+       R"({"event":"connect","text":"driver={SQL Server};server=SERVER;uid=sa;pwd=password;database=Master","ok":true})",
+       "{\"event\":\"sql\",\"text\":\"SELECT '\u20ac\\\"\\\\'\\u0009USE "
+       "Gone\",\"timeout\":300,\"ok\":"
+       "false,\"error\":{\"number\":-2147217900,\"description\":\"[Microsoft][ODBC SQL Server "
+       "Driver]"
+       "[SQL Server]Database 'Gone' does not exist. Make sure that the name is entered "
+       "correctly.\"}}"}) {
+    EXPECT_NE(json.find(line + std::string("\n")), std::string::npos) << line << "\n" << json;
+  }
 }
 
 }  // namespace

@@ -193,26 +193,25 @@ void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const
   const std::string name = BackedUpName(candidate);
   const std::string bare = UCase(name);
   const SqlStatement* naming = bare.empty() ? nullptr : Naming(facts, bare);
-  if (Contains(list_, candidate)) {
+  if (list_.Contains(candidate)) {
     if (naming == nullptr || Covers(bare)) return;
     const auto longer = std::ranges::find_if(
-        bareNames_, [&](const std::string& listed) { return Contains(listed, bare); });
-    if (longer == bareNames_.end()) return;
-    merged_.push_back(bare);
-    findings_.Add("SQL-BACKUP-MERGED", naming->Place, {Shown(name), Shown(*longer)});
+        names_, [&](const auto& listed) { return Contains(listed.first, bare); });
+    if (longer == names_.end()) return;
+    merged_.insert(bare);
+    findings_.Add("SQL-BACKUP-MERGED", naming->Place, {Shown(name), Shown(longer->second)});
     return;
   }
   if (candidate.size() > kLongestName) return;
-  list_ += "," + candidate;
-  bareNames_.push_back(bare);
+  list_.Append(candidate);
+  names_.emplace(bare, name);
   if (naming != nullptr || bare.empty()) return;
   const SqlStatement* first = Naming(facts, "");
   findings_.Add("SQL-BACKUP-NAME", first != nullptr ? first->Place : batch.Start, {Shown(name)});
 }
 
 bool BackupNames::Covers(const std::string& bareName) const {
-  return std::ranges::find(bareNames_, bareName) != bareNames_.end() ||
-         std::ranges::find(merged_, bareName) != merged_.end();
+  return names_.contains(bareName) || merged_.contains(bareName);
 }
 
 }  // namespace talu

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <map>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "CheckSql.h"
 #include "Finding.h"
+#include "database/NameList.h"
 
 namespace talu {
 
@@ -33,9 +35,10 @@ class BackupNames {
   void Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts);
 
   Findings& findings_;
-  std::string list_;
-  std::vector<std::string> bareNames_;
-  std::vector<std::string> merged_;
+  NameList list_;
+  // As they are compared (without brackets, upper-cased), and as they are written.
+  std::map<std::string, std::string> names_;
+  std::set<std::string> merged_;
 };
 
 }  // namespace talu

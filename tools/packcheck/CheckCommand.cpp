@@ -63,8 +63,9 @@ int CheckCommand(const CheckOptions& options, std::ostream& out) try {
 
 int ExplainCommand(const std::string& code, std::ostream& out) {
   if (code == "all") {
-    for (const std::span<const Rule> rules : AllRules()) {
-      for (const Rule& rule : rules) out << Explanation(rule) << '\n';
+    for (const RuleGroup& group : AllRules()) {
+      out << "### " << group.Heading << "\n\n";
+      for (const Rule& rule : group.Rules) out << Explanation(rule) << '\n';
     }
     return kClean;
   }

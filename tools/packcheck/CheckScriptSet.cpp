@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdint>
+#include <cstring>
+#include <utility>
 
 #include "database/ScriptReader.h"
 #include "runtime/TextFunctions.h"
@@ -10,7 +13,7 @@
 namespace talu {
 namespace {
 
-using Region = SqlScanner::Region;
+using Region = SqlFollower::Region;
 
 constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
 
@@ -31,21 +34,36 @@ bool GoesOn(std::string_view statement) {
                              [&](std::string_view upper) { return EqualsUpper(word, upper); });
 }
 
+/// The position of the first byte outside ASCII at or behind `at`; the size without one.
+std::size_t FirstHighByte(std::string_view text, std::size_t at) {
+  std::uint64_t eight = 0;
+  for (; at + sizeof eight <= text.size(); at += sizeof eight) {
+    std::memcpy(&eight, text.data() + at, sizeof eight);
+    if ((eight & 0x8080808080808080U) != 0) break;
+  }
+  while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
+  return at;
+}
+
+/// The length of the UTF-8 character outside ASCII at `at`; 0 when there is none.
+std::size_t Utf8Length(std::string_view text, std::size_t at) {
+  const auto lead = static_cast<unsigned char>(text[at]);
+  if (lead < 0xC2 || lead > 0xF4) return 0;
+  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  if (at + length > text.size()) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((static_cast<unsigned char>(text[at + i]) & 0xC0) != 0x80) return 0;
+  }
+  return length;
+}
+
 /// Whether the text is UTF-8 with letters outside ASCII; the line of the first one.
 bool IsUtf8(std::string_view text, int& line) {
-  std::size_t first = text.size();
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const auto lead = static_cast<unsigned char>(text[at]);
-    if (lead < 0x80) continue;
-    const std::size_t more = lead >= 0xC2 && lead < 0xE0  ? 1
-                             : lead < 0xC2 || lead > 0xF4 ? 0
-                             : lead < 0xF0                ? 2
-                                                          : 3;
-    if (more == 0 || at + more >= text.size()) return false;
-    first = std::min(first, at);
-    for (std::size_t i = 0; i < more; ++i) {
-      if ((static_cast<unsigned char>(text[++at]) & 0xC0) != 0x80) return false;
-    }
+  const std::size_t first = FirstHighByte(text, 0);
+  for (std::size_t at = first; at < text.size(); at = FirstHighByte(text, at)) {
+    const std::size_t length = Utf8Length(text, at);
+    if (length == 0) return false;
+    at += length;
   }
   line = 1 + static_cast<int>(std::ranges::count(text.substr(0, first), '\n'));
   return first < text.size();
@@ -85,7 +103,7 @@ void ScriptSet::CheckFile(const CfgLine& listed) {
     return;
   }
   const std::string text = *pack_.Read(file_);
-  scanner_.Restart();
+  sql_.Restart();
   batchMode_ = false;
   hasDirective_ = false;
   splitTold_ = false;
@@ -168,13 +186,13 @@ void ScriptSet::TakeBatchLine(std::string_view line, int number) {
   CheckBatchLine(line, number);
   if (batch_.Text.empty()) batch_.Start = At(number, line);
   batch_.Text.append(kCrLf).append(TrimView(line));
-  scanner_.TakeLine(file_, number, line);
+  sql_.TakeLine(file_, number, line);
 }
 
 void ScriptSet::CheckBatchLine(std::string_view line, int number) {
   if (ContainsUpper(line, kLineDirective)) findings_.Add("SQL-LINE-IN-BATCH", At(number, line));
   CheckTextLine(line);
-  if (scanner_.Inside() != Region::Code) return;
+  if (sql_.Inside() != Region::Code) return;
   if (IsMeantAsGo(line)) findings_.Add("SQL-GO-TAIL", At(number, line), {Shown(line)});
   const std::string_view stripped = Stripped(line);
   if (stripped.size() > 1 && stripped[0] == ':' &&
@@ -186,16 +204,16 @@ void ScriptSet::CheckBatchLine(std::string_view line, int number) {
 // Inside a text blanks and empty lines may matter.
 void ScriptSet::CheckTextLine(std::string_view line) {
   const bool changed = line.empty() || TrimView(line).size() != line.size();
-  if (scanner_.Inside() != Region::Text || !changed) return;
-  if (toldText_ == scanner_.RegionLine()) return;
-  toldText_ = scanner_.RegionLine();
+  if (sql_.Inside() != Region::Text || !changed) return;
+  if (toldText_ == sql_.RegionLine()) return;
+  toldText_ = sql_.RegionLine();
   findings_.Add("SQL-TEXT-LINES", At(toldText_, line));
 }
 
 void ScriptSet::CheckGo(int number, std::string_view line) {
-  if (scanner_.Inside() == Region::Code || toldRegion_ == scanner_.RegionLine()) return;
-  toldRegion_ = scanner_.RegionLine();
-  findings_.Add(scanner_.Inside() == Region::Comment ? "SQL-GO-COMMENT" : "SQL-GO-TEXT",
+  if (sql_.Inside() == Region::Code || toldRegion_ == sql_.RegionLine()) return;
+  toldRegion_ = sql_.RegionLine();
+  findings_.Add(sql_.Inside() == Region::Comment ? "SQL-GO-COMMENT" : "SQL-GO-TEXT",
                 At(number, line), {std::to_string(toldRegion_)});
 }
 
@@ -204,8 +222,8 @@ void ScriptSet::FinishBatch() {
   if (batch_.Start.File != file_) {
     TellUnfinished("put in front of the first batch of " + file_);
   }
-  CheckCreated(batch_, scanner_.Facts, findings_);
-  if (index_ <= backedUp_) backup_.Collect(batch_, scanner_.Facts);
+  CheckCreated(batch_, sql_.Facts, findings_);
+  if (index_ <= backedUp_) backup_.Collect(batch_, sql_.Facts);
   NoteUses();
   batch_.Text.clear();
 }
@@ -213,42 +231,42 @@ void ScriptSet::FinishBatch() {
 void ScriptSet::TakeStatementLine(std::string_view line, int number) {
   if (!batch_.Text.empty()) TellUnfinished("discarded by " + file_);
   batch_.Text.clear();
-  scanner_.Facts.Clear();
+  sql_.Facts.Clear();
   if (!std::exchange(hasDirective_, true)) {
     findings_.Add("SQL-LINE-LEAK", At(number, line), {lineModeFrom_});
   }
   if (IsMeantAsGo(line)) {
     findings_.Add("SQL-LINE-GO", At(number, line), {Shown(line)});
-    scanner_.Restart();
+    sql_.Restart();
     splitTold_ = false;
     return;
   }
   const std::string_view stripped = Stripped(line);
-  const bool goesOn = scanner_.Inside() == Region::Code && GoesOn(stripped);
-  scanner_.TakeLine(file_, number, line);
-  const bool open = scanner_.Inside() != Region::Code || scanner_.Depth() > 0;
+  const bool goesOn = sql_.Inside() == Region::Code && GoesOn(stripped);
+  sql_.TakeLine(file_, number, line);
+  const bool open = sql_.Inside() != Region::Code || sql_.Depth() > 0;
   if ((open || goesOn || stripped.ends_with(',')) && !std::exchange(splitTold_, true)) {
     findings_.Add("SQL-LINE-SPLIT", At(number, line));
   }
   if (!open && !goesOn) splitTold_ = false;
-  for (const SqlStatement& statement : scanner_.Facts.Statements) {
+  for (const SqlStatement& statement : sql_.Facts.Statements) {
     if (statement.Verb != SqlStatement::Kind::Create) continue;
     findings_.Add("SQL-CREATE-LINE", statement.Place, {statement.Login ? "login" : "database"});
   }
-  if (index_ <= backedUp_) backup_.Collect({std::string(line), At(number, line)}, scanner_.Facts);
+  if (index_ <= backedUp_) backup_.Collect({std::string(line), At(number, line)}, sql_.Facts);
   NoteUses();
 }
 
 // Takes over the names of the databases and forgets the batch's facts.
 void ScriptSet::NoteUses() {
-  for (const SqlStatement& statement : scanner_.Facts.Statements) {
+  for (const SqlStatement& statement : sql_.Facts.Statements) {
     const std::string name = BareName(statement.Name);
     if (statement.Login || name.empty() || !known_.insert(name).second) continue;
     if (statement.Verb == SqlStatement::Kind::Create) continue;
     if (std::ranges::find(kSystemDatabases, name) != kSystemDatabases.end()) continue;
-    used_.push_back({name, statement.Place});
+    used_.push_back({statement.Name, statement.Place});
   }
-  scanner_.Facts.Clear();
+  sql_.Facts.Clear();
 }
 
 void ScriptSet::TellUnfinished(const std::string& what) {

@@ -24,7 +24,8 @@ class ScriptSet {
   void Check(const Configuration& configuration);
 
   const std::string& Key() const { return key_; }
-  /// The databases that the scripts use before they create them, each with the first place.
+  /// The databases that the scripts use before they create them, as written, each with the
+  /// first place.
   const std::vector<SqlText>& Used() const { return used_; }
   const BackupNames& Backup() const { return backup_; }
 
@@ -59,7 +60,7 @@ class ScriptSet {
   std::string lineModeFrom_;
   SqlBatch batch_;
 
-  SqlScanner scanner_;
+  SqlFollower sql_;
   BackupNames backup_;
   std::vector<SqlText> used_;
   std::set<std::string> known_;  // created or used, bare names

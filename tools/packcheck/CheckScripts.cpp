@@ -11,7 +11,7 @@ namespace {
 void CheckBackedUp(const char* installation, const ScriptSet& built, const ScriptSet& searched,
                    Findings& findings) {
   for (const SqlText& used : built.Used()) {
-    if (searched.Backup().Covers(used.Text)) continue;
+    if (searched.Backup().Covers(BareName(used.Text))) continue;
     findings.Add("SQL-BACKUP-MISSED", used.Place,
                  {installation, used.Text, "the scripts of " + searched.Key()});
   }

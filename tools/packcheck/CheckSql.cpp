@@ -32,11 +32,11 @@ bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> uppe
                              [&](std::string_view upper) { return EqualsUpper(word, upper); });
 }
 
-char Closing(SqlScanner::Region region) {
+char Closing(SqlFollower::Region region) {
   switch (region) {
-    case SqlScanner::Region::Text:
+    case SqlFollower::Region::Text:
       return '\'';
-    case SqlScanner::Region::BracketName:
+    case SqlFollower::Region::BracketName:
       return ']';
     default:
       return '"';
@@ -45,7 +45,7 @@ char Closing(SqlScanner::Region region) {
 
 }  // namespace
 
-void SqlScanner::TakeLine(const std::string& file, int number, std::string_view line) {
+void SqlFollower::TakeLine(const std::string& file, int number, std::string_view line) {
   file_ = &file;
   number_ = number;
   line_ = line;
@@ -60,7 +60,7 @@ void SqlScanner::TakeLine(const std::string& file, int number, std::string_view 
   }
 }
 
-void SqlScanner::Restart() {
+void SqlFollower::Restart() {
   region_ = Region::Code;
   depth_ = 0;
   waiting_ = Waiting::Nothing;
@@ -69,7 +69,7 @@ void SqlScanner::Restart() {
 }
 
 // Goes on to where something else than code begins; returns the position behind its first mark.
-std::size_t SqlScanner::TakeCode(std::size_t at) {
+std::size_t SqlFollower::TakeCode(std::size_t at) {
   const std::size_t size = line_.size();
   while (at < size) {
     const CharClass kind = ClassOf(line_[at]);
@@ -120,7 +120,7 @@ std::size_t SqlScanner::TakeCode(std::size_t at) {
   return at;
 }
 
-std::size_t SqlScanner::Enter(Region region, std::size_t at) {
+std::size_t SqlFollower::Enter(Region region, std::size_t at) {
   region_ = region;
   regionLine_ = number_;
   regionStart_ = at;
@@ -128,7 +128,7 @@ std::size_t SqlScanner::Enter(Region region, std::size_t at) {
 }
 
 // Goes on behind the end of a text or a quoted name. A doubled mark is one inside.
-std::size_t SqlScanner::TakeRegion(std::size_t at) {
+std::size_t SqlFollower::TakeRegion(std::size_t at) {
   const char mark = Closing(region_);
   for (std::size_t end = line_.find(mark, at); end != std::string_view::npos;
        end = line_.find(mark, end + 2)) {
@@ -147,7 +147,7 @@ std::size_t SqlScanner::TakeRegion(std::size_t at) {
 }
 
 // Comments hold comments.
-std::size_t SqlScanner::TakeComment(std::size_t at) {
+std::size_t SqlFollower::TakeComment(std::size_t at) {
   const std::size_t start = at;
   while (at < line_.size() && commentDepth_ > 0) {
     at = line_.find_first_of("*/", at);
@@ -168,12 +168,12 @@ std::size_t SqlScanner::TakeComment(std::size_t at) {
   return at;
 }
 
-void SqlScanner::NoteComment(std::string_view comment) {
+void SqlFollower::NoteComment(std::string_view comment) {
   if (Contains(comment, "CREATE DATABASE")) Facts.CommentCreatesDatabase = true;
   if (Contains(comment, "CREATE LOGIN")) Facts.CommentCreatesLogin = true;
 }
 
-void SqlScanner::TakeWord(std::size_t at, std::size_t end) {
+void SqlFollower::TakeWord(std::size_t at, std::size_t end) {
   const std::string_view word = line_.substr(at, end - at);
   if (waiting_ == Waiting::Name) {
     // DROP DATABASE IF EXISTS name
@@ -193,7 +193,7 @@ void SqlScanner::TakeWord(std::size_t at, std::size_t end) {
   TakeKeyword(word, at);
 }
 
-void SqlScanner::TakeKeyword(std::string_view word, std::size_t at) {
+void SqlFollower::TakeKeyword(std::string_view word, std::size_t at) {
   if (IsOneOf(word, {"CREATE", "ALTER", "DROP"})) {
     verb_ = word;
     verbAt_ = at;
@@ -222,7 +222,7 @@ void SqlScanner::TakeKeyword(std::string_view word, std::size_t at) {
   verb_.clear();
 }
 
-void SqlScanner::TakeText(std::string_view text) {
+void SqlFollower::TakeText(std::string_view text) {
   if (waiting_ == Waiting::FileName) Facts.FileNames.push_back({std::string(text), Here()});
   if (waiting_ == Waiting::Password && !text.empty()) {
     Facts.Passwords.push_back({std::string(text), Here()});
@@ -230,7 +230,7 @@ void SqlScanner::TakeText(std::string_view text) {
   waiting_ = Waiting::Nothing;
 }
 
-void SqlScanner::TakeName(std::string_view name) {
+void SqlFollower::TakeName(std::string_view name) {
   waiting_ = Waiting::Nothing;
   // These go on as other statements: USE HINT, ALTER DATABASE SCOPED ..., GRANT CREATE DATABASE TO.
   if (IsOneOf(name, {"HINT", "PLAN", "SCOPED", "AUDIT", "ENCRYPTION", "TO", "CURRENT"})) return;

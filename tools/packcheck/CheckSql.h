@@ -42,7 +42,7 @@ struct SqlFacts {
 
 /// Follows T-SQL from line to line, just far enough to tell code from texts, quoted names and
 /// comments, and to pick out what `SqlFacts` holds.
-class SqlScanner {
+class SqlFollower {
  public:
   enum class Region { Code, Comment, Text, QuotedName, BracketName };
 

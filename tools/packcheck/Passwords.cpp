@@ -1,7 +1,6 @@
 #include "Passwords.h"
 
 #include <algorithm>
-#include <functional>
 #include <string_view>
 
 #include "runtime/TextFunctions.h"
@@ -11,12 +10,13 @@ namespace {
 
 constexpr auto kNone = std::string::npos;
 
-/// Position of `word` (upper case) in `text` from `from` on, in any case.
-std::size_t FindWord(const std::string& text, std::string_view word, std::size_t from) {
-  const auto found =
-      std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), word.begin(),
-                  word.end(), [](char a, char b) { return UCase(a) == b; });
-  return found == text.end() ? kNone : static_cast<std::size_t>(found - text.begin());
+/// Position of `word` (upper case, a letter first) in `text` from `from` on, in any case.
+std::size_t FindWord(std::string_view text, std::string_view word, std::size_t from) {
+  const int first = word.front() | 0x20;
+  for (std::size_t at = from; at < text.size(); ++at) {
+    if ((text[at] | 0x20) == first && EqualsUpper(text.substr(at, word.size()), word)) return at;
+  }
+  return kNone;
 }
 
 std::size_t SkipBlanks(const std::string& text, std::size_t at) {

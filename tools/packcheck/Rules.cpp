@@ -27,16 +27,18 @@ const char* SeverityName(Severity severity) {
 
 const Rule* FindRule(std::string_view code) {
   const std::string wanted = UCase(code);
-  for (const std::span<const Rule> rules : AllRules()) {
-    for (const Rule& rule : rules) {
+  for (const RuleGroup& group : AllRules()) {
+    for (const Rule& rule : group.Rules) {
       if (rule.Code == wanted) return &rule;
     }
   }
   return nullptr;
 }
 
-std::vector<std::span<const Rule>> AllRules() {
-  return {ConfigurationRules(), ScriptRules(), ContentRules()};
+std::array<RuleGroup, 3> AllRules() {
+  return {{{"In AppCfg.txt", ConfigurationRules()},
+           {"In the scripts", ScriptRules()},
+           {"In the files and what is done with them", ContentRules()}}};
 }
 
 std::string Explanation(const Rule& rule) {

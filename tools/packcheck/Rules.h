@@ -1,9 +1,9 @@
 #pragma once
 
+#include <array>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace talu {
 
@@ -29,9 +29,14 @@ struct Rule {
 /// The rule with this code, in any case; a null pointer when there is none.
 const Rule* FindRule(std::string_view code);
 
-/// All rules, in the order of the manual: one list for AppCfg.txt, one for the scripts, one for
-/// everything else.
-std::vector<std::span<const Rule>> AllRules();
+/// The rules about one part of a pack, under a heading of the manual.
+struct RuleGroup {
+  std::string_view Heading;
+  std::span<const Rule> Rules;
+};
+
+/// All rules, in the order of the manual.
+std::array<RuleGroup, 3> AllRules();
 
 std::span<const Rule> ConfigurationRules();
 std::span<const Rule> ScriptRules();

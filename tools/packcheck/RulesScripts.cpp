@@ -158,9 +158,9 @@ constexpr Rule kRules[] = {
      "Put all files of the database into one folder.",
      "What stands behind the replaced folder stays. The database folder has no folders inside."},
     {"SQL-BACKUP-NAME", Warning,
-     "The backup takes {0} for the name of a database, so its BACKUP DATABASE is sent with that "
-     "and "
-     "fails, which only the log tells.",
+     "The backup takes {0} for the name of a database and sends a BACKUP DATABASE for it, which "
+     "does "
+     "nothing or fails, as only the log tells.",
      "Write USE, DROP DATABASE and the like in a batch of their own, without a semicolon, and "
      "CREATE "
      "or ALTER DATABASE with a blank behind the name; keep these words in capitals out of "

@@ -1,5 +1,6 @@
 #include "platform/simulated/CodePage.h"
 
+#include <algorithm>
 #include <array>
 
 namespace talu {
@@ -35,7 +36,14 @@ void AppendUtf8(std::string& text, char32_t character) {
 std::string Utf8FromAnsi(std::string_view text) {
   std::string utf8;
   utf8.reserve(text.size());
-  for (const char character : text) AppendUtf8(utf8, UnicodeOf(character));
+  const auto isAnsi = [](char character) { return static_cast<signed char>(character) < 0; };
+  for (auto at = text.begin(); at != text.end();) {
+    const auto end = std::find_if(at, text.end(), isAnsi);
+    utf8.append(at, end);  // ASCII is the same in both
+    if (end == text.end()) break;
+    AppendUtf8(utf8, UnicodeOf(*end));
+    at = end + 1;
+  }
   return utf8;
 }
 

@@ -1,25 +1,36 @@
 #include "platform/simulated/Journal.h"
 
+#include <algorithm>
+
 #include "platform/simulated/CodePage.h"
 
 namespace talu {
 namespace {
 
+bool IsPlain(char character) {
+  const auto byte = static_cast<unsigned char>(character);
+  return byte >= 0x20 && byte < 0x80 && character != '"' && character != '\\';
+}
+
 void AppendQuoted(std::string& json, const std::string& text) {
   constexpr char kHex[] = "0123456789abcdef";
   json.reserve(json.size() + text.size() + 2);
   json += '"';
-  for (const char character : text) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (character == '"' || character == '\\') {
-      json += '\\';
-      json += character;
+  for (auto at = text.begin(); at != text.end(); ++at) {
+    const auto end = std::find_if_not(at, text.end(), IsPlain);
+    json.append(at, end);
+    if (end == text.end()) break;
+    at = end;
+    const auto byte = static_cast<unsigned char>(*at);
+    if (byte >= 0x80) {
+      AppendUtf8(json, UnicodeOf(*at));
     } else if (byte < 0x20) {
       json += "\\u00";
       json += kHex[byte >> 4];
       json += kHex[byte & 15];
     } else {
-      AppendUtf8(json, UnicodeOf(character));
+      json += '\\';
+      json += *at;
     }
   }
   json += '"';

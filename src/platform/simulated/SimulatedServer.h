@@ -3,6 +3,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -40,8 +41,8 @@ class SimulatedServer : public Ado {
 
   void Connect(const std::string& text);
   void Run(const std::string& statement, int timeout);
-  void Carry(const std::string& statement);
-  void CarryOne(const std::string& verb, const std::string& name, bool login, bool asked);
+  void Carry(std::string_view statement);
+  void CarryOne(std::string_view verb, const std::string& name, bool login, bool asked);
   /// Whether the upper-cased name is there.
   bool Has(const std::string& name, bool login) const;
 

@@ -1,45 +1,36 @@
 #include "platform/simulated/SqlScanner.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace talu {
-namespace {
-
-bool IsWordCharacter(char character) {
+bool IsSqlWordCharacter(char character) {
   const auto byte = static_cast<unsigned char>(character);
-  return byte >= 0x80 || std::isalnum(byte) != 0 ||
-         std::string_view("_@#$").find(character) != std::string_view::npos;
+  return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+         (byte >= '0' && byte <= '9') || byte >= 0x80 || byte == '_' || byte == '@' ||
+         byte == '#' || byte == '$';
 }
 
-}  // namespace
-
 SqlScanner::SqlScanner(std::string_view statement) : statement_(statement) {
-  for (std::string& word : words_) Read(word);
+  for (std::string_view& word : words_) word = Read();
 }
 
 void SqlScanner::Advance() {
-  std::rotate(words_.begin(), words_.begin() + 1, words_.end());
-  Read(words_.back());
+  std::ranges::rotate(words_, words_.begin() + 1);
+  words_.back() = Read();
 }
 
-void SqlScanner::Read(std::string& word) {
-  word.clear();
+std::string_view SqlScanner::Read() {
   SkipBlanksAndComments();
-  if (at_ == statement_.size()) return;
-  const char character = statement_[at_];
-  if (character == '\'' || character == '"' || character == '[') {
-    ReadQuoted(word, character);
-  } else if (IsWordCharacter(character)) {
-    const std::size_t start = at_;
-    while (at_ < statement_.size() && IsWordCharacter(statement_[at_])) ++at_;
-    word = statement_.substr(start, at_ - start);
-    // N'...' is a text.
-    if ((word == "N" || word == "n") && statement_.substr(at_, 1) == "'") ReadQuoted(word, '\'');
-  } else {
-    word = character;
-    ++at_;
-  }
+  if (at_ == statement_.size()) return {};
+  const char first = statement_[at_];
+  if (first == '\'' || first == '"' || first == '[') return ReadQuoted(first);
+  const std::size_t start = at_++;
+  if (!IsSqlWordCharacter(first)) return statement_.substr(start, 1);
+  while (at_ < statement_.size() && IsSqlWordCharacter(statement_[at_])) ++at_;
+  const std::string_view word = statement_.substr(start, at_ - start);
+  // N'...' is a text.
+  if ((word == "N" || word == "n") && statement_.substr(at_, 1) == "'") return ReadQuoted('\'');
+  return word;
 }
 
 void SqlScanner::SkipBlanksAndComments() {
@@ -59,14 +50,18 @@ void SqlScanner::SkipBlanksAndComments() {
   }
 }
 
-// A doubled quote stands for itself.
-void SqlScanner::ReadQuoted(std::string& word, char quote) {
-  const char end = quote == '[' ? ']' : quote;
-  word = quote;
-  for (++at_; at_ < statement_.size(); ++at_) {
-    if (statement_[at_] == end && statement_.substr(++at_, 1) != std::string_view(&end, 1)) break;
-    word += statement_[at_];
+// A doubled quote does not end it.
+std::string_view SqlScanner::ReadQuoted(char quote) {
+  const char last = quote == '[' ? ']' : quote;
+  const std::size_t start = at_;
+  std::size_t end = start + 1;
+  while (true) {
+    end = std::min(statement_.find(last, end), statement_.size());
+    if (end + 1 >= statement_.size() || statement_[end + 1] != last) break;
+    end += 2;
   }
+  at_ = std::min(end + 1, statement_.size());
+  return statement_.substr(start, end - start);
 }
 
 }  // namespace talu

@@ -2,10 +2,12 @@
 
 #include <array>
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace talu {
+
+/// Whether names and keywords consist of such characters.
+bool IsSqlWordCharacter(char character);
 
 /// The words of a statement, one after the other with a look ahead: keywords and names, quoted
 /// texts and names without their quotes but with the quote or bracket in front, single characters;
@@ -15,18 +17,18 @@ class SqlScanner {
   explicit SqlScanner(std::string_view statement);
 
   /// The word `ahead` places behind the current one, at most 3; empty past the end.
-  const std::string& Word(std::size_t ahead = 0) const { return words_.at(ahead); }
+  std::string_view Word(std::size_t ahead = 0) const { return words_.at(ahead); }
   bool AtEnd() const { return Word().empty(); }
   void Advance();
 
  private:
-  void Read(std::string& word);
+  std::string_view Read();
   void SkipBlanksAndComments();
-  void ReadQuoted(std::string& word, char quote);
+  std::string_view ReadQuoted(char quote);
 
   std::string_view statement_;
   std::size_t at_ = 0;
-  std::array<std::string, 4> words_;
+  std::array<std::string_view, 4> words_;
 };
 
 }  // namespace talu

@@ -1,0 +1,65 @@
+#!/usr/bin/env python3
+"""What an installation must have written, and what a server was told.
+
+  Texts.py log FILE < ENTRIES       the log holds exactly these entries, one a line
+  Texts.py record FILE < RECORDS    the same for the uninstall record
+  Texts.py copied SOURCE WINDOWS-SOURCE TARGET THERE
+                                    the log's entries for a copied tree; THERE is a regular expression
+                                    for the sub-folders that were there before
+  Texts.py statements JOURNAL       what the server was told, one statement a line
+
+" / " stands for a line break inside an entry, "*" for any text in a line. "error: TEXT" is the entry of
+a trapped error, "error: TEXT @BATCH" that of one in a build. A difference is shown line by line and
+ends with status 1.
+"""
+
+import difflib
+import json
+import pathlib
+import re
+import sys
+
+
+def written(path, entries, before):
+    """Compares a file with its entries, each of which has `before` in front, and a line break and an
+    empty line behind."""
+    expected = ""
+    for entry in entries:
+        if entry.startswith("error: "):
+            entry = f"// / {entry[7:].replace(' @', ' / ')} / "
+        expected += before + entry.replace(" / ", "\r\n") + "\r\n\r\n"
+    actual = pathlib.Path(path).read_bytes().decode("cp1252")
+    pattern = re.escape(expected).replace(r"\*", "[^\r\n]*")
+    if re.fullmatch(pattern, actual):
+        return
+    sides = [[repr(line)[1:-1] for line in text.splitlines(True)] for text in (expected, actual)]
+    print("\n".join(list(difflib.unified_diff(*sides, "expected", "written", "", "", 1, ""))[:30]))
+    sys.exit(1)
+
+
+def copied(source, windows_source, target, there):
+    """Files come before folders, and either in the order of their names in capitals."""
+    items = sorted(pathlib.Path(source).iterdir(), key=lambda item: item.name.upper())
+    for item in items:
+        if item.is_file() and not item.name.endswith((".mdf", ".ldf")):
+            print(f"// / Copying file - {target}\\{windows_source}\\{item.name}")
+    for item in items:
+        if item.is_dir():
+            folder = f"{target}\\{item.name}"
+            known = re.fullmatch(there, item.name)
+            print(f"// / {'Folder Already exists' if known else 'Creating New Folder'} - {folder}")
+            copied(item, f"{windows_source}\\{item.name}", folder, there)
+
+
+def statements(journal):
+    for line in pathlib.Path(journal).read_text("utf-8").splitlines():
+        event = json.loads(line)
+        if event["event"] == "sql":
+            print(re.sub(r"\s*[\r\n]+\s*", " / ", event["text"].strip("\r\n")))
+
+
+command, *arguments = sys.argv[1:]
+if command in ("log", "record"):
+    written(*arguments, sys.stdin.read().splitlines(), "//\r\n" if command == "log" else "")
+else:
+    {"copied": copied, "statements": statements}[command](*arguments)

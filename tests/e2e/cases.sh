@@ -1,0 +1,124 @@
+# shellcheck shell=bash
+# Sourced by tests/e2e/run and, through it, by the groups of cases: the wizard's real windows on a machine
+# of the group's own. A case begins with Test and lasts until the next; every check in it that fails is
+# told with it. The smallest one:
+#
+#   Test 'an installation comes to its end'
+#   Pack
+#   Play '@install Client; @finish'
+
+# shellcheck source=tools/bench.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../../tools/bench.sh"
+Texts=$Root/tests/e2e/Texts.py
+Sample=$Root/build/win32/samples/SalesDesk/pack
+CaseName= CaseBegin= Problems=()
+export SQL_PASSWORD=Demo-2012
+
+Test() {
+  EndTest
+  CaseName=$1 CaseBegin=$(date +%s%N)
+}
+
+EndTest() {
+  [[ -n $CaseName ]] || return 0
+  local tenths=$((($(date +%s%N) - CaseBegin) / 100000000)) result=passed
+  ((${#Problems[@]} == 0)) || result=FAILED
+  printf '%s %s: %s (%d.%d s)\n' "$result" "$Group" "$CaseName" $((tenths / 10)) $((tenths % 10))
+  ((${#Problems[@]} == 0)) || printf '%s\n' "${Problems[@]}" | sed 's/^/    /'
+  Problems=() CaseName=
+}
+
+# Pack [KEY=LINE|LINE...]...: a small pack on the machine, with these blocks in its configuration.
+Pack() {
+  local block
+  rm -rf "$PackDir"
+  mkdir -p "$PackDir/Application/Sub" "$PackDir/SQLScript/Fresh"
+  echo one >"$PackDir/Application/One.txt"
+  echo two >"$PackDir/Application/Sub/Two.txt"
+  for block in AppTitle=Small AppFolder=Small DBFolder=Data; do
+    [[ " $*" == *" ${block%%=*}="* ]] || set -- "$@" "$block"
+  done
+  for block in "$@"; do
+    printf '%s\n{\n' "${block%%=*}"
+    [[ -z ${block#*=} ]] || tr '|' '\n' <<<"${block#*=}"
+    echo '}'
+  done | sed 's/$/\r/' | iconv -t CP1252 >"$PackDir/AppCfg.txt"
+  cp "$Root/build/win32/src/platform/win32/Setup.exe" "$PackDir/"
+}
+
+# Script NAME < TEXT: one of the pack's fresh scripts.
+Script() { sed 's/$/\r/' | iconv -t CP1252 >"$PackDir/SQLScript/Fresh/$1"; }
+
+# InstallBelow FOLDER [APPFOLDER]: installs below this folder of C: from now on. App is the application
+# folder, Host the same for this side.
+InstallBelow() {
+  InstallRoot="C:\\$1"
+  App="$InstallRoot\\TA-LU\\${2:-Small}"
+  Host=$Machine/wine/drive_c/$1/TA-LU/${2:-Small}
+  mkdir -p "$Machine/wine/drive_c/$1"
+}
+
+# Play STEPS: plays steps of docs/drive.md, several on a line, separated by "; ". Three stand for more:
+# "@location MODE [TYPE]" goes to the location page, "@install MODE [TYPE]" chooses the location there
+# and goes on, "@finish" is the end of an installation.
+Play() {
+  sed 's/; /\n/g; s/^ *//' <<<"$1" | Expand >"$Machine/script.txt"
+  Drive "$Machine/script.txt" --timeout 30 || Problems+=("$(grep -v ' ok (' "$Machine/drive.log" | tail -n 3)")
+}
+
+Expand() {
+  local step mode type
+  while read -r step mode type; do
+    case $step in
+      @location | @install)
+        printf '%s\n' 'wait FrmType' ${type:+"click Opt$type"} 'click CmdNext' 'wait FrmMode' \
+          "click Opt$mode" 'click CmdNext'
+        [[ $mode == Client ]] || printf '%s\n' 'wait FrmAuthentication' 'type TxtUsrName sa' \
+          'type TxtPsWord ${env:SQL_PASSWORD}' 'type TxtServer ${SERVER}' 'click CmdNext'
+        echo 'wait FrmLocation'
+        [[ $step == @location ]] || printf '%s\n' 'click CmdLocation' "browse $InstallRoot"
+        [[ $step == @location || $mode != Client ]] || echo 'type TxtServer ${SERVER}'
+        [[ $step == @location ]] || echo 'click CmdNext'
+        ;;
+      @finish)
+        printf '%s\n' 'wait FrmApplication' 'expect CmdNext enabled true' \
+          'expect Lblmsg text Installation finished. Click Finish to Exit.' finish
+        ;;
+      *) echo "$step $mode $type" ;;
+    esac
+  done
+}
+
+# Is WHAT EXPECTED ACTUAL
+Is() {
+  [[ $2 == "$3" ]] ||
+    Problems+=("$1 (< expected, > found):"$'\n'"$(diff <(echo "$2") <(echo "$3") | sed -n 1,20p)")
+}
+
+# True WHAT COMMAND...: the command succeeds.
+True() { "${@:2}" >"$Machine/out" 2>&1 || Problems+=("$1: $(head -n 30 "$Machine/out")"); }
+
+# Soon WHAT COMMAND...: the same, within twenty seconds.
+Soon() {
+  local end=$((SECONDS + 20))
+  until "${@:2}" >/dev/null 2>&1 || ((SECONDS > end)); do sleep 0.1; done
+  ((SECONDS <= end)) || True "$@"
+}
+
+# LogIs < ENTRIES, RecordIs < RECORDS: the application folder's log and record hold exactly these, as
+# Texts.py describes them.
+LogIs() { True 'the log' python3 -B "$Texts" log "$Host/Ta-luErrLog.txt"; }
+RecordIs() { True 'the record' python3 -B "$Texts" record "$Host/Uninstall.dat"; }
+
+# LogBegin [DBFOLDER], RecordBegin: what the location page writes.
+LogBegin() {
+  printf '%s\n' "Installation Started... / Application Folder created-$App" "AppFolder created :$App" \
+    "DBFolder created :${1-$App\\Data}"
+}
+RecordBegin() { printf '%s\n' "AppFolder:$App" "DBFolder:${1-$App\\Data}" "Server:$Server"; }
+
+# Copied SOURCE WINDOWS-SOURCE TARGET THERE: the log's entries for a tree that was copied.
+Copied() { python3 -B "$Texts" copied "$@"; }
+
+# Statements: what the server that was started last was told, one statement a line.
+Statements() { python3 -B "$Texts" statements "$ServerData/journal.jsonl"; }

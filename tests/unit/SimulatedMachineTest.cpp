@@ -1,0 +1,113 @@
+// The simulated machine itself, where packs depend on how it compares with a real one.
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "platform/simulated/SimulatedMachine.h"
+
+namespace talu {
+namespace {
+
+TEST(SimulatedServer, KnowsNamesAsAServerDoes) {
+  struct Case {
+    const char* Statement;
+    const char* Failure;  // its beginning; empty: none
+  };
+  const Case cases[] = {
+      {"CREATE DATABASE Sales", "Database 'Sales' already exists."},
+      {"create database /* IF */ [New One] -- Sales\r\nUSE [new one]", ""},
+      {"DROP DATABASE Gone", "Cannot drop the database 'Gone'"},
+      {"DROP DATABASE IF EXISTS Gone", ""},
+      {"ALTER DATABASE \"Gone\" SET OFFLINE", "User does not have permission to alter database"},
+      {"ALTER DATABASE CURRENT SET RECOVERY SIMPLE USE tempdb", ""},
+      {"USE Gone", "Database 'Gone' does not exist."},
+      {"SELECT [use] FROM T WHERE A = 'USE Gone' OPTION (USE HINT('x'))", ""},
+      {"CREATE LOGIN clerk WITH PASSWORD='x'", "The server principal 'clerk' already exists."},
+      {"DROP LOGIN Gone", "Cannot drop the login 'Gone'"},
+      {"ALTER LOGIN Gone DISABLE", "Cannot alter the login 'Gone'"},
+      {"ALTER LOGIN sa DISABLE; GRANT ALTER ANY LOGIN, CREATE DATABASE TO Clerk", ""},
+      {"CREATE USER U FOR LOGIN Gone", ""},
+      {"IF DB_ID(N'Sales') IS NULL CREATE DATABASE Sales", ""},
+      {"IF EXISTS (SELECT 1) BEGIN ALTER DATABASE Gone SET OFFLINE DROP DATABASE Gone END", ""},
+      {"RESTORE DATABASE Back FROM DISK='x' USE Back", ""},
+      {"CREATE PROCEDURE P AS DROP DATABASE Sales", ""},
+  };
+  for (const Case& test : cases) {
+    SimulatedMachine machine;
+    machine.Server.Databases = {"SALES"};
+    machine.Server.Logins = {"CLERK"};
+    const auto connection = machine.Server.CreateConnection();
+    connection->Open("server=S");
+    const auto command = machine.Server.CreateCommand();
+    command->ActiveConnection(*connection);
+    command->CommandText(test.Statement);
+    std::string failure;
+    try {
+      command->Execute();
+    } catch (const RuntimeError& error) {
+      failure = error.Description.substr(error.Description.rfind(']') + 1);
+    }
+    EXPECT_TRUE(failure.starts_with(test.Failure) && failure.empty() == !*test.Failure)
+        << test.Statement << ": " << failure;
+  }
+}
+
+class HostFolderTest : public testing::Test {
+ protected:
+  HostFolderTest() {
+    std::string name = (std::filesystem::temp_directory_path() / "disk.XXXXXX").string();
+    folder = mkdtemp(name.data());
+  }
+  ~HostFolderTest() override { std::filesystem::remove_all(folder); }
+  void Put(const std::string& path, const std::string& bytes = "x") {
+    std::filesystem::create_directories((folder / path).parent_path());
+    std::ofstream(folder / path, std::ios::binary) << bytes;
+  }
+
+  std::filesystem::path folder;
+  SimulatedMachine machine;
+};
+
+// As FindFirstFile lists them.
+TEST_F(HostFolderTest, AreListedByTheirUpperCasedUnicodeNames) {
+  const std::vector<std::string> order = {"'q", "a b", "a-b", "a.txt", "ab", "B", "[b]", "_u",
+                                          "{e", "é",   "÷",   "œ",     "Š",  "ÿ", "ž",   "€"};
+  for (const std::string& name : order) Put(name);
+  machine.Disk.AddHostFolder(folder, "C:\\x");
+  std::vector<std::string> listed;
+  for (const FolderItem& item : machine.Files.GetFolder("c:\\X")->Files()) {
+    listed.push_back(Utf8FromAnsi(item.Name));
+  }
+  EXPECT_EQ(listed, order);
+}
+
+TEST_F(HostFolderTest, KeepTheirSpellingAndAreNotWrittenTo) {
+  Put("windows/system/old.txt", "old");
+  machine.Disk.AddHostFolder(folder, "C:");
+  EXPECT_EQ(machine.Files.GetSpecialFolder(0), "C:\\windows");
+  machine.Files.OpenTextFile("C:\\WINDOWS\\System\\OLD.TXT", OpenMode::Append)->Write(" new");
+  machine.Files.FileOperation(2, "C:\\windows\\system\\old.txt", "C:\\copy.txt", 0);
+  machine.Disk.SaveTo(folder / "saved", "C:\\Program Files");
+  const auto size = [&](const char* path) { return std::filesystem::file_size(folder / path); };
+  EXPECT_EQ(size("saved/C/windows/system/old.txt"), 7U);
+  EXPECT_EQ(size("saved/C/copy.txt"), 7U);
+  EXPECT_EQ(size("windows/system/old.txt"), 3U);
+  EXPECT_FALSE(std::filesystem::exists(folder / "saved/C/Program Files"));
+}
+
+TEST_F(HostFolderTest, AreRefusedWhereWindowsCannotHaveThem) {
+  for (const char* name : {"a:b", "end.", "end ", "\u4e2d.txt", "sub/readme"}) {
+    if (std::string(name) == "sub/readme") Put("sub/README");
+    Put(name);
+    EXPECT_THROW(machine.Disk.AddHostFolder(folder, "C:\\x"), std::runtime_error) << name;
+    std::filesystem::remove(folder / name);
+  }
+  EXPECT_NO_THROW(machine.Disk.AddHostFolder(folder, "C:\\x"));
+}
+
+}  // namespace
+}  // namespace talu
