@@ -92,7 +92,7 @@ Expand() {
 # Is WHAT EXPECTED ACTUAL
 Is() {
   [[ $2 == "$3" ]] ||
-    Problems+=("$1 (< expected, > found):"$'\n'"$(diff <(echo "$2") <(echo "$3") | sed -n 1,20p)")
+    Problems+=("$1 (< expected, > found):"$'\n'"$(diff <(echo "$2") <(echo "$3") | sed -n 1,20p || true)")
 }
 
 # True WHAT COMMAND...: the command succeeds.
