@@ -10,8 +10,8 @@
 namespace talu {
 namespace {
 
-/// `GetCfgValue` once more: blank lines have numbers too, and the numbers run on through every block
-/// that counts for the key.
+/// `GetCfgValue` once more: blank lines have numbers too, and the numbers run on through every
+/// block that counts for the key.
 std::string Value(const std::string& text, const std::string& key, int index) {
   std::string last;
   std::string result;
