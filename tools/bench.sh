@@ -49,11 +49,12 @@ Build() {
     Fail "building $preset failed: $(grep -m1 -E 'error:|FAILED' "$log") (see $log)"
 }
 
-# StartDisplay: a screen of its own, in DISPLAY.
+# StartDisplay: a screen of its own, in DISPLAY. It stays as it is when the last program leaves it: a reset
+# would turn away the next one that comes at that moment.
 StartDisplay() {
   local file
   file=$(mktemp)
-  Xvfb -displayfd 3 -screen 0 "${1:-1280x1024}x24" -nolisten tcp 3>"$file" >/dev/null 2>&1 &
+  Xvfb -displayfd 3 -screen 0 "${1:-1280x1024}x24" -noreset -nolisten tcp 3>"$file" >/dev/null 2>&1 &
   Started+=($!)
   local i
   for ((i = 0; i < 100; i++)); do

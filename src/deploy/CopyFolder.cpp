@@ -35,8 +35,8 @@ void CopyFolderTree(Wizard& wizard, const std::string& source, const std::string
       }
       CopyFolderTree(wizard, subFolder.Path, newTarget);
     }
-  } catch (const RuntimeError&) {
-    return;
+  } catch (...) {
+    CaughtError();
   }
 }
 

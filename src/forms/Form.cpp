@@ -1,6 +1,5 @@
 #include "forms/Form.h"
 
-#include <new>
 #include <utility>
 
 #include "runtime/TextFunctions.h"
@@ -95,10 +94,8 @@ void EndWithErrorBox(WindowSystem& windows, const RuntimeError& error) {
 void RunToTheEnd(WindowSystem& windows, const std::function<void()>& procedure) {
   try {
     procedure();
-  } catch (const RuntimeError& error) {
-    EndWithErrorBox(windows, error);
-  } catch (const std::bad_alloc&) {
-    EndWithErrorBox(windows, RuntimeError(error::OutOfMemory));
+  } catch (...) {
+    EndWithErrorBox(windows, CaughtError());
   }
 }
 

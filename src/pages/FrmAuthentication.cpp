@@ -51,7 +51,8 @@ void FrmAuthentication::CmdNext_Click() {
     TheConnection().Close();
     Hide();
     wizard_.Page<FrmLocation>().Show();
-  } catch (const RuntimeError&) {
+  } catch (...) {
+    CaughtError();
     connection_.reset();  // one that would not close refuses every further try
     LblMsg.Caption = "Authentication failed...";
     CmdNext.Enabled = false;

@@ -150,7 +150,8 @@ void FrmLocation::CmdNext_Click() {
     } else if (state.Mode == 1) {
       wizard_.Page<FrmApplication>().Show();
     }
-  } catch (const RuntimeError& error) {
+  } catch (...) {
+    const RuntimeError error = CaughtError();
     if (error.Number == error::PermissionDenied) {
       const std::string inUse = "Location in use,Please select Another Location...";
       windows_.MessageBox(inUse, "");
@@ -240,7 +241,8 @@ void FrmLocation::AddRegistry() {
     wizard_.WriteErrLog("Trying to add Registry entry: " + entry);
     wizard_.Machine.Settings.SaveSetting("TA-LU", "Application", state.RegistryValueName,
                                          state.AppFolderPath);
-  } catch (const RuntimeError&) {
+  } catch (...) {
+    CaughtError();
     wizard_.WriteErrLog("Failed to add Registry entry: " + entry);
   }
 }

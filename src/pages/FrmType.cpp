@@ -84,8 +84,8 @@ void FrmType::CmdLocation_Click() {
     if (!folder) return;
     wizard_.State.OldInstallPath = *folder;
     TxtInstaPath.Text = wizard_.State.OldInstallPath;
-  } catch (const RuntimeError&) {
-    return;
+  } catch (...) {
+    CaughtError();
   }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <new>
 #include <utility>
 
 #include "runtime/Int16.h"
@@ -24,10 +23,8 @@ class ErrorTrap {
     try {
       std::forward<Statement>(statement)();
       return true;
-    } catch (const RuntimeError& error) {
-      handler_(error);
-    } catch (const std::bad_alloc&) {
-      handler_(RuntimeError(error::OutOfMemory));
+    } catch (...) {
+      handler_(CaughtError());
     }
     return false;
   }

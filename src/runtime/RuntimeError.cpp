@@ -1,5 +1,6 @@
 #include "runtime/RuntimeError.h"
 
+#include <new>
 #include <utility>
 
 namespace talu {
@@ -9,6 +10,16 @@ RuntimeError::RuntimeError(std::int32_t number)
 
 RuntimeError::RuntimeError(std::int32_t number, std::string description, std::string source)
     : Number(number), Description(std::move(description)), Source(std::move(source)) {}
+
+RuntimeError CaughtError() {
+  try {
+    throw;
+  } catch (const RuntimeError& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    return RuntimeError(error::OutOfMemory);
+  }
+}
 
 std::string StandardDescription(std::int32_t number) {
   switch (number) {

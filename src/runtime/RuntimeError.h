@@ -46,6 +46,10 @@ inline constexpr std::int32_t InvalidPicture = 481;
 inline constexpr std::int32_t Unspecified = -2147467259;
 }  // namespace error
 
+/// For a `catch (...)`: the run-time error that was caught; a failed allocation is "Out of memory".
+/// Anything else, the end of the program for one, is raised again.
+RuntimeError CaughtError();
+
 /// The standard description of one of the platform's own errors;
 /// "Application-defined or object-defined error" for any other number.
 std::string StandardDescription(std::int32_t number);

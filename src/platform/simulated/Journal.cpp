@@ -1,6 +1,7 @@
 #include "platform/simulated/Journal.h"
 
 #include <algorithm>
+#include <new>
 
 #include "platform/simulated/CodePage.h"
 
@@ -74,6 +75,7 @@ void Journal::Count(const char* request) {
   if (OnRequest) OnRequest(requests_, request);
   if (requests_ != failAt_) return;
   failedRequest_ = request;
+  if (failure_->Number == error::OutOfMemory) throw std::bad_alloc();
   throw RuntimeError(*failure_);
 }
 

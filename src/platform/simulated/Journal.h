@@ -37,7 +37,8 @@ struct JournalEvent {
 /// What the machine was asked, in order; and the place where a request can be made to fail.
 class Journal {
  public:
-  /// Counts a request that may fail. Raises the error that was asked for this request.
+  /// Counts a request that may fail. Raises the error that was asked for this request; out of
+  /// memory is raised as a failed allocation.
   void Count(const char* request);
   /// Told of every such request before it is carried out, with its number (from 1); what it throws
   /// comes out of the request.
@@ -76,11 +77,12 @@ class Journal {
       Count(recorder.event.Kind.c_str());
       if (showOk) recorder.event.Fields.emplace_back("ok", true);
       return work();
-    } catch (const RuntimeError& error) {
+    } catch (...) {
+      RuntimeError error = CaughtError();
       if (showOk && !recorder.event.Fields.empty() && recorder.event.Fields.back().first == "ok") {
         recorder.event.Fields.pop_back();
       }
-      recorder.event.Error = error;
+      recorder.event.Error = std::move(error);
       throw;
     }
   }

@@ -15,7 +15,7 @@ SqlScanner::SqlScanner(std::string_view statement) : statement_(statement) {
 }
 
 void SqlScanner::Advance() {
-  std::ranges::rotate(words_, words_.begin() + 1);
+  std::rotate(words_.begin(), words_.begin() + 1, words_.end());
   words_.back() = Read();
 }
 

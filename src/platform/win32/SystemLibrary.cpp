@@ -3,12 +3,21 @@
 #include <string>
 
 namespace talu {
+namespace {
 
-FARPROC FindSystemFunction(const char* library, const char* function) {
+/// Loads a library of the system folder, and what it imports from there too; nullptr without it.
+HMODULE LoadSystemLibrary(const char* library) {
   char folder[MAX_PATH];
   const UINT length = GetSystemDirectoryA(folder, MAX_PATH);
   if (length == 0 || length >= MAX_PATH) return nullptr;
-  const HMODULE module = LoadLibraryA((std::string(folder) + "\\" + library).c_str());
+  const std::string path = std::string(folder) + "\\" + library;
+  return LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
+}  // namespace
+
+FARPROC FindSystemFunction(const char* library, const char* function) {
+  const HMODULE module = LoadSystemLibrary(library);
   return module != nullptr ? GetProcAddress(module, function) : nullptr;
 }
 
@@ -18,6 +27,13 @@ void TrustSystemFolderOnly() {
   using Function = BOOL(WINAPI*)(DWORD);
   const auto setDirectories = SystemFunction<Function>("kernel32.dll", "SetDefaultDllDirectories");
   if (setDirectories != nullptr) setDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
+  // The system's own libraries ask for these by name, some long after the start, and Windows 7
+  // without the update and Wine's late imports would still look beside the program. What is in the
+  // process already is not looked for.
+  for (const char* library : {"bcrypt.dll", "crypt32.dll", "cryptbase.dll", "dwmapi.dll",
+                              "msimg32.dll", "propsys.dll", "uxtheme.dll", "version.dll"}) {
+    LoadSystemLibrary(library);
+  }
 }
 
 }  // namespace talu

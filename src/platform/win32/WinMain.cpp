@@ -3,8 +3,17 @@
 #include "startup/Main.h"
 #include "startup/Wizard.h"
 
-int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+namespace {
+
+// Ahead of every other constructor: the stack protector's asks the system for a random number, for
+// which Windows loads libraries by name.
+[[gnu::constructor(101)]] void BeforeAnythingElse() {
   talu::TrustSystemFolderOnly();
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   talu::Win32Machine machine;
   talu::Wizard wizard(machine.Parts());
   talu::Main(wizard);

@@ -1,0 +1,78 @@
+# shellcheck shell=bash disable=SC2154,SC2034,SC2012
+# What somebody could plant beside Setup.exe or read in what it leaves.
+# shellcheck source=tests/e2e/sample.sh
+source "$Root/tests/e2e/sample.sh"
+Setup=$Root/build/win32/src/platform/win32/Setup.exe
+Planted=$Machine/wine/drive_c/Planted
+StartServer "$Machine/server" "$Machine/wine/drive_c"
+
+# Imports FILE: the libraries that it names in its import table.
+Imports() { i686-w64-mingw32-objdump -p "$1" | awk '/DLL Name:/ {print tolower($3)}' | sort; }
+
+Test 'the program imports from libraries that Windows never takes from the program'\''s folder'
+# Windows has these loaded for good; its manifest binds the program to the system's COMCTL32.
+Is 'imports' 'advapi32.dll comctl32.dll gdi32.dll kernel32.dll msvcrt.dll ole32.dll oleaut32.dll shell32.dll user32.dll' \
+  "$(Imports "$Setup" | xargs)"
+True 'the manifest' grep -aq 'Microsoft.Windows.Common-Controls' "$Setup"
+
+Test 'data is not executed, addresses move, overrun buffers end the program'
+Header=$(i686-w64-mingw32-objdump -p "$Setup")
+for Text in NX_COMPAT DYNAMIC_BASE 'Entry 5 [0-9a-f]* 0*[1-9a-f][0-9a-f]* Base Relocation'; do
+  True "$Text" grep -q "$Text" <<<"$Header"
+done
+True 'the protector' grep -aq 'stack smashing detected' "$Setup"
+for Library in src/libwizard.a src/platform/win32/libwin32platform.a; do
+  True "the protector in $Library" grep -aq __stack_chk_fail "$Root/build/win32/$Library"
+done
+
+Test 'no library planted beside the program, in the current folder too, is loaded'
+PutPack "$Sample"
+rm -r "$PackDir/Application/Help"
+Bait=$Root/build/win32/tests/e2e/bait.exe
+cp "$Bait" "$PackDir/"
+Is 'imports of the bait' "$(Imports "$Setup")" "$(Imports "$Bait")"
+# What is in the process before the program's first statement is the loader's affair. Of that only the
+# program's own imports are planted: Wine would take the others, which its own libraries forward to.
+mapfile -t Before < <(wine "$Bait" | tr -d '\r' | tr '[:upper:]' '[:lower:]')
+# What the program loads by name, what installers are bitten by, and whatever else the system has.
+mapfile -t Bitten < <({
+  printf '%s.dll\n' apphelp bcrypt crypt32 cryptbase cryptsp dwmapi iertutil msimg32 netapi32 ntmarta \
+    profapi propsys secur32 setupapi srvcli textshaping userenv uxtheme version wtsapi32 nobodys
+  grep -ohE '"[a-z0-9]+\.dll"' "$Root"/src/platform/win32/*.cpp | tr -d '"'
+} | sort -u | grep -vxFf <(printf '%s\n' "${Before[@]}"))
+mapfile -t Late < <({
+  printf '%s\n' "${Bitten[@]}"
+  cd "$Machine/wine/drive_c/windows/system32" && ls | tr '[:upper:]' '[:lower:]' |
+    grep -E '\.(dll|ocx|drv|cpl|ax|acm)$'
+} | sort -u | grep -vxFf <(printf '%s\n' "${Before[@]}"))
+for Name in "${Late[@]}" $(Imports "$Setup"); do
+  cp "$Root/build/win32/tests/e2e/planted.dll" "$PackDir/$Name"
+done
+mkdir "$Planted"
+# Loaded: what was loaded since the last time.
+Loaded() {
+  ls "$Planted"
+  rm -f "$Planted"/*
+}
+# Wine takes libraries of its own before any other of the name, unless told otherwise.
+Overrides=$WINEDLLOVERRIDES
+export WINEDLLOVERRIDES="$Overrides;$(IFS=,; echo "${Late[*]}")=n,b"
+cd "$PackDir"
+wine bait.exe "${Late[@]}" </dev/null >/dev/null || true
+Is 'what a trusting program loads' "$(printf 'bait.exe %s\n' "${Late[@]}")" "$(Loaded)"
+wine bait.exe wary "${Bitten[@]}" </dev/null >/dev/null || true
+Is 'what a wary program loads' '' "$(Loaded)"
+Play '@install Server Fresh; @finish'
+Is 'what Setup.exe loads' '' "$(Loaded)"
+cd "$Root"
+export WINEDLLOVERRIDES=$Overrides
+
+Test 'the password is where the formats put it, and nowhere else'
+# The prefix's registry too; Wine writes it when the last program has ended.
+timeout 60 wineserver -w || true
+Is 'files' "$Host/Settings/Password.txt
+$Host/Uninstall.dat" "$(grep -rlaF "$SQL_PASSWORD" "$Machine/wine" "$Machine/media" "$Machine/server" | sort)"
+Is 'records' "PsWord:$SQL_PASSWORD" "$(tr -d '\r' <"$Host/Uninstall.dat" | grep -F "$SQL_PASSWORD")"
+
+Test 'the stand-in listens on this machine only'
+Is 'addresses' "127.0.0.1:$Port" "$(ss -ltnH | awk '{print $4}' | grep ":$Port\$" | xargs)"
