@@ -61,7 +61,13 @@ def parts(name):
                         if os.access(code.split()[0], os.X_OK) and os.path.isfile(code.split()[0]))
 
 
+ran = set()
+
+
 def run(name, command, shown):
+    if shown in ran:
+        return
+    ran.add(shown)
     print(f"{name}: {shown}", flush=True)
     done = subprocess.run(command, capture_output=True, text=True, errors="replace", timeout=600,
                           **({"cwd": pack} if command[0] == "wine" else {}))
@@ -70,7 +76,6 @@ def run(name, command, shown):
 
 
 done = set()
-scripts = 0
 for name in documents():
     for mark, lines in parts(name):
         if mark == "drive":

@@ -283,14 +283,14 @@ TEST_F(WindowTest, PaintsAndTakesInputWhileAHandlerWorks) {
   Show();
   page_["LblMsg"].Text = "working";
   page_.Changed("LblMsg", Property::Caption);
-  Sleep(40);
+  Sleep(60);
   windows_.DoEvents();
   char text[32] = "";
   DefWindowProcA(Control("LblMsg"), WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
   EXPECT_STREQ(text, "working");
   EXPECT_FALSE(GetUpdateRect(Control("LblMsg"), nullptr, FALSE));
   PostMessageA(frame_, WM_CLOSE, 0, 0);
-  Sleep(10);
+  Sleep(20);
   windows_.DoEvents();
   EXPECT_EQ(page_.Doings, Doings({"close"}));
 }

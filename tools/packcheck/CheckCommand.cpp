@@ -1,8 +1,10 @@
 #include "CheckCommand.h"
 
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <ostream>
+#include <stdexcept>
 
 #include "CheckAccepted.h"
 #include "CheckConfiguration.h"
@@ -34,6 +36,9 @@ std::string Counted(int count, const std::string& thing) {
 }  // namespace
 
 int CheckCommand(const CheckOptions& options, std::ostream& out) try {
+  if (!std::filesystem::is_directory(options.Pack)) {
+    throw std::runtime_error("there is no folder " + options.Pack.string());
+  }
   CheckedPack pack(options.Pack);
   CheckEverything(pack);
   std::map<Severity, int> counts;

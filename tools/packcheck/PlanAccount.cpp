@@ -45,7 +45,8 @@ std::string Counted(int count, const std::string& what) {
 void PlanAccount::Begin() {
   const DateTime& now = options_.Now;
   const auto two = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
-  out_ << "A " << kTypes.at(static_cast<std::size_t>(options_.Type)) << " installation in "
+  out_ << (options_.Type == InstallType::Upgrade ? "An " : "A ")
+       << kTypes.at(static_cast<std::size_t>(options_.Type)) << " installation in "
        << kModes.at(static_cast<std::size_t>(options_.Mode)) << " mode from "
        << Utf8FromAnsi(options_.PackPath) << ", on " << now.Year << '-' << two(now.Month) << '-'
        << two(now.Day) << " at " << two(now.Hour) << ':' << two(now.Minute) << '\n';
@@ -70,7 +71,11 @@ void PlanAccount::Take(PlannedRun& run, const JournalEvent& event) {
   } else if (kind == "print") {
     TakePrint(event);
   } else if (kind == "copy") {
-    Tell("file", text("to"), event);
+    // A component is copied to a folder, under its own name.
+    const std::string from = text("from");
+    const std::string name = from.substr(from.rfind('\\') + 1);
+    const std::string to = text("to");
+    Tell("file", to.ends_with("\\" + name) ? to : to + "\\" + name, event);
   } else if (kind == "connect") {
     ++connections_;
     Tell("connects", text("text"), event);

@@ -5,15 +5,20 @@
 
 namespace {
 
+#ifndef _MSC_VER
 // Ahead of every other constructor: the stack protector's asks the system for a random number, for
 // which Windows loads libraries by name.
 [[gnu::constructor(101)]] void BeforeAnythingElse() {
   talu::TrustSystemFolderOnly();
 }
+#endif
 
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+#ifdef _MSC_VER
+  talu::TrustSystemFolderOnly();
+#endif
   talu::Win32Machine machine;
   talu::Wizard wizard(machine.Parts());
   talu::Main(wizard);
