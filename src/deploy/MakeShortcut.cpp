@@ -48,8 +48,10 @@ void MakeShortcut(Wizard& wizard, const std::string& target, const std::string& 
       folder += "\\TALU\\" + wizard.State.AppFolderName;
       step([&] { createMissing(folder); });
     }
-    const std::string link = "Shotcut:" + folder + "\\" + name + ".lnk";
-    step([&] { shortcut = Set(shell).CreateShortcut(folder + "\\" + name + ".lnk"); });
+    std::string path = folder;
+    path.append(1, '\\').append(name).append(".lnk");
+    const std::string link = "Shotcut:" + path;
+    step([&] { shortcut = Set(shell).CreateShortcut(path); });
     step([&] { Set(shortcut).TargetPath(target); });
     step([&] { Set(shortcut).WorkingDirectory(workingDir); });
     step([&] { Set(shortcut).IconLocation(target); });

@@ -118,6 +118,7 @@ std::vector<std::string> ReadSpecialFolders(const std::string& file) {
 
 std::vector<std::string> AnsiTexts(const std::vector<std::string>& texts) {
   std::vector<std::string> ansi;
+  ansi.reserve(texts.size());
   for (const std::string& text : texts) ansi.push_back(AnsiFromUtf8(text));
   return ansi;
 }

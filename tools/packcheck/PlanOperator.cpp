@@ -14,9 +14,9 @@ constexpr const char* kUsualRoot = "C:\\Program Files";
 std::string PlanOperator::Play() {
   while (!windows_.Ended()) {
     const std::string page = windows_.VisibleForm();
-    if (const std::string hindrance = FillIn(page); !hindrance.empty()) return hindrance;
+    if (std::string hindrance = FillIn(page); !hindrance.empty()) return hindrance;
     if (options_.Twice) {
-      if (const std::string stop = GoBackAndComeAgain(page); !stop.empty()) return stop;
+      if (std::string stop = GoBackAndComeAgain(page); !stop.empty()) return stop;
     }
     const bool clicked = windows_.Click("CmdNext");
     if (windows_.Ended()) {

@@ -133,7 +133,7 @@ std::string SimulatedProcesses::ProgramOf(const std::string& commandLine) const 
   }
   // Without quotes each blank may end the path, the first one first.
   for (std::size_t blank = commandLine.find(' ');; blank = commandLine.find(' ', blank + 1)) {
-    const std::string path = commandLine.substr(0, blank);
+    std::string path = commandLine.substr(0, blank);
     const std::string name = UCase(FileNameOf(path));
     if (name == "MSIEXEC" || name == "REGSVR32") return path;
     if (disk_.FileExists(path)) return path;
