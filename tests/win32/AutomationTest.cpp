@@ -1,6 +1,6 @@
 #include "Scratch.h"
 #include "platform/win32/LateBound.h"
-#include "platform/win32/ShellLink.h"
+#include "platform/win32/ShellShortcut.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32OdbcInstaller.h"
 #include "platform/win32/Win32Processes.h"
@@ -85,13 +85,13 @@ TEST(ScriptingHost, MakesTheSameShortcutWithAndWithoutTheHost) {
   };
   const auto shell = Win32ScriptingHost().CreateShell();
   make(*shell->CreateShortcut(scratch / "host.lnk"), scratch / "host.lnk");
-  ShellLink link(scratch / "shell.lnk");
+  ShellShortcut link(scratch / "shell.lnk");
   make(link, scratch / "shell.lnk");
 
   const auto lost = shell->CreateShortcut(scratch / "missing\\host.lnk");
   lost->TargetPath(target);
   EXPECT_NE(ErrorOf([&] { lost->Save(); }), 0);
-  EXPECT_NE(ErrorOf([&] { ShellLink(scratch / "missing\\shell.lnk").Save(); }), 0);
+  EXPECT_NE(ErrorOf([&] { ShellShortcut(scratch / "missing\\shell.lnk").Save(); }), 0);
 }
 
 TEST(ScriptingHost, ListsTheSpecialFoldersOfAllUsersFirst) {

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "platform/win32/LateBound.h"
-#include "platform/win32/ShellLink.h"
+#include "platform/win32/ShellShortcut.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -89,7 +89,7 @@ class Win32ScriptShell : public ScriptShell {
         // The host makes none.
       }
     }
-    return std::make_unique<ShellLink>(path);
+    return std::make_unique<ShellShortcut>(path);
   }
 
  private:

@@ -1,4 +1,4 @@
-#include "platform/win32/ShellLink.h"
+#include "platform/win32/ShellShortcut.h"
 
 #include <utility>
 
@@ -9,12 +9,12 @@ namespace talu {
 namespace {
 
 void Check(HRESULT result) {
-  if (FAILED(result)) throw RuntimeError(result, SystemMessage(result), "ShellLink");
+  if (FAILED(result)) throw RuntimeError(result, SystemMessage(result), "ShellShortcut");
 }
 
 }  // namespace
 
-ShellLink::ShellLink(std::string path) : path_(std::move(path)) {
+ShellShortcut::ShellShortcut(std::string path) : path_(std::move(path)) {
   void* object = nullptr;
   if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
                               &object))) {
@@ -23,19 +23,19 @@ ShellLink::ShellLink(std::string path) : path_(std::move(path)) {
   link_.reset(static_cast<IShellLinkA*>(object));
 }
 
-void ShellLink::TargetPath(const std::string& path) {
+void ShellShortcut::TargetPath(const std::string& path) {
   Check(link_->SetPath(path.c_str()));
 }
 
-void ShellLink::WorkingDirectory(const std::string& path) {
+void ShellShortcut::WorkingDirectory(const std::string& path) {
   Check(link_->SetWorkingDirectory(path.c_str()));
 }
 
-void ShellLink::IconLocation(const std::string& path) {
+void ShellShortcut::IconLocation(const std::string& path) {
   Check(link_->SetIconLocation(path.c_str(), 0));
 }
 
-void ShellLink::Save() {
+void ShellShortcut::Save() {
   void* object = nullptr;
   Check(link_->QueryInterface(IID_IPersistFile, &object));
   const std::unique_ptr<IPersistFile, Release> file(static_cast<IPersistFile*>(object));

@@ -9,10 +9,10 @@
 namespace talu {
 
 /// A shortcut made by the shell itself, without the scripting host.
-class ShellLink : public Shortcut {
+class ShellShortcut : public Shortcut {
  public:
   /// Raises 429 when the shell cannot make shortcuts.
-  explicit ShellLink(std::string path);
+  explicit ShellShortcut(std::string path);
 
   void TargetPath(const std::string& path) override;
   void WorkingDirectory(const std::string& path) override;
