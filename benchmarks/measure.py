@@ -50,10 +50,12 @@ class Watch(threading.Thread):
         self.journal = journal and open(journal, "rb")
         if journal:
             self.journal.seek(0, os.SEEK_END)
+        self.begun = b""  # a line that is not whole yet
         self.peak, self.count, self.first, self.last, self.over = 0, 0, 0, 0, False
 
     def look(self):
-        seen = self.journal.read().count(INSERT) if self.journal else 0
+        whole, end, self.begun = (self.begun + (self.journal.read() if self.journal else b"")).rpartition(b"\n")
+        seen = (whole + end).count(INSERT)
         if seen:
             self.last = time.monotonic()
             self.first = self.first or self.last
