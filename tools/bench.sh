@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034
 # Sourced by demo, test, bench, tools/contact-sheet and the end-to-end tests: builds what they need and makes machines to
 # install on. Everything lies under build/; whatever is started here ends with the caller.
 #
@@ -5,8 +6,6 @@
 # photographed.
 
 Root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-Logs=$Root/build/log
-Started=()
 Machines=()
 
 Fail() {
@@ -14,84 +13,164 @@ Fail() {
   exit 1
 }
 
+case $Root in
+  *[\'\"\`\\\$\&\;\(\)\<\>\|\*\?\[\]\{\}\!#%^]* | *[[:cntrl:]]*)
+    Fail "the path of this clone, $Root, has a character that builds and Wine stumble over: move it" ;;
+esac
+
 # Wine reads file names by the locale; builds and tools must not depend on it.
 export LC_ALL=C.UTF-8
+
+# Every program that is started from here on carries this mark in its environment, and so do those that
+# it starts and those that leave it and go on by themselves, as Wine's server does. A command within
+# another one adds to its mark, so that each can end its own.
+Mark=${TALU_RUN:-}/$$-${EPOCHREALTIME//[.,]/}
+
+# Where the suites of ./test work, and the logs. A ./test within another one has its own.
+Tests=${TALU_TESTS:-$Root/build/test}
+Logs=$Root/build/log
+Within=${TALU_RUN:-}
+if [[ -n $Within ]]; then
+  Logs=$Logs/within
+else
+  mkdir -p "$Root/build"
+  exec 8>"$Root/build/in-use"
+  flock -n 8 || Fail "another command is at work in this clone; wait for it, or end it"
+fi
+export TALU_RUN=$Mark TALU_TESTS=$Tests
+export TMPDIR=$Root/build/tmp/${Mark##*/}
+mkdir -p "$Logs" "$TMPDIR"
+
+# MarkedProcesses: the numbers of the processes that carry our mark.
+MarkedProcesses() {
+  { grep -lzE "^TALU_RUN=$Mark(/|\$)" /proc/[0-9]*/environ || true; } 2>/dev/null | cut -d/ -f3
+}
+
+# EndMarked: ends them, by force what has not gone two seconds later.
+EndMarked() {
+  local signal=TERM i processes
+  for ((i = 0; i < 200; i++)); do
+    mapfile -t processes < <(MarkedProcesses)
+    ((${#processes[@]})) || return 0
+    ((i < 40)) || signal=KILL
+    ((i % 40)) || kill -$signal "${processes[@]}" 2>/dev/null || true
+    sleep 0.05
+  done
+}
 
 EndAll() {
   local status=$? machine process
   trap - ERR
+  trap '' INT TERM HUP
   for machine in "${Machines[@]}"; do
-    WINEPREFIX=$machine/wine wineserver -k 2>/dev/null || true
+    [[ ! -d $machine/wine ]] || WINEPREFIX=$machine/wine timeout 10 wineserver -k 2>/dev/null || true
   done
-  for process in "${Started[@]}"; do
-    kill "$process" 2>/dev/null && wait "$process" 2>/dev/null || true
-  done
-  return "$status"
+  # Shells of our own that run in the background carry no mark.
+  for process in $(jobs -p); do kill "$process" 2>/dev/null || true; done
+  EndMarked
+  rm -rf "$TMPDIR"
+  exit "$status"
 }
 trap EndAll EXIT
 set -o errtrace
 trap 'echo "${0##*/}: \"$BASH_COMMAND\" failed (${BASH_SOURCE[0]##*/}, line $LINENO)" >&2' ERR
-trap 'exit 130' INT TERM
+trap 'exit 130' INT
+trap 'exit 143' TERM HUP
+
+# Attend COMMAND...: runs it so that a signal ends it, and us, at once: while a command of its own runs in
+# the foreground, the shell would leave the signal for later.
+Attend() {
+  "$@" <&0 &
+  wait $!
+}
+
+# WaitFor SECONDS COMMAND...: tries it again and again; false when it has not come true in that time, which
+# is for what will never come.
+WaitFor() {
+  local end=$((SECONDS + $1))
+  until "${@:2}"; do
+    ((SECONDS < end)) || return 1
+    sleep 0.05
+  done
+}
 
 # Build PRESET TARGET...: configures at the first time, builds, and says in one line what went wrong.
 Build() {
-  local preset=$1 log=$Logs/build-$1.log
+  local preset=$1 log=$Logs/build-$1.log cache=$Root/build/$1/CMakeCache.txt ninja=build/$1/build.ninja
   shift
-  mkdir -p "$Logs"
+  [[ ! -f $cache ]] || grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$Root" "$cache" ||
+    Fail "this clone was built in another place: remove $Root/build and start again"
   local ccache=()
   command -v ccache >/dev/null &&
     ccache=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   # A cache that several trees share finds what another one compiled.
   export CCACHE_DIR=${CCACHE_DIR:-$Root/build/ccache} CCACHE_BASEDIR=$Root CCACHE_NOHASHDIR=1
-  (cd "$Root" && cmake --preset "$preset" "${ccache[@]}") >"$log" 2>&1 ||
+  cd "$Root" || exit
+  : >"$log"
+  # Later the build itself sees whether it has to be configured anew, but not for these files.
+  [[ -f $ninja && $ninja -nt CMakePresets.json && $ninja -nt tools/bench.sh ]] ||
+    Attend cmake --preset "$preset" "${ccache[@]}" >"$log" 2>&1 ||
     Fail "configuring $preset failed: $(grep -m1 -A2 'CMake Error' "$log" | tr '\n' ' ')(see $log)"
-  (cd "$Root" && cmake --build --preset "$preset" ${1:+--target "$@"}) >>"$log" 2>&1 ||
+  Attend cmake --build --preset "$preset" ${1:+--target "$@"} >>"$log" 2>&1 ||
     Fail "building $preset failed: $(grep -m1 -E 'error:|FAILED' "$log") (see $log)"
+  cd "$OLDPWD" || exit
 }
 
 # StartDisplay: a screen of its own, in DISPLAY. It stays as it is when the last program leaves it: a reset
 # would turn away the next one that comes at that moment.
 StartDisplay() {
-  local file
-  file=$(mktemp)
-  Xvfb -displayfd 3 -screen 0 "${1:-1280x1024}x24" -noreset -nolisten tcp 3>"$file" >/dev/null 2>&1 &
-  Started+=($!)
-  local i
-  for ((i = 0; i < 100; i++)); do
-    [[ -s $file ]] && break
-    sleep 0.05
-  done
-  [[ -s $file ]] || Fail "Xvfb did not start"
-  export DISPLAY=:$(<"$file")
-  rm "$file"
+  local number from
+  # The line comes when the screen is there, the end of the file when there will be none.
+  exec {from}< <(exec Xvfb -displayfd 3 -screen 0 "${1:-1280x1024}x24" -noreset -nolisten tcp \
+    3>&1 >/dev/null 2>"$TMPDIR/Xvfb")
+  IFS= read -r -t 120 -u "$from" number || Fail "Xvfb did not start: $(tail -n1 "$TMPDIR/Xvfb" | tr -d '\n')"
+  exec {from}<&-
+  export DISPLAY=:$number
 }
 
-# MakeBase [DPI]: the machine that others are copies of, in Base.
+# MakeBase [DPI]: the machine that others are copies of, in Base. It is made elsewhere and put there when it
+# is whole, so that nothing is left of one that was interrupted.
 MakeBase() {
-  local dpi=${1:-96}
+  local dpi=${1:-96} made wanted
   Base=$Root/build/machine-$dpi
-  "$Root/tools/wine/prefix" "$Base" "$Root/build/win32" --dpi "$dpi" >/dev/null 2>"$Logs/prefix.log" ||
-    Fail "the Wine prefix could not be made: $(tail -n1 "$Logs/prefix.log")"
-  [[ -f $Base/desktop ]] || {
-    # A desktop of Wine's own gives windows their captions.
-    WINEPREFIX=$Base/wine WINEARCH=win32 WINEDEBUG=-all wine reg add 'HKCU\Software\Wine\Explorer' \
-      /v Desktop /d Default /f >/dev/null 2>&1
-    WINEPREFIX=$Base/wine WINEARCH=win32 WINEDEBUG=-all \
-      wine reg add 'HKCU\Software\Wine\Explorer\Desktops' \
-      /v Default /d "$((1024 * dpi / 96))x$((768 * dpi / 96))" /f >/dev/null 2>&1
-    WINEPREFIX=$Base/wine wineserver -w
-    touch "$Base/desktop"
-  }
+  wanted=$(wine --version; cat "$Root"/tools/wine/prefix "$Root"/build/win32/tools/wine/*.dll | sha256sum)
+  # Suites may come here at the same time.
+  exec {made}>"$Root/build/machine-$dpi.lock"
+  flock "$made"
+  # Machines share the base's libraries: it must be as it was made.
+  if [[ ! -f $Base/made || $(<"$Base/made") != "$wanted" ||
+    -n $(find "$Base/wine/drive_c/windows" -newer "$Base/made" -type f -print -quit) ]]; then
+    rm -rf "$Base" "$Base.new"
+    Attend "$Root/tools/wine/prefix" "$Base.new" "$Root/build/win32" --dpi "$dpi" \
+      >/dev/null 2>"$Logs/prefix.log" {made}>&- && Attend SetDesktop "$dpi" >/dev/null 2>&1 {made}>&- ||
+      Fail "the Wine prefix could not be made: $(tail -n1 "$Logs/prefix.log")"
+    mv "$Base.new" "$Base"
+    echo "$wanted" >"$Base/made"
+  fi
+  exec {made}>&-
 }
 
-# MakeMachine DIR [DPI]: a fresh machine; its environment is set for what follows.
+# SetDesktop DPI: a desktop of Wine's own gives windows their captions.
+SetDesktop() {
+  export WINEPREFIX=$Base.new/wine WINEARCH=win32 WINEDEBUG=-all
+  wine reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f &&
+    wine reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default \
+      /d "$((1024 * $1 / 96))x$((768 * $1 / 96))" /f &&
+    wineserver -w
+}
+
+# MakeMachine DIR [DPI]: a fresh machine; its environment is set for what follows. It shares with the base
+# what nobody writes to but by putting another file there: the system's programs, libraries and fonts.
 MakeMachine() {
-  local dir=$1
+  local dir=$1 windows
   MakeBase "${2:-96}"
   rm -rf "$dir"
   mkdir -p "$(dirname "$dir")"
-  cp -a "$Base" "$dir"
+  cp -al "$Base" "$dir"
   dir=$(cd "$dir" && pwd)
+  windows=$dir/wine/drive_c/windows
+  find "$dir" -type f ! \( -path "$windows/*" -iregex '.*\.\(acm\|ax\|com\|cpl\|dll\|drv\|ds\|exe\|fon\|msstyles\|nls\|ocx\|sys\|tlb\|ttf\|winmd\)' \) \
+    -exec sh -c 'for file; do cp -p "$file" "$file.own" && mv "$file.own" "$file"; done' - {} +
   Machines+=("$dir")
   mkdir -p "$dir/media" "$dir/shots"
   ln -sfn "$dir/media" "$dir/wine/dosdevices/d:"
@@ -128,27 +207,25 @@ SmallPack() {
   cp "$Root/build/win32/src/platform/win32/Setup.exe" "$dir/"
 }
 
-# StartServer DATA DRIVE_C [OPTION...]: the stand-in server; its address is in Server, its
-# journal in ServerData. The password is in SQL_PASSWORD.
+# StartServer DATA DRIVE_C [OPTION...]: the stand-in server, on a free port unless an option says --port;
+# its address is in Server, its journal in ServerData. The password is in SQL_PASSWORD.
 StartServer() {
-  local data=$1 drive=$2 out i
+  local data=$1 drive=$2 out
   shift 2
+  [[ " $* " == *' --port '* ]] || set -- --port 0 "$@"
   mkdir -p "$data" "$drive"
   ServerData=$data
   out=$data/listening
   : >"$out"
-  SQLSTANDIN_PASSWORD=$SQL_PASSWORD "$Root/build/release/tools/sqlstandin/sqlstandin" --port 0 \
+  SQLSTANDIN_PASSWORD=$SQL_PASSWORD "$Root/build/release/tools/sqlstandin/sqlstandin" \
     --data "$data" --drive "C=$drive" --journal "$data/journal.jsonl" "$@" >"$out" 2>"$data/errors" &
   ServerProcess=$!
-  Started+=("$ServerProcess")
-  for ((i = 0; i < 100; i++)); do
-    grep -q listening "$out" && break
-    sleep 0.05
-  done
-  grep -q listening "$out" || Fail "sqlstandin did not start: $(head -n1 "$data/errors")"
+  WaitFor 120 ServerListensOrEnded && grep -qs listening "$out" ||
+    Fail "sqlstandin did not start: $(head -n1 "$data/errors")"
   Port=$(grep -oE '[0-9]+$' "$out")
   Server=127.0.0.1,$Port
 }
+ServerListensOrEnded() { grep -qs listening "$ServerData/listening" || ! kill -0 "$ServerProcess" 2>/dev/null; }
 
 StopServer() {
   kill "$ServerProcess" 2>/dev/null && wait "$ServerProcess" 2>/dev/null || true
@@ -179,8 +256,8 @@ LoadScripts() {
       toupper($0) ~ /--TALULINEBYLINE/ {lines = 1; next}
       toupper($0) ~ /--TALUGO/ {lines = 0; next}
       {print} lines && NF {print "GO"}' |
-      bsqldb -S "127.0.0.1:$Port" -U sa -P "$SQL_PASSWORD" -D master -q >"$Logs/load.log" 2>&1 ||
-      Fail "the server refused $script: $(head -n1 "$Logs/load.log")"
+      bsqldb -S "127.0.0.1:$Port" -U sa -P "$SQL_PASSWORD" -D master -q >"$TMPDIR/load.log" 2>&1 ||
+      Fail "the server refused $script: $(head -n1 "$TMPDIR/load.log")"
   done <<<"$list"
 }
 
@@ -188,7 +265,7 @@ LoadScripts() {
 Drive() {
   local script=$1
   shift
-  wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" --start 'D:\Pack\Setup.exe' \
+  Attend wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" --start 'D:\Pack\Setup.exe' \
     --shots "Z:${Machine//\//\\}\\shots" --set "SERVER=${Server:-none}" --end-on-failure -v "$@" \
     </dev/null >"$Machine/drive.log" 2>&1
 }

@@ -12,6 +12,7 @@ import pathlib
 import re
 import subprocess
 import sys
+import time
 
 place = pathlib.Path(sys.argv[1]).resolve()
 machine = pathlib.Path(os.environ["Machine"])
@@ -21,6 +22,7 @@ server = os.environ["Server"]
 # What is run in place of a command that would take long, or that would run this test again.
 INSTEAD = {
     "./test": "./test sample",
+    "./test --repeat 10 --busy 4 drive": "./test --repeat 2 --busy 1 sample",
     "./bench": "./bench --quick",
     "./demo": f"./demo --out {place}/demo",
     "./demo --mode client": f"./demo --mode client --out {place}/demo-client",
@@ -28,14 +30,14 @@ INSTEAD = {
     "./demo --show": f"tests/docs/closing {place}/demo-show",
     "tools/lint": "tools/lint src/runtime",
     "./release --twice": "./release --help",
-    "ctest --preset native": "ctest --preset native -E 'Sweep|PowerLoss'",
+    "ctest --preset native": "ctest --preset native -N",
     "fuzz/run 600 scripts": "fuzz/run 1 scripts",
     "tools/contact-sheet": "tools/contact-sheet --quick",
     "ansible-playbook -i machines.ini rollout.yml -e pack=/srv/packs/SalesDesk":
         "cd samples/RollOut && ansible-playbook -i machines.ini rollout.yml --syntax-check",
 }
 # What a suite of ./test runs in earnest.
-SUITES = {"tests/powerloss/run 20": 'Suite powerloss "$Root/tests/powerloss/run"'}
+SUITES = {"tests/powerloss/run 20": '"$Root/tests/powerloss/run" 3'}
 MARKS = ("sh", "bat", "drive", "cpp", "text", "files", "copies", "usage")
 
 
@@ -69,11 +71,12 @@ def run(name, command, shown):
     if shown in ran:
         return
     ran.add(shown)
-    print(f"{name}: {shown}", flush=True)
+    begin = time.monotonic()
     done = subprocess.run(command, capture_output=True, text=True, errors="replace", timeout=600,
                           **({"cwd": pack} if command[0] == "wine" else {}))
     assert done.returncode == 0, f"{name}: '{shown}' ended with {done.returncode}:\n" + (
         done.stdout + done.stderr)[-2000:]
+    print(f"{time.monotonic() - begin:5.1f} s  {name}: {shown}", flush=True)
 
 
 done = set()

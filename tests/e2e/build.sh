@@ -112,7 +112,6 @@ Pack FreshDBSript=Build.sql 'SystemDSN=SQL Server,Gone,One,Clerk,Clerk-2012'
 Create | Script Build.sql
 # The login test, the backup and the build may connect, nobody after them.
 python3 -B "$Root/tests/e2e/Proxy.py" "$Port" 3 >"$Machine/proxy" &
-Started+=($!)
 Soon 'the proxy' test -s "$Machine/proxy"
 Server=127.0.0.1,$(<"$Machine/proxy")
 Play '@install Server; message Connection to Server failed, Can not continue installation; ended 0'

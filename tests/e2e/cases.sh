@@ -48,7 +48,7 @@ InstallBelow() {
 # and goes on, "@finish" is the end of an installation.
 Play() {
   sed 's/; /\n/g; s/^ *//' <<<"$1" | Expand >"$Machine/script.txt"
-  Drive "$Machine/script.txt" --timeout 30 || Problems+=("$(grep -v ' ok (' "$Machine/drive.log" | tail -n 3)")
+  Drive "$Machine/script.txt" --timeout 120 || Problems+=("$(grep -v ' ok (' "$Machine/drive.log" | tail -n 3)")
 }
 
 Expand() {
@@ -83,12 +83,8 @@ Is() {
 # True WHAT COMMAND...: the command succeeds.
 True() { "${@:2}" >"$Machine/out" 2>&1 || Problems+=("$1: $(head -n 30 "$Machine/out")"); }
 
-# Soon WHAT COMMAND...: the same, within twenty seconds.
-Soon() {
-  local end=$((SECONDS + 20))
-  until "${@:2}" >/dev/null 2>&1 || ((SECONDS > end)); do sleep 0.1; done
-  ((SECONDS <= end)) || True "$@"
-}
+# Soon WHAT COMMAND...: the same, sooner or later.
+Soon() { WaitFor 120 "${@:2}" >/dev/null 2>&1 || True "$@"; }
 
 # LogIs < ENTRIES, RecordIs < RECORDS: the application folder's log and record hold exactly these, as
 # Texts.py describes them.

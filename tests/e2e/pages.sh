@@ -11,13 +11,13 @@ Hold() {
   exec 7<>"$Machine/hold"
   rm "$Machine/hold"
   (cd "$Host" && exec wine cmd /c "more >> $1") <&7 >/dev/null 2>&1 &
-  Started+=($!)
+  Holder=$!
   Soon "the hold on $1" Held "$1"
 }
 Held() { [[ -n $(find /proc/[0-9]*/fd -lname "$(realpath "$Host/$1")" 2>/dev/null) ]]; }
 Release() {
   exec 7>&-
-  kill "${Started[-1]}" 2>/dev/null || true
+  kill "$Holder" 2>/dev/null || true
 }
 
 # Deployed THERE [ENTRY...]: the log of a pack that has files only; entries come before the copy's.
