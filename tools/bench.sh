@@ -43,6 +43,7 @@ mkdir -p "$Logs" "$TMPDIR"
 
 # MarkedProcesses: the numbers of the processes that carry our mark.
 MarkedProcesses() {
+  local -x TALU_RUN=  # those that look are not meant
   { grep -lzE "^TALU_RUN=$Mark(/|\$)" /proc/[0-9]*/environ || true; } 2>/dev/null | cut -d/ -f3
 }
 
