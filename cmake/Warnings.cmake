@@ -4,8 +4,8 @@ if(MSVC)
 else()
   add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Werror)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # GCC 12 reports, at -O2 and above, text + text although nothing overlaps (its bug 105651) and a
-    # member with an initialiser that a lambda assigns to.
-    add_compile_options(-Wno-restrict -Wno-maybe-uninitialized)
+    # GCC 12 reports `"text" + Text()` at -O2 and above (its bug 105651): a copy of
+    # 9223372036854775809 bytes and more that would overlap, longer than a text can be.
+    add_compile_options(-Wno-restrict)
   endif()
 endif()

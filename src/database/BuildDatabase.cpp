@@ -37,7 +37,7 @@ void FrmSQLNonQuery::BuildDatabase() {
   OpenForReading(step, files, wizard_.Machine.AppPath + "\\AppCfg.txt", ConfigFile);
   step([&] { TheConnection().Open(); });
   bool closed = true;  // also when the question itself fails
-  step([&] { closed = TheConnection().State() == 0; });
+  step.Assign(closed, [&] { return TheConnection().State() == 0; });
   if (closed) {
     const std::string failed = "Database authentication failed, Can not continue ...";
     LblMsg.Caption = failed;

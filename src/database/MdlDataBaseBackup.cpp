@@ -16,15 +16,17 @@ MdlDataBaseBackup::~MdlDataBaseBackup() = default;
 void MdlDataBaseBackup::BackupDatabases() {
   const ErrorTrap step(
       [this](const RuntimeError& error) { wizard_.WriteErrorEntry(error, BackupBatchText); });
-  step([&] { BackupScriptCount = wizard_.GetCfgCount("DBSript"); });
+  step.Assign(BackupScriptCount, [&] { return wizard_.GetCfgCount("DBSript"); });
   ChooseScripts();
   step.CountTo(BackupScriptCount, [&](Int16 index) {
     BackupScriptIndex = index;
-    step([&] { BackupScriptName = wizard_.GetCfgValue(BackupScriptKey, BackupScriptIndex); });
+    step.Assign(BackupScriptName,
+                [&] { return wizard_.GetCfgValue(BackupScriptKey, BackupScriptIndex); });
     if (!BackupScriptName.empty()) ScanScript(step);
   });
   InstallState& state = wizard_.State;
-  step([&] { state.BackupFolderPath = BackupFolderFor(state.AppFolderPath, state.AppFolderName); });
+  step.Assign(state.BackupFolderPath,
+              [&] { return BackupFolderFor(state.AppFolderPath, state.AppFolderName); });
   step([&] {
     FileSystemObject& files = wizard_.Machine.Files;
     if (!files.FolderExists(state.BackupFolderPath)) files.CreateFolder(state.BackupFolderPath);
@@ -86,7 +88,7 @@ void MdlDataBaseBackup::TakeLine(const ErrorTrap& step) {
     BackupLineMode = true;
   } else if (BackupLineMode) {
     windows.DoEvents();
-    step([&] { BackupBatchText = BackupCurrentLine; });
+    step.Assign(BackupBatchText, [&]() -> const std::string& { return BackupCurrentLine; });
     if (!BackupBatchText.empty()) {
       step([&] { CollectDatabaseName(); });
       step([&] { AdvanceProgress(); });
@@ -108,11 +110,11 @@ void MdlDataBaseBackup::Connect(const ErrorTrap& step) {
 }
 
 void MdlDataBaseBackup::BackupListed(const ErrorTrap& step) {
-  step([&] { DatabaseNames = Split(DatabaseList.Text(), ','); });
+  step.Assign(DatabaseNames, [&] { return Split(DatabaseList.Text(), ','); });
   step.CountTo(DatabaseCount, [&](Int16 index) {
     BackupScriptIndex = index;
     std::string name;
-    step([&] { name = Trim(Element(DatabaseNames, index)); });
+    step.Assign(name, [&] { return Trim(Element(DatabaseNames, index)); });
     if (name.empty()) return;
     if (Contains(name, "[")) name = Mid(name, 2);
     if (name.ends_with(']')) name.pop_back();

@@ -47,7 +47,7 @@ bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step) {
   } else if (LineByLineMode) {
     windows_.DoEvents();
     batchOrigin_ = {ScriptName, scriptLine_};
-    step([&] { BatchText = CurrentLine; });
+    step.Assign(BatchText, [&]() -> const std::string& { return CurrentLine; });
     if (!BatchText.empty()) ExecuteBatch(step);
     BatchText.clear();
   } else {
@@ -77,11 +77,11 @@ void FrmSQLNonQuery::MoveDataFiles(const ErrorTrap& step) {
   Position ending = 0;
   Position backslash = 0;
   std::string oldFolder;
-  step([&] { drive = InStr(BatchText, ":\\") - 1; });
-  step([&] { ending = InStr(drive, BatchText, ".mdf"); });
-  step([&] { backslash = InStrRev(BatchText, "\\", ending); });
-  step([&] { oldFolder = Mid(BatchText, drive, backslash - drive); });
-  step([&] { BatchText = Replace(BatchText, oldFolder, wizard_.State.DBFolderPath); });
+  step.Assign(drive, [&] { return InStr(BatchText, ":\\") - 1; });
+  step.Assign(ending, [&] { return InStr(drive, BatchText, ".mdf"); });
+  step.Assign(backslash, [&] { return InStrRev(BatchText, "\\", ending); });
+  step.Assign(oldFolder, [&] { return Mid(BatchText, drive, backslash - drive); });
+  step.Assign(BatchText, [&] { return Replace(BatchText, oldFolder, wizard_.State.DBFolderPath); });
 }
 
 // Cuts the name behind `keyword`: from the blank before it to the next blank.
@@ -90,10 +90,10 @@ void FrmSQLNonQuery::RecordName(const ErrorTrap& step, const char* statement, co
   Position start = 0;
   Position end = 0;
   Position at = 0;
-  step([&] { at = InStr(BatchText, statement); });
-  step([&] { at = InStr(at, BatchText, keyword); });
-  step([&] { start = InStr(at, BatchText, " "); });
-  step([&] { end = InStr(start + 1, BatchText, " "); });
+  step.Assign(at, [&] { return InStr(BatchText, statement); });
+  step.Assign(at, [&] { return InStr(at, BatchText, keyword); });
+  step.Assign(start, [&] { return InStr(at, BatchText, " "); });
+  step.Assign(end, [&] { return InStr(start + 1, BatchText, " "); });
   step([&] { list += "," + Mid(BatchText, start, end - start); });
 }
 

@@ -49,11 +49,11 @@ void CopyFolderFiles(Wizard& wizard, const std::string& source, const std::strin
                        "-" + error.Description + "\r\n");
   });
   std::vector<FolderItem> items;
-  step([&] { items = wizard.Machine.Files.GetFolder(source)->Files(); });
+  step.Assign(items, [&] { return wizard.Machine.Files.GetFolder(source)->Files(); });
   for (const FolderItem& file : items) {
     current = &file;
     bool skip = false;  // also when the name is too short for the test
-    step([&] { skip = IsDatabaseFile(file.Name); });
+    step.Assign(skip, [&] { return IsDatabaseFile(file.Name); });
     if (skip) continue;
     page.Lblmsg.Caption = "Copying - " + target + "\\" + file.Name;
     step([&] { ShellCopy(wizard, file.Path, target + "\\" + file.Name, true); });

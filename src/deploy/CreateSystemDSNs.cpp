@@ -49,23 +49,25 @@ void FrmApplication::CreateSystemDSNs() {
   std::string attributes;
   bool ok = false;
   Int16 n;
-  step([&] { n = wizard_.GetCfgCount("SystemDSN"); });
+  step.Assign(n, [&] { return wizard_.GetCfgCount("SystemDSN"); });
   while (n != 0) {
-    step([&] { line = wizard_.GetCfgValue("SystemDSN", n); });
+    step.Assign(line, [&] { return wizard_.GetCfgValue("SystemDSN", n); });
     step([&] { wizard_.WriteErrLog("creating - " + line); });
-    step([&] { fields = Split(line, ','); });
+    step.Assign(fields, [&] { return Split(line, ','); });
     // A test that fails goes on with what it guards; any other driver gets the text of the line
     // before.
     bool sqlServer = true;
     bool access = false;
-    step([&] { sqlServer = Field(fields, 0) == "SQL Server"; });
-    if (!sqlServer) step([&] { access = Field(fields, 0) == "Microsoft Access Driver (*.mdb)"; });
+    step.Assign(sqlServer, [&] { return Field(fields, 0) == "SQL Server"; });
+    if (!sqlServer)
+      step.Assign(access, [&] { return Field(fields, 0) == "Microsoft Access Driver (*.mdb)"; });
     if (sqlServer) {
-      step([&] { attributes = SqlServerAttributes(fields, wizard_.State.ServerName); });
+      step.Assign(attributes,
+                  [&] { return SqlServerAttributes(fields, wizard_.State.ServerName); });
     } else if (access) {
-      step([&] { attributes = AccessAttributes(fields); });
+      step.Assign(attributes, [&] { return AccessAttributes(fields); });
     }
-    step([&] { ok = CreateDSN(Field(fields, 0), attributes); });
+    step.Assign(ok, [&] { return CreateDSN(Field(fields, 0), attributes); });
     step([&] {
       if (!connection) connection = wizard_.Machine.DataAccess.CreateConnection();
       connection->Open("DSN=" + Field(fields, 1) + "; UID=" + Field(fields, 3) +

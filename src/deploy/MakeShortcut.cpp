@@ -34,9 +34,9 @@ void MakeShortcut(Wizard& wizard, const std::string& target, const std::string& 
   const bool inStartMenu = wanted == "STARTMENU" || wanted == "PROGRAMS";
 
   std::unique_ptr<ScriptShell> shell;
-  step([&] { shell = wizard.Machine.Scripting.CreateShell(); });
+  step.Assign(shell, [&] { return wizard.Machine.Scripting.CreateShell(); });
   std::vector<std::string> specialFolders;
-  if (shell) step([&] { specialFolders = shell->SpecialFolders(); });
+  if (shell) step.Assign(specialFolders, [&] { return shell->SpecialFolders(); });
   std::unique_ptr<Shortcut> shortcut;
   std::string folder;
   for (const std::string& specialFolder : specialFolders) {
@@ -51,7 +51,7 @@ void MakeShortcut(Wizard& wizard, const std::string& target, const std::string& 
     std::string path = folder;
     path.append(1, '\\').append(name).append(".lnk");
     const std::string link = "Shotcut:" + path;
-    step([&] { shortcut = Set(shell).CreateShortcut(path); });
+    step.Assign(shortcut, [&] { return Set(shell).CreateShortcut(path); });
     step([&] { Set(shortcut).TargetPath(target); });
     step([&] { Set(shortcut).WorkingDirectory(workingDir); });
     step([&] { Set(shortcut).IconLocation(target); });

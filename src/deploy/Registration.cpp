@@ -25,11 +25,11 @@ void FrmApplication::FileRegistration() {
   step([&] { wizard_.WriteErrLog("File Registration started..."); });
   const std::string& appFolder = wizard_.State.AppFolderPath;
   Int16 n;
-  step([&] { n = wizard_.GetCfgCount("RegnLocation"); });
+  step.Assign(n, [&] { return wizard_.GetCfgCount("RegnLocation"); });
   if (n > 0) {
     std::string line;
     step.CountTo(n, [&](Int16 i) {
-      step([&] { line = wizard_.GetCfgValue("RegnLocation", i); });
+      step.Assign(line, [&] { return wizard_.GetCfgValue("RegnLocation", i); });
       if (!TrimView(line).empty()) step([&] { RegisterFolderFiles(appFolder + line); });
     });
   } else {
@@ -43,9 +43,9 @@ void FrmApplication::FileRegistration() {
 void FrmApplication::RegisterFolderFiles(const std::string& folderPath) {
   const ErrorTrap step([this](const RuntimeError& error) { wizard_.WriteErrorEntry(error); });
   std::unique_ptr<Folder> folder;
-  if (!step([&] { folder = wizard_.Machine.Files.GetFolder(folderPath); })) return;
+  if (!step.Assign(folder, [&] { return wizard_.Machine.Files.GetFolder(folderPath); })) return;
   std::vector<FolderItem> files;
-  step([&] { files = folder->Files(); });
+  step.Assign(files, [&] { return folder->Files(); });
   for (const FolderItem& file : files) {
     windows_.DoEvents();
     // Anywhere in the name; a name that holds both is taken twice.
@@ -54,7 +54,7 @@ void FrmApplication::RegisterFolderFiles(const std::string& folderPath) {
     if (ContainsUpper(file.Name, ".DLL")) ReRegister(step, path);
   }
   std::vector<FolderItem> subFolders;
-  step([&] { subFolders = folder->SubFolders(); });
+  step.Assign(subFolders, [&] { return folder->SubFolders(); });
   for (const FolderItem& subFolder : subFolders) {
     step([&] { RegisterFolderFiles(subFolder.Path); });
   }
@@ -81,12 +81,14 @@ void FrmApplication::SpecialRegistration() {
   Lblmsg.Caption = "Special Registration started. Please Wait...";
   step([&] { wizard_.WriteErrLog("Special Registration started..."); });
   Int16 n;
-  step([&] { n = wizard_.GetCfgCount("SpecialRegn"); });
+  step.Assign(n, [&] { return wizard_.GetCfgCount("SpecialRegn"); });
   std::string name;
   std::string systemFolder;
   step.CountTo(n, [&](Int16 i) {
-    step([&] { name = Element(Split(wizard_.GetCfgValue("SpecialRegn", i), ','), 0); });
-    step([&] { systemFolder = wizard_.Machine.Files.GetSpecialFolder(0) + "\\system"; });
+    step.Assign(name,
+                [&] { return Element(Split(wizard_.GetCfgValue("SpecialRegn", i), ','), 0); });
+    step.Assign(systemFolder,
+                [&] { return wizard_.Machine.Files.GetSpecialFolder(0) + "\\system"; });
     const std::string path = systemFolder + "\\" + name;
     step([&] {
       ShellCopy(wizard_, wizard_.Machine.AppPath + "\\SpecialRegn\\" + name, systemFolder, true);

@@ -11,7 +11,7 @@ namespace talu {
 void FrmApplication::Shotcuts() {
   const ErrorTrap step([this](const RuntimeError& error) { wizard_.WriteErrorEntry(error); });
   Int16 n;
-  step([&] { n = wizard_.GetCfgCount("Shotcut"); });
+  step.Assign(n, [&] { return wizard_.GetCfgCount("Shotcut"); });
   if (n < 1) return;
   const std::string creating = "Creating Shotcuts...";
   Lblmsg.Caption = creating;
@@ -19,7 +19,7 @@ void FrmApplication::Shotcuts() {
   const InstallState& state = wizard_.State;
   std::vector<std::string> fields;
   step.CountTo(n, [&](Int16 i) {
-    step([&] { fields = Split(wizard_.GetCfgValue("Shotcut", i), ','); });
+    step.Assign(fields, [&] { return Split(wizard_.GetCfgValue("Shotcut", i), ','); });
     step([&] {
       MakeShortcut(wizard_, state.InstallPath + "\\" + state.AppFolderName + Element(fields, 0),
                    Element(fields, 1), Element(fields, 2), "");

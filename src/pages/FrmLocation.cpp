@@ -84,10 +84,11 @@ void FrmLocation::CmdLocation_Click() {
     wizard_.State.InstallPath.clear();
     TxtInstaPath.Text = "";
   });
-  step([&] { state.DBFolderName = wizard_.GetCfgValue("DBFolder", 1); });
-  step([&] { state.AppFolderName = wizard_.GetCfgValue("AppFolder", 1); });
+  step.Assign(state.DBFolderName, [&] { return wizard_.GetCfgValue("DBFolder", 1); });
+  step.Assign(state.AppFolderName, [&] { return wizard_.GetCfgValue("AppFolder", 1); });
   std::optional<std::string> folder;
-  step([&] { folder = windows_.BrowseForFolder(*this, "Select Installation Folder"); });
+  step.Assign(folder,
+              [&] { return windows_.BrowseForFolder(*this, "Select Installation Folder"); });
   if (!folder) return;
   state.InstallPath = *folder;
   AddProductFolder();

@@ -29,6 +29,18 @@ class ErrorTrap {
     return false;
   }
 
+  /// A statement that assigns: puts what `expression` returns into `variable`, which keeps its value
+  /// when the expression fails; returns whether the statement came to its end. An assignment inside
+  /// `operator()` is no substitute: GCC 12's optimiser drops the value that `number` had before
+  /// `number = Count();` although `Count` throws.
+  template <class Variable, class Expression>
+  bool Assign(Variable& variable, Expression&& expression) const {
+    return (*this)([&] {
+      decltype(auto) result = std::forward<Expression>(expression)();
+      variable = std::forward<decltype(result)>(result);
+    });
+  }
+
   /// A counted loop: `body` with 1 to `last`. The index is a 16-bit one and is counted on behind
   /// the last round too, so that 32767 rounds end with an error 6 for the handler.
   template <class Body>

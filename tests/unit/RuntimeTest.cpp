@@ -118,6 +118,20 @@ TEST(ErrorTrap, ResumesWithTheNextStatementAndLetsTheHandlersErrorOut) {
             error::PathNotFound);
 }
 
+[[gnu::noinline]] Int16 CountOrFail(int count) {
+  if (count == 0) throw RuntimeError(error::DiskFull);
+  return count;
+}
+
+TEST(ErrorTrap, AFailedAssignmentKeepsTheOldValue) {
+  const ErrorTrap step([](const RuntimeError&) {});
+  Int16 number;
+  const bool failed = !step.Assign(number, [] { return CountOrFail(0); });
+  EXPECT_TRUE(failed && number == 0) << number;
+  const bool assigned = step.Assign(number, [] { return CountOrFail(7); });
+  EXPECT_TRUE(assigned && number == 7) << number;
+}
+
 TEST(ErrorTrap, CountsItsLoopsInSixteenBits) {
   int errors = 0;
   const ErrorTrap step([&](const RuntimeError& error) { errors += error.Number; });
