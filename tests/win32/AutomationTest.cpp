@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "Scratch.h"
 #include "platform/win32/LateBound.h"
 #include "platform/win32/ShellShortcut.h"

@@ -1,5 +1,6 @@
 #include "CheckConfiguration.h"
 
+#include <algorithm>
 #include <array>
 
 #include "runtime/TextFunctions.h"
