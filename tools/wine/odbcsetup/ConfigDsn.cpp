@@ -69,6 +69,15 @@ DataSource Read(const char* driver, const char* attributes) {
   return source;
 }
 
+/// Tells the registry which driver the data source has; `nullptr` removes it. Wine's newer driver
+/// manager looks there; what stands in odbc.ini it takes over once, when it is loaded. The older
+/// one never looks. Raises `std::runtime_error`.
+void Register(const std::string& name, const char* driver) {
+  const BOOL done = driver == nullptr ? SQLRemoveDSNFromIni(name.c_str())
+                                      : SQLWriteDSNToIni(name.c_str(), driver);
+  if (!done) throw std::runtime_error("the registry does not take the data source");
+}
+
 }  // namespace
 
 /// Adds, changes or removes a data source for `SQLConfigDataSource`, which has set the system mode
@@ -91,6 +100,7 @@ BOOL INSTAPI ConfigDSN(HWND, WORD request, LPCSTR driver, LPCSTR attributes) {
           throw std::runtime_error("unknown request " + std::to_string(request));
       }
     }
+    Register(source.Name, request == ODBC_REMOVE_DSN ? nullptr : driver);
     return TRUE;
   } catch (const std::exception& failure) {
     SQLPostInstallerError(ODBC_ERROR_REQUEST_FAILED, failure.what());
