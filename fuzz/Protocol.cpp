@@ -7,6 +7,7 @@
 #include "Messages.h"
 #include "Naive.h"
 #include "Packets.h"
+#include "Passwords.h"
 #include "Requests.h"
 #include "Statements.h"
 #include "Text.h"
@@ -205,7 +206,7 @@ void CompareRequests(const std::string& bytes) {
 
 /// A batch ends in statements or in the server's error, and its tokens lie in it in order.
 void ReadBatch(const std::string& batch) {
-  MaskPasswords(batch);
+  const PasswordMask mask(batch);
   try {
     std::size_t end = 0;
     Lexer lexer(batch);
@@ -216,7 +217,8 @@ void ReadBatch(const std::string& batch) {
       token.Value();
     }
     ParseStatements(batch);
-  } catch (const SqlFailure&) {
+  } catch (const SqlFailure& failure) {
+    for (const SqlMessage& message : failure.Messages) mask.Masked(message);
   }
 }
 

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "Lexer.h"
+#include "Passwords.h"
 
 namespace talu::standin {
 namespace {
@@ -55,12 +55,13 @@ void Journal::LoggedOut(int session) {
 void Journal::Batch(std::uint64_t number, int session, const std::string& database,
                     std::string_view batch, const Outcome& outcome) {
   if (!file_) return;
+  const PasswordMask mask(batch);
   Json record = {{"event", "sql"},
                  {"number", number},
                  {"session", session},
                  {"database", database},
-                 {"text", MaskPasswords(batch)}};
-  AddError(record, outcome.Error);
+                 {"text", mask.Batch()}};
+  AddError(record, outcome.Error ? mask.Masked(*outcome.Error) : outcome.Error);
   if (!outcome.Ending.empty()) {
     record["ok"] = false;
     record["ending"] = outcome.Ending;

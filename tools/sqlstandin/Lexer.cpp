@@ -17,15 +17,15 @@ bool IsWordStart(char c) {
          static_cast<unsigned char>(c) >= 0x80;
 }
 
-bool IsWordPart(char c) {
-  return IsWordStart(c) || IsDigit(c) || c == '@' || c == '$';
-}
-
 bool IsHexDigit(char c) {
   return IsDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
 }
 
 }  // namespace
+
+bool IsWordPart(char c) {
+  return IsWordStart(c) || IsDigit(c) || c == '@' || c == '$';
+}
 
 bool Token::Is(std::string_view keyword) const {
   return Kind == TokenKind::Word && SameWord(Raw, keyword);
@@ -128,38 +128,6 @@ Token Lexer::Next() {
     at_ += joined ? 2 : 1;
   }
   return {kind, text_.substr(start, at_ - start), start};
-}
-
-std::string MaskPasswords(std::string_view batch) {
-  std::string masked;
-  std::size_t copied = 0;
-  const auto mask = [&](std::size_t from, std::size_t to) {
-    masked.append(batch.substr(copied, from - copied)).append("'***'");
-    copied = to;
-  };
-  Lexer lexer(batch);
-  Token token;
-  bool afterPassword = false;      // after PASSWORD, up to its value
-  bool passwordProcedure = false;  // the arguments of a procedure that sets one
-  try {
-    for (token = lexer.Next(); token.Kind != TokenKind::End; token = lexer.Next()) {
-      const bool isSecret = token.Kind == TokenKind::String || token.Kind == TokenKind::Binary;
-      if (isSecret && (afterPassword || passwordProcedure))
-        mask(token.At, token.At + token.Raw.size());
-      if (token.Is("PASSWORD") || token.Is("OLD_PASSWORD") || token.Is("SECRET")) {
-        afterPassword = true;
-      } else if (!token.IsSymbol("=")) {
-        afterPassword = false;
-      }
-      if (token.Is("sp_addlogin") || token.Is("sp_password")) passwordProcedure = true;
-      if (token.IsSymbol(";")) passwordProcedure = false;
-    }
-  } catch (const SqlFailure&) {
-    // An open quote: its text may be a password that runs to the end.
-    if (afterPassword || passwordProcedure) mask(token.At + token.Raw.size(), batch.size());
-  }
-  if (copied == 0) return std::string(batch);
-  return masked.append(batch.substr(copied));
 }
 
 }  // namespace talu::standin

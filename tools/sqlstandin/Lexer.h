@@ -17,6 +17,9 @@ enum class TokenKind {
   Symbol,
 };
 
+/// Whether a word or a name without quotes may hold the byte.
+bool IsWordPart(char c);
+
 struct Token {
   TokenKind Kind = TokenKind::End;
   /// The token as it stands in the batch.
@@ -54,8 +57,5 @@ class Lexer {
   std::string_view text_;
   std::size_t at_;
 };
-
-/// The batch with every password in it made unreadable, for the journal. Takes any text.
-std::string MaskPasswords(std::string_view batch);
 
 }  // namespace talu::standin

@@ -9,23 +9,21 @@
 namespace talu::standin::message {
 namespace {
 
-/// Puts the arguments in place of the "%" marks of `pattern`, in order.
-std::string Fill(std::string_view pattern, std::initializer_list<std::string_view> arguments) {
-  std::string text;
+/// The message with the arguments in place of the "%" marks of `pattern`, in order.
+SqlMessage Error(std::int32_t number, std::uint8_t severity, std::uint8_t state,
+                 std::string_view pattern, std::initializer_list<std::string_view> arguments = {}) {
+  SqlMessage message{number, severity, state, {}};
   const auto* next = arguments.begin();
   for (const char c : pattern) {
     if (c == '%' && next != arguments.end()) {
-      text += *next++;
+      const std::size_t begin = message.Text.size();
+      message.Text += *next++;
+      message.Arguments.emplace_back(begin, message.Text.size());
     } else {
-      text += c;
+      message.Text += c;
     }
   }
-  return text;
-}
-
-SqlMessage Error(std::int32_t number, std::uint8_t severity, std::uint8_t state,
-                 std::string_view pattern, std::initializer_list<std::string_view> arguments = {}) {
-  return {number, severity, state, Fill(pattern, arguments)};
+  return message;
 }
 
 /// How much of a long word the server quotes.

@@ -4,6 +4,7 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace talu::standin {
@@ -15,6 +16,8 @@ struct SqlMessage {
   std::uint8_t Severity = 0;
   std::uint8_t State = 1;
   std::string Text;
+  /// The parts of `Text` that are not the message's own words: where each begins and ends.
+  std::vector<std::pair<std::size_t, std::size_t>> Arguments = {};
 };
 
 /// A statement failed. The client gets every message, in order.
