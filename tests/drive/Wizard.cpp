@@ -5,6 +5,7 @@
 // After windows.h.
 #include <shlobj.h>
 
+#include <cstdlib>
 #include <map>
 #include <string>
 
@@ -18,9 +19,13 @@ struct Form {
 
 Form type{"FrmType"};
 Form location{"FrmLocation"};
+Form database{"FrmSQLNonQuery"};
 Form application{"FrmApplication"};
 HWND shown = nullptr;
 int nextId = 100;
+int showings = 0;
+/// A wizard that does not tell how often its pages were shown, nor whether it works.
+const bool silent = getenv("SILENT_WIZARD") != nullptr;
 
 /// Properties and control ids are numbers that travel as handles.
 template <class Handle>
@@ -43,7 +48,18 @@ std::string Read(Form& form, const char* name) {
   return text;
 }
 
+void MarkBusy(bool busy) {
+  if (silent) return;
+  if (busy) {
+    SetPropA(shown, "Busy", As<HANDLE>(1));
+  } else {
+    RemovePropA(shown, "Busy");
+  }
+}
+
 void Show(Form& form, Form* from) {
+  if (!silent) SetPropA(form.Window, "Busy", As<HANDLE>(1));
+  if (!silent) SetPropA(form.Window, "Shown", As<HANDLE>(++showings));
   if (from != nullptr) ShowWindow(from->Window, SW_HIDE);
   ShowWindow(form.Window, SW_SHOW);
   shown = form.Window;
@@ -62,6 +78,14 @@ void ChooseFolder() {
   SetWindowTextA(location.Controls["TxtInstaPath"], path);
 }
 
+void WorkAndAnswer() {
+  MSG message;
+  for (int i = 0; i < 100; ++i) {
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+    Sleep(15);
+  }
+}
+
 void Clicked(HWND control) {
   if (control == type.Controls["OptUpgrade"]) ShowWindow(type.Controls["ChkOldLocation"], SW_SHOW);
   if (control == type.Controls["CmdNext"]) Show(location, &type);
@@ -75,7 +99,12 @@ void Clicked(HWND control) {
   } else if (Read(location, "TxtPsWord") == "s3cret") {
     EnableWindow(control, FALSE);
     Sleep(3000);  // work that lets nothing through
-    Show(application, &location);
+    Show(database, &location);
+    Show(application, &database);
+  } else if (Read(location, "TxtInstaPath") == "C:\\Malformed") {
+    Show(database, &location);
+    WorkAndAnswer();  // nothing can be clicked, and yet more is to come
+    SetWindowTextA(database.Controls["LblMsg"], "Script \"format\"....");
   }
 }
 
@@ -87,7 +116,10 @@ LRESULT CALLBACK Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
   if (message == WM_CLOSE) ExitProcess(9);
   if (message == WM_COMMAND && HIWORD(wParam) == EN_CHANGE) Changed();
   if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
+    MarkBusy(true);
     Clicked(As<HWND>(lParam));
+    // The last page works until its timer has come.
+    if (shown != application.Window) MarkBusy(false);
   }
   if (message == WM_LBUTTONUP && window == type.Window)
     SetWindowTextA(type.Controls["LblMsg"], "through");
@@ -95,6 +127,7 @@ LRESULT CALLBACK Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     KillTimer(window, 1);
     SetPropA(application.Controls["ShpProgBar"], "Width", As<HANDLE>(7325));
     EnableWindow(application.Controls["CmdNext"], TRUE);
+    MarkBusy(false);
   }
   return DefWindowProcA(window, message, wParam, lParam);
 }
@@ -129,6 +162,9 @@ int main() {
   Add(location, "TxtPsWord", "EDIT", "old", button | WS_BORDER | ES_PASSWORD, 20, 90);
   Add(location, "CmdPrev", "BUTTON", "&Back", button, 20, 280);
   Add(location, "CmdNext", "BUTTON", "&Next", button | WS_DISABLED, 280, 280);
+  Make(database);
+  Add(database, "CmdPrev", "BUTTON", "&Back", button | WS_DISABLED, 20, 280);
+  Add(database, "CmdNext", "BUTTON", "&Next", button | WS_DISABLED, 280, 280);
   Make(application);
   Add(application, "ShpProgBar", "STATIC", "", WS_VISIBLE, 20, 60, 97);
   Add(application, "CmdNext", "BUTTON", "&Finish", button | WS_DISABLED, 280, 280);
@@ -136,6 +172,7 @@ int main() {
   Sleep(500);
   Show(type, nullptr);
   SetFocus(type.Controls["OptFresh"]);
+  MarkBusy(false);
   MSG message;
   while (GetMessageA(&message, nullptr, 0, 0) > 0) {
     if (IsDialogMessageA(shown, &message)) continue;

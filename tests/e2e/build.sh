@@ -23,6 +23,17 @@ Dropped() {
     'DROP DATABASE  Two' 'USE Master' 'DROP LOGIN  Clerk'
 }
 
+# Stops STEPS SAYING: plays steps of which one does not come true, and drive says so.
+Stops() {
+  local before=${#Problems[@]}
+  Play "$1"
+  if ((${#Problems[@]} == before)); then
+    Problems+=("came true: $1")
+  elif [[ ${Problems[-1]} == *"$2"* ]]; then
+    unset 'Problems[-1]'
+  fi
+}
+
 # AreThere NAMES: the databases and logins beside the server's own.
 AreThere() {
   Is 'databases and logins' "$1" "$({
@@ -105,6 +116,15 @@ Play '@install Server; wait FrmSQLNonQuery; expect LblMsg text Building Database
   expect CmdPrev enabled false; close FrmSQLNonQuery; ended 0'
 AreThere ''
 LogIs < <(LogBegin ''; printf '%s\n' 'Building Database Started....' 'error:  @')
+# The page stays so: who waits for more is told at once.
+Stops '@install Server; timeout 600; wait FrmApplication' \
+  'FrmSQLNonQuery is shown; nothing more can come, the page says "Building Database. Please wait...."'
+
+Test 'a build that has nothing to send is over at once: its page counts as seen'
+InstallBelow Nothing
+Pack FreshDBSript=Empty.sql
+Script Empty.sql <<<--taluGO
+Play '@install Server; wait FrmSQLNonQuery; @finish'
 
 Test 'the server is gone when the data sources are made: the message, the end, no file copied'
 InstallBelow Gone

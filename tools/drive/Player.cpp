@@ -1,9 +1,11 @@
 #include "Player.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <stdexcept>
 
+#include "Expectation.h"
 #include "FolderBrowser.h"
 #include "Operator.h"
 #include "Screenshot.h"
@@ -18,12 +20,6 @@ using Time = std::chrono::steady_clock;
 constexpr DWORD LookInterval = 50;  // milliseconds
 /// A dialog that stands this long without a step that answers it will stand for ever.
 constexpr std::chrono::seconds Patience{3};
-
-const char* const NoAnswer = "Setup is busy and does not answer";
-
-std::string Is(bool value, const char* yes, const char* no) {
-  return std::string("it is ") + (value ? yes : no);
-}
 
 /// What holds up a step that does not deal with dialogs, or only with the folder browser.
 std::string OpenDialogs(const SetupProcess& setup, bool browses) {
@@ -59,6 +55,7 @@ std::string Seconds(Time::duration time) {
 }  // namespace
 
 bool Player::Play(const Script& script, const Variables& variables) {
+  BeginAct();
   for (const Step& step : script.Steps) {
     const auto start = Time::now();
     try {
@@ -80,13 +77,13 @@ bool Player::Play(const Script& script, const Variables& variables) {
 void Player::Do(const Step& step) {
   switch (step.What) {
     case Command::Wait:
-      return Until([&] { return setup_.Page(step.Name) != nullptr ? "" : setup_.PagesShown(); });
+      return Wait(step.Name);
     case Command::Click:
       return ClickControl(step.Name);
     case Command::Type:
       return Type(step);
     case Command::Expect:
-      return Until([&] { return Unmet(step); });
+      return Until([&] { return Unmet(setup_, step); });
     case Command::Message:
     case Command::MessageBegins:
     case Command::MessageTitle:
@@ -97,6 +94,7 @@ void Player::Do(const Step& step) {
       return PressKeys(step);
     case Command::Close:
       Until([&] { return setup_.Page(step.Name) != nullptr ? "" : setup_.PagesShown(); });
+      BeginAct();
       return CloseByFrame(setup_.Page(step.Name));
     case Command::Shot:
       return Shoot(step.Value);
@@ -118,12 +116,19 @@ void Player::Until(const std::function<std::string()>& attempt, bool browses) {
   const auto start = Time::now();
   auto quiet = start;  // the last time that no dialog stood in the way
   for (;;) {
-    const bool attached = setup_.Attached() || setup_.Find();
-    const bool ended = setup_.Ended();  // asked first: the attempt sees all that came before
+    const bool attached = Attach();
+    // Asked first: the attempt sees all that came before.
+    const bool ended = setup_.Ended();
+    const HWND stuck = attached ? setup_.StuckPage() : nullptr;
     std::string there = attached ? attempt() : "no page of the wizard is open";
     if (there.empty()) return;
     if (ended) {
       throw std::runtime_error("Setup has ended, exit code " + std::to_string(setup_.ExitCode()));
+    }
+    if (stuck != nullptr) {
+      const auto line = TextOf(SetupProcess::ControlOn(stuck, "LblMsg"));
+      throw std::runtime_error(there + "; nothing more can come, the page says " +
+                               Quoted(line.value_or("")));
     }
     const std::string dialogs = OpenDialogs(setup_, browses);
     const auto now = Time::now();
@@ -138,6 +143,25 @@ void Player::Until(const std::function<std::string()>& attempt, bool browses) {
     }
     Sleep(LookInterval);
   }
+}
+
+bool Player::Attach() {
+  if (setup_.Attached()) return true;
+  if (!setup_.Find()) return false;
+  BeginAct();
+  return true;
+}
+
+void Player::Wait(const std::string& form) {
+  Until([&]() -> std::string {
+    // A page has its number before it is seen: whoever sees it first knows the number of that.
+    const bool shown = setup_.Page(form) != nullptr;
+    const int showing = setup_.Showing(form);
+    const bool left = showing > past_ && showing < setup_.LastShowing();
+    if (!shown && !left) return setup_.PagesShown();
+    past_ = std::max(past_, showing);
+    return "";
+  });
 }
 
 HWND Player::Usable(const std::string& name) {
@@ -158,12 +182,14 @@ HWND Player::Usable(const std::string& name) {
 
 void Player::ClickControl(const std::string& name) {
   const HWND control = Usable(name);
+  BeginAct();
   Click(control);
   Settle(control);
 }
 
 void Player::Type(const Step& step) {
   const HWND box = Usable(step.Name);
+  BeginAct();
   TypeText(box, step.Value);
   Settle(box);
   const std::size_t length = Wide(step.Value).size();
@@ -173,35 +199,6 @@ void Player::Type(const Step& step) {
     const bool masked = *text == std::string(length, '*');
     return *text == step.Value || masked ? "" : "it reads " + Quoted(*text);
   });
-}
-
-std::string Player::Unmet(const Step& step) const {
-  const HWND control = setup_.Control(step.Name);
-  if (control == nullptr) return "there is no such control, " + setup_.PagesShown();
-  const std::string& property = step.Property;
-  if (property == "text" || property == "begins") {
-    const auto text = TextOf(control);
-    if (!text) return NoAnswer;
-    const std::string there = PlainLineEnds(*text);
-    const std::string wanted = PlainLineEnds(step.Value);
-    const bool met = property == "text" ? there == wanted : there.starts_with(wanted);
-    return met ? "" : "it reads " + Quoted(there);
-  }
-  if (property == "width") {
-    const int width = WidthOf(control);
-    return width == step.Number ? "" : "it is " + std::to_string(width);
-  }
-  const bool wanted = step.Value == "true";
-  if (property == "value") {
-    const auto value = ValueOf(control);
-    if (!value) return NoAnswer;
-    return *value == wanted ? "" : Is(*value, "on", "off");
-  }
-  if (property == "focus")
-    return HasFocus(control) == wanted ? "" : Is(!wanted, "there", "elsewhere");
-  const bool state = property == "enabled" ? IsWindowEnabled(control) : IsWindowVisible(control);
-  if (state == wanted) return "";
-  return property == "enabled" ? Is(state, "enabled", "disabled") : Is(state, "visible", "hidden");
 }
 
 void Player::Answer(const Step& step) {
@@ -231,6 +228,7 @@ void Player::Browse(const Step& step) {
 }
 
 void Player::CloseDialog(HWND dialog, HWND button) {
+  BeginAct();
   Click(button);
   const auto start = Time::now();
   while (IsWindowVisible(dialog)) {
@@ -250,6 +248,7 @@ void Player::PressKeys(const Step& step) {
       if (front == nullptr) return setup_.PagesShown();
       return BringToFront(front) ? "" : "another program keeps the keyboard";
     });
+    if (&chord == &step.Keys.front()) BeginAct();
     Press(chord);
     Settle(front);
   }

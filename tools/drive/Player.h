@@ -32,14 +32,19 @@ class Player {
  private:
   void Do(const Step& step);
   /// Tries until `attempt` returns an empty text; what it returns otherwise tells what is there
-  /// instead. Raises std::runtime_error with that when the time is over, when Setup has ended, or
-  /// when a dialog that the step does not deal with holds everything up.
+  /// instead. Raises std::runtime_error with that when the time is over, when Setup has ended, when
+  /// nothing can happen on its page any more, or when a dialog that the step does not deal with
+  /// holds everything up.
   void Until(const std::function<std::string()>& attempt, bool browses = false);
+  /// Whether there is a Setup to drive, found this moment or before.
+  bool Attach();
+  void Wait(const std::string& form);
+  /// Called right before everything that an operator does: the showings until now are of the past.
+  void BeginAct() { past_ = setup_.LastShowing(); }
   /// Waits for the control and returns it when an operator could use it.
   HWND Usable(const std::string& name);
   void ClickControl(const std::string& name);
   void Type(const Step& step);
-  std::string Unmet(const Step& step) const;
   void Answer(const Step& step);
   void Browse(const Step& step);
   /// Clicks a dialog's button and waits until that has closed the dialog.
@@ -51,6 +56,8 @@ class Player {
 
   SetupProcess& setup_;
   PlayOptions options_;
+  /// The last showing of a page that no `wait` may find any more, once that page is left.
+  int past_ = 0;
 };
 
 }  // namespace talu::drive

@@ -16,6 +16,9 @@ constexpr UINT AnswerTime = 500;  // milliseconds
 /// What starting a program that asks for an administrator answers to anyone else; the compiler's
 /// headers have no name for it.
 constexpr DWORD ElevationRequired = 740;
+// What Setup leaves on a page's window: the number of its last showing, and whether it works.
+constexpr const char* Shown = "Shown";
+constexpr const char* Busy = "Busy";
 
 using Visitor = std::function<void(HWND)>;
 
@@ -33,8 +36,12 @@ void ForEachChild(HWND window, const Visitor& visitor) {
   EnumChildWindows(window, Visit, reinterpret_cast<LPARAM>(&visitor));
 }
 
+int PropertyOf(HWND window, const std::string& name) {
+  return static_cast<int>(reinterpret_cast<INT_PTR>(GetPropW(window, Wide(name).c_str())));
+}
+
 bool Carries(HWND window, const std::string& name) {
-  return GetPropW(window, Wide(name).c_str()) != nullptr;
+  return PropertyOf(window, name) != 0;
 }
 
 std::string FormOf(HWND window) {
@@ -173,14 +180,48 @@ std::string SetupProcess::PagesShown() const {
   return pages.empty() ? "no page is shown" : pages + " is shown";
 }
 
+int SetupProcess::Showing(const std::string& form) const {
+  int number = 0;
+  ForEachTopWindow([&](HWND window) {
+    if (OwnerOf(window) == id_ && Carries(window, form)) number = PropertyOf(window, Shown);
+  });
+  return number;
+}
+
+int SetupProcess::LastShowing() const {
+  int last = 0;
+  ForEachTopWindow([&](HWND window) {
+    if (OwnerOf(window) == id_) last = std::max(last, PropertyOf(window, Shown));
+  });
+  return last;
+}
+
+HWND SetupProcess::StuckPage() const {
+  const HWND page = Page();
+  if (page == nullptr || !Carries(page, Shown) || Dialog() != nullptr) return nullptr;
+  const HWND next = ControlOn(page, "CmdNext");
+  const HWND back = ControlOn(page, "CmdPrev");
+  if (IsWindowEnabled(next) || IsWindowEnabled(back)) return nullptr;
+  // Looked at after the buttons: a procedure that disables them for its time only is still running.
+  const bool busy = Carries(page, Busy);
+  // And last, whether it was a page all the time: one that is being closed has nothing of all that.
+  const bool whole = IsWindow(next) && (back == nullptr || IsWindow(back)) && IsWindow(page);
+  return whole && !busy ? page : nullptr;
+}
+
 HWND SetupProcess::Control(const std::string& name) const {
-  HWND found = nullptr;
   for (HWND window : TopWindows()) {
     if (FormOf(window).empty()) continue;
-    ForEachChild(window, [&](HWND child) {
-      if (found == nullptr && Carries(child, name)) found = child;
-    });
+    if (const HWND control = ControlOn(window, name)) return control;
   }
+  return nullptr;
+}
+
+HWND SetupProcess::ControlOn(HWND page, const std::string& name) {
+  HWND found = nullptr;
+  ForEachChild(page, [&](HWND child) {
+    if (found == nullptr && Carries(child, name)) found = child;
+  });
   return found;
 }
 
@@ -234,7 +275,7 @@ std::optional<bool> ValueOf(HWND window) {
 }
 
 int WidthOf(HWND window) {
-  return static_cast<int>(reinterpret_cast<INT_PTR>(GetPropW(window, L"Width")));
+  return PropertyOf(window, "Width");
 }
 
 bool HasFocus(HWND window) {

@@ -38,10 +38,19 @@ class SetupProcess {
   /// The visible page, or the one named `form`; null when it is not shown.
   HWND Page() const;
   HWND Page(const std::string& form) const;
+  /// The number of the last showing of `form`, or of any page, hidden again or not: Setup counts
+  /// the showings of all its pages, from 1. 0 when there was none, or when this Setup counts none.
+  int Showing(const std::string& form) const;
+  int LastShowing() const;
+  /// The page on which nothing can happen any more, whoever comes: no procedure of Setup runs, no
+  /// dialog is open, neither Next nor Back can be clicked. Null when there is none, or when this
+  /// Setup does not tell.
+  HWND StuckPage() const;
   /// "FrmType is shown", for messages.
   std::string PagesShown() const;
   /// The control of that name on a visible page, shown or hidden itself; null when there is none.
   HWND Control(const std::string& name) const;
+  static HWND ControlOn(HWND page, const std::string& name);
   std::vector<MessageWindow> MessageWindows() const;
   /// The shell's dialog with the folder tree; null when it is not open.
   HWND FolderBrowser() const;

@@ -117,7 +117,9 @@ void FormFrame::OrderControls() {
   }
 }
 
-void FormFrame::Show(const WINDOWPLACEMENT* place) {
+void FormFrame::Show(const WINDOWPLACEMENT* place, int number) {
+  MarkBusy(true);
+  SetPropA(window_, "Shown", reinterpret_cast<HANDLE>(static_cast<INT_PTR>(number)));
   BringUpToDate();
   UpdateSelf(Property::Caption);
   RECT window;
@@ -143,6 +145,14 @@ void FormFrame::Show(const WINDOWPLACEMENT* place) {
   ShowWindow(window_, command);
   RescueFocus();
   RedrawWindow(window_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+}
+
+void FormFrame::MarkBusy(bool busy) {
+  if (busy) {
+    SetPropA(window_, "Busy", reinterpret_cast<HANDLE>(1));
+  } else {
+    RemovePropA(window_, "Busy");
+  }
 }
 
 WINDOWPLACEMENT FormFrame::Placement() const {

@@ -42,7 +42,12 @@ class FormFrame {
   const Appearance& Look() const { return look_; }
 
   /// Puts the window to `place` (centres it on the work area when that is nullptr) and shows it.
-  void Show(const WINDOWPLACEMENT* place);
+  /// The showing's number stays on the window as the property "Shown", for those who look from
+  /// outside.
+  void Show(const WINDOWPLACEMENT* place, int number);
+  /// Whether procedures of the wizard run while this page is shown: its property "Busy". A page is
+  /// shown as busy.
+  void MarkBusy(bool busy);
   WINDOWPLACEMENT Placement() const;
   /// Hides the window; frees what only a visible one needs.
   void Hide();

@@ -51,7 +51,7 @@ void Win32WindowSystem::ShowForm(FormWindow& form) {
   }
   if (hiding_ == frame) hiding_ = nullptr;
   shown_ = frame;
-  frame->Show(place_ ? &*place_ : nullptr);
+  frame->Show(place_ ? &*place_ : nullptr, ++showings_);
   FinishHiding();
   lastPaint_ = Microseconds();
 }
@@ -155,6 +155,10 @@ void Win32WindowSystem::Dispatch(MSG& message) {
   DispatchMessageA(&message);
 }
 
+void Win32WindowSystem::HandlerBegins() {
+  if (handlers_++ == 0 && shown_ != nullptr) shown_->MarkBusy(true);
+}
+
 void Win32WindowSystem::HandlerEnds() {
   // Only the outermost handler goes back to the message loop.
   if (--handlers_ == 0) Settle();
@@ -163,7 +167,9 @@ void Win32WindowSystem::HandlerEnds() {
 void Win32WindowSystem::Settle() {
   FinishHiding();
   BringUpToDate();
-  if (shown_ != nullptr) shown_->RescueFocus();
+  if (shown_ == nullptr) return;
+  shown_->RescueFocus();
+  shown_->MarkBusy(false);
 }
 
 void Win32WindowSystem::EndProgram() {

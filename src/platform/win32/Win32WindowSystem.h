@@ -33,7 +33,7 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
 
   /// The message loop; returns the program's exit code when it is told to quit.
   int Run();
-  void HandlerBegins() override { ++handlers_; }
+  void HandlerBegins() override;
   void HandlerEnds() override;
 
   /// Paints what has changed: for the moment before this thread is blocked. A bar alone is painted
@@ -46,7 +46,7 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   /// A hidden page stays on the screen until the next one covers it, or until somebody looks.
   void FinishHiding();
   void BringUpToDate();
-  /// Shows everything and gives the keyboard a place.
+  /// Back at the message loop: shows everything and gives the keyboard a place.
   void Settle();
 
   Appearance look_;
@@ -55,6 +55,7 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   FormFrame* hiding_ = nullptr;
   std::optional<WINDOWPLACEMENT> place_;
   int handlers_ = 0;
+  int showings_ = 0;
   std::int64_t lastPump_ = 0;
   std::int64_t lastPaint_ = 0;
 };

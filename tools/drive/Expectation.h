@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "Script.h"
+#include "SetupProcess.h"
+
+namespace talu::drive {
+
+constexpr const char* NoAnswer = "Setup is busy and does not answer";
+
+/// What is there instead of what `expect` asks for; empty when that has come true.
+std::string Unmet(const SetupProcess& setup, const Step& step);
+
+}  // namespace talu::drive
