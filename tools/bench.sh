@@ -30,16 +30,19 @@ Mark=${TALU_RUN:-}/$$-${EPOCHREALTIME//[.,]/}
 Tests=${TALU_TESTS:-$Root/build/test}
 Logs=$Root/build/log
 Within=${TALU_RUN:-}
-if [[ -n $Within ]]; then
-  Logs=$Logs/within
-else
-  mkdir -p "$Root/build"
-  exec 8>"$Root/build/in-use"
-  flock -n 8 || Fail "another command is at work in this clone; wait for it, or end it"
-fi
+[[ -z $Within ]] || Logs=$Logs/within
 export TALU_RUN=$Mark TALU_TESTS=$Tests
 export TMPDIR=$Root/build/tmp/${Mark##*/}
 mkdir -p "$Logs" "$TMPDIR"
+
+# Occupy: this clone's build folder is ours, until we end; a command within ours shares it.
+Occupied=
+Occupy() {
+  [[ -z $Within && -z $Occupied ]] || return 0
+  exec 8>"$Root/build/in-use"
+  flock -n 8 || Fail "another command is at work in this clone: wait for it, or end it"
+  Occupied=1
+}
 
 # MarkedProcesses: the numbers of the processes that carry our mark.
 MarkedProcesses() {
@@ -99,6 +102,7 @@ WaitFor() {
 Build() {
   local preset=$1 log=$Logs/build-$1.log cache=$Root/build/$1/CMakeCache.txt ninja=build/$1/build.ninja
   shift
+  Occupy
   [[ ! -f $cache ]] || grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$Root" "$cache" ||
     Fail "this clone was built in another place: remove $Root/build and start again"
   local ccache=()
@@ -134,6 +138,7 @@ StartDisplay() {
 MakeBase() {
   local dpi=${1:-96} made wanted
   Base=$Root/build/machine-$dpi
+  Occupy
   wanted=$(wine --version; cat "$Root"/tools/wine/prefix "$Root"/build/win32/tools/wine/*.dll | sha256sum)
   # Suites may come here at the same time.
   exec {made}>"$Root/build/machine-$dpi.lock"
