@@ -70,8 +70,8 @@ HRESULT StatementNumber(const Diagnostic& record) {
 }
 
 /// The record that speaks for the failure: the refused login before the driver's word that it could
-/// not connect, else the first that is more than a warning.
-Diagnostic Cause(SQLSMALLINT type, SQLHANDLE handle) {
+/// not connect, else the first that is more than a warning; `unsaid` where there is none.
+Diagnostic Cause(SQLSMALLINT type, SQLHANDLE handle, const wchar_t* unsaid = L"Unspecified error") {
   const std::vector<Diagnostic> records = Diagnostics(type, handle);
   for (const Diagnostic& record : records) {
     if (record.IsLoginRefused()) return record;
@@ -80,7 +80,7 @@ Diagnostic Cause(SQLSMALLINT type, SQLHANDLE handle) {
     if (!record.IsWarning()) return record;
   }
   // A driver that cannot be loaded is told as a warning only; a link cut in the middle not at all.
-  return records.empty() ? Diagnostic{L"HY000", 0, L"Unspecified error"} : records.front();
+  return records.empty() ? Diagnostic{L"HY000", 0, unsaid} : records.front();
 }
 
 AutomationError ProviderError(HRESULT number, const std::wstring& text) {
@@ -147,7 +147,11 @@ OdbcSession::OdbcSession(const std::wstring& connectionString) {
   const SQLRETURN code = SQLDriverConnectW(connection_, nullptr, text.data(), SQL_NTS, nullptr, 0,
                                            nullptr, SQL_DRIVER_NOPROMPT);
   if (SQL_SUCCEEDED(code)) return;
-  const Diagnostic cause = Cause(SQL_HANDLE_DBC, connection_);
+  // Wine's newer driver manager gives up without a word where it knows neither source nor driver.
+  const Diagnostic cause =
+      Cause(SQL_HANDLE_DBC, connection_,
+            L"[Microsoft][ODBC Driver Manager] Data source name not found and no default driver "
+            L"specified");
   Close();
   throw ProviderError(ConnectNumber(cause), cause.Text);
 }
