@@ -10,6 +10,9 @@
 namespace talu::standin {
 namespace {
 
+/// Parentheses in parentheses. Newer versions of SQLite know no end of their own.
+constexpr std::size_t deepestParentheses = 1000;
+
 constexpr std::string_view localTime = "strftime('%Y-%m-%d %H:%M:%f','now','localtime')";
 constexpr std::string_view utcTime = "strftime('%Y-%m-%d %H:%M:%f','now')";
 
@@ -129,6 +132,7 @@ void TokenCopier::CopySymbol(const Token& token) {
     Frame frame;
     frame.IsCast = last_.Is("CAST");
     frames_.push_back(frame);
+    if (frames_.size() > deepestParentheses) throw SqlFailure(message::TooDeep(), true);
   } else if (token.IsSymbol(")")) {
     if (frames_.size() == 1) Rewriter::FailAt(token, token);
     if (!frames_.back().Closing.empty()) Put(frames_.back().Closing);
