@@ -54,10 +54,8 @@ bool Catalogue::Exists(const std::string& name) const {
 
 bool Catalogue::IsDatabaseFile(const std::filesystem::path& file) const {
   const std::lock_guard lock(mutex_);
-  return std::any_of(databases_.begin(), databases_.end(), [&file](const auto& entry) {
-    return entry.File == file || std::find(entry.OtherFiles.begin(), entry.OtherFiles.end(),
-                                           file) != entry.OtherFiles.end();
-  });
+  return std::any_of(databases_.begin(), databases_.end(),
+                     [&file](const auto& entry) { return IsFileOf(entry, file); });
 }
 
 DatabaseEntry Catalogue::Use(int session, const std::string& name) {

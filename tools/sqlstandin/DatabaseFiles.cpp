@@ -1,5 +1,7 @@
 #include "DatabaseFiles.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fstream>
 #include <system_error>
@@ -15,23 +17,12 @@ namespace fs = std::filesystem;
 constexpr std::string_view placeholder =
     "This file only holds the place of a file of the real server. It is not used.\n";
 
-/// What Windows would say of this machine's error.
-std::string SystemError(int error) {
-  switch (error) {
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return "5(Access is denied.)";
-    case ENOSPC:
-      return "112(There is not enough space on the disk.)";
-    default:
-      return "3(The system cannot find the path specified.)";
-  }
-}
-
 [[noreturn]] void Fail(SqlMessage reason) {
   throw SqlFailure({std::move(reason), message::CreateDatabaseFailed()});
 }
+
+/// What SQLite puts beside a database while it is in use.
+constexpr std::array<const char*, 2> sides = {"-wal", "-shm"};
 
 /// A file name for any database name.
 std::string FileNameOf(std::string_view database) {
@@ -53,6 +44,19 @@ fs::path FreshPath(const std::string& windowsPath, const Drives& drives) {
 }
 
 }  // namespace
+
+std::string SystemError(int error) {
+  switch (error) {
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return "5(Access is denied.)";
+    case ENOSPC:
+      return "112(There is not enough space on the disk.)";
+    default:
+      return "3(The system cannot find the path specified.)";
+  }
+}
 
 DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& drives,
                                 const fs::path& dataFolder) {
@@ -98,10 +102,21 @@ DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& d
   return entry;
 }
 
+bool IsFileOf(const DatabaseEntry& entry, const fs::path& file) {
+  const auto isSame = [&file](const fs::path& own) {
+    std::error_code ignored;
+    return own == file || fs::equivalent(own, file, ignored);
+  };
+  return isSame(entry.File) ||
+         std::any_of(sides.begin(), sides.end(),
+                     [&](const char* side) { return isSame(entry.File.string() + side); }) ||
+         std::any_of(entry.OtherFiles.begin(), entry.OtherFiles.end(), isSame);
+}
+
 void RemoveDatabaseFiles(const DatabaseEntry& entry) {
   std::error_code ignored;
   fs::remove(entry.File, ignored);
-  for (const char* side : {"-wal", "-shm"}) fs::remove(entry.File.string() + side, ignored);
+  for (const char* side : sides) fs::remove(entry.File.string() + side, ignored);
   for (const fs::path& other : entry.OtherFiles) fs::remove(other, ignored);
 }
 

@@ -12,6 +12,12 @@ namespace talu::standin {
 DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& drives,
                                 const std::filesystem::path& dataFolder);
 
+/// Whether a file is one of the database's own, SQLite's at its side too.
+bool IsFileOf(const DatabaseEntry& entry, const std::filesystem::path& file);
+
+/// What Windows would say of this machine's error: "5(Access is denied.)".
+std::string SystemError(int error);
+
 /// Deletes a database's files; one that is gone already is passed over.
 void RemoveDatabaseFiles(const DatabaseEntry& entry);
 

@@ -1,8 +1,11 @@
 // The statements about databases and logins.
+#include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
+#include "DatabaseFiles.h"
 #include "Session.h"
 #include "Text.h"
 
@@ -72,9 +75,17 @@ void Session::Do(const BackupDatabase& statement) {
     fail(message::Own("a second backup is not added to a file; say WITH INIT"));
   }
   const auto start = std::chrono::steady_clock::now();
-  const fs::path unfinished = target.File.string() + ".part";
-  std::error_code ignored;
-  fs::remove(unfinished, ignored);
+  // In a folder of its own, so that neither the copy nor what SQLite puts beside it meets a file
+  // that is there.
+  std::string folder = (target.File.parent_path() / "unfinished-backup-XXXXXX").string();
+  if (mkdtemp(folder.data()) == nullptr) {
+    fail(message::NoBackupDevice(statement.Path, SystemError(errno)));
+  }
+  const fs::path unfinished = fs::path(folder) / "copy";
+  const auto clean = [&folder] {
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+  };
   std::int64_t pages = 0;
   int told = 0;
   try {
@@ -86,11 +97,12 @@ void Session::Do(const BackupDatabase& statement) {
       }
     });
     fs::rename(unfinished, target.File);
+    clean();
   } catch (const Cancelled&) {
-    fs::remove(unfinished, ignored);
+    clean();
     throw;
   } catch (const std::exception&) {
-    fs::remove(unfinished, ignored);
+    clean();
     fail(message::NoBackupDevice(statement.Path, "5(Access is denied.)"));
   }
   const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(
