@@ -1,5 +1,10 @@
 // What the server does when the machine has nothing left for it, or a client is no help.
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
+
+#include <ctime>
+#include <list>
 
 #include "RunningServer.h"
 
@@ -7,6 +12,108 @@ namespace talu::standin {
 namespace {
 
 namespace fs = std::filesystem;
+using std::chrono::milliseconds;
+
+/// While it lives no thread can begin: its stack would not fit the address space.
+class NoThreads {
+ public:
+  NoThreads() {
+    pthread_getattr_default_np(&usual_);
+    pthread_attr_t huge;
+    pthread_attr_init(&huge);
+    pthread_attr_setstacksize(&huge, std::size_t{1} << 46);
+    EXPECT_EQ(pthread_setattr_default_np(&huge), 0);
+  }
+  ~NoThreads() { pthread_setattr_default_np(&usual_); }
+  NoThreads(const NoThreads&) = delete;
+  NoThreads& operator=(const NoThreads&) = delete;
+
+ private:
+  pthread_attr_t usual_{};
+};
+
+TEST(Hardship, AClientWithoutAThreadIsTurnedAway) {
+  const TestFolder folder;
+  const RunningServer server(folder.Path());
+  LoggedIn before(server);
+  testing::internal::CaptureStderr();
+  {
+    const NoThreads none;
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(TestClient(server.Port()).Receive().IsClosed);
+  }
+  LoggedIn after(server);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "sqlstandin: a client is turned away: Resource temporarily unavailable\n"
+            "sqlstandin: a client is turned away: Resource temporarily unavailable\n");
+  EXPECT_EQ(before.Batch("SELECT 1").Summary(), "1");
+  EXPECT_EQ(after.Batch("SELECT 2").Summary(), "2");
+}
+
+/// While it lives the process can open no more files than `Leave` says.
+class FewDescriptors {
+ public:
+  FewDescriptors() {
+    getrlimit(RLIMIT_NOFILE, &usual_);
+    rlimit few = usual_;
+    few.rlim_cur = 200;
+    setrlimit(RLIMIT_NOFILE, &few);
+  }
+  ~FewDescriptors() { setrlimit(RLIMIT_NOFILE, &usual_); }
+  FewDescriptors(const FewDescriptors&) = delete;
+  FewDescriptors& operator=(const FewDescriptors&) = delete;
+
+  void Leave(int count) {
+    for (int number = 0; (number = dup(STDERR_FILENO)) >= 0;) taken_.emplace_back(number);
+    for (int i = 0; i < count; ++i) taken_.pop_back();
+  }
+
+ private:
+  rlimit usual_{};
+  std::list<Descriptor> taken_;
+};
+
+milliseconds ProcessorTime() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return milliseconds(time.tv_sec * 1000 + time.tv_nsec / 1'000'000);
+}
+
+// The sanitizers look at an object of a new type through a pipe: some descriptors are theirs.
+constexpr int forTheSanitizers = 4;
+
+TEST(Hardship, AClientWithoutADescriptorWaitsForOne) {
+  const TestFolder folder;
+  const RunningServer server(folder.Path());
+  testing::internal::CaptureStderr();
+  {
+    FewDescriptors few;
+    few.Leave(1);
+    TestClient client(server.Port());  // takes the last one
+    const milliseconds before = ProcessorTime();
+    std::this_thread::sleep_for(milliseconds(500));
+    EXPECT_LT((ProcessorTime() - before).count(), 100);
+    few.Leave(1 + forTheSanitizers);
+    EXPECT_EQ(client.LogIn("sa", testPassword).Summary(), "");
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "sqlstandin: clients have to wait: Too many open files\n");
+}
+
+TEST(Hardship, AClientThatHasGoneLeavesItsDescriptor) {
+  const TestFolder folder;
+  const RunningServer server(folder.Path());
+  FewDescriptors few;
+  {
+    std::list<LoggedIn> clients;
+    for (int i = 0; i < 1 + forTheSanitizers; ++i) clients.emplace_back(server);
+  }
+  while (server.Journal().size() < 2 * (1 + forTheSanitizers)) {  // until all have logged out
+    std::this_thread::sleep_for(milliseconds(5));
+  }
+  few.Leave(1);
+  TestClient client(server.Port());
+  EXPECT_EQ(client.LogIn("sa", testPassword).Summary(), "");
+}
 
 TEST(Hardship, ABackupHarmsNoOtherFile) {
   const TestFolder folder;

@@ -44,8 +44,8 @@ void Connection::End() {
 }
 
 void Connection::Serve() {
-  parts_.Server.Join(number_, [this] { End(); });
   try {
+    parts_.Server.Join(number_, [this] { End(); });
     while (auto message = Receive()) Answer(*message);
   } catch (const std::exception&) {
     // Gone, a broken protocol, no memory: for this client all of them are the end.

@@ -9,6 +9,9 @@
 
 #include <array>
 #include <cerrno>
+#include <iostream>
+#include <stdexcept>
+#include <string>
 #include <system_error>
 
 #include "Connection.h"
@@ -17,6 +20,13 @@ namespace talu::standin {
 namespace {
 
 constexpr std::size_t mostClients = 256;
+/// How long clients wait when there is no descriptor for them, before the next look: 0.1 s.
+constexpr int pauseMilliseconds = 100;
+
+/// A line for whoever runs the server, in one piece.
+void Tell(const std::string& line) {
+  std::cerr << "sqlstandin: " + line + "\n" << std::flush;
+}
 
 void Check(bool isGood, const char* what) {
   if (!isGood) throw std::system_error(errno, std::generic_category(), what);
@@ -50,32 +60,53 @@ Server::~Server() {
 }
 
 void Server::Run(int stopDescriptor) {
-  std::array<pollfd, 2> waits = {{{listener_.Number(), POLLIN, 0}, {stopDescriptor, POLLIN, 0}}};
+  std::array<pollfd, 2> waits = {{{stopDescriptor, POLLIN, 0}, {listener_.Number(), POLLIN, 0}}};
+  bool isShort = false;  // of descriptors: the listener stays ready, so it is not waited for
   while (true) {
-    if (poll(waits.data(), waits.size(), -1) < 0) {
+    const int count = poll(waits.data(), isShort ? 1 : 2, isShort ? pauseMilliseconds : -1);
+    if (count < 0) {
       if (errno == EINTR) continue;
       Check(false, "cannot wait for clients");
     }
-    if (waits[1].revents != 0) break;
-    if (waits[0].revents != 0) Accept();
+    if (waits[0].revents != 0) break;
+    const bool wasShort = isShort;
+    isShort = !Accept();
+    if (isShort && !wasShort) {
+      Tell("clients have to wait: " + std::generic_category().message(errno));
+    }
   }
   Reap(true);
 }
 
-void Server::Accept() {
+/// Takes the next client; false, with errno, when the machine has nothing left for one.
+bool Server::Accept() {
+  Reap(false);  // a client that has gone still holds its descriptor
   const int number = accept4(listener_.Number(), nullptr, nullptr, SOCK_CLOEXEC);
-  if (number < 0) return;  // the client has gone already
-  auto socket = std::make_unique<Descriptor>(number);
-  Reap(false);
-  if (clients_.size() >= mostClients) return;
+  if (number < 0) {
+    return errno != EMFILE && errno != ENFILE && errno != ENOBUFS && errno != ENOMEM;
+  }
+  try {
+    Serve(std::make_unique<Descriptor>(number));
+  } catch (const std::exception& error) {
+    Tell(std::string("a client is turned away: ") + error.what());
+  }
+  return true;
+}
+
+void Server::Serve(std::unique_ptr<Descriptor> socket) {
+  if (clients_.size() >= mostClients) {
+    throw std::runtime_error("there are " + std::to_string(mostClients) + " already");
+  }
   const int on = 1;
-  setsockopt(number, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-  Client& client = clients_.emplace_back();
+  setsockopt(socket->Number(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  std::list<Client> clients(1);
+  Client& client = clients.front();
   client.Link = std::make_unique<Connection>(parts_, std::move(socket));
   client.Thread = std::thread([&client] {
     client.Link->Serve();
     client.IsFinished = true;
   });
+  clients_.splice(clients_.end(), clients);
 }
 
 void Server::Reap(bool all) {

@@ -56,7 +56,8 @@ class Server {
     std::thread Thread;
     std::atomic<bool> IsFinished{false};
   };
-  void Accept();
+  bool Accept();
+  void Serve(std::unique_ptr<Descriptor> socket);
   void Reap(bool all);
 
   ServerParts& parts_;
