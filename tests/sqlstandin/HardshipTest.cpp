@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 
 #include <ctime>
+#include <functional>
 #include <list>
 
 #include "RunningServer.h"
@@ -113,6 +114,33 @@ TEST(Hardship, AClientThatHasGoneLeavesItsDescriptor) {
   few.Leave(1);
   TestClient client(server.Port());
   EXPECT_EQ(client.LogIn("sa", testPassword).Summary(), "");
+}
+
+TEST(Hardship, AClientHasALimitedTimeToLogIn) {
+  const TestFolder folder;
+  const RunningServer server(folder.Path(), {}, milliseconds(400));
+  LoggedIn idle(server);
+  const std::string login = LoginPayload("sa", testPassword, "", tdsVersion74);
+  const std::pair<const char*, std::function<void(TestClient&)>> cases[] = {
+      {"says nothing", [](TestClient&) {}},
+      {"begins to log in",
+       [&](TestClient& client) { client.SendBytes("\x10\x01" + login.substr(0, 40)); }},
+      {"sends a byte now and then",
+       [](TestClient& client) {
+         client.SendBytes(std::string("\x12\x01\x10\0\0\0\0\0", 8));
+         for (int i = 0; i < 200 && client.SendBytes("x"); ++i) {
+           std::this_thread::sleep_for(milliseconds(50));
+         }
+       }},
+  };
+  for (const auto& [what, act] : cases) {
+    const auto start = std::chrono::steady_clock::now();
+    TestClient client(server.Port());
+    act(client);
+    EXPECT_TRUE(client.Receive().IsClosed) << what;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)) << what;
+  }
+  EXPECT_EQ(idle.Batch("SELECT 1").Summary(), "1") << "one that is logged in may be silent";
 }
 
 TEST(Hardship, ABackupHarmsNoOtherFile) {

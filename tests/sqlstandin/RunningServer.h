@@ -42,12 +42,14 @@ class TestFolder {
 /// A server within the test's process: drive C: is the folder "c" and has the folder "Data".
 class RunningServer {
  public:
-  explicit RunningServer(const std::filesystem::path& folder, Mishaps mishaps = {})
+  explicit RunningServer(const std::filesystem::path& folder, Mishaps mishaps = {},
+                         std::chrono::milliseconds loginTime = ServerParts::UsualLoginTime)
       : drive_(Prepare(folder)),
         journalFile_(folder / "journal"),
         mishaps_(std::move(mishaps)),
         catalogue_(folder / "state", Mapped(drive_), "sa", testPassword),
         journal_(journalFile_),
+        parts_{catalogue_, journal_, mishaps_, loginTime},
         server_(parts_, 0),
         thread_([this] { server_.Run(stop_.Number()); }) {}
 
@@ -87,7 +89,7 @@ class RunningServer {
   Mishaps mishaps_;
   Catalogue catalogue_;
   standin::Journal journal_;
-  ServerParts parts_{catalogue_, journal_, mishaps_};
+  ServerParts parts_;
   Descriptor stop_{eventfd(0, EFD_CLOEXEC)};
   Server server_;
   std::thread thread_;

@@ -100,12 +100,13 @@ TestClient::~TestClient() {
   close(socket_);
 }
 
-void TestClient::SendBytes(std::string_view bytes) {
+bool TestClient::SendBytes(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t size = send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    if (size <= 0) return;  // the server has hung up: what it did shows in Receive
+    if (size <= 0) return false;  // what it did shows in Receive
     bytes.remove_prefix(static_cast<std::size_t>(size));
   }
+  return true;
 }
 
 void TestClient::SendMessage(MessageType type, std::string_view payload, std::size_t packetSize) {

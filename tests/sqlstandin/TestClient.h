@@ -42,7 +42,8 @@ class TestClient {
   void SendBatch(std::string_view utf8);
   /// One message, in packets of `packetSize`.
   void SendMessage(MessageType type, std::string_view payload, std::size_t packetSize = 4096);
-  void SendBytes(std::string_view bytes);
+  /// False when the server has hung up.
+  bool SendBytes(std::string_view bytes);
   /// Waits for one answer, or for the end of the connection.
   Answer Receive();
 

@@ -2,7 +2,6 @@
 
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 
 #include <algorithm>
 #include <array>
@@ -19,8 +18,6 @@ constexpr std::size_t largestPacketSize = 32767;
 /// Bytes of a message before the login, and after it: a batch of 500 million characters.
 constexpr std::size_t loginLimit = std::size_t{128} * 1024;
 constexpr std::size_t batchLimit = std::size_t{1000} * 1000 * 1000;
-/// How long a client may take to log in.
-constexpr timeval loginTime{30, 0};
 constexpr std::size_t receiveSize = std::size_t{64} * 1024;
 constexpr std::string_view language = "us_english";
 
@@ -34,9 +31,8 @@ Connection::Connection(ServerParts& parts, std::unique_ptr<Descriptor> socket)
       socket_(std::move(socket)),
       number_(parts.NextSession++),
       reader_(loginLimit),
-      packetSize_(firstPacketSize) {
-  setsockopt(socket_->Number(), SOL_SOCKET, SO_RCVTIMEO, &loginTime, sizeof loginTime);
-}
+      packetSize_(firstPacketSize),
+      loginEnd_(std::chrono::steady_clock::now() + parts.LoginTime) {}
 
 void Connection::End() {
   isEnded_ = true;
@@ -73,9 +69,19 @@ bool Connection::ReceiveMore(bool waits) {
   return false;
 }
 
+/// Waits for the next bytes of a client that has not logged in yet. However it spaces them, its
+/// time does not begin again.
+void Connection::WaitForLogin() {
+  pollfd wait{socket_->Number(), POLLIN, 0};
+  const auto left =
+      std::chrono::ceil<std::chrono::milliseconds>(loginEnd_ - std::chrono::steady_clock::now());
+  if (left.count() <= 0 || poll(&wait, 1, static_cast<int>(left.count())) == 0) throw Gone();
+}
+
 std::optional<Message> Connection::Receive() {
   while (!isEnded_) {
     if (auto message = reader_.Next()) return message;
+    if (!session_) WaitForLogin();
     ReceiveMore(true);
   }
   return std::nullopt;
@@ -200,8 +206,6 @@ void Connection::AnswerLogin(const Message& message) {
   reply.Finish();
   packetSize_ = agreed;
   reader_.SetLimit(batchLimit);
-  constexpr timeval forever{0, 0};
-  setsockopt(socket_->Number(), SOL_SOCKET, SO_RCVTIMEO, &forever, sizeof forever);
 }
 
 void Connection::AnswerBatch(const Message& message) {

@@ -28,6 +28,7 @@ class Connection {
   void End();
 
  private:
+  void WaitForLogin();
   bool ReceiveMore(bool waits);
   std::optional<Message> Receive();
   void Send(std::string_view packets);
@@ -49,6 +50,7 @@ class Connection {
   std::uint32_t version_ = 0;
   std::size_t packetSize_;
   std::unique_ptr<Session> session_;
+  std::chrono::steady_clock::time_point loginEnd_;
 };
 
 }  // namespace talu::standin

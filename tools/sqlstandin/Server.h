@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <list>
 #include <memory>
@@ -17,6 +18,9 @@ struct ServerParts {
   Catalogue& Server;
   Journal& Log;
   const Mishaps& Plan;
+  /// How long a client may take to log in.
+  static constexpr std::chrono::milliseconds UsualLoginTime{30000};
+  std::chrono::milliseconds LoginTime = UsualLoginTime;
   /// Batches received, over all sessions.
   std::atomic<std::uint64_t> Batches{0};
   /// The real server's first session that is not its own is 51.
