@@ -23,11 +23,7 @@ expect() {
   fi
 }
 
-start() {
-  : >"$folder/out"
-  SQLSTANDIN_PASSWORD='Secret1' "$server" --port 0 --data "$folder/state" --drive "C=$folder/c" \
-    --journal "$folder/journal" "$@" >"$folder/out" 2>&1 &
-  pid=$!
+listening() {
   for _ in $(seq 100); do
     port=$(sed -n 's/^listening on 127\.0\.0\.1://p' "$folder/out")
     [[ -n $port ]] && return
@@ -35,6 +31,14 @@ start() {
   done
   echo "FAILED: the server did not start: $(cat "$folder/out")"
   exit 1
+}
+
+start() {
+  : >"$folder/out"
+  SQLSTANDIN_PASSWORD='Secret1' "$server" --port 0 --data "$folder/state" --drive "C=$folder/c" \
+    --journal "$folder/journal" "$@" >"$folder/out" 2>&1 &
+  pid=$!
+  listening
 }
 
 mkdir -p "$folder/c/Data" "$folder/odbc"
@@ -83,4 +87,14 @@ expect "a password is asked for" "$(env -u SQLSTANDIN_PASSWORD "$server" --data 
   '^sqlstandin: no password'
 expect "no password in the journal" "$(grep -c Secret1 "$folder/journal")" '^0$'
 stop
+
+SQLSTANDIN_PASSWORD=Secret1 timeout 30 "$server" --port 0 --data "$folder/state" --journal /dev/full \
+  >"$folder/out" 2>&1 &
+pid=$!
+listening
+tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 </dev/null >/dev/null 2>&1
+wait "$pid"
+expect "a journal that cannot be written ends it" "exit $?, $(tail -n 1 "$folder/out")" \
+  '^exit 1, sqlstandin: the journal cannot be written: /dev/full: No space left on device$'
+pid=
 exit $((failures > 0))

@@ -49,7 +49,11 @@ void Connection::Serve() {
   const bool wasLoggedIn = session_ != nullptr;
   session_.reset();
   parts_.Server.Leave(number_);
-  if (wasLoggedIn) parts_.Log.LoggedOut(number_);
+  try {
+    if (wasLoggedIn) parts_.Log.LoggedOut(number_);
+  } catch (const std::exception&) {
+    // The server ends with what the journal has to say.
+  }
   shutdown(socket_->Number(), SHUT_RDWR);
 }
 

@@ -1,5 +1,7 @@
 #include "Journal.h"
 
+#include <sys/eventfd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -24,7 +26,8 @@ std::string Line(const Json& record) {
 
 }  // namespace
 
-Journal::Journal(const std::filesystem::path& file) {
+Journal::Journal(const std::filesystem::path& file)
+    : name_(file), failureDescriptor_(eventfd(0, EFD_CLOEXEC)) {
   if (file.empty()) return;
   file_.reset(std::fopen(file.c_str(), "ae"));
   if (!file_) {
@@ -35,8 +38,20 @@ Journal::Journal(const std::filesystem::path& file) {
 
 void Journal::Write(const std::string& line) {
   const std::lock_guard lock(mutex_);
-  std::fwrite(line.data(), 1, line.size(), file_.get());
-  std::fflush(file_.get());
+  if (failure_.empty()) {
+    if (std::fwrite(line.data(), 1, line.size(), file_.get()) == line.size() &&
+        std::fflush(file_.get()) == 0) {
+      return;
+    }
+    failure_ = "the journal cannot be written: " + name_.string() + ": " + std::strerror(errno);
+    eventfd_write(failureDescriptor_.Number(), 1);
+  }
+  throw std::runtime_error(failure_);
+}
+
+void Journal::Check() {
+  const std::lock_guard lock(mutex_);
+  if (!failure_.empty()) throw std::runtime_error(failure_);
 }
 
 void Journal::LoggedIn(int session, const std::string& user, const std::string& database,

@@ -9,13 +9,16 @@
 #include <string>
 #include <string_view>
 
+#include "Descriptor.h"
 #include "Messages.h"
 
 namespace talu::standin {
 
 /// A file of what clients did: one JSON object a line, each on disk when the call returns. Batches
 /// are as they were received, but for passwords, which are masked, and surrogates without a
-/// partner, which become U+FFFD. Safe to use from several threads.
+/// partner, which become U+FFFD. Safe to use from several threads. Each writing call raises
+/// std::runtime_error, with a line for whoever runs the server, when the file cannot be written:
+/// from then on nothing is written.
 class Journal {
  public:
   /// Without a file nothing is written. Raises std::runtime_error when the file cannot be opened.
@@ -34,6 +37,11 @@ class Journal {
   void Batch(std::uint64_t number, int session, const std::string& database, std::string_view batch,
              const Outcome& outcome);
 
+  /// Can be read from the moment when the file could not be written.
+  int FailureDescriptor() const { return failureDescriptor_.Number(); }
+  /// Raises what the writing call that failed has raised; nothing when none has.
+  void Check();
+
  private:
   void Write(const std::string& line);
 
@@ -41,6 +49,9 @@ class Journal {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
   std::mutex mutex_;
+  std::filesystem::path name_;
+  std::string failure_;
+  Descriptor failureDescriptor_;
   std::unique_ptr<std::FILE, Closer> file_;
 };
 

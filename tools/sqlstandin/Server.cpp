@@ -5,7 +5,6 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -34,10 +33,6 @@ void Check(bool isGood, const char* what) {
 
 }  // namespace
 
-Descriptor::~Descriptor() {
-  if (number_ >= 0) close(number_);
-}
-
 Server::Server(ServerParts& parts, std::uint16_t port)
     : parts_(parts), listener_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   Check(listener_.Number() >= 0, "no socket");
@@ -60,15 +55,17 @@ Server::~Server() {
 }
 
 void Server::Run(int stopDescriptor) {
-  std::array<pollfd, 2> waits = {{{stopDescriptor, POLLIN, 0}, {listener_.Number(), POLLIN, 0}}};
+  std::array<pollfd, 3> waits = {{{stopDescriptor, POLLIN, 0},
+                                  {parts_.Log.FailureDescriptor(), POLLIN, 0},
+                                  {listener_.Number(), POLLIN, 0}}};
   bool isShort = false;  // of descriptors: the listener stays ready, so it is not waited for
   while (true) {
-    const int count = poll(waits.data(), isShort ? 1 : 2, isShort ? pauseMilliseconds : -1);
+    const int count = poll(waits.data(), isShort ? 2 : 3, isShort ? pauseMilliseconds : -1);
     if (count < 0) {
       if (errno == EINTR) continue;
       Check(false, "cannot wait for clients");
     }
-    if (waits[0].revents != 0) break;
+    if (waits[0].revents != 0 || waits[1].revents != 0) break;
     const bool wasShort = isShort;
     isShort = !Accept();
     if (isShort && !wasShort) {
@@ -76,6 +73,7 @@ void Server::Run(int stopDescriptor) {
     }
   }
   Reap(true);
+  parts_.Log.Check();
 }
 
 /// Takes the next client; false, with errno, when the machine has nothing left for one.

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "Catalogue.h"
+#include "Descriptor.h"
 #include "Journal.h"
 #include "Mishaps.h"
 
@@ -27,19 +28,6 @@ struct ServerParts {
   std::atomic<int> NextSession{51};
 };
 
-/// A file descriptor that closes itself.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor();
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Number() const { return number_; }
-
- private:
-  int number_;
-};
-
 class Connection;
 
 /// Listens on the loopback interface only, one thread a client.
@@ -51,7 +39,8 @@ class Server {
 
   std::uint16_t Port() const { return port_; }
 
-  /// Serves until `stopDescriptor` can be read. Then every connection is closed.
+  /// Serves until `stopDescriptor` can be read. Then every connection is closed. Raises
+  /// std::runtime_error, the connections closed as well, when the journal cannot be written.
   void Run(int stopDescriptor);
 
  private:

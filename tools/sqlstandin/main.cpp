@@ -120,6 +120,9 @@ int Run(const Options& options) {
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   const Descriptor stop(signalfd(-1, &signals, SFD_CLOEXEC));
 
+  // A journal that is a pipe: writing fails, and the server says so.
+  signal(SIGPIPE, SIG_IGN);
+
   Catalogue catalogue(options.Data, drives, options.User, ReadPassword(options.PasswordFile));
   Journal journal(options.Journal);
   ServerParts parts{catalogue, journal, mishaps};
