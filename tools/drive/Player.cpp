@@ -10,6 +10,7 @@
 #include "Operator.h"
 #include "Screenshot.h"
 #include "Text.h"
+#include "Tree.h"
 
 namespace talu::drive {
 
@@ -84,6 +85,8 @@ void Player::Do(const Step& step) {
       return Type(step);
     case Command::Expect:
       return Until([&] { return Unmet(setup_, step); });
+    case Command::ExpectTree:
+      return ExpectTree(step);
     case Command::Message:
     case Command::MessageBegins:
     case Command::MessageTitle:
@@ -252,6 +255,11 @@ void Player::PressKeys(const Step& step) {
     Press(chord);
     Settle(front);
   }
+}
+
+void Player::ExpectTree(const Step& step) {
+  const std::string difference = TreeDifference(step.Name, step.Value);
+  if (!difference.empty()) throw std::runtime_error(difference);
 }
 
 void Player::Shoot(const std::string& file) {

@@ -50,6 +50,7 @@ class Player {
   /// Clicks a dialog's button and waits until that has closed the dialog.
   void CloseDialog(HWND dialog, HWND button);
   void PressKeys(const Step& step);
+  static void ExpectTree(const Step& step);
   void Shoot(const std::string& file);
   void WaitForEnd(const Step& step);
   void ShootFailure(int line) const;

@@ -25,6 +25,7 @@ enum class Shape {
   Expectation,
   Text,
   Folder,
+  Folders,
   Number,
   Keys,
   MaybeCode
@@ -40,6 +41,7 @@ const std::map<std::string, Grammar, std::less<>> Commands = {
     {"click", {Command::Click, Shape::Control}},
     {"type", {Command::Type, Shape::ControlText}},
     {"expect", {Command::Expect, Shape::Expectation}},
+    {"expect-tree", {Command::ExpectTree, Shape::Folders}},
     {"message", {Command::Message, Shape::Text}},
     {"message-begins", {Command::MessageBegins, Shape::Text}},
     {"message-title", {Command::MessageTitle, Shape::Text}},
@@ -177,6 +179,23 @@ std::string ReadFolder(std::string_view rest, Variables& variables) {
   return folder;
 }
 
+/// Takes one argument off `rest`: a word, or what stands in quotes.
+std::string_view TakeArgument(std::string_view& rest) {
+  if (!rest.starts_with('"')) return TakeWord(rest);
+  std::size_t end = 1;
+  while (end < rest.size() && rest[end] != '"') end += rest[end] == '\\' ? 2 : 1;
+  end = std::min(end + 1, rest.size());
+  const std::string_view argument = rest.substr(0, end);
+  rest = Trim(rest.substr(end));
+  return argument;
+}
+
+std::string ReadTree(std::string_view& rest, Variables& variables) {
+  std::string folder = ReadText(TakeArgument(rest), false, variables);
+  if (folder.empty()) throw ScriptError("expect-tree PACK-APPLICATION-FOLDER INSTALLED-FOLDER");
+  return folder;
+}
+
 void ReadArguments(Shape shape, std::string_view rest, Step& step, Variables& variables) {
   const bool message = step.What == Command::Message || step.What == Command::MessageBegins ||
                        step.What == Command::MessageTitle;
@@ -201,6 +220,10 @@ void ReadArguments(Shape shape, std::string_view rest, Step& step, Variables& va
     case Shape::Folder:
       step.Value = ReadFolder(rest, variables);
       return;
+    case Shape::Folders:
+      step.Name = ReadTree(rest, variables);
+      step.Value = ReadTree(rest, variables);
+      break;
     case Shape::Number:
       step.Number = ReadNumber(ReadText(rest, false, variables));
       return;

@@ -15,6 +15,7 @@ enum class Command {
   Click,
   Type,
   Expect,
+  ExpectTree,
   Message,
   MessageBegins,
   MessageTitle,
@@ -34,12 +35,13 @@ struct Step {
   /// The line as it is written, variables unfilled: what may be shown.
   std::string Source;
   Command What = Command::Wait;
-  /// The form of `wait` and `close`, the control of `click`, `type` and `expect`.
+  /// The form of `wait` and `close`, the control of `click`, `type` and `expect`, the pack's folder
+  /// of `expect-tree`.
   std::string Name;
   /// Of `expect`: text, begins, enabled, visible, value, focus or width.
   std::string Property;
   /// The text of `type`, `expect` and `message`, the file of `shot`, the exit code of `ended`,
-  /// the folder of `browse`, empty for `browse cancel`.
+  /// the folder of `browse`, empty for `browse cancel`, the installed folder of `expect-tree`.
   std::string Value;
   /// Seconds of `timeout`, milliseconds of `pause`.
   int Number = 0;
