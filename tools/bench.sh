@@ -139,7 +139,8 @@ MakeBase() {
   local dpi=${1:-96} made wanted
   Base=$Root/build/machine-$dpi
   Occupy
-  wanted=$(wine --version; cat "$Root"/tools/wine/prefix "$Root"/build/win32/tools/wine/*.dll | sha256sum)
+  wanted=$(wine --version
+    { cat "$Root"/{tools/wine/prefix,build/win32/tools/wine/*.dll,build/fonts/*} 2>/dev/null || true; } | sha256sum)
   # Suites may come here at the same time.
   exec {made}>"$Root/build/machine-$dpi.lock"
   flock "$made"
