@@ -1,6 +1,7 @@
 #include "runtime/RuntimeError.h"
 
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 namespace talu {
@@ -17,6 +18,8 @@ RuntimeError CaughtError() {
   } catch (const RuntimeError& error) {
     return error;
   } catch (const std::bad_alloc&) {
+    return RuntimeError(error::OutOfMemory);
+  } catch (const std::length_error&) {  // a text longer than any can be
     return RuntimeError(error::OutOfMemory);
   }
 }

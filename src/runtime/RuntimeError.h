@@ -46,7 +46,8 @@ inline constexpr std::int32_t InvalidPicture = 481;
 inline constexpr std::int32_t Unspecified = -2147467259;
 }  // namespace error
 
-/// For a `catch (...)`: the run-time error that was caught; a failed allocation is "Out of memory".
+/// For a `catch (...)`: the run-time error that was caught; a failed allocation is "Out of memory",
+/// and so is a text that would be too long.
 /// Anything else, the end of the program for one, is raised again.
 RuntimeError CaughtError();
 

@@ -107,9 +107,11 @@ std::string TextFiles::ReadWhole(const std::string& path) {
   const int number = FreeFile();
   Open(path, OpenMode::Input, number);
   TextFile& file = *pool_[static_cast<std::size_t>(number)].File;
-  std::string text(static_cast<std::size_t>(file.Size()), '\0');
+  std::string text;
   std::size_t length = 0;
   try {
+    if (file.Size() > kLongestText) throw RuntimeError(error::OutOfMemory);
+    text.resize(static_cast<std::size_t>(file.Size()));
     while (length < text.size()) {
       const std::size_t got = file.Read(text.data() + length, text.size() - length);
       if (got == 0) break;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -23,6 +24,10 @@ class LineScanner {
  private:
   std::string_view rest_;
 };
+
+/// The longest text in bytes. A 32-bit program has no room for a longer one, and the simulated
+/// machine has none either.
+inline constexpr std::uint64_t kLongestText = 0x7FFFFFFE;
 
 /// Text files by number, as the run-time keeps them: a pool of 255 numbers, each free or open.
 /// Lines end as `LineScanner` says. What is printed is on disk when the call returns.
@@ -50,7 +55,8 @@ class TextFiles {
   /// Writes the pieces and a line end, as one record. Raises 52, 54, 57, 61.
   void Print(int number, std::initializer_list<std::string_view> pieces);
 
-  /// Reads a whole file under a free number and closes it. Raises as `FreeFile` and `Open` do.
+  /// Reads a whole file under a free number and closes it. Raises as `FreeFile` and `Open` do, and
+  /// 7 for a file longer than `kLongestText`.
   std::string ReadWhole(const std::string& path);
 
  private:

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,9 +27,16 @@ class CheckedPack {
   bool HasFolder(const std::string& path) { return Machine.Disk.FolderExists(Full(path)); }
   /// The folder or file; a null pointer when there is none.
   const SimulatedDisk::Node* Find(const std::string& path) { return Machine.Disk.Find(Full(path)); }
-  /// The bytes of a file; nothing when there is none. Raises RuntimeError 57.
+  /// The bytes of a file; nothing when there is none. Raises std::runtime_error with a line for the
+  /// user, which names the file.
   std::optional<std::string> Read(const std::string& path) {
-    return Machine.Disk.ReadFile(Full(path));
+    try {
+      return Machine.Disk.ReadFile(Full(path));
+    } catch (const std::runtime_error&) {
+      throw;
+    } catch (...) {
+      throw std::runtime_error(path + ": " + CaughtError().Description);
+    }
   }
 
   SimulatedMachine Machine;

@@ -1,5 +1,8 @@
 #include "Plan.h"
 
+#include <new>
+#include <stdexcept>
+
 #include "PlanOperator.h"
 #include "runtime/TextFunctions.h"
 #include "startup/Main.h"
@@ -18,7 +21,15 @@ PlannedRun::PlannedRun(const PlanOptions& options, const Watcher& watcher)
     : Machine(options.PackPath), Wizard(Machine.Parts) {
   SetUp(options);
   if (watcher) {
-    Machine.Journal.Watch([this, &watcher](const JournalEvent& event) { watcher(*this, event); });
+    Machine.Journal.Watch([this, &watcher](const JournalEvent& event) {
+      try {
+        watcher(*this, event);
+      } catch (const std::bad_alloc&) {
+        // Not the simulated machine's memory: the wizard must not go on with it as an error of its
+        // own.
+        throw std::runtime_error(StandardDescription(error::OutOfMemory));
+      }
+    });
   }
   Machine.Windows.Run([this] { Main(Wizard); });
   stop_ = PlanOperator(options, Machine.Windows).Play();

@@ -79,6 +79,18 @@ void Journal::Count(const char* request) {
   throw RuntimeError(*failure_);
 }
 
+void Journal::AddFailed(JournalEvent event) {
+  const auto isOk = [](const JournalEvent::Field& field) { return field.first == "ok"; };
+  std::erase_if(event.Fields, isOk);
+  try {
+    event.Error = CaughtError();
+  } catch (...) {
+    Add(std::move(event));  // the end of the program is no failure
+    throw;
+  }
+  Add(std::move(event));
+}
+
 void Journal::FailRequest(int request, const RuntimeError& error) {
   failAt_ = request;
   failure_ = error;

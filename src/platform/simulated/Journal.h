@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -58,7 +59,7 @@ class Journal {
     }
   }
   /// From now on hands each event to `watcher` as it happens and keeps none; keeps them again
-  /// without one.
+  /// without one. What the watcher throws comes out of the request.
   void Watch(std::function<void(const JournalEvent&)> watcher) { watcher_ = std::move(watcher); }
   const std::vector<JournalEvent>& Events() const { return events_; }
   /// One text per event of a kind: the value of `field`.
@@ -68,26 +69,30 @@ class Journal {
   /// `showOk`: a success is marked too.
   template <class Work>
   auto Request(JournalEvent event, bool showOk, Work work) -> decltype(work()) {
-    struct Recorder {
-      ~Recorder() { journal.Add(std::move(event)); }
-      Journal& journal;
-      JournalEvent event;
-    } recorder{*this, std::move(event)};
-    try {
-      Count(recorder.event.Kind.c_str());
-      if (showOk) recorder.event.Fields.emplace_back("ok", true);
-      return work();
-    } catch (...) {
-      RuntimeError error = CaughtError();
-      if (showOk && !recorder.event.Fields.empty() && recorder.event.Fields.back().first == "ok") {
-        recorder.event.Fields.pop_back();
+    const auto attempt = [&] {
+      try {
+        Count(event.Kind.c_str());
+        if (showOk) event.Fields.emplace_back("ok", true);
+        return work();
+      } catch (...) {
+        AddFailed(std::move(event));
+        throw;
       }
-      recorder.event.Error = std::move(error);
-      throw;
+    };
+    if constexpr (std::is_void_v<decltype(work())>) {
+      attempt();
+      Add(std::move(event));
+    } else {
+      auto result = attempt();
+      Add(std::move(event));
+      return result;
     }
   }
 
  private:
+  /// For a `catch (...)`: records the event with the error that was caught.
+  void AddFailed(JournalEvent event);
+
   std::vector<JournalEvent> events_;
   std::function<void(const JournalEvent&)> watcher_;
   int requests_ = 0;

@@ -1,11 +1,15 @@
 #include "platform/simulated/SimulatedDisk.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
+#include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "platform/simulated/CodePage.h"
 #include "runtime/RuntimeError.h"
+#include "runtime/TextFiles.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu {
@@ -17,14 +21,21 @@ std::size_t FileContent::Read(std::uint64_t at, char* buffer, std::size_t size) 
     std::copy_n(Bytes.data() + at, length, buffer);
     return length;
   }
+  errno = 0;
   std::ifstream host(HostFile, std::ios::binary);
   host.seekg(static_cast<std::streamoff>(at));
-  if (!host.read(buffer, static_cast<std::streamsize>(length))) throw RuntimeError(error::DeviceIO);
+  if (!host.read(buffer, static_cast<std::streamsize>(length))) {
+    const std::u8string name = HostFile.u8string();
+    throw std::runtime_error(
+        std::string(name.begin(), name.end()) + " cannot be read" +
+        (errno == 0 ? std::string() : ": " + std::generic_category().message(errno)));
+  }
   return length;
 }
 
 std::string FileContent::All() const {
   if (HostFile.empty()) return Bytes;
+  if (Size > kLongestText) throw RuntimeError(error::OutOfMemory);
   std::string bytes(static_cast<std::size_t>(Size), '\0');
   bytes.resize(Read(0, bytes.data(), bytes.size()));
   return bytes;

@@ -17,9 +17,10 @@ struct FileContent {
   std::filesystem::path HostFile;
   std::uint64_t Size = 0;
 
-  /// Reads up to `size` bytes at `at`; returns how many. Raises 57 when the host file cannot be
-  /// read.
+  /// Reads up to `size` bytes at `at`; returns how many. Raises std::runtime_error, which names the
+  /// file, when the host file cannot be read: that is no error of the simulated machine.
   std::size_t Read(std::uint64_t at, char* buffer, std::size_t size) const;
+  /// Raises as `Read` does, and 7 for a file longer than any text.
   std::string All() const;
 };
 

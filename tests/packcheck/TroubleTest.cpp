@@ -1,0 +1,88 @@
+// What goes wrong within an installation, and what goes wrong with packcheck itself.
+#include <unistd.h>
+
+#include <functional>
+#include <new>
+#include <sstream>
+
+#include "CheckCommand.h"
+#include "PackFolder.h"
+#include "PlanCommand.h"
+
+namespace talu {
+namespace {
+
+class TroubleTest : public testing::Test {
+ protected:
+  TroubleTest() {
+    pack.Put("AppCfg.txt",
+             Block("AppTitle", "Sales\r\n") + Block("AppFolder", "App\r\n") +
+                 Block("DBFolder", "Data\r\n") + Block("FreshDBSript", "f.sql\r\n") +
+                 Block("SystemDSN", "SQL Server,A,Sales,u,p\r\nSQL Server,B,Sales,u,p\r\n") +
+                 Block("AddOns", "there.exe\r\nmissing.exe\r\n"));
+    pack.Put("SQLScript/Fresh/f.sql", "--taluGO\r\nUSE Master\r\nGO\r\n");
+    pack.Put("Application/Help.txt", "help");
+    pack.Put("AddOns/there.exe", "");
+    options.Pack = pack.Path;
+  }
+  int Plan(bool json = false) {
+    std::ostringstream out;
+    const int status = PlanCommand({options, json, {}}, out);
+    account = out.str();
+    return status;
+  }
+
+  HostFolder pack;
+  PlanOptions options;
+  std::string account;
+};
+
+TEST_F(TroubleTest, WhatCannotBeToldEndsThePlan) {
+  for (const char* kind : {"set", "mkdir", "print", "copy", "end"}) {
+    const auto watch = [&](const PlannedRun&, const JournalEvent& event) {
+      if (event.Kind == kind) throw std::bad_alloc();
+    };
+    EXPECT_THROW(PlannedRun(options, watch), std::runtime_error) << kind;
+  }
+}
+
+/// While it lives the process has no more rights than anyone.
+class AsAnyone {
+ public:
+  AsAnyone() {
+    if (usual_ == 0) {
+      EXPECT_EQ(seteuid(65534), 0);
+    }
+  }
+  ~AsAnyone() { EXPECT_EQ(seteuid(usual_), 0); }
+  AsAnyone(const AsAnyone&) = delete;
+  AsAnyone& operator=(const AsAnyone&) = delete;
+
+ private:
+  uid_t usual_ = geteuid();
+};
+
+TEST_F(TroubleTest, AFileThatCannotBeReadIsNamed) {
+  namespace fs = std::filesystem;
+  fs::permissions(pack.Path, fs::perms(0755));
+  std::ostringstream out;
+  const std::pair<const char*, std::function<void()>> commands[] = {
+      {"check", [&] { CheckCommand({pack.Path}, out); }}, {"plan", [&] { Plan(); }}};
+  for (const char* file : {"AppCfg.txt", "SQLScript/Fresh/f.sql"}) {
+    fs::permissions(pack.Path / file, fs::perms::none);
+    for (const auto& [name, command] : commands) {
+      std::string said = "(nothing)";
+      try {
+        const AsAnyone anyone;
+        command();
+      } catch (const std::runtime_error& error) {
+        said = error.what();
+      }
+      EXPECT_EQ(said, (pack.Path / file).string() + " cannot be read: Permission denied") << name;
+    }
+    fs::permissions(pack.Path / file, fs::perms(0644));
+  }
+}
+
+}  // namespace
+}  // namespace talu
