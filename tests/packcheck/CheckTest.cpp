@@ -131,10 +131,8 @@ TEST_F(CheckTest, FindingsAreToldWithPlaceWeightAndStatus) {
   EXPECT_NE(Check(true).find(R"("accepted":"run by hand later")"), std::string::npos);
 
   std::ostringstream out;
-  EXPECT_EQ(CheckCommand({folder / "nowhere"}, out), 2);
-  EXPECT_TRUE(out.str().starts_with("packcheck: ")) << out.str();
-  EXPECT_EQ(ExplainCommand("no-such", out), 2);
-  EXPECT_EQ(ExplainCommand("add-kind", out), 0);
+  ExplainCommand("add-kind", out);
+  EXPECT_TRUE(out.str().starts_with("#### ADD-KIND")) << out.str();
 }
 
 /// The fenced parts of the manual: what stands behind the fence, and the lines.

@@ -1,6 +1,5 @@
 #include "CheckCommand.h"
 
-#include <exception>
 #include <filesystem>
 #include <map>
 #include <ostream>
@@ -35,7 +34,7 @@ std::string Counted(int count, const std::string& thing) {
 
 }  // namespace
 
-int CheckCommand(const CheckOptions& options, std::ostream& out) try {
+int CheckCommand(const CheckOptions& options, std::ostream& out) {
   if (!std::filesystem::is_directory(options.Pack)) {
     throw std::runtime_error("there is no folder " + options.Pack.string());
   }
@@ -61,26 +60,21 @@ int CheckCommand(const CheckOptions& options, std::ostream& out) try {
   }
   if (counts[Severity::Error] > 0) return kErrors;
   return counts[Severity::Warning] > 0 ? kWarnings : kClean;
-} catch (const std::exception& error) {
-  out << "packcheck: " << error.what() << '\n';
-  return kErrors;
 }
 
-int ExplainCommand(const std::string& code, std::ostream& out) {
+void ExplainCommand(const std::string& code, std::ostream& out) {
   if (code == "all") {
     for (const RuleGroup& group : AllRules()) {
       out << "### " << group.Heading << "\n\n";
       for (const Rule& rule : group.Rules) out << Explanation(rule) << '\n';
     }
-    return kClean;
+    return;
   }
   const Rule* rule = FindRule(code);
   if (rule == nullptr) {
-    out << "packcheck: no finding is called " << code << "; \"all\" explains every one\n";
-    return kErrors;
+    throw std::runtime_error("no finding is called " + code + "; \"all\" explains every one");
   }
   out << Explanation(*rule);
-  return kClean;
 }
 
 }  // namespace talu

@@ -14,12 +14,12 @@ struct CheckOptions {
 };
 
 /// Checks a pack and writes what was found to `out`, in UTF-8. Returns the exit status: 0 when it
-/// is clean (notes and accepted findings aside), 1 with warnings, 2 with errors or when the pack
-/// cannot be read.
+/// is clean (notes and accepted findings aside), 1 with warnings, 2 with errors. Raises
+/// std::exception, with a line for the user, when the pack cannot be read.
 int CheckCommand(const CheckOptions& options, std::ostream& out);
 
-/// Writes what the finding `code` means, in Markdown; every one for "all". Returns 0, or 2 when
-/// there is no such code.
-int ExplainCommand(const std::string& code, std::ostream& out);
+/// Writes what the finding `code` means, in Markdown; every one for "all". Raises
+/// std::runtime_error with a line for the user when there is no such code.
+void ExplainCommand(const std::string& code, std::ostream& out);
 
 }  // namespace talu

@@ -6,6 +6,11 @@
 #include <shellapi.h>
 
 #include <filesystem>
+#else
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <iostream>
 #endif
 
 namespace talu {
@@ -23,7 +28,18 @@ std::vector<std::string> Utf8Arguments(int, char**) {
   LocalFree(wide);
   return result;
 }
+
+// A closed one has no number there that another file could take.
+void HoldStandardFiles() {}
 #else
+void HoldStandardFiles() {
+  for (int number = 0; number <= 2; ++number) {
+    if (fcntl(number, F_GETFD) >= 0) continue;
+    open("/dev/null", O_RDONLY);  // takes the lowest free number
+    if (number == STDOUT_FILENO) std::cout.setstate(std::ios::badbit);
+  }
+}
+
 std::vector<std::string> Utf8Arguments(int count, char** arguments) {
   std::vector<std::string> result;
   for (int i = count - 1; i > 0; --i) result.emplace_back(arguments[i]);

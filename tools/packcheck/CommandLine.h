@@ -9,4 +9,8 @@ namespace talu {
 /// console shows UTF-8.
 std::vector<std::string> Utf8Arguments(int count, char** arguments);
 
+/// Keeps the numbers of standard input, output and error from files that are opened later, where
+/// one of the three is closed. What is written there then fails.
+void HoldStandardFiles();
+
 }  // namespace talu

@@ -28,7 +28,6 @@ int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
   });
   if (!options.Json) account.End(run);
   if (!options.Save.empty()) run.Machine.Disk.SaveTo(options.Save, options.Run.PackPath);
-  if (!out.flush()) throw std::runtime_error("cannot write the plan");
   return run.Finished() ? 0 : 1;
 }
 

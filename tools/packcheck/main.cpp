@@ -2,12 +2,15 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "CommandLine.h"
 #include "PlanArguments.h"
 #include "PlanCommand.h"
+#include "runtime/RuntimeError.h"
 #if __has_include("CheckCommand.h")
 #include "CheckCommand.h"
 #define TALU_CHECK
@@ -76,25 +79,30 @@ struct CheckArguments {
 
 CLI::App& AddCheck(CLI::App& app, CheckArguments& given) {
   CLI::App& check = *app.add_subcommand("check", "Find what is likely not meant");
-  check.footer("Exit status: 0 the pack is clean, 1 there are warnings, 2 there are errors.");
+  check.footer(
+      "Exit status: 0 the pack is clean, 1 there are warnings, 2 there are errors or it "
+      "could not be checked.");
   CLI::Option* const pack = check.add_option("PACK", given.Pack, "The pack folder")->type_name("");
-  check.add_flag("--json", given.Json, "Print one JSON object a finding");
+  CLI::Option* const json = check.add_flag("--json", given.Json, "Print one JSON object a finding");
   check.add_option("--explain", given.Code, "Explain a finding's code")
       ->type_name("CODE")
-      ->excludes(pack);
+      ->excludes(pack)
+      ->excludes(json);
   return check;
 }
 
 int RunCheck(const CheckArguments& given) {
-  if (!given.Code.empty()) return ExplainCommand(given.Code, std::cout);
+  if (!given.Code.empty()) {
+    ExplainCommand(given.Code, std::cout);
+    return 0;
+  }
   if (given.Pack.empty()) throw std::runtime_error("check: a pack folder is wanted");
   const std::u8string pack(given.Pack.begin(), given.Pack.end());
   return CheckCommand({.Pack = pack, .Json = given.Json}, std::cout);
 }
 #endif
 
-int Main(int count, char** arguments) {
-  std::ios::sync_with_stdio(false);
+int Run(int count, char** arguments) {
   CLI::App app("packcheck tells what Setup.exe would do with an installation pack.");
   app.name("packcheck");
   app.require_subcommand(1);
@@ -109,15 +117,32 @@ int Main(int count, char** arguments) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kUsage;
   }
-  try {
-    if (plan.parsed()) return PlanCommand(ReadPlanArguments(planned), std::cout);
+  if (plan.parsed()) return PlanCommand(ReadPlanArguments(planned), std::cout);
 #ifdef TALU_CHECK
-    return RunCheck(checked);
+  return RunCheck(checked);
+#else
+  return kUsage;
 #endif
+}
+
+int Main(int count, char** arguments) {
+  std::ios::sync_with_stdio(false);
+  HoldStandardFiles();
+  int status = kUsage;
+  std::string trouble;
+  try {
+    status = Run(count, arguments);
+  } catch (const std::filesystem::filesystem_error& error) {
+    const std::u8string name = error.path1().u8string();
+    trouble = std::string(name.begin(), name.end()) + ": " + error.code().message();
+  } catch (const std::bad_alloc&) {
+    trouble = StandardDescription(error::OutOfMemory);
   } catch (const std::exception& error) {
-    std::cout.flush();
-    std::cerr << "packcheck: " << error.what() << '\n';
+    trouble = error.what();
   }
+  if (!std::cout.flush() && trouble.empty()) trouble = "standard output cannot be written";
+  if (trouble.empty()) return status;
+  std::cerr << "packcheck: " + trouble + "\n";
   return kUsage;
 }
 

@@ -1,0 +1,83 @@
+#!/usr/bin/env bash
+# packcheck as a program: what it says on which stream, and how it ends. Usage: streams.sh PACKCHECK
+set -u
+packcheck=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+failures=0
+
+# Is WHAT ACTUAL EXPECTED
+Is() {
+  [[ $2 == "$3" ]] && return
+  echo "FAILED: $1: '$2' in place of '$3'"
+  failures=$((failures + 1))
+}
+
+# A pack with every byte, in its texts and as far as Windows allows it in names.
+pack=$folder/pack
+mkdir -p "$pack/SQLScript/Fresh" "$pack/Application"
+python3 - "$pack" <<'PYTHON'
+import pathlib, sys
+pack = pathlib.Path(sys.argv[1])
+every = bytes(range(256))
+block = lambda key, values: key + b"\r\n{\r\n" + values + b"\r\n}\r\n"
+pack.joinpath("AppCfg.txt").write_bytes(
+    block(b"AppTitle", every) + block(b"AppFolder", b"App") + block(b"DBFolder", b"Data")
+    + block(b"FreshDBSript", b"f.sql\r\n" + every) + block(b"SystemDSN", every * 3)
+    + block(b"AddOns", b"a\xff.bat\r\n\x81\xfe.exe") + every)
+pack.joinpath("SQLScript/Fresh/f.sql").write_bytes(b"--taluLineByLine\r\nPRINT '" + every + b"',\r\n")
+pack.joinpath("Application/\u20ac\u00fc.dll").write_bytes(every)
+PYTHON
+plan=(plan "$pack" --type fresh --mode)
+for command in "check $pack" "${plan[*]} server" "${plan[*]} client" "${plan[*]} server --fail-sql PRINT"; do
+  # shellcheck disable=SC2086
+  "$packcheck" $command --json >"$folder/out"
+  Is "$command --json" "$(python3 -c 'import json, sys
+lines = open(sys.argv[1], "rb").read().decode("utf-8", "strict").split("\n")
+print(len([json.loads(line) for line in lines[:-1]]) > 0, repr(lines[-1]))' "$folder/out" 2>&1)" "True ''"
+done
+
+# Its own failures are on standard error, in one line, and end with 2.
+mkdir "$folder/huge" "$folder/wrong"
+: >"$folder/wrong/"$'\xff\xfe'
+truncate -s 3G "$folder/huge/AppCfg.txt"
+export ASAN_OPTIONS=max_allocation_size_mb=1000 # the 3 GB would be taken for good
+while IFS='|' read -r command expected; do
+  # shellcheck disable=SC2086
+  "$packcheck" $command >"$folder/out" 2>"$folder/error"
+  Is "$command" "$? $(wc -c <"$folder/out") $(<"$folder/error")" "2 0 packcheck: $expected"
+done <<CASES
+check $folder/nowhere --json|there is no folder $folder/nowhere
+check $folder/nowhere|there is no folder $folder/nowhere
+check --explain NONE|no finding is called NONE; "all" explains every one
+check $folder/huge|AppCfg.txt: Out of memory
+check $folder/huge --json|AppCfg.txt: Out of memory
+check $folder/wrong --json|$folder/wrong/$(printf '\xff\xfe'): the name cannot be written in Windows-1252
+plan $folder/nowhere --type fresh --mode client --json|PACK: "$folder/nowhere" is not a folder
+CASES
+Is 'a plan of a huge configuration' "$("$packcheck" plan "$folder/huge" --type fresh --mode client 2>&1 |
+  sed -n '/^  message/,/^$/p' | tr -s ' \n' ' ')" " message Run-time error '7': Out of memory "
+
+# A standard output that takes nothing, or is closed. What is saved then has none of it.
+while read -r command; do
+  # shellcheck disable=SC2086
+  "$packcheck" $command >/dev/full 2>"$folder/error"
+  Is "$command >/dev/full" "$? $(<"$folder/error")" '2 packcheck: standard output cannot be written'
+  rm -rf "$folder/saved"
+  # shellcheck disable=SC2086
+  "$packcheck" $command >&- 2>"$folder/error"
+  Is "$command >&-" "$? $(<"$folder/error")" '2 packcheck: standard output cannot be written'
+done <<CASES
+--help
+check --help
+plan --help
+check $pack
+check $pack --json
+check --explain all
+check --explain CFG-MISSING
+${plan[*]} client
+${plan[*]} client --json
+${plan[*]} client --save $folder/saved
+CASES
+grep -rqs 'installation in client mode' "$folder/saved" && Is 'what was saved' 'the account' 'files'
+exit $((failures > 0))
