@@ -37,6 +37,30 @@ class TroubleTest : public testing::Test {
   std::string account;
 };
 
+TEST_F(TroubleTest, APlanEndsWithOneWhenSomethingFailed) {
+  // Two data sources, an add-on that is missing and one with an exit code are no failures.
+  options.ExitCodes["there.exe"] = 3010;
+  EXPECT_EQ(Plan(), 0) << account;
+  EXPECT_NE(account.find("when the object is open."), std::string::npos) << account;
+  EXPECT_NE(account.find("missing.exe  ends with -1"), std::string::npos) << account;
+  const char* const requests[] = {"mkdir", "copy", "dsn", "read", "print", "sql"};
+  for (const char* request : requests) {
+    const auto isTheOne = [&] {
+      const auto run = talu::Plan(options);
+      return run->Machine.Journal.FailedRequest() == request && run->Finished();
+    };
+    options.FailRequest = 1;
+    while (options.FailRequest < 1000 && !isTheOne()) ++options.FailRequest;
+    if (std::string(request) == "sql") {  // stops at once
+      options.FailRequest = 0;
+      options.FailSql = {{"USE", StatementError("No.")}};
+    }
+    EXPECT_EQ(Plan(), 1) << request << "\n" << account;
+    EXPECT_NE(account.find(" above.\n"), std::string::npos) << request << "\n" << account;
+    EXPECT_EQ(Plan(true), 1) << request;
+  }
+}
+
 TEST_F(TroubleTest, WhatCannotBeToldEndsThePlan) {
   for (const char* kind : {"set", "mkdir", "print", "copy", "end"}) {
     const auto watch = [&](const PlannedRun&, const JournalEvent& event) {

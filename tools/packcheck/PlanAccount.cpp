@@ -57,7 +57,10 @@ void PlanAccount::Take(PlannedRun& run, const JournalEvent& event) {
   const std::string& kind = event.Kind;
   if (counts_.empty()) Begin();
   ++counts_[kind];
-  if (event.Error) lastError_ = event.Error->Description;
+  if (event.Error) {
+    lastError_ = event.Error->Description;
+    ++failures_;
+  }
   if (kind == "show") {
     TakePage(run, event);
   } else if (kind == "set") {
@@ -90,6 +93,8 @@ void PlanAccount::Take(PlannedRun& run, const JournalEvent& event) {
     Tell("starts", text("command"), event);
   } else if (kind == "shortcut") {
     Tell("shortcut", text("path") + "  leads to " + text("target"), event);
+  } else if (kind == "setting" && event.Error) {
+    Tell("setting", text("key"), event);
   }
 }
 
@@ -138,7 +143,11 @@ void PlanAccount::TakeLogEntry(const std::string& entry) {
   if (!entry.starts_with(kHead) || !entry.ends_with("\r\n\r\n\r\n")) return;
   const std::string error =
       entry.substr(kHead.size(), entry.find('\r', kHead.size()) - kHead.size());
-  if (error != std::exchange(lastError_, "")) Tell("error", error);
+  if (error == std::exchange(lastError_, "")) return;
+  Tell("error", error);
+  // The wizard tries every data source over one connection: each after the first has this entry,
+  // and is none the worse for it.
+  if (error != "Operation is not allowed when the object is open.") ++failures_;
 }
 
 void PlanAccount::Tell(const char* label, const std::string& text, const JournalEvent& event) {
@@ -162,6 +171,7 @@ void PlanAccount::End(const PlannedRun& run) {
        << Counted(counts_["run"] + counts_["start"], "command") << ", "
        << Counted(counts_["msgbox"], "message") << "; " << Counted(journal.Requests(), "request")
        << " to the machine.\n";
+  if (failures_ > 0) out_ << Counted(failures_, "failure") << " above.\n";
   if (options_.FailRequest == 0) return;
   const std::string& failed = journal.FailedRequest();
   out_ << "Request " << options_.FailRequest

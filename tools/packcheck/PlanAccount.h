@@ -17,6 +17,8 @@ class PlanAccount {
   void Take(PlannedRun& run, const JournalEvent& event);
   /// Ends with where the run ended.
   void End(const PlannedRun& run);
+  /// How many requests and entries were told as failed.
+  int Failures() const { return failures_; }
 
  private:
   void Begin();
@@ -31,6 +33,7 @@ class PlanAccount {
   std::ostream& out_;
   /// How many events of each kind came.
   std::map<std::string, int> counts_;
+  int failures_ = 0;
   /// Connections that were tried on the page on the screen.
   int connections_ = 0;
   std::string finalMessage_;

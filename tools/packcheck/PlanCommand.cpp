@@ -18,17 +18,15 @@ void RequireEmpty(const std::filesystem::path& folder) {
 
 int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
   if (!options.Save.empty()) RequireEmpty(options.Save);
-  PlanAccount account(options.Run, out);
+  std::ostream nowhere(nullptr);
+  PlanAccount account(options.Run, options.Json ? nowhere : out);
   PlannedRun run(options.Run, [&](PlannedRun& sofar, const JournalEvent& event) {
-    if (options.Json) {
-      out << event.ToJson() << '\n';
-    } else {
-      account.Take(sofar, event);
-    }
+    if (options.Json) out << event.ToJson() << '\n';
+    account.Take(sofar, event);
   });
-  if (!options.Json) account.End(run);
+  account.End(run);
   if (!options.Save.empty()) run.Machine.Disk.SaveTo(options.Save, options.Run.PackPath);
-  return run.Finished() ? 0 : 1;
+  return run.Finished() && account.Failures() == 0 ? 0 : 1;
 }
 
 }  // namespace talu

@@ -17,8 +17,8 @@ struct PlanCommandOptions {
 };
 
 /// Plans an installation and tells about it on `out`, in UTF-8, as it goes. Returns 0 when it came
-/// to Finish, 1 when the wizard stopped before. Raises std::runtime_error with a line for the user
-/// when it cannot be planned or saved.
+/// to Finish and nothing failed, 1 when the wizard stopped before or something is told as failed.
+/// Raises std::runtime_error with a line for the user when it cannot be planned or saved.
 int PlanCommand(const PlanCommandOptions& options, std::ostream& out);
 
 }  // namespace talu

@@ -24,8 +24,10 @@ constexpr int kUsage = 2;
 CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
   CLI::App& plan = *app.add_subcommand("plan", "Tell what an installation would do");
   plan.footer(
-      "Exit status: 0 the installation came to Finish, 1 the wizard stopped before, 2 it could not "
-      "be planned.");
+      "Exit status: 0 the installation came to Finish and nothing failed; 1 the wizard stopped "
+      "before, or something is shown as failed (\"fails\", \"error\"), but for the error that the "
+      "wizard logs at each data source after the first; 2 it could not be planned. How add-ons end "
+      "does not count.");
   std::string group;
   const auto add = [&](const char* name, auto& value, const char* valueName, const char* help) {
     CLI::Option* const option = plan.add_option(name, value, help)->type_name(valueName);
