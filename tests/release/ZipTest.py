@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The release's zip as its receiver meets it: ZipTest.py ZIP. Unpacks it below the current folder, checks
 every file against the checksums, every link of the manuals, and the pack to start from with the
-packcheck.exe beside it (under Wine)."""
+packcheck.exe beside it (under Wine). A stray file in the sources changes nothing."""
 
 import hashlib
 import pathlib
@@ -9,6 +9,17 @@ import re
 import subprocess
 import sys
 import zipfile
+
+root = pathlib.Path(__file__).resolve().parents[2]
+clone = pathlib.Path("clone").resolve()
+subprocess.run(["git", "clone", "-q", root, clone], check=True)
+(clone / "build").symlink_to(root / "build")
+(clone / "samples/Starter/Application/Thumbs.db").write_text("stray")
+(clone / "samples/Starter/AppCfg.txt~").write_text("stray")
+subprocess.run([sys.executable, "-B", root / "tools/release/MakeZip.py", clone, "."], check=True)
+with zipfile.ZipFile(pathlib.Path(sys.argv[1]).name) as archive:
+    strays = [name for name in archive.namelist() if name.endswith(("Thumbs.db", "~"))]
+    assert not strays, f"not of the sources: {strays}"
 
 with zipfile.ZipFile(sys.argv[1]) as archive:
     archive.extractall()

@@ -44,10 +44,11 @@ def contents(root):
         "drive.exe": (built / "tools/drive/drive.exe").read_bytes(),
         "Pack/Setup.exe": (built / "src/platform/win32/Setup.exe").read_bytes(),
     }
+    # What somebody left lying in the folder is no part of the release.
     starter = root / "samples/Starter"
-    for path in starter.rglob("*"):
-        if path.is_file():
-            files[f"Pack/{path.relative_to(starter)}"] = path.read_bytes()
+    tracked = subprocess.run(["git", "-C", starter, "ls-files", "-z"], capture_output=True, text=True, check=True)
+    for name in filter(None, tracked.stdout.split("\0")):
+        files[f"Pack/{name}"] = (starter / name).read_bytes()
     for name in ("pack-format", "operators", "drive"):
         files[f"{name}.html"] = page(root, name).encode()
     for part, package in LICENCES.items():
