@@ -29,10 +29,10 @@ class ErrorTrap {
     return false;
   }
 
-  /// A statement that assigns: puts what `expression` returns into `variable`, which keeps its value
-  /// when the expression fails; returns whether the statement came to its end. An assignment inside
-  /// `operator()` is no substitute: GCC 12's optimiser drops the value that `number` had before
-  /// `number = Count();` although `Count` throws.
+  /// A statement that assigns: puts what `expression` returns into `variable`, which keeps its
+  /// value when the expression fails; returns whether the statement came to its end. An assignment
+  /// inside `operator()` is no substitute: GCC 12's optimiser drops the value that `number` had
+  /// before `number = Count();` although `Count` throws.
   template <class Variable, class Expression>
   bool Assign(Variable& variable, Expression&& expression) const {
     return (*this)([&] {
