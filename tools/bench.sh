@@ -160,6 +160,7 @@ MakeBase() {
 # SetDesktop DPI: a desktop of Wine's own gives windows their captions.
 SetDesktop() {
   export WINEPREFIX=$Base.new/wine WINEARCH=win32 WINEDEBUG=-all
+  export -n TMPDIR
   wine reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f &&
     wine reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default \
       /d "$((1024 * $1 / 96))x$((768 * $1 / 96))" /f &&
@@ -182,6 +183,8 @@ MakeMachine() {
   mkdir -p "$dir/media" "$dir/shots"
   ln -sfn "$dir/media" "$dir/wine/dosdevices/d:"
   rm -f "$dir/odbc/odbc.ini"
+  # The Wine of Debian 13 crashes as it starts where this is in its environment.
+  export -n TMPDIR
   export WINEPREFIX=$dir/wine WINEARCH=win32 WINEDEBUG=${WINEDEBUG:--all} \
     WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d' ODBCSYSINI=$dir/odbc ODBCINI=/dev/null TDSVER=7.3
   Machine=$dir
