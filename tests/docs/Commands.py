@@ -29,6 +29,8 @@ INSTEAD = {
     "./demo --pack DIR": f"./demo --mode client --pack samples/Starter --out {place}/demo-starter",
     "./demo --show": f"tests/docs/closing {place}/demo-show",
     "tools/lint": "tools/lint src/runtime",
+    "tools/mutate": "tools/mutate --list",
+    "tools/mutate deploy": "tools/mutate --list deploy",
     "./release --twice": "./release --help",
     "ctest --preset native": "ctest --preset native -N",
     "fuzz/run 600 scripts": "fuzz/run 1 scripts",
