@@ -79,5 +79,8 @@ ${plan[*]} client
 ${plan[*]} client --json
 ${plan[*]} client --save $folder/saved
 CASES
+# The first trouble is the one that is told.
+"$packcheck" check "$folder/nowhere" >&- 2>"$folder/error"
+Is 'a failure >&-' "$? $(<"$folder/error")" "2 packcheck: there is no folder $folder/nowhere"
 grep -rqs 'installation in client mode' "$folder/saved" && Is 'what was saved' 'the account' 'files'
 exit $((failures > 0))

@@ -10,7 +10,7 @@ namespace talu {
 std::vector<std::string> Utf8Arguments(int count, char** arguments);
 
 /// Keeps the numbers of standard input, output and error from files that are opened later, where
-/// one of the three is closed. What is written there then fails.
+/// one of the three is closed. What is written there then fails; std::cout has failed already.
 void HoldStandardFiles();
 
 }  // namespace talu
