@@ -65,6 +65,12 @@ TEST_F(ConfigurationTest, PastTheLast16BitLineBothReadersOverflow) {
   EXPECT_EQ(wizard.TextFiles.FreeFile(), 1) << "a file was left open";
 }
 
+TEST_F(ConfigurationTest, ReadingThatFailsIsAnErrorAndLeavesNothingOpen) {
+  machine.Journal.FailRequest(machine.Journal.Requests() + 2, RuntimeError(error::DeviceIO));
+  EXPECT_THROW(wizard.GetCfgCount("AppTitle"), RuntimeError);
+  EXPECT_EQ(wizard.TextFiles.FreeFile(), 1);
+}
+
 TEST_F(ConfigurationTest, WithoutTheFileTheProgramEndsWithTheErrorBox) {
   machine.Disk.DeleteFile("D:\\Pack\\AppCfg.txt", false);
   Start();

@@ -28,6 +28,18 @@ class DatabaseTest : public PackTest {
   void BuildAgain() {
     windows.Run([this] { wizard.Page<FrmSQLNonQuery>().Show(); });
   }
+  /// What the pages before have left behind.
+  InstallState AtTheBuild() {
+    machine.Disk.MakeFolders("C:\\Progs\\App");
+    InstallState state;
+    state.AppFolderPath = "C:\\Progs\\App";
+    state.AppFolderName = "App";
+    state.DBFolderPath = "C:\\Progs\\App\\Data";
+    state.ServerName = "SRV1";
+    state.LogFileNumber = 1;
+    state.UninstallFileNumber = 2;
+    return state;
+  }
   void FailOn(const std::string& text) {
     machine.Server.FailStatements(text, StatementError("Told to fail."));
   }
@@ -105,6 +117,163 @@ TEST_F(DatabaseTest, WhatIsCutFromOddStatements) {
   }
 }
 
+TEST_F(DatabaseTest, EveryEndingInItsOrder) {
+  using Texts = std::vector<std::string>;
+  const std::string connect = "connect driver={SQL Server};server=SRV1;uid=sa;pwd=secret;da";
+  const std::string mkdir = "mkdir C:\\Progs\\TA-LU\\App BackUp";
+  const std::string told = "log //|//|[Microsoft][ODBC SQL Server Driver][SQL Server]Tol";
+  const std::string unreachable = "log //|//|[Microsoft][ODBC SQL Server Driver][DBNETLIB]SQL S";
+  const std::string unconnected = "log //|//|The connection cannot be used to perform this oper";
+  const std::string missing = "log //|//|File not found";
+  const std::string refused = "Database authentication failed, Can not continue ...";
+  const Texts bad = {"--taluGO", create, "GO", "CREATE LOGIN Seller WITH x", "GO", "BAD", "GO"};
+  const Texts badStory = {"events",
+                          "sql |CREATE DATABASE SalesDB ON PRIMARY (NAME=S, FILENAME='C",
+                          "events",
+                          "ShpProgBar 441",
+                          "events",
+                          "sql |CREATE LOGIN Seller WITH x",
+                          "events",
+                          "ShpProgBar 442",
+                          "events",
+                          "sql |BAD FAILED",
+                          told,
+                          "events",
+                          "ShpProgBar 443",
+                          "sql USE Master",
+                          "sql ALTER DATABASE  SalesDB SET OFFLINE WITH ROLLBACK IMMEDI",
+                          "sql DROP DATABASE  SalesDB",
+                          "sql USE Master",
+                          "sql DROP LOGIN  Seller"};
+  const auto all = [](std::initializer_list<Texts> parts) {
+    Texts joined;
+    for (const Texts& part : parts) joined.insert(joined.end(), part.begin(), part.end());
+    return joined;
+  };
+  struct Case {
+    const char* what;
+    Texts a;
+    Texts b;
+    bool scanned;
+    bool reachable;
+    bool configured;
+    Texts story;
+    int files;  // that are open at the end, log and record too
+  };
+  const Case cases[] = {
+      {"success",
+       {"--taluGO", "CREATE LOGIN Seller WITH x", "GO"},
+       {"--taluLineByLine", "SELECT 1"},
+       true,
+       true,
+       true,
+       {"ShpProgBar 441",
+        "events",
+        "events",
+        "ShpProgBar 442",
+        "events",
+        mkdir,
+        connect,
+        connect,
+        "events",
+        "sql |CREATE LOGIN Seller WITH x",
+        "events",
+        "ShpProgBar 443",
+        "events",
+        "sql SELECT 1",
+        "events",
+        "ShpProgBar 444",
+        "disconnect",
+        "LblMsg Database creation completed successfully...",
+        "log //|Database creation completed successfully...",
+        "ShpProgBar 5860",
+        "record UsrName:sa",
+        "record PsWord:secret",
+        "record DBNames:0",
+        "record DBLogins:1, Seller"},
+       2},
+      {"a batch fails",
+       bad,
+       {"--taluGO"},
+       false,
+       true,
+       true,
+       all({{mkdir, connect, connect},
+            badStory,
+            {"disconnect", "ShpProgBar 440", "LblMsg Database creation not finished...",
+             "log //|Database creation not finished...",
+             "msgbox [Microsoft][ODBC SQL Server Driver][SQL Server]Told t"}}),
+       2},
+      {"malformed, after a batch that fails",
+       bad,
+       {"SELECT 1"},
+       false,
+       true,
+       true,
+       all({{mkdir, connect, connect},
+            badStory,
+            {"ShpProgBar 440", "LblMsg Script format is not correct....",
+             "log //|Script format is not correct....",
+             "msgbox [Microsoft][ODBC SQL Server Driver][SQL Server]Told t"}}),
+       4},
+      {"no server",
+       bad,
+       {},
+       false,
+       false,
+       true,
+       {mkdir, connect + " FAILED", unreachable, unconnected, connect + " FAILED", unreachable,
+        "LblMsg " + refused, "log //|" + refused},
+       3},
+      {"no server, no configuration",
+       bad,
+       {},
+       false,
+       false,
+       false,
+       {missing, mkdir, connect + " FAILED", unreachable, unconnected, missing, connect + " FAILED",
+        unreachable, "LblMsg " + refused, "log //|" + refused},
+       2},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.what);
+    Stage stage;
+    stage.machine.Disk.MakeFolders("C:\\Progs");
+    const Texts names = {"a.sql", "b.sql"};
+    stage.Configure(
+        {Block("FreshDBSript", names), Block("DBSript", test.scanned ? names : Texts{})});
+    stage.Put("SQLScript\\Fresh\\a.sql", CrLfLines(test.a));
+    stage.Put("SQLScript\\Fresh\\b.sql", CrLfLines(test.b));
+    stage.machine.Server.FailStatements("BAD", StatementError("Told to fail."));
+    stage.NoteEvents();
+    stage.GoToLocation("OptFresh", "OptServer", "C:\\Progs");
+    stage.machine.Server.Reachable = test.reachable;
+    if (!test.configured) stage.machine.Disk.DeleteFile("D:\\Pack\\AppCfg.txt", false);
+    stage.windows.Click("CmdNext");
+    const Texts story = stage.Story();
+    const auto end = std::ranges::find(story, "hide FrmSQLNonQuery");
+    const Texts page(std::find(story.begin(), end, "show FrmSQLNonQuery") + 1, end);
+    EXPECT_EQ(page, all({{"CmdPrev false", "LblMsg Building Database. Please wait....",
+                          "log //|Building Database Started...."},
+                         test.story}));
+    EXPECT_EQ(stage.wizard.TextFiles.FreeFile(), test.files + 1);
+  }
+}
+
+TEST_F(DatabaseTest, AfterAMalformedScriptTheNextBuildBeginsOutsideOfAnyBlock) {
+  Script("a.sql", {"SELECT 1"});
+  Build();
+  Script("a.sql", {"--taluGO", "SELECT 2", "GO"});
+  BuildAgain();
+  EXPECT_EQ(Statements(), std::vector<std::string>{"\r\nSELECT 2"});
+  // The first one's connection is open, and that is all that is wrong.
+  const std::string open = "//\r\nOperation is not allowed when the object is open.\r\n\r\n";
+  EXPECT_EQ(std::ranges::count_if(
+                LogEntries(),
+                [&](const std::string& entry) { return entry.starts_with("//") && entry != open; }),
+            0);
+}
+
 TEST_F(DatabaseTest, AFailedBuildIsRolledBackAndASecondOneDropsTheOldestNames) {
   Script("a.sql",
          {"--taluGO", create, "GO", "CREATE DATABASE Stock ON (FILENAME='C:\\Old\\t.mdf')", "GO",
@@ -124,9 +293,7 @@ TEST_F(DatabaseTest, AFailedBuildIsRolledBackAndASecondOneDropsTheOldestNames) {
   EXPECT_EQ(From(Statements(), 5), drops);
   EXPECT_TRUE(machine.Server.Databases.empty() && machine.Server.Logins.empty());
   EXPECT_EQ(windows.Messages(), std::vector<std::string>{failed});
-  EXPECT_EQ(Shown("LblMsg"), "Database creation not finished...");
-  EXPECT_EQ(Width(), 440);
-  EXPECT_FALSE(windows.Shown("CmdPrev")->Enabled);
+  EXPECT_FALSE(windows.Shown("CmdPrev")->Enabled || windows.Shown("CmdNext")->Enabled);
   EXPECT_EQ(LogEntries().at(4), "//\r\n" + failed + "\r\n\r\nBAD\r\n");
 
   // The next build counts from 0 but its list goes on: the oldest names are dropped.
@@ -187,6 +354,9 @@ TEST_F(DatabaseTest, ModesLeakAndResetAsTheyAlwaysDid) {
   List({"a.sql"});
   BuildAgain();
   EXPECT_EQ(Statements().back(), "\r\nFIVE\r\nSIX");
+  Script("a.sql", {"SEVEN"});
+  BuildAgain();
+  EXPECT_EQ(Statements().back(), "SEVEN");
 }
 
 TEST_F(DatabaseTest, TheConfigurationIsReadTheBuildsOwnWay) {
@@ -241,11 +411,7 @@ TEST_F(DatabaseTest, EveryBuildComesToItsEnd) {
     SCOPED_TRACE(test.what);
     Wizard fresh(machine.Parts);
     Put("SQLScript\\Fresh\\a.sql", test.script);
-    fresh.State.AppFolderPath = "C:\\Progs";
-    fresh.State.DBFolderPath = "C:\\Progs\\Data";
-    fresh.State.ServerName = "SRV1";
-    fresh.State.LogFileNumber = 1;
-    fresh.State.UninstallFileNumber = 2;
+    fresh.State = AtTheBuild();
     const auto messages = windows.Messages().size();
     windows.Run([&] { fresh.Page<FrmSQLNonQuery>().Show(); });
     EXPECT_EQ(fresh.Page<FrmSQLNonQuery>().LblMsg.Caption.Get(), test.status);
@@ -262,20 +428,111 @@ TEST_F(DatabaseTest, AMissingScriptCostsOneEntryAndTheBuild) {
   EXPECT_EQ(Statements(), std::vector<std::string>{"\r\nSELECT 1"});
 }
 
-TEST_F(DatabaseTest, WithoutServerOrFolderNothingIsRun) {
+TEST_F(DatabaseTest, WithoutServerOrFolderNothingIsRunAndThePageStays) {
   Script("a.sql", {"--taluGO", "SELECT 1", "GO"});
-  GoToLocation("OptFresh", "OptServer", "C:\\Progs");
+  Build();
   machine.Server.Reachable = false;
-  windows.Click("CmdNext");
-  EXPECT_EQ(Shown("LblMsg"), "Database authentication failed, Can not continue ...");
-  EXPECT_EQ(windows.VisibleForm(), "FrmSQLNonQuery");
-  EXPECT_EQ(Width(), 440);
-  EXPECT_FALSE(windows.Shown("CmdPrev")->Enabled || windows.Shown("CmdNext")->Enabled);
+  BuildAgain();
+  EXPECT_EQ(windows.VisibleForm(), "FrmSQLNonQuery") << "the success was another build's";
   machine.Server.Reachable = true;
   wizard.State.DBFolderPath = "";
   BuildAgain();
   EXPECT_EQ(LogEntries().back(), "//\r\n\r\n\r\n");
-  EXPECT_TRUE(Statements().empty());
+  EXPECT_EQ(Statements().size(), 1U);
+}
+
+/// Data access of which every call works, but for those of one name.
+class Refusing : public Ado {
+ public:
+  explicit Refusing(std::string call) : refused_(std::move(call)) {}
+  std::unique_ptr<Connection> CreateConnection() override {
+    return std::make_unique<RefusingConnection>(*this);
+  }
+  std::unique_ptr<Command> CreateCommand() override {
+    return std::make_unique<RefusingCommand>(*this);
+  }
+  std::vector<std::string> Calls;
+
+ private:
+  struct RefusingConnection : Connection {
+    explicit RefusingConnection(Refusing& all) : All(all) {}
+    void ConnectionString(const std::string&) override { All.Call("text"); }
+    void Open(const std::string&) override { All.Call("open"); }
+    void Close() override { All.Call("close"); }
+    int State() override { return All.Call("state"), 1; }
+    Refusing& All;
+  };
+  struct RefusingCommand : Command {
+    explicit RefusingCommand(Refusing& all) : All(all) {}
+    void ActiveConnection(Connection&) override { All.Call("bind"); }
+    void CommandTimeout(int) override { All.Call("time-out"); }
+    void CommandText(const std::string& text) override { All.Call("statement " + text); }
+    void Execute() override { All.Call("execute"); }
+    Refusing& All;
+  };
+  void Call(const std::string& call) {
+    Calls.push_back(call);
+    if (call.starts_with(refused_)) throw RuntimeError(error::Unspecified);
+  }
+  std::string refused_;
+};
+
+TEST_F(DatabaseTest, ACallThatFailsCostsNoOther) {
+  List({"a.sql"}, true);
+  Script("a.sql", {"--taluLineByLine", "USE X"});
+  for (const char* call : {"text", "open", "close", "state", "bind", "time-out", "execute"}) {
+    SCOPED_TRACE(call);
+    Refusing data(call);
+    Machine parts{windows,       machine.Files,    machine.Files,     data,
+                  machine.Odbc,  machine.Programs, machine.Scripting, machine.Settings,
+                  machine.Clock, "D:\\Pack"};
+    Wizard other(parts);
+    other.State = AtTheBuild();
+    windows.Run([&] { other.Page<FrmSQLNonQuery>().Show(); });
+    for (std::string& made : data.Calls) made = made.substr(0, 14);
+    std::vector<std::string> calls = {"text",           "text",    "open",           "bind",
+                                      "statement USE ", "execute", "statement IF  ", "execute",
+                                      "open",           "state",   "bind",           "time-out",
+                                      "statement USE ", "execute", "close"};
+    if (std::string(call) == "state") calls.resize(10);  // not known to be open: closed
+    EXPECT_EQ(data.Calls, calls);
+  }
+}
+
+TEST_F(DatabaseTest, ALineWhoseReadingFailsIsNotTakenInPart) {
+  const std::string blanks(70000, ' ');
+  Script("a.sql", {"--taluLineByLine", "USE A" + blanks, "USE B"});
+  machine.Server.AcceptAll = true;
+  // The second of two reads without anything between: of the backup's scan, of the build, and,
+  // where the list has the long line, of the build's list.
+  struct Case {
+    const char* what;
+    bool scanned;
+    std::vector<std::string> names;
+    std::size_t statements;
+    int missing;
+  };
+  for (const Case& test : {Case{"backup", true, {"a.sql"}, 4, 0},
+                           {"build", false, {"a.sql"}, 1, 0},
+                           {"list", false, {"a.sql", "none" + blanks}, 2, 1}}) {
+    SCOPED_TRACE(test.what);
+    List(test.names, test.scanned);
+    Wizard other(machine.Parts);
+    other.State = AtTheBuild();
+    const auto statements = Statements().size();
+    const auto entries = LogEntries().size();
+    std::string last;
+    int pairs = test.names.size() == 1 ? 1 : 2;
+    machine.Journal.OnRequest = [&](int, const std::string& kind) {
+      if (std::exchange(last, kind) == "read" && kind == "read" && --pairs == 0)
+        throw RuntimeError(error::DeviceIO);
+    };
+    windows.Run([&] { other.Page<FrmSQLNonQuery>().Show(); });
+    machine.Journal.OnRequest = nullptr;
+    EXPECT_EQ(Statements().size() - statements, test.statements);
+    EXPECT_EQ(std::ranges::count(From(LogEntries(), entries), "//\r\nFile not found\r\n\r\n"),
+              test.missing);
+  }
 }
 
 TEST_F(DatabaseTest, TheBarGrowsToItsLimitAndFallsBack) {

@@ -20,7 +20,10 @@ class DeployTest : public PackTest {
   }
   /// The log's entries between two of the driver's own.
   std::vector<std::string> Between(const std::string& first, const std::string& last) {
-    const std::vector<std::string> entries = LogEntries();
+    return Between(LogEntries(), first, last);
+  }
+  static std::vector<std::string> Between(const std::vector<std::string>& entries,
+                                          const std::string& first, const std::string& last) {
     const auto start = std::ranges::find(entries, first);
     const auto end = std::find(start, entries.end(), last);
     EXPECT_NE(end, entries.end()) << last;
@@ -145,6 +148,143 @@ TEST_F(DeployTest, AWholeClientInstallationInOrder) {
   EXPECT_TRUE(windows.Ended());
 }
 
+TEST_F(DeployTest, WhatAFailureLeavesIsWhatTheNextStatementWorksOn) {
+  struct Case {
+    const char* what;
+    std::vector<std::string> blocks;
+    const char* entry;  // the disk is full so many requests behind the first entry with this text
+    int behind;
+    const char* first;  // between these entries ...
+    const char* last;
+    std::vector<std::string> log;  // ... stand these
+    const char* words = "(none)";
+  };
+  const std::string full = "//\r\nDisk full\r\n";
+  const std::string denied = "//\r\nPath/File access error\r\n";
+  const auto command = [](const std::string& path, const char* end) {
+    return "regsvr32 /s \"" + path + "\"" + end;
+  };
+  const std::string part = app + "\\Parts\\a.dll";
+  const std::string x = "C:\\Windows\\system\\x.ocx";
+  const std::string y = "C:\\Windows\\system\\y.ocx";
+  const std::string open = "C:\\Users\\Public\\Desktop\\A.lnk";
+  const std::string own = "Shotcut:C:\\Users\\Operator\\Desktop\\A.lnk";
+  const char* registering = "File Registration started...";
+  const char* registered = "All Files registered successfully";
+  const char* special = "Special Registration started...";
+  const char* finished = "Special Registration finished.";
+  const Case cases[] = {
+      {"the entry for a place that is not there",
+       {Block("RegnLocation", {"\\None", "\\Parts"})},
+       "Path not found",
+       0,
+       registering,
+       registered,
+       {full, command(part, " /U"), command(part, "")}},
+      {"the entry for a folder that may not be listed",
+       {},
+       "Permission denied",
+       0,
+       registering,
+       registered,
+       {full, command(part, " /U"), command(part, "")}},
+      {"a place that is not read is the one before",
+       {Block("RegnLocation", {"\\Parts", "\\Other"})},
+       "a.dll\"\r\n",
+       2,
+       registering,
+       registered,
+       {command(part, " /U"), command(part, ""), full, command(part, " /U"), command(part, "")}},
+      {"the entry of the special registration: the shortcuts are made",
+       {Block("SpecialRegn", {"x.ocx", "", "y.ocx"}), Block("Shotcut", {"\\a.exe,Desktop,A"})},
+       "Subscript out of range",
+       0,
+       special,
+       "Writing Settings not Finished",
+       {command(x, " /U"), command(x, ""), full, "Creating Shotcuts...", denied,
+        "Shotcut:" + open + " can't created", own + " created"}},
+      {"a special component that is not read is the one before",
+       {Block("SpecialRegn", {"x.ocx", "y.ocx"})},
+       "x.ocx\"\r\n",
+       1,
+       special,
+       finished,
+       {command(x, " /U"), command(x, ""), full, command(x, " /U"), command(x, "")}},
+      {"the system's folder that is not known is the one before",
+       {Block("SpecialRegn", {"x.ocx", "y.ocx"})},
+       "x.ocx\"\r\n",
+       3,
+       special,
+       finished,
+       {command(x, " /U"), command(x, ""), full, command(y, " /U"), command(y, "")}},
+      {"a shortcut that is not made is the one before, and is saved again",
+       {Block("Shotcut", {"\\a.exe,Desktop,A"})},
+       "can't created",
+       1,
+       "Creating Shotcuts...",
+       "Writing Settings not Finished",
+       {denied, "Shotcut:" + open + " can't created", full, denied, own + " can't created",
+        own + " created"}},
+      {"a last word that is not read is not said again",
+       {Block("FinalMsg", {"A", "B", "C"})},
+       "Final Message started...",
+       5,
+       "Final Message started...",
+       "Installation finished.",
+       {full, "Final Message write successfully"},
+       "\rA\rC"},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.what);
+    const auto stage = PlayFailing(test.entry, test.behind, [&](PackTest& play) {
+      play.machine.Disk.MakeFolders(app + "\\Bad").Denied = true;
+      play.machine.Disk.Find("C:\\Users\\Public\\Desktop")->Denied = true;
+      play.Configure(test.blocks);
+      play.Put("Application\\Parts\\a.dll", "a");
+      play.Put("SpecialRegn\\x.ocx", "x");
+      play.Install("OptClient");
+    });
+    EXPECT_EQ(Between(stage->LogEntries(), test.first, test.last), test.log);
+    EXPECT_TRUE(*test.words == '(' || stage->Shown("LblFinalMsg") == test.words);
+  }
+}
+
+TEST_F(DeployTest, PendingEventsAreLetThroughAfterEachUnitOfWork) {
+  Configure({Block("RegnLocation", {"\\Parts"}), Block("WriteSettings", {"\\c.txt,S=,SERVER"}),
+             Block("AddOns", {"a.exe", "b.exe"})});
+  Put("Application\\Parts\\a.dll", "");
+  Put("Application\\Parts\\b.dll", "");
+  NoteEvents();
+  Install("OptClient");
+  std::vector<std::string> behind;
+  std::string last;
+  for (const std::string& line : Story()) {
+    if (line == "events") behind.push_back(last);
+    if (line.starts_with("log ") || line.starts_with("record ")) last = line;
+  }
+  const std::string copied = "log //|//|Copying file - C:\\Progs\\TA-LU\\App\\Parts\\D:\\Pack\\Ap";
+  EXPECT_EQ(
+      behind,
+      (std::vector<std::string>{
+          "log //|Started Copying files...", copied, copied, "log //|File Registration started...",
+          "log //|regsvr32 /s \"C:\\Progs\\TA-LU\\App\\Parts\\a.dll\"",
+          "log //|Writing Settings started...", "log //|Execution of AddOn packs started...",
+          "record AddOns:a.exe", "record AddOns:a.exe", "record AddOns:b.exe"}));
+  EXPECT_EQ(wizard.TextFiles.FreeFile(), 3) << "a file was left open";
+}
+
+TEST_F(DeployTest, DataSourcesAreTheMachines) {
+  struct : OdbcInstaller {
+    bool SQLConfigDataSource(int request, const std::string&, const std::string&) override {
+      return request == 4;
+    }
+  } odbc;
+  Machine parts{windows,          machine.Files,     machine.Files,    machine.Server, odbc,
+                machine.Programs, machine.Scripting, machine.Settings, machine.Clock,  ""};
+  Wizard other(parts);
+  EXPECT_TRUE(other.Page<FrmApplication>().CreateDSN("SQL Server", "DSN=Books"));
+}
+
 TEST_F(DeployTest, WithoutAnApplicationFolderTheLaterStepsStillRun) {
   Configure({Block("Shotcut", {"\\a.exe,Desktop,A"}), Block("AddOns", {"a.exe"})});
   Install("OptClient");
@@ -181,6 +321,7 @@ TEST_F(DeployTest, TheBarStartsByModeAndTakesTheCopysShare) {
 
 TEST_F(DeployTest, CopyGoesOnPastWhatItCannotCopy) {
   Put("Application\\a", "short");
+  Put("Application\\z", "short");
   Put("Application\\Data.MDF", "upper case is copied");
   Put("Application\\log.ldf", "is not");
   Put("Application\\locked.txt", "new");
@@ -199,6 +340,8 @@ TEST_F(DeployTest, CopyGoesOnPastWhatItCannotCopy) {
           "//\r\nCopying file - " + app + "\\" + from + "\\a",
           "//\r\nCopying file - " + app + "\\" + from + "\\Data.MDF",
           "//\r\nCopying file - " + app + "\\" + from + "\\locked.txt",
+          "//\r\nCan't copy " + from + "\\zto" + app + "\\z-Invalid procedure call or argument\r\n",
+          "//\r\nCopying file - " + app + "\\" + from + "\\z",
           "//\r\nCreating New Folder - " + app + "\\Denied",
           "//\r\nFolder Already exists - " + app + "\\Sub",
           "//\r\nCopying file - " + app + "\\Sub\\" + from + "\\Sub\\y.txt"}));
@@ -243,6 +386,17 @@ TEST_F(DeployTest, DataSourcesOfOddLines) {
   EXPECT_EQ(Given("ShpProgBar").at(5), "1477") << "a step of 4 for each";
 }
 
+TEST_F(DeployTest, EachStatementOfAnEmptyDataSourceFails) {
+  Configure({Block("SystemDSN", {"never read", "", "counted"})});
+  Install("OptClient");
+  const std::string error = "//\r\nSubscript out of range\r\n";
+  const std::vector<std::string> entries =
+      Between("DSN creation started...", "DSN(s) created successfully");
+  // The test of the driver, the attributes, the registration, the connection.
+  EXPECT_EQ(entries.at(0), "creating - ");
+  EXPECT_EQ(std::ranges::count(entries.begin(), entries.begin() + 5, error), 4);
+}
+
 TEST_F(DeployTest, StepsWithoutLinesShowAndLogNothingOfTheirOwn) {
   Put("Application\\a.txt", "");
   Install("OptClient");
@@ -259,9 +413,14 @@ TEST_F(DeployTest, AServerThatCannotBeReachedEndsTheProgram) {
   Install("OptClient");
   EXPECT_TRUE(windows.Ended());
   const std::string message = "Connection to Server failed, Can not continue installation";
-  EXPECT_EQ(windows.Messages(), std::vector<std::string>{message});
-  EXPECT_EQ(LogEntries().back(), message);
-  EXPECT_TRUE(machine.Journal.Texts("copy", "from").empty());
+  const std::vector<std::string> story = Story();
+  ASSERT_GT(story.size(), 5U);
+  EXPECT_EQ(std::vector<std::string>(story.end() - 5, story.end()),
+            (std::vector<std::string>{
+                "log //|//|[Microsoft][ODBC SQL Server Driver][DBNETLIB]SQL S",
+                "msgbox " + message.substr(0, 53), "log //|" + message.substr(0, 53),
+                "Lblmsg " + message.substr(0, 53), "end"}));
+  EXPECT_EQ(Records().size(), 3U) << "a source that cannot be used is not recorded";
 }
 
 TEST_F(DeployTest, RegistrationWalksAndSurvives) {
@@ -336,11 +495,16 @@ TEST_F(DeployTest, SettingsFilesOfOddLines) {
   EXPECT_EQ(Get(app + "\\Late.txt"), "(none)") << "the step ends at the short line";
   EXPECT_EQ(Between("Writing Settings started...", "Execution of AddOn packs started..."),
             std::vector<std::string>{"//\r\nSubscript out of range\r\n"});
+  Configure({Block("WriteSettings", {"\\Plain.txt,new,SERVER"})});
+  machine.Disk.Find(app + "\\Plain.txt")->ReadOnly = true;
+  EXPECT_THROW(wizard.Page<FrmApplication>().WriteSettings(), RuntimeError);
+  EXPECT_EQ(Get(app + "\\Plain.txt"), "alone\r\n");
 }
 
 TEST_F(DeployTest, AnErrorInTheAddOnsEndsThatStepOnly) {
   Configure({Block("AddOns", {"a.exe.msi", "b.exe"}), Block("FinalMsg", {"Done"})});
   Put("AddOns\\a.exe.msi", "");
+  windows.DuringEvents = [this] { windows.Click("CmdNext"); };  // not yet
   Install("OptClient");
   const auto commands = machine.Journal.Texts("run", "command");
   ASSERT_EQ(commands.size(), 3U);  // both kinds, the program first

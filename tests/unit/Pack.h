@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,7 +28,7 @@ inline std::string Block(const std::string& key, const std::vector<std::string>&
 
 /// A machine with a small pack in D:\Pack, and a wizard that has not started.
 class PackTest : public testing::Test {
- protected:
+ public:
   PackTest() { Configure({}); }
 
   /// Writes AppCfg.txt: the title and the folder names, then `blocks`.
@@ -79,6 +81,31 @@ class PackTest : public testing::Test {
   std::vector<std::string> LogEntries() { return Entries("Ta-luErrLog.txt", "//\r\n"); }
   std::vector<std::string> Records() { return Entries("Uninstall.dat", ""); }
 
+  /// From now on the journal tells where pending events are let through.
+  void NoteEvents() {
+    windows.DuringEvents = [this] { machine.Journal.Add({"events", {}}); };
+  }
+  /// The journal, a short line for each event: what a control was given, what an entry or a record
+  /// says, of the rest its first text. A failed request is marked.
+  std::vector<std::string> Story() {
+    std::vector<std::string> story;
+    for (const JournalEvent& event : machine.Journal.Events()) {
+      std::string line = event.Kind;
+      if (event.Kind == "set") {
+        line = event.Text("control") + " " + event.Text("value");
+      } else if (event.Kind == "print") {
+        line = event.Text("path").ends_with("Ta-luErrLog.txt") ? "log " : "record ";
+        line += event.Text("text");
+      } else if (!event.Fields.empty()) {
+        line += " " + event.Text(event.Fields.front().first);
+      }
+      line = Replace(line, "\r\n", "|").substr(0, 60);
+      while (line.ends_with('|')) line.pop_back();
+      story.push_back(line + (event.Error ? " FAILED" : ""));
+    }
+    return story;
+  }
+
   SimulatedMachine machine;
   SimulatedWindows& windows = machine.Windows;
   Wizard wizard{machine.Parts};
@@ -96,5 +123,33 @@ class PackTest : public testing::Test {
     return entries;
   }
 };
+
+/// A machine with its wizard, beside the test's own.
+struct Stage : PackTest {
+  void TestBody() override {}
+};
+
+/// Plays on a stage with a full disk for one request: the one that comes `behind` requests behind
+/// the first entry or record that contains `text`. Which one that is shows a rehearsal.
+inline std::unique_ptr<Stage> PlayFailing(const std::string& text, int behind,
+                                          const std::function<void(PackTest&)>& play) {
+  int request = 0;
+  Stage rehearsal;
+  const Journal& journal = rehearsal.machine.Journal;
+  std::vector<std::pair<int, std::size_t>> prints;
+  rehearsal.machine.Journal.OnRequest = [&](int number, const std::string& kind) {
+    if (kind == "print") prints.emplace_back(number, journal.Events().size());
+  };
+  play(rehearsal);
+  for (const auto& [number, event] : prints) {
+    if (request == 0 && Contains(journal.Events().at(event).Text("text"), text))
+      request = number + behind;
+  }
+  EXPECT_NE(request, 0) << text;
+  auto stage = std::make_unique<Stage>();
+  stage->machine.Journal.FailRequest(request, RuntimeError(error::DiskFull));
+  play(*stage);
+  return stage;
+}
 
 }  // namespace talu

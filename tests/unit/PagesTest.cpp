@@ -54,13 +54,12 @@ TEST_F(PagesTest, OldFolderControlsFollowTheirClicks) {
   windows.Click("ChkOldLocation");
   EXPECT_TRUE(Visible("TxtInstaPath") && Visible("CmdLocation"));
   EXPECT_TRUE(wizard.State.UseOldLocation);
-  windows.Click("CmdLocation");  // cancelled
-  windows.BrowseError = RuntimeError(error::PathNotFound);
-  windows.Click("CmdLocation");  // fails, silently
-  EXPECT_EQ(wizard.State.OldInstallPath, "");
   windows.BrowseAnswers = {"C:\\Old"};
   windows.Click("CmdLocation");
   windows.Click("CmdLocation");  // cancelled
+  windows.BrowseError = RuntimeError(error::PathNotFound);
+  windows.Click("CmdLocation");  // fails, silently
+  EXPECT_TRUE(windows.Messages().empty());
   EXPECT_EQ(wizard.State.OldInstallPath, "C:\\Old");
   EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Old");
   windows.Click("OptDemo");
@@ -104,7 +103,9 @@ TEST_F(PagesTest, BackAndNextFollowTheMode) {
   windows.Click("CmdPrev");
   EXPECT_EQ(windows.VisibleForm(), "FrmMode");
   EXPECT_TRUE(windows.Shown("OptClient")->Value);
+  windows.Click("OptServer");
   windows.Click("CmdPrev");
+  EXPECT_EQ(wizard.State.Mode, 1) << "only Next stores the choice";
   EXPECT_EQ(windows.VisibleForm(), "FrmType");
   windows.Close();
   EXPECT_TRUE(windows.Ended());
@@ -164,6 +165,8 @@ TEST_F(PagesTest, AChosenRootGetsProductAndApplicationFolder) {
     EXPECT_EQ(wizard.State.InstallPath, test.installPath);
     EXPECT_EQ(Shown("TxtInstaPath"), test.box);
   }
+  windows.Click("CmdLocation");  // cancelled
+  EXPECT_EQ(wizard.State.InstallPath, cases[4].installPath);
   windows.Hover("TxtInstaPath");
   EXPECT_EQ(windows.Shown("TxtInstaPath")->ToolTipText, "C:\\Apple\\TA-LU");
   windows.Focus("TxtServer");
@@ -173,7 +176,14 @@ TEST_F(PagesTest, AChosenRootGetsProductAndApplicationFolder) {
   windows.BrowseError = RuntimeError(error::PathNotFound, "Path not found", "Shell");
   windows.Click("CmdLocation");
   EXPECT_EQ(windows.Messages().back(), "76/Path not found/Shell");
-  EXPECT_EQ(wizard.State.InstallPath, "");
+  EXPECT_EQ(wizard.State.InstallPath + Shown("TxtInstaPath"), "");
+  // A name that is not read costs a box; the other is read, and the folder chosen.
+  wizard.State.AppFolderName = "";
+  windows.BrowseAnswers = {"C:\\Progs"};
+  machine.Journal.FailRequest(machine.Journal.Requests() + 1, RuntimeError(error::DeviceIO));
+  windows.Click("CmdLocation");
+  EXPECT_EQ(windows.Messages().back(), "57/Device I/O error/");
+  EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Progs\\TA-LU\\App");
 }
 
 TEST_F(PagesTest, UpgradeIntoTheOldFolderFillsTheLocation) {
@@ -203,7 +213,9 @@ TEST_F(PagesTest, NextMakesFoldersLogAndRecord) {
   Configure({Block("FreshDBSript", {"f.sql"})});
   machine.Disk.MakeFolders("C:\\Progs");
   GoToLocation("OptFresh", "OptClient", "C:\\Progs");
+  const auto before = Story().size();
   windows.Click("CmdNext");
+  EXPECT_EQ(Story().at(before), "CmdNext false") << "while it works";
   const std::string log = Get(app + "\\Ta-luErrLog.txt");
   EXPECT_TRUE(log.starts_with("//\r\nInstallation Started...\r\nApplication Folder created-" + app +
                               "\r\n\r\n//\r\nAppFolder created :" + app +
@@ -293,6 +305,11 @@ TEST_F(PagesTest, FailuresOfNextAreShownAndLeaveItDisabled) {
   windows.Click("CmdLocation");
   windows.Click("CmdNext");
   EXPECT_EQ(windows.Messages().back(), inUse);
+  machine.Disk.Find("C:\\Other\\TA-LU\\App\\Uninstall.dat")->Writers = 0;
+  machine.Disk.Find("C:\\Other\\TA-LU\\App\\Uninstall.dat")->ReadOnly = true;
+  windows.Type("TxtServer", "SRV2");
+  windows.Click("CmdNext");
+  EXPECT_EQ(windows.Messages().back(), "Path/File access error");
   EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
 }
 

@@ -106,6 +106,17 @@ TEST(TextFiles, NumbersAreAPool) {
   EXPECT_EQ(ErrorOf([&] { files.FreeFile(); }), error::TooManyFiles);
 }
 
+TEST(TextFiles, AppendOpensTheFileAnewForEachRecord) {
+  SimulatedMachine machine;
+  TextFiles files(machine.Files);
+  files.ReopenForAppend("C:\\log.txt", 1);
+  files.ReopenForAppend("C:\\other.txt", 1);
+  files.Print(1, {"x"});
+  EXPECT_EQ(machine.Disk.ReadFile("C:\\other.txt"), "x\r\n");
+  machine.Disk.Find("C:\\other.txt")->Denied = true;
+  EXPECT_EQ(ErrorOf([&] { files.ReopenForAppend("C:\\other.txt", 1); }), error::PermissionDenied);
+}
+
 TEST(ErrorTrap, ResumesWithTheNextStatementAndLetsTheHandlersErrorOut) {
   std::vector<int> seen;
   const ErrorTrap step([&](const RuntimeError& error) { seen.push_back(error.Number); });
@@ -130,6 +141,7 @@ TEST(ErrorTrap, AFailedAssignmentKeepsTheOldValue) {
   EXPECT_TRUE(failed && number == 0) << number;
   const bool assigned = step.Assign(number, [] { return CountOrFail(7); });
   EXPECT_TRUE(assigned && number == 7) << number;
+  EXPECT_TRUE(!step.Assign(number, [] { return CountOrFail(0); }) && number == 7) << number;
 }
 
 TEST(ErrorTrap, CountsItsLoopsInSixteenBits) {
