@@ -19,7 +19,6 @@ constexpr const char* kDatabases =
     "(FILENAME='C:\\Old\\Stock.mdf')\r\nGO\r\n"
     "IF NOT EXISTS (SELECT name FROM sys.server_principals WHERE name = N'Seller') CREATE LOGIN "
     "Seller WITH PASSWORD='x'\r\nGO\r\n";
-constexpr const char* kRows = "--taluLineByLine\r\nINSERT 1\r\nINSERT 2\r\n";
 
 std::string Block(const std::string& key, const std::vector<std::string>& values) {
   std::string text = key + "\r\n{\r\n";
@@ -32,7 +31,7 @@ std::string Block(const std::string& key, const std::vector<std::string>& values
 Installation::Installation(const Scenario& scenario) : scenario_(scenario) {
   PutPack();
   Disk().MakeFolders("C:\\Progs");
-  if (scenario.BadBatch) {
+  if (scenario.End == Scenario::Ending::Refused) {
     Machine.Server.FailStatements("INSERT 2", StatementError("Refused."));
   }
   if (!scenario.Over) return;
@@ -52,12 +51,14 @@ void Installation::PutPack() {
            Block("Shotcut", {"\\app.exe,Desktop,Sales", "\\app.exe,StartMenu,Sales"}) +
            Block("RegnLocation", {"\\Parts"}) + Block("SpecialRegn", {"link.ocx"}) +
            Block("AddOns", {"a.exe", "b.msi"}) +
-           Block("WriteSettings", {"\\Parts\\s.txt,S=,SERVER", "\\u.txt,U=,USERNAME"}) +
+           Block("WriteSettings", {"\\s.txt,S=,SERVER", "\\u.txt,U=,USERNAME"}) +
            Block("FinalMsg", {"Done"})},
       {"Skin\\WindowBack.jpg", "\xFF\xD8"},
       {"Application\\app.exe", "program"},
+      {"Application\\help.txt", "text"},
       {"Application\\Parts\\grid.ocx", "component"},
       {"Application\\Parts\\Deep\\readme.txt", "text"},
+      {"Application\\Zones\\zone.txt", "text"},
       {"SpecialRegn\\link.ocx", "component"},
       {"AddOns\\a.exe", "program"},
       {"AddOns\\b.msi", "package"}};
@@ -65,7 +66,11 @@ void Installation::PutPack() {
   for (const char* type : {"Fresh", "Upgrade", "Demo"}) {
     const std::string folder = std::string("D:\\Pack\\SQLScript\\") + type;
     Disk().WriteFile(folder + "\\a.sql", kDatabases);
-    Disk().WriteFile(folder + "\\b.sql", kRows);
+    // The backup finds the type's own database, and the server takes the rest for a comment.
+    Disk().WriteFile(folder + "\\b.sql", std::string(scenario_.End == Scenario::Ending::Malformed
+                                                         ? "INSERT 0\r\n"
+                                                         : "--taluLineByLine\r\n") +
+                                             "INSERT 1 -- USE " + type + "\r\nINSERT 2\r\n");
   }
 }
 
@@ -124,6 +129,7 @@ std::string Installation::Printed(const std::string& name, std::size_t events) c
   std::string text;
   for (std::size_t at = 0; at < events; ++at) {
     const JournalEvent& event = Machine.Journal.Events()[at];
+    if (event.Kind != "delete" && event.Kind != "print") continue;
     if (event.Error || event.Text("path") != App + name) continue;
     if (event.Kind == "delete") text.clear();
     if (event.Kind == "print") text += event.Text("text");

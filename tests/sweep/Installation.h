@@ -12,21 +12,38 @@ namespace talu {
 
 /// A whole installation of a small pack that has something for every step.
 struct Scenario {
+  enum class Ending { Finish, Refused, Malformed };
+
   const char* Name;
   /// The option buttons that the operator selects.
   const char* Type;
   const char* Mode;
   /// An earlier installation lies in the folder already.
   bool Over;
-  /// One batch of the scripts is refused: the build ends with its rollback.
-  bool BadBatch;
+  /// The build ends with its rollback when a batch of the scripts is refused or a script is
+  /// malformed.
+  Ending End;
+  /// The database that the backup before the build finds in the line mode of a script of its type.
+  const char* Backup;
+
+  /// The test that ends the process at every request takes it too.
+  bool Cut;
+
+  bool IsServer() const { return std::string(Mode) == "OptServer"; }
 };
 
-inline constexpr std::array<Scenario, 4> kScenarios = {
-    {{"server", "OptFresh", "OptServer", false, false},
-     {"client", "OptFresh", "OptClient", false, false},
-     {"server over an earlier one", "OptUpgrade", "OptServer", true, false},
-     {"server, a batch is refused", "OptFresh", "OptServer", false, true}}};
+inline constexpr std::array<Scenario, 8> kScenarios = {{
+    {"server, fresh", "OptFresh", "OptServer", false, Scenario::Ending::Finish, "Fresh", true},
+    {"server, demo", "OptDemo", "OptServer", false, Scenario::Ending::Finish, "Upgrade", false},
+    {"server, upgrade", "OptUpgrade", "OptServer", true, Scenario::Ending::Finish, "Demo", true},
+    {"client, fresh", "OptFresh", "OptClient", false, Scenario::Ending::Finish, "", true},
+    {"client, demo", "OptDemo", "OptClient", false, Scenario::Ending::Finish, "", false},
+    {"client, upgrade", "OptUpgrade", "OptClient", true, Scenario::Ending::Finish, "", false},
+    {"a batch is refused", "OptFresh", "OptServer", false, Scenario::Ending::Refused, "Fresh",
+     true},
+    {"a script is malformed", "OptFresh", "OptServer", false, Scenario::Ending::Malformed, "",
+     false},
+}};
 
 /// A machine with the pack, and an operator who installs it and presses on after a setback.
 class Installation {

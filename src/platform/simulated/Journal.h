@@ -41,6 +41,18 @@ class Journal {
   /// Counts a request that may fail. Raises the error that was asked for this request; out of
   /// memory is raised as a failed allocation.
   void Count(const char* request);
+  /// A request that may fail and is no event: noted, then counted.
+  void Count(const char* request, const std::string& about) {
+    Note(request, about);
+    Count(request);
+  }
+  /// Tells of something that is no event.
+  void Note(const char* what, const std::string& about = "") const {
+    if (OnNote) OnNote(what, about);
+  }
+  /// Told of what leaves no event: requests, with what they ask for, files closed, and pending
+  /// events let through.
+  std::function<void(const char* what, const std::string& about)> OnNote;
   /// Told of every such request before it is carried out, with its number (from 1); what it throws
   /// comes out of the request.
   std::function<void(int number, const char* request)> OnRequest;

@@ -20,7 +20,7 @@ class SimulatedFolder : public Folder {
 
  private:
   std::vector<FolderItem> List(const char* request, bool folders) const {
-    journal_.Count(request);
+    journal_.Count(request, path_);
     std::vector<FolderItem> items;
     for (const auto& [upper, node] : disk_.FolderAt(path_).Children) {
       if (node->IsFolder == folders) items.push_back({node->Name, path_ + "\\" + node->Name});
@@ -36,12 +36,13 @@ class SimulatedFolder : public Folder {
 
 class SimulatedInput : public TextFile {
  public:
-  SimulatedInput(Journal& journal, std::shared_ptr<const FileContent> content)
-      : journal_(journal), content_(std::move(content)) {}
+  SimulatedInput(Journal& journal, std::shared_ptr<const FileContent> content, std::string path)
+      : journal_(journal), content_(std::move(content)), path_(std::move(path)) {}
+  ~SimulatedInput() override { journal_.Note("close", path_); }
 
   std::uint64_t Size() const override { return content_->Size; }
   std::size_t Read(char* buffer, std::size_t size) override {
-    journal_.Count("read");
+    journal_.Count("read", path_);
     const std::size_t got = content_->Read(at_, buffer, size);
     at_ += got;
     return got;
@@ -51,6 +52,7 @@ class SimulatedInput : public TextFile {
  private:
   Journal& journal_;
   std::shared_ptr<const FileContent> content_;
+  std::string path_;
   std::uint64_t at_ = 0;
 };
 
@@ -61,7 +63,10 @@ class SimulatedOutput : public TextFile {
       : journal_(journal), disk_(disk), node_(node), path_(std::move(path)) {
     ++node_.Writers;
   }
-  ~SimulatedOutput() override { --node_.Writers; }
+  ~SimulatedOutput() override {
+    --node_.Writers;
+    journal_.Note("close", path_);
+  }
 
   std::uint64_t Size() const override { return node_.Content->Size; }
   std::size_t Read(char*, std::size_t) override { throw RuntimeError(error::BadFileMode); }
@@ -97,13 +102,13 @@ void SimulatedFiles::DeleteFile(const std::string& path, bool force) {
 }
 
 std::unique_ptr<Folder> SimulatedFiles::GetFolder(const std::string& path) {
-  journal_.Count("folder");
+  journal_.Count("folder", path);
   const std::string name = disk_.FolderAt(path).Name;
   return std::make_unique<SimulatedFolder>(journal_, disk_, disk_.FullPath(path), name);
 }
 
 std::string SimulatedFiles::GetSpecialFolder(int number) {
-  journal_.Count("special folder");
+  journal_.Count("special folder", std::to_string(number));
   switch (number) {
     case 0:
       return disk_.OwnSpelling("C:\\Windows");
@@ -117,7 +122,7 @@ std::string SimulatedFiles::GetSpecialFolder(int number) {
 }
 
 std::unique_ptr<TextFile> SimulatedFiles::OpenTextFile(const std::string& path, OpenMode mode) {
-  journal_.Count("open");
+  journal_.Count("open", path);
   if (mode == OpenMode::Input) {
     SimulatedDisk::Node* node = disk_.Find(path);
     if (node == nullptr) {
@@ -127,7 +132,7 @@ std::unique_ptr<TextFile> SimulatedFiles::OpenTextFile(const std::string& path, 
       throw RuntimeError(folderThere ? error::FileNotFound : error::PathNotFound);
     }
     if (node->IsFolder || node->Denied) throw RuntimeError(error::PathFileAccess);
-    return std::make_unique<SimulatedInput>(journal_, node->Content);
+    return std::make_unique<SimulatedInput>(journal_, node->Content, path);
   }
   SimulatedDisk::Node& node = disk_.FileForWriting(path);
   if (mode == OpenMode::Output) node.Content = std::make_shared<FileContent>();

@@ -103,12 +103,12 @@ RuntimeError StatementError(const std::string& text) {
 }
 
 std::unique_ptr<Connection> SimulatedServer::CreateConnection() {
-  journal_.Count("create connection");
+  journal_.Count("create connection", "");
   return std::make_unique<SimulatedConnection>(*this, journal_);
 }
 
 std::unique_ptr<Command> SimulatedServer::CreateCommand() {
-  journal_.Count("create command");
+  journal_.Count("create command", "");
   return std::make_unique<SimulatedCommand>(*this);
 }
 

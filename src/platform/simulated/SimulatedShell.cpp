@@ -55,11 +55,11 @@ class SimulatedScriptShell : public ScriptShell {
       : journal_(journal), disk_(disk), folders_(std::move(folders)) {}
 
   std::vector<std::string> SpecialFolders() override {
-    journal_.Count("special folders");
+    journal_.Count("special folders", "");
     return folders_;
   }
   std::unique_ptr<Shortcut> CreateShortcut(const std::string& path) override {
-    journal_.Count("create shortcut");
+    journal_.Count("create shortcut", path);
     return std::make_unique<SimulatedShortcut>(journal_, disk_, path);
   }
 
@@ -179,7 +179,7 @@ SimulatedScripting::SimulatedScripting(Journal& journal, SimulatedDisk& disk)
 }
 
 std::unique_ptr<ScriptShell> SimulatedScripting::CreateShell() {
-  journal_.Count("create shell");
+  journal_.Count("create shell", "");
   return std::make_unique<SimulatedScriptShell>(journal_, disk_, SpecialFolders);
 }
 

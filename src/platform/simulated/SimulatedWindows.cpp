@@ -82,8 +82,9 @@ void SimulatedWindows::MessageBox(const std::string& text, const std::string& ti
   journal_.Add({"msgbox", {{"text", text}, {"title", title}}});
 }
 
-std::optional<std::string> SimulatedWindows::BrowseForFolder(FormWindow&, const std::string&) {
-  journal_.Count("browse");
+std::optional<std::string> SimulatedWindows::BrowseForFolder(FormWindow&,
+                                                             const std::string& title) {
+  journal_.Count("browse", title);
   if (BrowseError) throw RuntimeError(*std::exchange(BrowseError, std::nullopt));
   if (BrowseAnswers.empty()) return std::nullopt;
   std::optional<std::string> answer = BrowseAnswers.front();
@@ -93,7 +94,7 @@ std::optional<std::string> SimulatedWindows::BrowseForFolder(FormWindow&, const 
 
 std::shared_ptr<Picture> SimulatedWindows::LoadPicture(const std::string& path) {
   if (path.empty()) return nullptr;
-  journal_.Count("picture");
+  journal_.Count("picture", path);
   SimulatedDisk::Node* node = disk_.Find(path);
   if (node == nullptr || node->IsFolder) throw RuntimeError(error::FileNotFound);
   std::array<char, 2> start{};

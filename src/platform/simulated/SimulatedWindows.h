@@ -29,6 +29,7 @@ class SimulatedWindows : public WindowSystem {
   std::optional<std::string> BrowseForFolder(FormWindow& owner, const std::string& title) override;
   std::shared_ptr<Picture> LoadPicture(const std::string& path) override;
   void DoEvents() override {
+    journal_.Note("events");
     if (DuringEvents) DuringEvents();
   }
   [[noreturn]] void EndProgram() override;
