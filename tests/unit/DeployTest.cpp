@@ -504,7 +504,7 @@ TEST_F(DeployTest, SettingsFilesOfOddLines) {
 TEST_F(DeployTest, AnErrorInTheAddOnsEndsThatStepOnly) {
   Configure({Block("AddOns", {"a.exe.msi", "b.exe"}), Block("FinalMsg", {"Done"})});
   Put("AddOns\\a.exe.msi", "");
-  windows.DuringEvents = [this] { windows.Click("CmdNext"); };  // not yet
+  windows.DuringEvents = [this] { windows.Click("CmdNext"); };  // a page at work takes none
   Install("OptClient");
   const auto commands = machine.Journal.Texts("run", "command");
   ASSERT_EQ(commands.size(), 3U);  // both kinds, the program first
