@@ -8,7 +8,7 @@
 
 #include <array>
 #include <cerrno>
-#include <iostream>
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -24,7 +24,7 @@ constexpr int pauseMilliseconds = 100;
 
 /// A line for whoever runs the server, in one piece.
 void Tell(const std::string& line) {
-  std::cerr << "sqlstandin: " + line + "\n" << std::flush;
+  std::fputs(("sqlstandin: " + line + "\n").c_str(), stderr);
 }
 
 void Check(bool isGood, const char* what) {
