@@ -133,7 +133,7 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
   };
 
   static void SetUpTestSuite() {
-    if (const char* file = std::getenv("TALU_JOURNALS")) journals_.open(file);
+    if (const char* file = std::getenv("TALU_JOURNALS")) journals_.open(file, std::ios::binary);
   }
   static void TearDownTestSuite() { Print(); }
 
