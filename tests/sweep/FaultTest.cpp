@@ -133,7 +133,7 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
   };
 
   static void SetUpTestSuite() {
-    if (const char* file = std::getenv("TALU_JOURNALS")) journals_.open(file, std::ios::binary);
+    if (const char* file = std::getenv("SWEEP_RUNS")) journals_.open(file, std::ios::binary);
   }
   static void TearDownTestSuite() { Print(); }
 
@@ -212,7 +212,7 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
   /// For the comparison of two builds: one line a run, and all of the one that is asked for.
   void Tell(const std::string& name, const Trace& trace) {
     journals_ << name << ": " << trace.Lines.size() << " lines, " << trace.Digest << "\n";
-    const char* wanted = std::getenv("TALU_RUN");
+    const char* wanted = std::getenv("SWEEP_LINES_OF");
     if (wanted == nullptr || name != wanted) return;
     for (const Trace::Line& line : trace.Lines) std::cout << line.Text << "\n";
   }
