@@ -75,4 +75,5 @@ $Host/Uninstall.dat" "$(grep -rlaF "$SQL_PASSWORD" "$Machine/wine" "$Machine/med
 Is 'records' "PsWord:$SQL_PASSWORD" "$(tr -d '\r' <"$Host/Uninstall.dat" | grep -F "$SQL_PASSWORD")"
 
 Test 'the stand-in listens on this machine only'
-Is 'addresses' "127.0.0.1:$Port" "$(ss -ltnH | awk '{print $4}' | grep ":$Port\$" | xargs)"
+Hex=$(printf %04X "$Port")
+Is 'addresses' "0100007F:$Hex" "$(awk -v port=":$Hex" '$4 == "0A" && $2 ~ port "$" {print $2}' /proc/net/tcp{,6} | xargs)"
