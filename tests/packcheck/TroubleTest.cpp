@@ -1,6 +1,9 @@
 // What goes wrong within an installation, and what goes wrong with packcheck itself.
+#include <linux/capability.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <array>
 #include <functional>
 #include <new>
 #include <sstream>
@@ -70,20 +73,23 @@ TEST_F(TroubleTest, WhatCannotBeToldEndsThePlan) {
   }
 }
 
-/// While it lives the process has no more rights than anyone.
-class AsAnyone {
+/// While it lives even root cannot read what the permissions do not allow. (Another user could not
+/// even come to the folder where it lies below root's own.)
+class WithoutPrivilege {
  public:
-  AsAnyone() {
-    if (usual_ == 0) {
-      EXPECT_EQ(seteuid(65534), 0);
-    }
+  WithoutPrivilege() {
+    EXPECT_EQ(syscall(SYS_capget, &header_, usual_.data()), 0);
+    auto fewer = usual_;
+    fewer[0].effective &= ~(1U << CAP_DAC_OVERRIDE | 1U << CAP_DAC_READ_SEARCH);
+    EXPECT_EQ(syscall(SYS_capset, &header_, fewer.data()), 0);
   }
-  ~AsAnyone() { EXPECT_EQ(seteuid(usual_), 0); }
-  AsAnyone(const AsAnyone&) = delete;
-  AsAnyone& operator=(const AsAnyone&) = delete;
+  ~WithoutPrivilege() { EXPECT_EQ(syscall(SYS_capset, &header_, usual_.data()), 0); }
+  WithoutPrivilege(const WithoutPrivilege&) = delete;
+  WithoutPrivilege& operator=(const WithoutPrivilege&) = delete;
 
  private:
-  uid_t usual_ = geteuid();
+  __user_cap_header_struct header_{_LINUX_CAPABILITY_VERSION_3, 0};
+  std::array<__user_cap_data_struct, 2> usual_{};
 };
 
 TEST_F(TroubleTest, AFileThatCannotBeReadIsNamed) {
@@ -97,7 +103,7 @@ TEST_F(TroubleTest, AFileThatCannotBeReadIsNamed) {
     for (const auto& [name, command] : commands) {
       std::string said = "(nothing)";
       try {
-        const AsAnyone anyone;
+        const WithoutPrivilege without;
         command();
       } catch (const std::runtime_error& error) {
         said = error.what();
