@@ -22,6 +22,8 @@ server = os.environ["Server"]
 # What is run in place of a command that would take long, or that would run this test again.
 INSTEAD = {
     "./test": "./test sample",
+    "./test SUITE": "./test sample",
+    "./demo && ./test": "./test sample",
     "./test --repeat 10 --busy 4 drive": "./test --repeat 2 --busy 1 sample",
     "./bench": "./bench --quick",
     "./demo": f"./demo --out {place}/demo",
@@ -41,6 +43,9 @@ INSTEAD = {
     "ansible-playbook -i machines.ini rollout.yml -e pack=/srv/packs/SalesDesk":
         "cd samples/RollOut && ansible-playbook -i machines.ini rollout.yml --syntax-check",
 }
+# A whole ./test among the commands would come back to here.
+assert "TALU_DOCUMENTS" not in os.environ, "the documents' commands run already"
+os.environ["TALU_DOCUMENTS"] = "run"
 # What a suite of ./test runs in earnest.
 SUITES = {"tests/powerloss/run 20": '"$Root/tests/powerloss/run" 3'}
 MARKS = ("sh", "bat", "drive", "cpp", "text", "files", "copies", "usage")
