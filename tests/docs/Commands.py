@@ -37,6 +37,7 @@ INSTEAD = {
     "ctest --preset native": "ctest --preset native -N",
     "fuzz/run 600 scripts": "fuzz/run 1 scripts",
     "tools/contact-sheet": "tools/contact-sheet --quick",
+    "tools/fresh-machine": "tools/fresh-machine --help",
     "tools/fresh-machine bookworm": "tools/fresh-machine --help",
     "tools/fresh-machine trixie": "tools/fresh-machine --help",
     "tools/fresh-machine trixie ./test wineparts": "tools/fresh-machine --help",
