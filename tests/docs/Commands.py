@@ -10,11 +10,13 @@ cpp must stand in the tests as it is. Every fence has a mark, so that no command
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import time
 
 place = pathlib.Path(sys.argv[1]).resolve()
+quoted = shlex.quote(str(place))  # for a shell
 machine = pathlib.Path(os.environ["Machine"])
 pack = machine / "media/Pack"
 server = os.environ["Server"]
@@ -26,10 +28,10 @@ INSTEAD = {
     "./demo && ./test": "./test sample",
     "./test --repeat 10 --busy 4 drive": "./test --repeat 2 --busy 1 sample",
     "./bench": "./bench --quick",
-    "./demo": f"./demo --out {place}/demo",
-    "./demo --mode client": f"./demo --mode client --out {place}/demo-client",
-    "./demo --pack DIR": f"./demo --mode client --pack samples/Starter --out {place}/demo-starter",
-    "./demo --show": f"tests/docs/closing {place}/demo-show",
+    "./demo": f"./demo --out {quoted}/demo",
+    "./demo --mode client": f"./demo --mode client --out {quoted}/demo-client",
+    "./demo --pack DIR": f"./demo --mode client --pack samples/Starter --out {quoted}/demo-starter",
+    "./demo --show": f"tests/docs/closing {quoted}/demo-show",
     "tools/lint": "tools/lint src/runtime",
     "tools/mutate": "tools/mutate --list",
     "tools/mutate deploy": "tools/mutate --list deploy",
