@@ -175,6 +175,7 @@ int main() {
   MarkBusy(false);
   MSG message;
   while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+    if (message.message == WM_SYSCOMMAND) Sleep(700);  // the machine has more to do
     if (IsDialogMessageA(shown, &message)) continue;
     TranslateMessage(&message);
     DispatchMessageA(&message);

@@ -128,7 +128,7 @@ void Player::Until(const std::function<std::string()>& attempt, bool browses) {
     if (ended) {
       throw std::runtime_error("Setup has ended, exit code " + std::to_string(setup_.ExitCode()));
     }
-    if (stuck != nullptr) {
+    if (stuck != nullptr && stuck != acted_) {
       const auto line = TextOf(SetupProcess::ControlOn(stuck, "LblMsg"));
       throw std::runtime_error(there + "; nothing more can come, the page says " +
                                Quoted(line.value_or("")));

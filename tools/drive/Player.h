@@ -39,8 +39,12 @@ class Player {
   /// Whether there is a Setup to drive, found this moment or before.
   bool Attach();
   void Wait(const std::string& form);
-  /// Called right before everything that an operator does: the showings until now are of the past.
-  void BeginAct() { past_ = setup_.LastShowing(); }
+  /// Called right before everything that an operator does: the showings until now are of the past,
+  /// and on a page that was at its end what is done now is still to come.
+  void BeginAct() {
+    past_ = setup_.LastShowing();
+    acted_ = setup_.StuckPage();
+  }
   /// Waits for the control and returns it when an operator could use it.
   HWND Usable(const std::string& name);
   void ClickControl(const std::string& name);
@@ -59,6 +63,9 @@ class Player {
   PlayOptions options_;
   /// The last showing of a page that no `wait` may find any more, once that page is left.
   int past_ = 0;
+  /// The page on which nothing else could come when the operator did something last, closed it for
+  /// one; or none.
+  HWND acted_ = nullptr;
 };
 
 }  // namespace talu::drive
