@@ -74,7 +74,8 @@ FrmSQLNonQuery::ScriptSet FrmSQLNonQuery::ChosenScripts() const {
 bool FrmSQLNonQuery::RunScripts(const ErrorTrap& step, const ScriptSet& scripts) {
   TextFiles& files = wizard_.TextFiles;
   while (MoreToRead(step, files, ConfigFile)) {
-    if (!step([&] { files.LineInput(ConfigFile, CurrentLine); })) continue;
+    std::string_view CurrentLine;
+    if (!step.Assign(CurrentLine, [&] { return files.LineInput(ConfigFile); })) continue;
     // The key begins with the whole line: an empty line stands for the key too.
     if (!scripts.Key.empty() && scripts.Key.starts_with(CurrentLine)) KeyFound = true;
     if (!KeyFound) continue;

@@ -61,34 +61,36 @@ void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
                  BackupScriptFile);
   BackupGoMode = false;
   while (MoreToRead(step, files, BackupScriptFile)) {
-    if (!step([&] { files.LineInput(BackupScriptFile, BackupCurrentLine); })) continue;
-    if (!TrimView(BackupCurrentLine).empty()) TakeLine(step);
+    std::string_view BackupCurrentLine;  // empty when it cannot be read
+    step.Assign(BackupCurrentLine, [&] { return files.LineInput(BackupScriptFile); });
+    const std::string_view trimmed = TrimView(BackupCurrentLine);
+    if (!trimmed.empty()) TakeLine(step, BackupCurrentLine, trimmed);
   }
   files.Close(BackupScriptFile);
   BackupScriptName.clear();
   // The build that follows must not carry the room of the longest batch along.
   BackupBatchText.shrink_to_fit();
-  BackupCurrentLine = {};
 }
 
-void MdlDataBaseBackup::TakeLine(const ErrorTrap& step) {
+void MdlDataBaseBackup::TakeLine(const ErrorTrap& step, std::string_view BackupCurrentLine,
+                                 std::string_view trimmed) {
   WindowSystem& windows = wizard_.Machine.Windows;
   if (ContainsUpper(BackupCurrentLine, kBatchDirective)) {
     BackupGoMode = true;
   } else if (BackupGoMode) {
-    if (EqualsUpper(TrimView(BackupCurrentLine), "GO")) {
+    if (EqualsUpper(trimmed, "GO")) {
       step([&] { CollectDatabaseName(); });
       step([&] { AdvanceProgress(); });
       windows.DoEvents();
       BackupBatchText.clear();
     } else {
-      step([&] { BackupBatchText.append(kCrLf).append(TrimView(BackupCurrentLine)); });
+      step([&] { BackupBatchText.append(kCrLf).append(trimmed); });
     }
   } else if (ContainsUpper(BackupCurrentLine, kLineDirective)) {
     BackupLineMode = true;
   } else if (BackupLineMode) {
     windows.DoEvents();
-    step.Assign(BackupBatchText, [&]() -> const std::string& { return BackupCurrentLine; });
+    step.Assign(BackupBatchText, [&] { return BackupCurrentLine; });
     if (!BackupBatchText.empty()) {
       step([&] { CollectDatabaseName(); });
       step([&] { AdvanceProgress(); });

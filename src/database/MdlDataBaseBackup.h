@@ -30,7 +30,8 @@ class MdlDataBaseBackup {
  private:
   void ChooseScripts();
   void ScanScript(const ErrorTrap& step);
-  void TakeLine(const ErrorTrap& step);
+  void TakeLine(const ErrorTrap& step, std::string_view BackupCurrentLine,
+                std::string_view trimmed);
   void Connect(const ErrorTrap& step);
   void BackupListed(const ErrorTrap& step);
   void Execute(const ErrorTrap& step, const std::string& statement);
@@ -55,7 +56,6 @@ class MdlDataBaseBackup {
   std::string BackupScriptKey;
   std::string BackupScriptName;
   int BackupScriptFile = 0;
-  std::string BackupCurrentLine;
   std::string BackupBatchText;
   bool BackupGoMode = false;
   bool BackupLineMode = false;

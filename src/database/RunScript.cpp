@@ -23,10 +23,11 @@ bool FrmSQLNonQuery::RunScript(const ErrorTrap& step, const std::string& folder)
   scriptLine_ = 0;
   while (MoreToRead(step, files, ScriptFile)) {
     ++scriptLine_;
-    if (!step([&] { files.LineInput(ScriptFile, CurrentLine); }))
-      continue;  // the line before must not be taken twice
-    if (TrimView(CurrentLine).empty()) continue;
-    if (!TakeLine(step)) return false;
+    std::string_view CurrentLine;  // empty when it cannot be read
+    step.Assign(CurrentLine, [&] { return files.LineInput(ScriptFile); });
+    const std::string_view trimmed = TrimView(CurrentLine);
+    if (trimmed.empty()) continue;
+    if (!TakeLine(step, CurrentLine, trimmed)) return false;
   }
   files.Close(ScriptFile);
   ScriptName.clear();
@@ -34,20 +35,21 @@ bool FrmSQLNonQuery::RunScript(const ErrorTrap& step, const std::string& folder)
 }
 
 // Returns false for a line that no mode takes.
-bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step) {
+bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step, std::string_view CurrentLine,
+                              std::string_view trimmed) {
   if (ContainsUpper(CurrentLine, kBatchDirective)) {
     BatchMode = true;
-  } else if (BatchMode && EqualsUpper(TrimView(CurrentLine), "GO")) {
+  } else if (BatchMode && EqualsUpper(trimmed, "GO")) {
     FinishBatch(step);
   } else if (BatchMode) {
     if (BatchText.empty()) batchOrigin_ = {ScriptName, scriptLine_};
-    step([&] { BatchText.append(kCrLf).append(TrimView(CurrentLine)); });
+    step([&] { BatchText.append(kCrLf).append(trimmed); });
   } else if (ContainsUpper(CurrentLine, kLineDirective)) {
     LineByLineMode = true;
   } else if (LineByLineMode) {
     windows_.DoEvents();
     batchOrigin_ = {ScriptName, scriptLine_};
-    step.Assign(BatchText, [&]() -> const std::string& { return CurrentLine; });
+    step.Assign(BatchText, [&] { return CurrentLine; });
     if (!BatchText.empty()) ExecuteBatch(step);
     BatchText.clear();
   } else {

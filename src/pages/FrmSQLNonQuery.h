@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "pages/WizardPage.h"
 
@@ -53,7 +54,7 @@ class FrmSQLNonQuery : public WizardPage {
   ScriptSet ChosenScripts() const;
   bool RunScripts(const ErrorTrap& step, const ScriptSet& scripts);
   bool RunScript(const ErrorTrap& step, const std::string& folder);
-  bool TakeLine(const ErrorTrap& step);
+  bool TakeLine(const ErrorTrap& step, std::string_view CurrentLine, std::string_view trimmed);
   void FinishBatch(const ErrorTrap& step);
   void MoveDataFiles(const ErrorTrap& step);
   void RecordName(const ErrorTrap& step, const char* statement, const char* keyword,
@@ -76,7 +77,6 @@ class FrmSQLNonQuery : public WizardPage {
   bool BatchMode = false;
   bool LineByLineMode = false;
   std::string BatchText;
-  std::string CurrentLine;
   std::string ScriptName;
   bool KeyFound = false;
   bool InBlock = false;

@@ -46,7 +46,7 @@ void TextFiles::Open(const std::string& path, OpenMode mode, int number) {
     }
   }
   pool_[static_cast<std::size_t>(number)] = {
-      files_.OpenTextFile(path, mode), mode, path, upperPath, {}, 0};
+      files_.OpenTextFile(path, mode), mode, path, upperPath, {}, 0, {}};
 }
 
 void TextFiles::ReopenForAppend(const std::string& path, int number) {
@@ -65,32 +65,33 @@ void TextFiles::Close(int number) {
   if (IsOpen(number)) pool_[static_cast<std::size_t>(number)] = {};
 }
 
-bool TextFiles::IsOpen(int number) const {
-  return number >= 1 && number <= kNumbers && pool_[static_cast<std::size_t>(number)].File;
-}
-
-bool TextFiles::EndOfFile(int number) {
+std::string_view TextFiles::LineInput(int number) {
   OpenFile& file = Opened(number, true);
-  return file.At == file.Buffer.size() && !Fill(file);
-}
-
-void TextFiles::LineInput(int number, std::string& line) {
-  OpenFile& file = Opened(number, true);
-  if (file.At == file.Buffer.size() && !Fill(file)) throw RuntimeError(error::InputPastEnd);
-  line.clear();
+  // Most lines are whole in the buffer, and what stands behind their end too.
+  const char* const start = file.Buffer.data() + file.At;
+  const std::size_t size = file.Buffer.size() - file.At;
+  if (const void* found = std::memchr(start, '\r', size)) {
+    const auto length = static_cast<std::size_t>(static_cast<const char*>(found) - start);
+    if (length + 1 < size) {
+      file.At += length + (start[length + 1] == '\n' ? 2 : 1);
+      return {start, length};
+    }
+  }
+  if (size == 0 && !Fill(file)) throw RuntimeError(error::InputPastEnd);
+  file.Line.clear();
   do {
     const std::string_view rest = std::string_view(file.Buffer).substr(file.At);
     const std::size_t end = rest.find('\r');
-    const std::string_view part = rest.substr(0, end);
-    line.append(part);
-    file.At += part.size();
+    file.Line.append(rest, 0, end);
+    file.At = file.Buffer.size();
     if (end != std::string_view::npos) {
-      ++file.At;
+      file.At -= rest.size() - end - 1;
       const bool more = file.At < file.Buffer.size() || Fill(file);
       if (more && file.Buffer[file.At] == '\n') ++file.At;
-      return;
+      break;
     }
   } while (Fill(file));
+  return file.Line;
 }
 
 void TextFiles::Print(int number, std::initializer_list<std::string_view> pieces) {
@@ -124,13 +125,6 @@ std::string TextFiles::ReadWhole(const std::string& path) {
   Close(number);
   text.resize(length);
   return text;
-}
-
-TextFiles::OpenFile& TextFiles::Opened(int number, bool forInput) {
-  if (!IsOpen(number)) throw RuntimeError(error::BadFileNumber);
-  OpenFile& file = pool_[static_cast<std::size_t>(number)];
-  if ((file.Mode == OpenMode::Input) != forInput) throw RuntimeError(error::BadFileMode);
-  return file;
 }
 
 bool TextFiles::Fill(OpenFile& file) {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "platform/FileSystemObject.h"
+#include "runtime/RuntimeError.h"
 
 namespace talu {
 
@@ -45,13 +46,18 @@ class TextFiles {
   void ReopenForAppend(const std::string& path, int number);
   /// Closes a number; no error when it is not open.
   void Close(int number);
-  bool IsOpen(int number) const;
+  bool IsOpen(int number) const {
+    return number >= 1 && number <= kNumbers && pool_[static_cast<std::size_t>(number)].File;
+  }
   /// Whether all has been read. Raises 52 when the number is not open, 54 when it is not open for
   /// input.
-  bool EndOfFile(int number);
-  /// Reads the next line into `line`, whole, without its end. Raises 52, 54, and 62 at the end of
-  /// the file.
-  void LineInput(int number, std::string& line);
+  bool EndOfFile(int number) {
+    OpenFile& file = Opened(number, true);
+    return file.At == file.Buffer.size() && !Fill(file);
+  }
+  /// The next line, whole, without its end; it stays where it is until the number is used again.
+  /// Raises 52, 54, and 62 at the end of the file.
+  std::string_view LineInput(int number);
   /// Writes the pieces and a line end, as one record. Raises 52, 54, 57, 61.
   void Print(int number, std::initializer_list<std::string_view> pieces);
 
@@ -69,9 +75,16 @@ class TextFiles {
     std::string UpperPath;
     std::string Buffer;
     std::size_t At = 0;
+    /// A line that is in more than one buffer.
+    std::string Line;
   };
 
-  OpenFile& Opened(int number, bool forInput);
+  OpenFile& Opened(int number, bool forInput) {
+    if (!IsOpen(number)) throw RuntimeError(error::BadFileNumber);
+    OpenFile& file = pool_[static_cast<std::size_t>(number)];
+    if ((file.Mode == OpenMode::Input) != forInput) throw RuntimeError(error::BadFileMode);
+    return file;
+  }
   static bool Fill(OpenFile& file);
 
   FileSystemObject& files_;

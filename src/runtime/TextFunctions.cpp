@@ -49,8 +49,14 @@ Position InStr(std::string_view text, std::string_view find) {
   return InStr(1, text, find);
 }
 
-bool Contains(std::string_view text, std::string_view find) {
-  return InStr(text, find) != 0;
+bool Contains(std::string_view text, Sought find) {
+  if (find.Text.empty()) return !text.empty();
+  const char rarest = find.Text[find.Rarest];
+  for (std::size_t at = text.find(rarest, find.Rarest); at != std::string_view::npos;
+       at = text.find(rarest, at + 1)) {
+    if (text.substr(at - find.Rarest, find.Text.size()) == find.Text) return true;
+  }
+  return false;
 }
 
 Position InStrRev(std::string_view text, std::string_view find, Position start) {
@@ -84,12 +90,6 @@ std::string Right(std::string_view text, Position length) {
   RequireLength(length);
   return std::string(
       text.substr(text.size() - std::min(text.size(), static_cast<std::size_t>(length))));
-}
-
-std::string_view TrimView(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 std::string Trim(std::string_view text) {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace talu {
@@ -21,8 +23,27 @@ inline constexpr std::string_view kCrLf = "\r\n";
 Position InStr(Position start, std::string_view text, std::string_view find);
 Position InStr(std::string_view text, std::string_view find);
 
+/// What `Contains` looks for. A text that stands in the source is hunted by that of its characters
+/// which scripts have least of; the compiler chooses it.
+// NOLINTBEGIN(google-explicit-constructor): a text is meant
+struct Sought {
+  template <std::size_t Size>
+  consteval Sought(const char (&text)[Size]) : Text(text, Size - 1) {
+    constexpr std::string_view commonFirst = " ETAOINSRHLDCUMFPGWYBVKXJQZ";
+    for (std::size_t at = 1; at < Text.size(); ++at) {
+      if (commonFirst.find(Text[at]) > commonFirst.find(Text[Rarest])) Rarest = at;
+    }
+  }
+  template <std::convertible_to<std::string_view> Found>
+  requires(!std::is_array_v<Found>) Sought(const Found& text) : Text(text) {}
+
+  std::string_view Text;
+  std::size_t Rarest = 0;
+};
+// NOLINTEND(google-explicit-constructor)
+
 /// Whether `find` occurs anywhere in `text`.
-bool Contains(std::string_view text, std::string_view find);
+bool Contains(std::string_view text, Sought find);
 
 /// Position of the last `find` that ends at or before `start`; 0 when there is none or `start` is
 /// past the end. Raises 5.
@@ -38,7 +59,11 @@ std::string Left(std::string_view text, Position length);
 std::string Right(std::string_view text, Position length);
 
 /// Without leading and trailing blanks; other white space stays.
-std::string_view TrimView(std::string_view text);
+inline std::string_view TrimView(std::string_view text) {
+  while (text.starts_with(' ')) text.remove_prefix(1);
+  while (text.ends_with(' ')) text.remove_suffix(1);
+  return text;
+}
 std::string Trim(std::string_view text);
 
 /// Upper case in code page 1252.

@@ -63,6 +63,17 @@ TEST(TextFunctions, TrimSplitReplaceAndUpperCase) {
   EXPECT_FALSE(ContainsUpper("--talu", "--TALUGO"));
 }
 
+TEST(TextFunctions, ContainsFindsWhatInStrFinds) {
+  const std::string text = "G LOGIN CREATE LOGGIN CREATE LOGIN G";
+  for (std::size_t from = 0; from < text.size(); ++from) {
+    for (std::size_t size = 0; size <= text.size() - from; ++size) {
+      const std::string part = text.substr(from, size);
+      EXPECT_EQ(Contains(part, "CREATE LOGIN"), InStr(part, "CREATE LOGIN") != 0) << part;
+      EXPECT_EQ(Contains(part, ""), InStr(part, "") != 0) << part;
+    }
+  }
+}
+
 TEST(TextFiles, ReadsLinesAcrossItsBufferAndKeepsLoneLineFeeds) {
   SimulatedMachine machine;
   // A CR LF that falls on the edge of the read-ahead, a line longer than it, a NUL, a lone LF.
@@ -73,14 +84,10 @@ TEST(TextFiles, ReadsLinesAcrossItsBufferAndKeepsLoneLineFeeds) {
   TextFiles files(machine.Files);
   files.Open("C:\\t.txt", OpenMode::Input, 3);
   std::vector<std::string> lines;
-  std::string line;
-  while (!files.EndOfFile(3)) {
-    files.LineInput(3, line);
-    lines.push_back(line);
-  }
+  while (!files.EndOfFile(3)) lines.emplace_back(files.LineInput(3));
   EXPECT_EQ(lines,
             (std::vector<std::string>{edge, longLine, std::string("lf\nin\0", 6), "", "end"}));
-  EXPECT_EQ(ErrorOf([&] { files.LineInput(3, line); }), error::InputPastEnd);
+  EXPECT_EQ(ErrorOf([&] { files.LineInput(3); }), error::InputPastEnd);
 }
 
 TEST(TextFiles, NumbersAreAPool) {
