@@ -25,14 +25,16 @@ struct Consequence {
   std::string_view To = {};
   std::string_view Behind = {};
   std::int32_t Number = 0;
+  std::int32_t But = 0;
   talu::Told Told = Told::Log;
   /// Lost is what lies between two lines: from the failure itself when the first is empty, to the
   /// end when the second is. With "+" behind, the line itself is lost too.
   std::vector<std::pair<std::string_view, std::string_view>> Between = {};
   /// Lost is every later line that is one of these.
   std::vector<std::string_view> Lost = {};
-  /// What happens instead, of this and of nothing else.
+  /// What happens instead, each as often as it stands here, and what may.
   std::vector<std::string_view> Instead = {};
+  std::vector<std::string_view> Maybe = {};
 };
 
 /// Every consequence that the procedures have; a failure in none of these places costs its

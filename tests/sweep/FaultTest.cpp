@@ -12,6 +12,7 @@
 #include <map>
 #include <set>
 
+#include "Comparison.h"
 #include "Consequences.h"
 #include "Installation.h"
 #include "Trace.h"
@@ -56,71 +57,6 @@ const std::map<std::string, std::vector<std::int32_t>> kErrors = {
 constexpr const char* kFault = "The fault.";
 
 using Lines = std::vector<Trace::Line>;
-
-bool Is(const std::string& text, std::string_view pattern) {
-  if (pattern.ends_with('$')) return text == pattern.substr(0, pattern.size() - 1);
-  return text.starts_with(pattern);
-}
-
-bool IsOneOf(const std::string& text, const std::vector<std::string_view>& patterns) {
-  return std::ranges::any_of(patterns, [&](std::string_view pattern) { return Is(text, pattern); });
-}
-
-/// The first line from `from` on that is the one named; behind the last when there is none.
-std::size_t Find(const Lines& lines, std::size_t from, std::string_view pattern) {
-  while (from < lines.size() && !Is(lines[from].Text, pattern)) ++from;
-  return from;
-}
-
-bool Applies(const Consequence& one, const Lines& whole, std::size_t at, std::int32_t number) {
-  if (!one.Fault.empty() && !IsOneOf(whole[at].Text, one.Fault)) return false;
-  if (at == 0 ? !one.Prev.empty() : !Is(whole[at - 1].Text, one.Prev)) return false;
-  if (at + 1 == whole.size() ? !one.Next.empty() : !Is(whole[at + 1].Text, one.Next)) return false;
-  if (one.Number != 0 && one.Number != number) return false;
-  if (!one.Behind.empty() && Find(whole, at + 1, one.Behind) == whole.size()) return false;
-  std::size_t from = at;
-  while (from > 0 && !Is(whole[from].Text, one.From)) --from;
-  if (!one.From.empty() && !Is(whole[from].Text, one.From)) return false;
-  return one.To.empty() || Find(whole, one.From.empty() ? 0 : from, one.To) > at;
-}
-
-std::vector<const Consequence*> ConsequencesOf(const Lines& whole, std::size_t at,
-                                               std::int32_t number) {
-  std::vector<const Consequence*> found;
-  for (const Consequence& one : kConsequences) {
-    if (Applies(one, whole, at, number)) found.push_back(&one);
-  }
-  return found;
-}
-
-/// What must come behind a failure at line `at`, in order.
-std::vector<std::string> Kept(const Lines& whole, std::size_t at,
-                              const std::vector<const Consequence*>& consequences) {
-  std::vector<bool> lost(whole.size(), false);
-  for (const Consequence* one : consequences) {
-    for (auto [begin, end] : one->Between) {
-      const auto cutPlus = [](std::string_view& pattern) {
-        const bool plus = pattern.ends_with('+');
-        if (plus) pattern.remove_suffix(1);
-        return plus ? 1U : 0U;
-      };
-      const std::size_t first = 1 - cutPlus(begin);
-      const std::size_t behind = cutPlus(end);
-      std::size_t line = begin.empty() ? at + 1 : Find(whole, at + 1, begin) + first;
-      std::size_t last = end.empty() ? whole.size() : Find(whole, line, end);
-      if (!end.empty()) last = last == whole.size() ? line : last + behind;
-      for (; line < last; ++line) lost[line] = true;
-    }
-    for (std::size_t line = at + 1; line < whole.size(); ++line) {
-      if (IsOneOf(whole[line].Text, one->Lost)) lost[line] = true;
-    }
-  }
-  std::vector<std::string> kept;
-  for (std::size_t line = at + 1; line < whole.size(); ++line) {
-    if (!lost[line]) kept.push_back(whole[line].Text);
-  }
-  return kept;
-}
 
 enum Outcome { Done, DoneAtSecondTry, RolledBack, EndedWithBox, ServerLost, Outcomes };
 
@@ -196,7 +132,7 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
     const auto other = std::ranges::find_if(
         consequences, [](const Consequence* one) { return one->Told != Told::Log; });
     const Told told = other == consequences.end() ? Told::Log : (*other)->Told;
-    Compare(whole.Lines, at, trace.Lines, consequences, told);
+    EXPECT_EQ(Differences(whole.Lines, at, trace.Lines, consequences, told, kFault), "");
     if (told == Told::Box) {
       EXPECT_EQ(Written(trace.Lines), Written(whole.Lines));
     }
@@ -217,50 +153,11 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
     for (const Trace::Line& line : trace.Lines) std::cout << line.Text << "\n";
   }
 
-  /// Behind the failure comes what came without it, but for its consequences.
-  static void Compare(const Lines& whole, std::size_t at, const Lines& lines,
-                      const std::vector<const Consequence*>& consequences, Told told) {
-    ASSERT_GT(lines.size(), at);
-    for (std::size_t line = 0; line < at; ++line) ASSERT_EQ(lines[line].Text, whole[line].Text);
-    const auto isOfTheFailure = [&](const std::string& text) {
-      const auto isOrFailed = [&](const std::string& part) {
-        return text == part ||
-               text.starts_with(part.substr(0, part.find(" failed: ")) + " failed: ");
-      };
-      return isOrFailed(whole[at].Text) || std::ranges::any_of(whole[at].Parts, isOrFailed);
-    };
-    const std::vector<std::string> kept = Kept(whole, at, consequences);
-    std::size_t next = 0;
-    int entries = 0;
-    std::string account;
-    bool begun = false;
-    for (std::size_t line = at; line < lines.size(); ++line) {
-      const std::string& text = lines[line].Text;
-      if (!begun && isOfTheFailure(text)) continue;
-      if (next < kept.size() && text == kept[next]) {
-        ++next;
-      } else if (told == Told::Log && entries == 0 && text.starts_with("log //~") &&
-                 Contains(text, kFault)) {
-        // The entry is the next thing that happens.
-        if (begun) account += "  late: " + text + "\n";
-        ++entries;
-      } else if (std::ranges::none_of(consequences, [&](const Consequence* one) {
-                   return IsOneOf(text, one->Instead);
-                 })) {
-        account += "  instead: " + text + "\n";
-      }
-      begun = true;
-    }
-    for (; next < kept.size(); ++next) account += "  lost: " + kept[next] + "\n";
-    EXPECT_EQ(account.substr(0, 2000), "");
-    EXPECT_EQ(entries, told == Told::Log ? 1 : 0);
-  }
-
   /// What the last try of FrmLocation wrote, but for its dated copy.
   static std::vector<std::string> Written(const Lines& lines) {
     std::vector<std::string> written;
-    for (std::size_t line = 0; line < Find(lines, 0, "hide FrmLocation"); ++line) {
-      const std::string& text = lines[line].Text;
+    for (const auto& [text, parts, request] : lines) {
+      if (text == "hide FrmLocation") break;
       if (text.starts_with("browse ")) written.clear();
       const bool copied = text.starts_with("log //~");
       if (!copied && (text.starts_with("log ") || text.starts_with("record "))) {
@@ -299,8 +196,7 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
   /// What the backup found is what the scripts of its type name, and each is backed up once.
   void CheckBackup(Installation& run, const Scenario& scenario) const {
     std::vector<std::string> expected;
-    if (scenario.IsServer()) expected = {"Sales", "Stock"};
-    if (*scenario.Backup != '\0') expected.emplace_back(scenario.Backup);
+    if (*scenario.Backup != '\0') expected = {"Sales", "Stock", scenario.Backup};
     std::vector<std::string> found;
     const auto& events = run.Machine.Journal.Events();
     for (std::size_t at = events_; at < events.size(); ++at) {

@@ -19,6 +19,7 @@ constexpr const char* kDatabases =
     "(FILENAME='C:\\Old\\Stock.mdf')\r\nGO\r\n"
     "IF NOT EXISTS (SELECT name FROM sys.server_principals WHERE name = N'Seller') CREATE LOGIN "
     "Seller WITH PASSWORD='x'\r\nGO\r\n";
+constexpr const char* kRows = "--taluLineByLine\r\nINSERT 1\r\nINSERT 2\r\n";
 
 std::string Block(const std::string& key, const std::vector<std::string>& values) {
   std::string text = key + "\r\n{\r\n";
@@ -65,12 +66,11 @@ void Installation::PutPack() {
   for (const auto& [path, bytes] : pack) Disk().WriteFile("D:\\Pack\\" + path, bytes);
   for (const char* type : {"Fresh", "Upgrade", "Demo"}) {
     const std::string folder = std::string("D:\\Pack\\SQLScript\\") + type;
-    Disk().WriteFile(folder + "\\a.sql", kDatabases);
-    // The backup finds the type's own database, and the server takes the rest for a comment.
-    Disk().WriteFile(folder + "\\b.sql", std::string(scenario_.End == Scenario::Ending::Malformed
-                                                         ? "INSERT 0\r\n"
-                                                         : "--taluLineByLine\r\n") +
-                                             "INSERT 1 -- USE " + type + "\r\nINSERT 2\r\n");
+    // The backup finds the type's own database, and the server takes it for a comment.
+    Disk().WriteFile(folder + "\\a.sql",
+                     kDatabases + ("INSERT 0 -- USE " + std::string(type)) + "\r\nGO\r\n");
+    const bool malformed = scenario_.End == Scenario::Ending::Malformed;
+    Disk().WriteFile(folder + "\\b.sql", malformed ? "INSERT 1\r\n" : kRows);
   }
 }
 

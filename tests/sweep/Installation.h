@@ -23,13 +23,11 @@ struct Scenario {
   /// The build ends with its rollback when a batch of the scripts is refused or a script is
   /// malformed.
   Ending End;
-  /// The database that the backup before the build finds in the line mode of a script of its type.
+  /// The type whose scripts the backup before the build reads.
   const char* Backup;
 
   /// The test that ends the process at every request takes it too.
   bool Cut;
-
-  bool IsServer() const { return std::string(Mode) == "OptServer"; }
 };
 
 inline constexpr std::array<Scenario, 8> kScenarios = {{
@@ -41,7 +39,7 @@ inline constexpr std::array<Scenario, 8> kScenarios = {{
     {"client, upgrade", "OptUpgrade", "OptClient", true, Scenario::Ending::Finish, "", false},
     {"a batch is refused", "OptFresh", "OptServer", false, Scenario::Ending::Refused, "Fresh",
      true},
-    {"a script is malformed", "OptFresh", "OptServer", false, Scenario::Ending::Malformed, "",
+    {"a script is malformed", "OptFresh", "OptServer", false, Scenario::Ending::Malformed, "Fresh",
      false},
 }};
 
