@@ -192,6 +192,39 @@ TEST_F(DatabaseTest, EveryEndingInItsOrder) {
         "record DBNames:0",
         "record DBLogins:1, Seller"},
        2},
+      {"a name that the backup cannot cut",
+       {"--taluGO", "CREATE DATABASE Sales", "GO", "USE Sales", "GO"},
+       {"--taluGO"},
+       true,
+       true,
+       true,
+       {"log //|//|Invalid procedure call or argument||CREATE DATABAS",
+        "ShpProgBar 441",
+        "events",
+        "ShpProgBar 442",
+        "events",
+        mkdir,
+        connect,
+        "sql USE Master",
+        "sql IF  EXISTS (SELECT name FROM sys.databases WHERE name = ",
+        connect,
+        "events",
+        "sql |CREATE DATABASE Sales",
+        "events",
+        "ShpProgBar 443",
+        "events",
+        "sql |USE Sales",
+        "events",
+        "ShpProgBar 444",
+        "disconnect",
+        "LblMsg Database creation completed successfully...",
+        "log //|Database creation completed successfully...",
+        "ShpProgBar 5860",
+        "record UsrName:sa",
+        "record PsWord:secret",
+        "record DBNames:0",
+        "record DBLogins:0"},
+       2},
       {"a batch fails",
        bad,
        {"--taluGO"},
@@ -261,17 +294,19 @@ TEST_F(DatabaseTest, EveryEndingInItsOrder) {
 }
 
 TEST_F(DatabaseTest, AfterAMalformedScriptTheNextBuildBeginsOutsideOfAnyBlock) {
-  Script("a.sql", {"SELECT 1"});
+  Script("a.sql", {"SELECT 1", "--taluLineByLine", "LEFT IN THE OPEN FILE"});
   Build();
+  List({"none.sql", "a.sql"});
   Script("a.sql", {"--taluGO", "SELECT 2", "GO"});
+  const auto entries = LogEntries().size();
   BuildAgain();
   EXPECT_EQ(Statements(), std::vector<std::string>{"\r\nSELECT 2"});
-  // The first one's connection is open, and that is all that is wrong.
+  // The connections of the first one and of its backup are still open.
   const std::string open = "//\r\nOperation is not allowed when the object is open.\r\n\r\n";
-  EXPECT_EQ(std::ranges::count_if(
-                LogEntries(),
-                [&](const std::string& entry) { return entry.starts_with("//") && entry != open; }),
-            0);
+  EXPECT_EQ(From(LogEntries(), entries),
+            (std::vector<std::string>{"Building Database Started....", open, open, open, open,
+                                      "//\r\nFile not found\r\n\r\n",
+                                      "Database creation not finished..."}));
 }
 
 TEST_F(DatabaseTest, AFailedBuildIsRolledBackAndASecondOneDropsTheOldestNames) {
@@ -313,23 +348,65 @@ TEST_F(DatabaseTest, AFailedBuildIsRolledBackAndASecondOneDropsTheOldestNames) {
 }
 
 TEST_F(DatabaseTest, AFailingDropLeavesTheRestOfItsListAndStillDropsTheLogins) {
+  List({"a.sql", "b.sql"});
   Script("a.sql", {"--taluGO", create, "GO", "CREATE DATABASE Stock ON (FILENAME='C:\\Old\\t.mdf')",
                    "GO", "CREATE LOGIN Seller WITH PASSWORD='x'", "GO", "BAD", "GO"});
   FailOn("BAD");
   FailOn("DROP DATABASE  SalesDB");
-  Build();
-  EXPECT_TRUE(machine.Server.Databases.contains("STOCK"));
-  EXPECT_TRUE(machine.Server.Logins.empty());
+  for (const char* line : {"--taluGO", "malformed"}) {
+    Script("b.sql", {line});
+    machine.Server.Databases.clear();
+    Wizard other(machine.Parts);
+    other.State = AtTheBuild();
+    windows.Run([&] { other.Page<FrmSQLNonQuery>().Show(); });
+    EXPECT_TRUE(machine.Server.Databases.contains("STOCK"));
+    EXPECT_TRUE(machine.Server.Logins.empty());
+  }
 }
 
-TEST_F(DatabaseTest, AnEntryOfBlanksIsNotDropped) {
-  Script("a.sql", {"--taluGO", "CREATE DATABASE  X ON (FILENAME='C:\\Old\\x.mdf')", "GO", "BAD",
-                   "GO", "CREATE LOGIN  Seller WITH PASSWORD='x'", "GO"});
+TEST_F(DatabaseTest, AnEntryOfBlanksIsPassedOver) {
+  Script("a.sql", {"--taluGO", "CREATE DATABASE  X ON (FILENAME='C:\\Old\\x.mdf')", "GO", create,
+                   "GO", "BAD", "GO", "CREATE LOGIN  Seller WITH PASSWORD='x'", "GO"});
   FailOn("BAD");
   Build();
-  EXPECT_EQ(wizard.State.CreatedDatabaseList, ", ");
-  EXPECT_EQ(Statements().size(), 3U) << "not even USE Master";
-  EXPECT_EQ(Shown("LblMsg"), "Database creation not finished...");
+  EXPECT_EQ(wizard.State.CreatedDatabaseList, ", , SalesDB");
+  EXPECT_EQ(From(Statements(), 4).size(), 3U) << "not even USE Master for the first, or the login";
+  EXPECT_EQ(machine.Server.Databases, std::set<std::string>{"X"});
+}
+
+TEST_F(DatabaseTest, TheRollbackWalksTheListsAsTheyAreAndNoFurther) {
+  machine.Server.AcceptAll = true;
+  FailOn("BAD");
+  const auto database = [](const std::string& name) {
+    return "CREATE DATABASE " + name + " ON (FILENAME='C:\\Old\\" + name + ".mdf')";
+  };
+  Script("a.sql", {"--taluGO", database("A"), "GO", "CREATE LOGIN L WITH x", "GO", "BAD", "GO"});
+  Build();
+  Script("a.sql", {"--taluGO", database("B"), "GO", database("C"), "GO", "CREATE LOGIN M WITH x",
+                   "GO", "CREATE LOGIN", "GO", "CREATE LOGIN N", "GO", "BAD", "GO"});
+  const auto before = Statements().size();
+  BuildAgain();
+  const auto alter = [](const std::string& name) {
+    return "ALTER DATABASE  " + name + " SET OFFLINE WITH ROLLBACK IMMEDIATE";
+  };
+  EXPECT_EQ(From(Statements(), before + 6),
+            (std::vector<std::string>{"USE Master", alter("A"), "DROP DATABASE  A", "USE Master",
+                                      alter("B"), "DROP DATABASE  B", "USE Master", "DROP LOGIN  L",
+                                      "USE Master", "DROP LOGIN  M"}));
+  // The names of two logins could not be cut, yet they are counted.
+  EXPECT_EQ(windows.Messages().back(), "Subscript out of range");
+}
+
+TEST_F(DatabaseTest, TheEntryOfTheBackupThatFailsIsAnErrorOfTheBuild) {
+  const auto stage = PlayFailing("Path not found", 0, [](PackTest& play) {
+    play.machine.Disk.MakeFolders("C:\\Progs");
+    play.Configure({Block("FreshDBSript", {"none.sql"}), Block("DBSript", {"one"})});
+    play.Install("OptServer");
+  });
+  EXPECT_EQ(stage->windows.VisibleForm(), "FrmSQLNonQuery");
+  EXPECT_EQ(stage->LogEntries().at(4), "//\r\nDisk full\r\n\r\n");
+  EXPECT_EQ(stage->machine.Journal.Texts("connect", "text").size(), 2U)
+      << "the backup's is not made";
 }
 
 TEST_F(DatabaseTest, BehindTheLast16BitEntryTheRollbackOverflows) {
@@ -620,25 +697,45 @@ TEST_F(DatabaseTest, TheBackupCollectsNamesItsOwnWay) {
   }
 }
 
-TEST_F(DatabaseTest, TheBackupsListLivesAsLongAsTheProgram) {
-  List({"a.sql", "b.sql"}, true);
-  Script("a.sql", {"--taluGO", "USE Sales2010", "GO", "USE Sales", "GO"});
-  Script("b.sql", {"--taluLineByLine", "USE Stock"});
-  machine.Server.Databases = {"SALES2010", "SALES", "STOCK"};
+TEST_F(DatabaseTest, WhatTheBackupHasFoundLivesAsLongAsTheProgram) {
+  List({"a.sql", "b.sql", "c.sql", "d.sql"}, true);
+  Script("a.sql", {"--taluGO", "USE Sales2010", "GO", "USE Sales", "GO", "USE Rest"});
+  Script("b.sql", {"--taluGO", "GO"});  // the end of the last batch
+  Script("c.sql", {"--taluLineByLine", "USE Stock"});
+  Script("d.sql", {"USE Late"});  // the line mode has stayed on
+  machine.Server.Databases = {"SALES2010", "SALES", "REST", "STOCK", "LATE"};
   Build();
   const auto backups = [this] {
-    return std::ranges::count_if(Statements(), [](const std::string& statement) {
-      return statement.starts_with("IF  EXISTS");
-    });
+    std::string names;
+    for (const std::string& statement : Statements()) {
+      const std::size_t at = statement.find("BACKUP DATABASE ");
+      if (at != std::string::npos) names += Split(statement.substr(at), ' ').at(2) + " ";
+    }
+    return names;
   };
-  EXPECT_EQ(backups(), 2) << "Sales is part of a name in the list";
+  const std::string first = "Sales2010 Rest Stock Late ";
+  EXPECT_EQ(backups(), first) << "Sales is part of a name in the list";
   Script("a.sql", {"--taluGO", "USE Other", "GO"});
+  // The scripts cannot be counted now: there are as many as before.
+  machine.Journal.FailRequest(machine.Journal.Requests() + 3, RuntimeError(error::DeviceIO));
   BuildAgain();
-  EXPECT_EQ(backups(), 5);
+  EXPECT_EQ(backups(), first + first + "Other ");
   // Its connection is still open from the first time.
   EXPECT_EQ(std::ranges::count(LogEntries(),
                                "//\r\nOperation is not allowed when the object is open.\r\n\r\n"),
             2);
+}
+
+TEST_F(DatabaseTest, WithoutAPathForItTheBackupIsTriedAllTheSame) {
+  List({"a.sql"}, true);
+  Script("a.sql", {"--taluLineByLine", "USE X"});
+  Wizard other(machine.Parts);
+  other.State = AtTheBuild();
+  other.State.AppFolderPath = "C:";
+  windows.Run([&] { other.Page<FrmSQLNonQuery>().Show(); });
+  EXPECT_EQ(std::ranges::count(LogEntries(), "//\r\nInvalid procedure call or argument\r\n\r\n"), 2)
+      << "the path, then the folder";
+  EXPECT_TRUE(Statements().at(1).starts_with("IF  EXISTS"));
 }
 
 TEST(NameList, FindsWhatAPlainSearchFinds) {
@@ -653,6 +750,7 @@ TEST(NameList, FindsWhatAPlainSearchFinds) {
     plain += "," + name;
   }
   EXPECT_EQ(list.Text(), plain);
+  EXPECT_FALSE(list.Contains("x" + plain.substr(0, 8))) << "it would begin before the list does";
   EXPECT_FALSE(NameList().Contains(""));
   EXPECT_TRUE(list.Contains(""));
 }
