@@ -236,7 +236,7 @@ const std::vector<Consequence> kConsequences = {
 
     // The copy.
     {.Words = "A file that is not copied is told nowhere,",
-     .Fault = {"copy "}, .Told = Told::Nowhere},
+     .Fault = {"copy "}, .But = error::OutOfMemory, .Told = Told::Nowhere},
     {.Words = "An error of the tree leaves its level, silently: the top one,",
      .Fault = {"folder C:\\Progs\\TA-LU\\App$", "folder PACK\\Application$",
       "files PACK\\Application$", "folders PACK\\Application$", "mkdir APP\\Parts$",

@@ -30,7 +30,7 @@ constexpr std::int32_t kAccessDenied = -2147024891;
 const std::map<std::string, std::vector<std::int32_t>> kErrors = {
     {"browse", {error::OutOfMemory, error::Unspecified}},
     {"connect", {error::OutOfMemory, error::Unspecified, kLoginRefused}},
-    {"copy", {error::DiskFull}},
+    {"copy", {error::OutOfMemory, error::DiskFull}},
     {"create command", {error::OutOfMemory, error::CannotCreateObject}},
     {"create connection", {error::OutOfMemory, error::CannotCreateObject}},
     {"create shell", {error::OutOfMemory, error::CannotCreateObject}},

@@ -128,6 +128,19 @@ TEST_F(DeployTest, AWholeClientInstallationInOrder) {
                 "Shotcut:" + menu, "Shotcut:C:\\Users\\Public\\Desktop\\Desk.lnk",
                 "AddOns:tool.exe", "AddOns:extra.msi", "AddOns:missing.exe", "AddOns:Setup.EXE"}));
 
+  // An entry comes after what it tells of.
+  const std::vector<std::string> story = Story();
+  const auto behind = [&story](const std::string& line, std::ptrdiff_t count) {
+    const auto at = std::ranges::find(story, line);
+    EXPECT_GT(story.end() - at, count) << line;
+    return std::vector<std::string>(at + 1, at + 1 + count);
+  };
+  EXPECT_EQ(behind("copy D:\\Pack\\Application\\Desk.exe", 2),
+            (std::vector<std::string>{
+                "ShpProgBar 1474",
+                "log //|//|Copying file - C:\\Progs\\TA-LU\\App\\D:\\Pack\\Applicat"}));
+  EXPECT_EQ(behind(("start " + grid + " /U").substr(0, 60), 1),
+            std::vector<std::string>{("log //|" + grid + " /U").substr(0, 60)});
   EXPECT_EQ(machine.Journal.Texts("dsn", "attributes").back(),
             std::string("DSN=Books\0SERVER=SRV1\0DATABASE=BooksDB", 38));
   EXPECT_EQ(machine.Journal.Texts("connect", "text"),

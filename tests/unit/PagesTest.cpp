@@ -128,6 +128,9 @@ TEST_F(PagesTest, AuthenticationStoresFirstAndStaysUntilTheServerAgrees) {
   EXPECT_FALSE(Enabled("CmdNext"));
   EXPECT_EQ(wizard.State.SqlPassword, "wrong");
   windows.Type("TxtPsWord", "right");
+  windows.Type("TxtUsrName", " ");
+  EXPECT_FALSE(Enabled("CmdNext"));
+  windows.Type("TxtUsrName", "sa");
   ASSERT_TRUE(windows.Click("CmdNext"));
   EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
   EXPECT_EQ(machine.Journal.Texts("connect", "text").back(),
@@ -173,6 +176,7 @@ TEST_F(PagesTest, AChosenRootGetsProductAndApplicationFolder) {
   EXPECT_EQ(windows.Shown("TxtServer")->SelLength, 4);
   windows.Type("TxtInstaPath", "");
   EXPECT_TRUE(Enabled("CmdNext")) << "an emptied box leaves the button";
+  windows.Type("TxtInstaPath", "C:\\Typed");
   windows.BrowseError = RuntimeError(error::PathNotFound, "Path not found", "Shell");
   windows.Click("CmdLocation");
   EXPECT_EQ(windows.Messages().back(), "76/Path not found/Shell");
@@ -276,11 +280,17 @@ TEST_F(PagesTest, AMinuteThatPassesBeforeTheCopyLeavesTheBackupEmpty) {
   DateTime later = machine.Clock.Time;
   later.Minute = 6;
   machine.Clock.Coming = {machine.Clock.Time, machine.Clock.Time, later};
+  int writers = -1;
+  machine.Journal.OnRequest = [&](int, const std::string& kind) {
+    const auto* log = machine.Disk.Find(app + "\\Ta-luErrLog.txt");
+    if (kind == "mkdir" && log != nullptr) writers = log->Writers;
+  };
   windows.Click("CmdNext");
   const std::string backup = "C:\\Progs\\TA-LU\\App BackUp\\AppFolderBkp_7_3_2012_9_";
   EXPECT_TRUE(machine.Disk.FolderExists(backup + "5"));
   EXPECT_FALSE(machine.Disk.FileExists(backup + "5\\old.txt"));
   EXPECT_FALSE(machine.Disk.FolderExists(backup + "6"));
+  EXPECT_EQ(writers, 0) << "the copy was to have the new log";
 }
 
 TEST_F(PagesTest, FailuresOfNextAreShownAndLeaveItDisabled) {

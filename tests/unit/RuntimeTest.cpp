@@ -120,6 +120,8 @@ TEST(TextFiles, AppendOpensTheFileAnewForEachRecord) {
   files.ReopenForAppend("C:\\other.txt", 1);
   files.Print(1, {"x"});
   EXPECT_EQ(machine.Disk.ReadFile("C:\\other.txt"), "x\r\n");
+  EXPECT_EQ(ErrorOf([&] { files.Open("C:\\OTHER.txt", OpenMode::Input, 2); }),
+            error::FileAlreadyOpen);
   machine.Disk.Find("C:\\other.txt")->Denied = true;
   EXPECT_EQ(ErrorOf([&] { files.ReopenForAppend("C:\\other.txt", 1); }), error::PermissionDenied);
 }

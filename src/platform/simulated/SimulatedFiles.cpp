@@ -152,6 +152,7 @@ int SimulatedFiles::FileOperation(int operation, const std::string& from, const 
                          "The path in the source or destination or both was invalid.");
     });
   } catch (const RuntimeError& error) {
+    if (error.Number == error::OutOfMemory) throw;  // nothing that the service returns
     return error.Number == 0 ? kInvalidFiles : error.Number;
   }
 }
