@@ -68,16 +68,13 @@ void TextFiles::Close(int number) {
 std::string_view TextFiles::LineInput(int number) {
   OpenFile& file = Opened(number, true);
   // Most lines are whole in the buffer, and what stands behind their end too.
-  const char* const start = file.Buffer.data() + file.At;
-  const std::size_t size = file.Buffer.size() - file.At;
-  if (const void* found = std::memchr(start, '\r', size)) {
-    const auto length = static_cast<std::size_t>(static_cast<const char*>(found) - start);
-    if (length + 1 < size) {
-      file.At += length + (start[length + 1] == '\n' ? 2 : 1);
-      return {start, length};
-    }
+  const std::string_view left = std::string_view(file.Buffer).substr(file.At);
+  const std::size_t found = left.find('\r');
+  if (found != std::string_view::npos && found + 1 < left.size()) {
+    file.At += found + (left[found + 1] == '\n' ? 2 : 1);
+    return left.substr(0, found);
   }
-  if (size == 0 && !Fill(file)) throw RuntimeError(error::InputPastEnd);
+  if (left.empty() && !Fill(file)) throw RuntimeError(error::InputPastEnd);
   file.Line.clear();
   do {
     const std::string_view rest = std::string_view(file.Buffer).substr(file.At);
