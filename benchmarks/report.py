@@ -71,7 +71,11 @@ def native_rows(results):
             ("script of 16 MB, MB/s", "ScriptMemchr", {"ScriptMemchr": "lines counted by memchr",
                                                        "ScriptPlainSplit": "plain splitter",
                                                        "ScriptRun/BuildDatabase": "`BuildDatabase`",
-                                                       "ScriptRun/BackupDatabases": "`BackupDatabases`"})):
+                                                       "ScriptRun/BackupDatabases": "`BackupDatabases`",
+                                                       "ScriptRun/BuildDatabaseJournal":
+                                                           "`BuildDatabase`, with journal",
+                                                       "ScriptRun/BackupDatabasesJournal":
+                                                           "`BackupDatabases`, with journal"})):
         group = reference.removesuffix("Memchr")
         parts += rows(title, names, reference, results.native.__getitem__, lambda rate: f"{rate / 1e6:.0f}",
                       lambda key, first=reference, group=group:
@@ -103,6 +107,14 @@ def make(work, files, batches, scripts):
     none = lambda key: ""
     table = HEAD + rows(f"{files} files, first to last, s", installers, "copy-nsis", span, brief, results.peak)
     table += rows("the same, start to end, s", silent, "copy-nsis", seconds, brief, none)
+    in_memory = {f"memory-{who}": installers[f"copy-{who}"] for who in ("setup", "nsis", "loop")}
+    if "memory-setup" in results.records:
+        table += rows(f"{files} files in memory, s", in_memory, "memory-nsis", span, brief, results.peak)
+        memory_goals = [verdict(f"copying in memory beside {in_memory[peer]}",
+                                ratio_of(span("memory-setup"), span(peer)), limit)
+                        for peer, limit in (("memory-nsis", 1), ("memory-loop", 1.1))]
+    else:
+        memory_goals = ["- copying in memory: not measured, there is no memory file system"]
     table += rows(f"{batches} batches, first to last, s", clients, "batches-bsqldb", span, brief, results.peak)
     table += rows("first window, ms", starts, "start-nsis", seconds, lambda value: f"{value * 1e3:.0f}",
                   results.peak)
@@ -113,10 +125,14 @@ def make(work, files, batches, scripts):
 
     reader = max(ratio_of(results.native["CfgMemchr"], results.native[f"CfgRead/GetCfg{which}"])
                  for which in ("Count", "Value"))
+    script = max(ratio_of(results.native["ScriptPlainSplit"], results.native[f"ScriptRun/{which}"])
+                 for which in ("BuildDatabase", "BackupDatabases"))
     goals = [verdict("copying beside NSIS", ratio_of(span("copy-setup"), span("copy-nsis")), 1),
+             *memory_goals,
              verdict("batches beside `bsqldb`", ratio_of(span("batches-setup"), span("batches-bsqldb")), 1),
              verdict("first window beside NSIS's", ratio_of(seconds("start-setup"), seconds("start-nsis")), 1),
              verdict("the slower reader, times `memchr`'s time", reader, 3),
+             verdict("the slower of executor and scan, times the splitter's time", script, 4),
              verdict("the slower command of `packcheck`, seconds",
                      max(median(seconds(check)) for check in checks), 2)]
     machine = (f"Measured on {date.today()}: {entry('/proc/cpuinfo', 'model name')}, "

@@ -7,6 +7,8 @@
 
 Root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 Machines=()
+# What lies outside of build/ and goes at the end.
+Leavings=()
 
 Fail() {
   echo "${0##*/}: $1" >&2
@@ -72,7 +74,7 @@ EndAll() {
   # Shells of our own that run in the background carry no mark.
   for process in $(jobs -p); do kill "$process" 2>/dev/null || true; done
   EndMarked
-  rm -rf "$TMPDIR"
+  rm -rf "$TMPDIR" "${Leavings[@]}"
   exit "$status"
 }
 trap EndAll EXIT
