@@ -25,6 +25,7 @@ bool IsWary() {
 }  // namespace
 
 int main(int count, char** arguments) {
+  if (IsWary()) talu::LoadWhatIsAskedForLater();
   HMODULE modules[500];
   DWORD size = 0;
   K32EnumProcessModules(GetCurrentProcess(), modules, sizeof modules, &size);

@@ -6,6 +6,15 @@
 #include "runtime/RuntimeError.h"
 
 namespace talu {
+namespace {
+
+LRESULT CallProcedure(WNDPROC procedure, bool unicode, HWND window, UINT message, WPARAM wParam,
+                      LPARAM lParam) {
+  return unicode ? CallWindowProcW(procedure, window, message, wParam, lParam)
+                 : CallWindowProcA(procedure, window, message, wParam, lParam);
+}
+
+}  // namespace
 
 ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* windowClass,
                              DWORD style)
@@ -20,7 +29,13 @@ ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* wi
                             area.bottom - area.top, frame.Window(), id, GetModuleHandleA(nullptr),
                             nullptr);
   if (window_ == nullptr) throw RuntimeError(error::OutOfMemory);
-  SetWindowSubclass(window_, Receive, 0, reinterpret_cast<DWORD_PTR>(this));
+  SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  // SetWindowSubclass would look for a window property at each message, under Wine in another
+  // process.
+  const auto receive = reinterpret_cast<LONG_PTR>(&Receive);
+  unicode_ = IsWindowUnicode(window_) != FALSE;
+  former_ = reinterpret_cast<WNDPROC>(unicode_ ? SetWindowLongPtrW(window_, GWLP_WNDPROC, receive)
+                                               : SetWindowLongPtrA(window_, GWLP_WNDPROC, receive));
   SendMessageA(window_, WM_SETFONT, reinterpret_cast<WPARAM>(frame.Look().Font(view.Style)), FALSE);
   SetPropA(window_, view.Name.c_str(), reinterpret_cast<HANDLE>(1));
   ApplyWidth();
@@ -28,7 +43,7 @@ ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* wi
 
 ControlWindow::~ControlWindow() {
   // The window itself goes with its frame.
-  RemoveWindowSubclass(window_, Receive, 0);
+  SetWindowLongPtrA(window_, GWLP_USERDATA, 0);
 }
 
 const ControlView& ControlWindow::View() const {
@@ -97,12 +112,12 @@ void ControlWindow::MarkStale() {
 }
 
 LRESULT ControlWindow::ClassDefault(UINT message, WPARAM wParam, LPARAM lParam) {
-  return DefSubclassProc(window_, message, wParam, lParam);
+  return CallProcedure(former_, unicode_, window_, message, wParam, lParam);
 }
 
 LRESULT ControlWindow::ClassDefaultUnseen(UINT message, WPARAM wParam, LPARAM lParam) {
   // A window whose redrawing is off counts as invisible, so only a visible one is switched.
-  const bool visible = (GetWindowLongA(window_, GWL_STYLE) & WS_VISIBLE) != 0;
+  const bool visible = IsWindowVisible(window_) != FALSE;
   if (visible) DefWindowProcA(window_, WM_SETREDRAW, FALSE, 0);
   const LRESULT result = ClassDefault(message, wParam, lParam);
   if (visible) {
@@ -142,9 +157,14 @@ void ControlWindow::Paint(HDC given) {
   if (given == nullptr) EndPaint(window_, &paint);
 }
 
-LRESULT CALLBACK ControlWindow::Receive(HWND, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
-                                        DWORD_PTR control) {
-  return reinterpret_cast<ControlWindow*>(control)->OnMessage(message, wParam, lParam);
+LRESULT CALLBACK ControlWindow::Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* control = reinterpret_cast<ControlWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+  if (control != nullptr) return control->OnMessage(message, wParam, lParam);
+  const bool unicode = IsWindowUnicode(window) != FALSE;
+  const auto ofClass =
+      unicode ? GetClassLongPtrW(window, GCLP_WNDPROC) : GetClassLongPtrA(window, GCLP_WNDPROC);
+  return CallProcedure(reinterpret_cast<WNDPROC>(ofClass), unicode, window, message, wParam,
+                       lParam);
 }
 
 }  // namespace talu

@@ -54,13 +54,15 @@ class ControlWindow {
   FormFrame& frame_;
 
  private:
-  static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                  UINT_PTR id, DWORD_PTR control);
+  static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   void Paint(HDC given);
   void ApplyWidth();
 
   std::size_t index_;
   HWND window_ = nullptr;
+  /// What received the window's messages before us, and whether its texts are wide.
+  WNDPROC former_ = nullptr;
+  bool unicode_ = false;
   bool stale_ = false;
   int shownWidth_ = -1;
 };

@@ -50,7 +50,6 @@ FormFrame::FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& wat
   SetPropA(window_, form.WindowName().c_str(), reinterpret_cast<HANDLE>(1));
   MakeControls();
   OrderControls();
-  MakeToolTips();
   PlaceOptionStop();
 }
 
@@ -145,6 +144,8 @@ void FormFrame::Show(const WINDOWPLACEMENT* place, int number) {
   ShowWindow(window_, command);
   RescueFocus();
   RedrawWindow(window_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+  // Nobody waits for them.
+  if (toolTips_ == nullptr) MakeToolTips();
 }
 
 void FormFrame::MarkBusy(bool busy) {

@@ -1,5 +1,6 @@
 #include "platform/win32/SystemLibrary.h"
 
+#include <initializer_list>
 #include <string>
 
 namespace talu {
@@ -12,6 +13,10 @@ HMODULE LoadSystemLibrary(const char* library) {
   if (length == 0 || length >= MAX_PATH) return nullptr;
   const std::string path = std::string(folder) + "\\" + library;
   return LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
+void LoadSystemLibraries(std::initializer_list<const char*> libraries) {
+  for (const char* library : libraries) LoadSystemLibrary(library);
 }
 
 }  // namespace
@@ -27,13 +32,15 @@ void TrustSystemFolderOnly() {
   using Function = BOOL(WINAPI*)(DWORD);
   const auto setDirectories = SystemFunction<Function>("kernel32.dll", "SetDefaultDllDirectories");
   if (setDirectories != nullptr) setDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
-  // The system's own libraries ask for these by name, some long after the start, and Windows 7
-  // without the update and Wine's late imports would still look beside the program. What is in the
-  // process already is not looked for.
-  for (const char* library : {"bcrypt.dll", "crypt32.dll", "cryptbase.dll", "dwmapi.dll",
-                              "msimg32.dll", "propsys.dll", "uxtheme.dll", "version.dll"}) {
-    LoadSystemLibrary(library);
-  }
+  // The system's own libraries ask for some by name, and Windows 7 without the update and Wine's
+  // late imports would still look beside the program. What is in the process already is not looked
+  // for.
+  LoadSystemLibraries({"cryptbase.dll", "dwmapi.dll", "msimg32.dll", "uxtheme.dll", "version.dll"});
+  if (setDirectories == nullptr) LoadWhatIsAskedForLater();
+}
+
+void LoadWhatIsAskedForLater() {
+  LoadSystemLibraries({"bcrypt.dll", "crypt32.dll", "propsys.dll"});
 }
 
 }  // namespace talu

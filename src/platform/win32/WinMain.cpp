@@ -6,8 +6,8 @@
 namespace {
 
 #ifndef _MSC_VER
-// Ahead of every other constructor: the stack protector's asks the system for a random number, for
-// which Windows loads libraries by name.
+// Ahead of other constructors, the run-time library's among them: what they ask of the system may
+// load libraries by name.
 [[gnu::constructor(101)]] void BeforeAnythingElse() {
   talu::TrustSystemFolderOnly();
 }
@@ -22,5 +22,6 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   talu::Win32Machine machine;
   talu::Wizard wizard(machine.Parts());
   talu::Main(wizard);
+  talu::LoadWhatIsAskedForLater();
   return machine.Run();
 }
