@@ -84,7 +84,7 @@ void MdlDataBaseBackup::TakeLine(const ErrorTrap& step, std::string_view BackupC
       windows.DoEvents();
       BackupBatchText.clear();
     } else {
-      step([&] { BackupBatchText.append(kCrLf).append(trimmed); });
+      step([&] { AppendWhole(BackupBatchText, {kCrLf, trimmed}); });
     }
   } else if (ContainsUpper(BackupCurrentLine, kLineDirective)) {
     BackupLineMode = true;

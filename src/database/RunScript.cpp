@@ -43,7 +43,7 @@ bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step, std::string_view CurrentLin
     FinishBatch(step);
   } else if (BatchMode) {
     if (BatchText.empty()) batchOrigin_ = {ScriptName, scriptLine_};
-    step([&] { BatchText.append(kCrLf).append(trimmed); });
+    step([&] { AppendWhole(BatchText, {kCrLf, trimmed}); });
   } else if (ContainsUpper(CurrentLine, kLineDirective)) {
     LineByLineMode = true;
   } else if (LineByLineMode) {

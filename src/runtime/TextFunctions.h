@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -57,6 +58,14 @@ std::string Mid(std::string_view text, Position start);
 /// The first or last `length` characters, the whole text when it is shorter. Raises 5.
 std::string Left(std::string_view text, Position length);
 std::string Right(std::string_view text, Position length);
+
+/// `text = text & pieces`: all of them or, when memory fails, none.
+inline void AppendWhole(std::string& text, std::initializer_list<std::string_view> pieces) {
+  std::size_t size = text.size();
+  for (const std::string_view piece : pieces) size += piece.size();
+  text.reserve(size);  // grows by more than it is asked for
+  for (const std::string_view piece : pieces) text.append(piece);
+}
 
 /// Without leading and trailing blanks; other white space stays.
 inline std::string_view TrimView(std::string_view text) {
