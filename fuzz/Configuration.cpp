@@ -3,9 +3,9 @@
 #include <cstdint>
 
 #include "Naive.h"
+#include "Wizard.h"
 #include "pages/FrmSQLNonQuery.h"
 #include "platform/simulated/SimulatedMachine.h"
-#include "startup/Wizard.h"
 
 namespace talu {
 namespace {

@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "Naive.h"
+#include "Wizard.h"
 #include "pages/FrmApplication.h"
 #include "platform/simulated/SimulatedMachine.h"
-#include "startup/Wizard.h"
 
 namespace talu {
 namespace {

@@ -7,10 +7,10 @@
 #include <cstring>
 #include <string>
 
+#include "Wizard.h"
 #include "deploy/MdlCommon.h"
 #include "pages/FrmSQLNonQuery.h"
 #include "platform/simulated/SimulatedMachine.h"
-#include "startup/Wizard.h"
 
 namespace talu {
 namespace {

@@ -2,23 +2,28 @@
 // error is remembered and logged, and the next statement runs; a build with any error is rolled
 // back.
 
+#include "database/DatabaseBuild.h"
 #include "database/MdlDataBaseBackup.h"
 #include "database/ScriptReader.h"
-#include "pages/FrmSQLNonQuery.h"
 #include "runtime/ErrorTrap.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-void FrmSQLNonQuery::Trap(const RuntimeError& error) {
+DatabaseBuild::DatabaseBuild(InstallContext& install, const WorkView& view, CommandButton& back)
+    : install_(install), view_(view), back_(back), backup_(install, view.Bar) {}
+
+DatabaseBuild::~DatabaseBuild() = default;
+
+void DatabaseBuild::Trap(const RuntimeError& error) {
   LastError = error.Description;
-  wizard_.WriteErrorEntry(error, BatchText);
+  install_.WriteErrorEntry(error, BatchText);
 }
 
-void FrmSQLNonQuery::BuildDatabase() {
+void DatabaseBuild::BuildDatabase() {
   const ErrorTrap step([this](const RuntimeError& error) { Trap(error); });
-  TextFiles& files = wizard_.TextFiles;
-  CmdPrev.Enabled = false;
+  TextFiles& files = install_.TextFiles;
+  back_.Enabled = false;
   DBCount = 0;
   LoginCount = 0;
   // Of an earlier build; what was gathered, the line mode and the lists stay.
@@ -26,23 +31,23 @@ void FrmSQLNonQuery::BuildDatabase() {
   ScriptName.clear();
   KeyFound = false;
   InBlock = false;
-  LblMsg.Caption = "Building Database. Please wait....";
-  step([&] { wizard_.WriteErrLog("Building Database Started...."); });
-  step([&] { TheConnection().ConnectionString(wizard_.ServerConnectionString()); });
-  step([&] { wizard_.DataBaseBackup().BackupDatabases(); });
-  if (wizard_.State.DBFolderPath.empty()) {
+  view_.Status.Caption = "Building Database. Please wait....";
+  step([&] { install_.WriteErrLog("Building Database Started...."); });
+  step([&] { TheConnection().ConnectionString(install_.ServerConnectionString()); });
+  step([&] { backup_.BackupDatabases(); });
+  if (install_.State.DBFolderPath.empty()) {
     Trap(RuntimeError(0, ""));
     return;
   }
-  OpenForReading(step, files, wizard_.Machine.AppPath + "\\AppCfg.txt", ConfigFile);
+  OpenForReading(step, files, install_.Machine.AppPath + "\\AppCfg.txt", ConfigFile);
   step([&] { TheConnection().Open(); });
   bool closed = true;  // also when the question itself fails
   step.Assign(closed, [&] { return TheConnection().State() == 0; });
   if (closed) {
     const std::string failed = "Database authentication failed, Can not continue ...";
-    LblMsg.Caption = failed;
-    step([&] { wizard_.WriteErrLog(failed); });
-    CmdNext.Enabled = false;
+    view_.Status.Caption = failed;
+    step([&] { install_.WriteErrLog(failed); });
+    view_.Next.Enabled = false;
     return;
   }
   if (!RunScripts(step, ChosenScripts())) {
@@ -57,8 +62,8 @@ void FrmSQLNonQuery::BuildDatabase() {
   }
 }
 
-FrmSQLNonQuery::ScriptSet FrmSQLNonQuery::ChosenScripts() const {
-  switch (wizard_.State.SetupType) {
+DatabaseBuild::ScriptSet DatabaseBuild::ChosenScripts() const {
+  switch (install_.State.SetupType) {
     case 0:
       return {"\\SQLScript\\Fresh\\", "FreshDBSript"};
     case 1:
@@ -71,8 +76,8 @@ FrmSQLNonQuery::ScriptSet FrmSQLNonQuery::ChosenScripts() const {
 }
 
 // The build's own reader of the configuration. Returns false when a script is malformed.
-bool FrmSQLNonQuery::RunScripts(const ErrorTrap& step, const ScriptSet& scripts) {
-  TextFiles& files = wizard_.TextFiles;
+bool DatabaseBuild::RunScripts(const ErrorTrap& step, const ScriptSet& scripts) {
+  TextFiles& files = install_.TextFiles;
   while (MoreToRead(step, files, ConfigFile)) {
     std::string_view CurrentLine;
     if (!step.Assign(CurrentLine, [&] { return files.LineInput(ConfigFile); })) continue;
@@ -93,46 +98,56 @@ bool FrmSQLNonQuery::RunScripts(const ErrorTrap& step, const ScriptSet& scripts)
   return true;
 }
 
-void FrmSQLNonQuery::Succeed(const ErrorTrap& step) {
-  const InstallState& state = wizard_.State;
+void DatabaseBuild::Succeed(const ErrorTrap& step) {
+  const InstallState& state = install_.State;
   step([&] { TheConnection().Close(); });
   const std::string done = "Database creation completed successfully...";
-  LblMsg.Caption = done;
-  step([&] { wizard_.WriteErrLog(done); });
-  ShpProgBar.Width = ProgressShare(80);
+  view_.Status.Caption = done;
+  step([&] { install_.WriteErrLog(done); });
+  view_.Bar.Width = ProgressShare(80);
   BuildSucceeded = true;
-  step([&] { wizard_.WriteUninstall("UsrName:" + state.SqlUser); });
-  step([&] { wizard_.WriteUninstall("PsWord:" + state.SqlPassword); });
+  step([&] { install_.WriteUninstall("UsrName:" + state.SqlUser); });
+  step([&] { install_.WriteUninstall("PsWord:" + state.SqlPassword); });
   step([&] {
-    wizard_.WriteUninstall("DBNames:" + std::to_string(DBCount) + state.CreatedDatabaseList);
+    install_.WriteUninstall("DBNames:" + std::to_string(DBCount) + state.CreatedDatabaseList);
   });
   step([&] {
-    wizard_.WriteUninstall("DBLogins:" + std::to_string(LoginCount) + state.CreatedLoginList);
+    install_.WriteUninstall("DBLogins:" + std::to_string(LoginCount) + state.CreatedLoginList);
   });
 }
 
-void FrmSQLNonQuery::Fail(const ErrorTrap& step) {
+void DatabaseBuild::Fail(const ErrorTrap& step) {
   step([&] { DropCreatedDatabases(); });
   step([&] { DropCreatedLogins(); });
   step([&] { TheConnection().Close(); });
-  ShpProgBar.Width = ProgressShare(6);
+  view_.Bar.Width = ProgressShare(6);
   BuildSucceeded = false;
   const std::string notFinished = "Database creation not finished...";
-  LblMsg.Caption = notFinished;
-  step([&] { wizard_.WriteErrLog(notFinished); });
-  windows_.MessageBox(LastError, "");
+  view_.Status.Caption = notFinished;
+  step([&] { install_.WriteErrLog(notFinished); });
+  install_.Machine.Windows.MessageBox(LastError, "");
 }
 
 // The connection and the two files are left open.
-void FrmSQLNonQuery::FailForFormat(const ErrorTrap& step) {
+void DatabaseBuild::FailForFormat(const ErrorTrap& step) {
   step([&] { DropCreatedDatabases(); });
   step([&] { DropCreatedLogins(); });
-  ShpProgBar.Width = ProgressShare(6);
+  view_.Bar.Width = ProgressShare(6);
   BuildSucceeded = false;
   const std::string notCorrect = "Script format is not correct....";
-  LblMsg.Caption = notCorrect;
-  step([&] { wizard_.WriteErrLog(notCorrect); });
-  if (!LastError.empty()) windows_.MessageBox(LastError, "");
+  view_.Status.Caption = notCorrect;
+  step([&] { install_.WriteErrLog(notCorrect); });
+  if (!LastError.empty()) install_.Machine.Windows.MessageBox(LastError, "");
+}
+
+Connection& DatabaseBuild::TheConnection() {
+  if (!connection_) connection_ = install_.Machine.DataAccess.CreateConnection();
+  return *connection_;
+}
+
+Command& DatabaseBuild::TheCommand() {
+  if (!command_) command_ = install_.Machine.DataAccess.CreateCommand();
+  return *command_;
 }
 
 }  // namespace talu

@@ -1,34 +1,35 @@
 #include "database/MdlDataBaseBackup.h"
 
 #include "database/ScriptReader.h"
-#include "pages/FrmSQLNonQuery.h"
+#include "forms/Controls.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
 #include "startup/BackupFolder.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-MdlDataBaseBackup::MdlDataBaseBackup(Wizard& wizard) : wizard_(wizard) {}
+MdlDataBaseBackup::MdlDataBaseBackup(InstallContext& install, Shape& bar)
+    : install_(install), bar_(bar) {}
 
 MdlDataBaseBackup::~MdlDataBaseBackup() = default;
 
 void MdlDataBaseBackup::BackupDatabases() {
   const ErrorTrap step(
-      [this](const RuntimeError& error) { wizard_.WriteErrorEntry(error, BackupBatchText); });
-  step.Assign(BackupScriptCount, [&] { return wizard_.GetCfgCount("DBSript"); });
+      [this](const RuntimeError& error) { install_.WriteErrorEntry(error, BackupBatchText); });
+  step.Assign(BackupScriptCount, [&] { return install_.GetCfgCount("DBSript"); });
   ChooseScripts();
   step.CountTo(BackupScriptCount, [&](Int16 index) {
     BackupScriptIndex = index;
     step.Assign(BackupScriptName,
-                [&] { return wizard_.GetCfgValue(BackupScriptKey, BackupScriptIndex); });
+                [&] { return install_.GetCfgValue(BackupScriptKey, BackupScriptIndex); });
     if (!BackupScriptName.empty()) ScanScript(step);
   });
-  InstallState& state = wizard_.State;
+  InstallState& state = install_.State;
   step.Assign(state.BackupFolderPath,
               [&] { return BackupFolderFor(state.AppFolderPath, state.AppFolderName); });
   step([&] {
-    FileSystemObject& files = wizard_.Machine.Files;
+    FileSystemObject& files = install_.Machine.Files;
     if (!files.FolderExists(state.BackupFolderPath)) files.CreateFolder(state.BackupFolderPath);
   });
   Connect(step);
@@ -37,7 +38,7 @@ void MdlDataBaseBackup::BackupDatabases() {
 
 // Demo and upgrade are crossed against the build's sets. Packs rely on it.
 void MdlDataBaseBackup::ChooseScripts() {
-  switch (wizard_.State.SetupType) {
+  switch (install_.State.SetupType) {
     case 0:
       BackupScriptFolder = "\\SQLScript\\Fresh\\";
       BackupScriptKey = "FreshDBSript";
@@ -56,8 +57,8 @@ void MdlDataBaseBackup::ChooseScripts() {
 }
 
 void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
-  TextFiles& files = wizard_.TextFiles;
-  OpenForReading(step, files, wizard_.Machine.AppPath + BackupScriptFolder + BackupScriptName,
+  TextFiles& files = install_.TextFiles;
+  OpenForReading(step, files, install_.Machine.AppPath + BackupScriptFolder + BackupScriptName,
                  BackupScriptFile);
   BackupGoMode = false;
   while (MoreToRead(step, files, BackupScriptFile)) {
@@ -74,7 +75,7 @@ void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
 
 void MdlDataBaseBackup::TakeLine(const ErrorTrap& step, std::string_view BackupCurrentLine,
                                  std::string_view trimmed) {
-  WindowSystem& windows = wizard_.Machine.Windows;
+  WindowSystem& windows = install_.Machine.Windows;
   if (ContainsUpper(BackupCurrentLine, kBatchDirective)) {
     BackupGoMode = true;
   } else if (BackupGoMode) {
@@ -101,12 +102,11 @@ void MdlDataBaseBackup::TakeLine(const ErrorTrap& step, std::string_view BackupC
 }
 
 void MdlDataBaseBackup::AdvanceProgress() {
-  Shape& bar = wizard_.Page<FrmSQLNonQuery>().ShpProgBar;
-  bar.Width = bar.Width < 1000 ? bar.Width + 1 : 500;
+  bar_.Width = bar_.Width < 1000 ? bar_.Width + 1 : 500;
 }
 
 void MdlDataBaseBackup::Connect(const ErrorTrap& step) {
-  step([&] { TheConnection().ConnectionString(wizard_.ServerConnectionString()); });
+  step([&] { TheConnection().ConnectionString(install_.ServerConnectionString()); });
   step([&] { TheConnection().Open(); });
   step([&] { TheCommand().ActiveConnection(TheConnection()); });
 }
@@ -129,8 +129,8 @@ void MdlDataBaseBackup::BackupListed(const ErrorTrap& step) {
 
 std::string MdlDataBaseBackup::BackupStatement(const std::string& name) const {
   return "IF  EXISTS (SELECT name FROM sys.databases WHERE name = N'" + name +
-         "') BACKUP DATABASE " + name + " TO  DISK = N'" + wizard_.State.BackupFolderPath +
-         "\\Talu_" + name + "_" + DateStamp(wizard_.Machine.Clock.Now()) +
+         "') BACKUP DATABASE " + name + " TO  DISK = N'" + install_.State.BackupFolderPath +
+         "\\Talu_" + name + "_" + DateStamp(install_.Machine.Clock.Now()) +
          ".bkp ' WITH NOFORMAT, INIT,  NAME = N'" + name +
          "-Full Database Backup', SKIP, NOREWIND, NOUNLOAD,  STATS = 10";
 }
@@ -184,12 +184,12 @@ void MdlDataBaseBackup::AddCandidate() {
 }
 
 Connection& MdlDataBaseBackup::TheConnection() {
-  if (!connection_) connection_ = wizard_.Machine.DataAccess.CreateConnection();
+  if (!connection_) connection_ = install_.Machine.DataAccess.CreateConnection();
   return *connection_;
 }
 
 Command& MdlDataBaseBackup::TheCommand() {
-  if (!command_) command_ = wizard_.Machine.DataAccess.CreateCommand();
+  if (!command_) command_ = install_.Machine.DataAccess.CreateCommand();
   return *command_;
 }
 

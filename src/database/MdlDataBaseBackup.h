@@ -13,14 +13,16 @@ namespace talu {
 class Command;
 class Connection;
 class ErrorTrap;
-class Wizard;
+class InstallContext;
+class Shape;
 
 /// The backup before a build: collects the databases that the scripts name and backs up those that
 /// exist on the server. Its state lives as long as the program: names found by an earlier build
 /// stay.
 class MdlDataBaseBackup {
  public:
-  explicit MdlDataBaseBackup(Wizard& wizard);
+  /// `bar` moves while the scripts are scanned.
+  MdlDataBaseBackup(InstallContext& install, Shape& bar);
   ~MdlDataBaseBackup();
 
   /// Scans the scripts of the installation type, then backs up every name found. Logs each error
@@ -48,7 +50,8 @@ class MdlDataBaseBackup {
   Connection& TheConnection();
   Command& TheCommand();
 
-  Wizard& wizard_;
+  InstallContext& install_;
+  Shape& bar_;
 
   Int16 BackupScriptCount;
   Int16 BackupScriptIndex;

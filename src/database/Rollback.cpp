@@ -2,15 +2,15 @@
 // of the lists on, which hold the entries of every build since the program started. The first
 // statement that fails ends its list; the build's trap takes the error.
 
-#include "pages/FrmSQLNonQuery.h"
+#include "database/DatabaseBuild.h"
 #include "platform/Ado.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-void FrmSQLNonQuery::DropCreatedDatabases() {
-  InstallState& state = wizard_.State;
+void DatabaseBuild::DropCreatedDatabases() {
+  InstallState& state = install_.State;
   state.CreatedDatabases = Split(state.CreatedDatabaseList, ',');
   for (Int16 index = 1; index <= DBCount; ++index) {
     const std::string& entry = Element(state.CreatedDatabases, index);
@@ -21,8 +21,8 @@ void FrmSQLNonQuery::DropCreatedDatabases() {
   }
 }
 
-void FrmSQLNonQuery::DropCreatedLogins() {
-  InstallState& state = wizard_.State;
+void DatabaseBuild::DropCreatedLogins() {
+  InstallState& state = install_.State;
   state.CreatedLogins = Split(state.CreatedLoginList, ',');
   for (Int16 index = 1; index <= LoginCount; ++index) {
     const std::string& entry = Element(state.CreatedLogins, index);
@@ -32,7 +32,7 @@ void FrmSQLNonQuery::DropCreatedLogins() {
   }
 }
 
-void FrmSQLNonQuery::Send(const std::string& statement) {
+void DatabaseBuild::Send(const std::string& statement) {
   TheCommand().CommandText(statement);
   TheCommand().Execute();
 }

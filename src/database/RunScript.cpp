@@ -1,10 +1,10 @@
 // One script: gathers its lines into batches, or takes them one by one, and sends them.
 
+#include "database/DatabaseBuild.h"
 #include "database/ScriptReader.h"
-#include "pages/FrmSQLNonQuery.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 namespace {
@@ -14,11 +14,11 @@ constexpr int kCommandTimeout = 300;  // seconds
 }  // namespace
 
 // Returns false when the script is malformed; it then stays open.
-bool FrmSQLNonQuery::RunScript(const ErrorTrap& step, const std::string& folder) {
-  TextFiles& files = wizard_.TextFiles;
+bool DatabaseBuild::RunScript(const ErrorTrap& step, const std::string& folder) {
+  TextFiles& files = install_.TextFiles;
   step([&] { TheCommand().ActiveConnection(TheConnection()); });
   step([&] { TheCommand().CommandTimeout(kCommandTimeout); });
-  OpenForReading(step, files, wizard_.Machine.AppPath + folder + ScriptName, ScriptFile);
+  OpenForReading(step, files, install_.Machine.AppPath + folder + ScriptName, ScriptFile);
   BatchMode = false;
   scriptLine_ = 0;
   while (MoreToRead(step, files, ScriptFile)) {
@@ -35,8 +35,8 @@ bool FrmSQLNonQuery::RunScript(const ErrorTrap& step, const std::string& folder)
 }
 
 // Returns false for a line that no mode takes.
-bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step, std::string_view CurrentLine,
-                              std::string_view trimmed) {
+bool DatabaseBuild::TakeLine(const ErrorTrap& step, std::string_view CurrentLine,
+                             std::string_view trimmed) {
   if (ContainsUpper(CurrentLine, kBatchDirective)) {
     BatchMode = true;
   } else if (BatchMode && EqualsUpper(trimmed, "GO")) {
@@ -47,7 +47,7 @@ bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step, std::string_view CurrentLin
   } else if (ContainsUpper(CurrentLine, kLineDirective)) {
     LineByLineMode = true;
   } else if (LineByLineMode) {
-    windows_.DoEvents();
+    install_.Machine.Windows.DoEvents();
     batchOrigin_ = {ScriptName, scriptLine_};
     step.Assign(BatchText, [&] { return CurrentLine; });
     if (!BatchText.empty()) ExecuteBatch(step);
@@ -58,23 +58,23 @@ bool FrmSQLNonQuery::TakeLine(const ErrorTrap& step, std::string_view CurrentLin
   return true;
 }
 
-void FrmSQLNonQuery::FinishBatch(const ErrorTrap& step) {
+void DatabaseBuild::FinishBatch(const ErrorTrap& step) {
   if (Contains(BatchText, "FILENAME") && Contains(BatchText, "CREATE DATABASE")) {
     MoveDataFiles(step);
-    RecordName(step, "CREATE DATABASE", "DATABASE", wizard_.State.CreatedDatabaseList);
+    RecordName(step, "CREATE DATABASE", "DATABASE", install_.State.CreatedDatabaseList);
     step([&] { ++DBCount; });
   }
   if (Contains(BatchText, "CREATE LOGIN")) {
-    RecordName(step, "CREATE LOGIN", "LOGIN", wizard_.State.CreatedLoginList);
+    RecordName(step, "CREATE LOGIN", "LOGIN", install_.State.CreatedLoginList);
     step([&] { ++LoginCount; });
   }
-  windows_.DoEvents();
+  install_.Machine.Windows.DoEvents();
   if (!BatchText.empty()) ExecuteBatch(step);
   BatchText.clear();
 }
 
 // Puts the database folder in the place of the folder that the first data file stands in.
-void FrmSQLNonQuery::MoveDataFiles(const ErrorTrap& step) {
+void DatabaseBuild::MoveDataFiles(const ErrorTrap& step) {
   Position drive = 0;
   Position ending = 0;
   Position backslash = 0;
@@ -83,12 +83,13 @@ void FrmSQLNonQuery::MoveDataFiles(const ErrorTrap& step) {
   step.Assign(ending, [&] { return InStr(drive, BatchText, ".mdf"); });
   step.Assign(backslash, [&] { return InStrRev(BatchText, "\\", ending); });
   step.Assign(oldFolder, [&] { return Mid(BatchText, drive, backslash - drive); });
-  step.Assign(BatchText, [&] { return Replace(BatchText, oldFolder, wizard_.State.DBFolderPath); });
+  step.Assign(BatchText,
+              [&] { return Replace(BatchText, oldFolder, install_.State.DBFolderPath); });
 }
 
 // Cuts the name behind `keyword`: from the blank before it to the next blank.
-void FrmSQLNonQuery::RecordName(const ErrorTrap& step, const char* statement, const char* keyword,
-                                std::string& list) {
+void DatabaseBuild::RecordName(const ErrorTrap& step, const char* statement, const char* keyword,
+                               std::string& list) {
   Position start = 0;
   Position end = 0;
   Position at = 0;
@@ -99,13 +100,13 @@ void FrmSQLNonQuery::RecordName(const ErrorTrap& step, const char* statement, co
   step([&] { list += "," + Mid(BatchText, start, end - start); });
 }
 
-void FrmSQLNonQuery::ExecuteBatch(const ErrorTrap& step) {
+void DatabaseBuild::ExecuteBatch(const ErrorTrap& step) {
   executing_ = batchOrigin_;
   step([&] { TheCommand().CommandText(BatchText); });
   step([&] { TheCommand().Execute(); });
   executing_.reset();
-  windows_.DoEvents();
-  ShpProgBar.Width = ShpProgBar.Width < 6000 ? ShpProgBar.Width + 1 : 5000;
+  install_.Machine.Windows.DoEvents();
+  view_.Bar.Width = view_.Bar.Width < 6000 ? view_.Bar.Width + 1 : 5000;
 }
 
 }  // namespace talu

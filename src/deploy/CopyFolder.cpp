@@ -1,9 +1,9 @@
 #include "deploy/MdlCommon.h"
 #include "deploy/MdlShellCopy.h"
-#include "pages/FrmApplication.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
+#include "startup/WorkView.h"
 
 namespace talu {
 namespace {
@@ -19,48 +19,49 @@ bool IsDatabaseFile(const std::string& name) {
 
 }  // namespace
 
-void CopyFolderTree(Wizard& wizard, const std::string& source, const std::string& target) {
-  FileSystemObject& files = wizard.Machine.Files;
+void CopyFolderTree(InstallContext& install, const WorkView& view, const std::string& source,
+                    const std::string& target) {
+  FileSystemObject& files = install.Machine.Files;
   try {
     files.GetFolder(target);
     const auto folder = files.GetFolder(source);
-    CopyFolderFiles(wizard, source, target);
+    CopyFolderFiles(install, view, source, target);
     for (const FolderItem& subFolder : folder->SubFolders()) {
       const std::string newTarget = target + "\\" + subFolder.Name;
       if (!files.FolderExists(newTarget)) {
         files.CreateFolder(newTarget);
-        wizard.WriteErrLog("//\r\nCreating New Folder - " + newTarget);
+        install.WriteErrLog("//\r\nCreating New Folder - " + newTarget);
       } else {
-        wizard.WriteErrLog("//\r\nFolder Already exists - " + newTarget);
+        install.WriteErrLog("//\r\nFolder Already exists - " + newTarget);
       }
-      CopyFolderTree(wizard, subFolder.Path, newTarget);
+      CopyFolderTree(install, view, subFolder.Path, newTarget);
     }
   } catch (...) {
     CaughtError();
   }
 }
 
-void CopyFolderFiles(Wizard& wizard, const std::string& source, const std::string& target) {
-  FrmApplication& page = wizard.Page<FrmApplication>();
+void CopyFolderFiles(InstallContext& install, const WorkView& view, const std::string& source,
+                     const std::string& target) {
   const FolderItem* current = nullptr;
   const ErrorTrap step([&](const RuntimeError& error) {
     if (current == nullptr) throw RuntimeError(error::ObjectNotSet);
-    wizard.WriteErrLog("//\r\nCan't copy " + current->Path + "to" + target + "\\" + current->Name +
-                       "-" + error.Description + "\r\n");
+    install.WriteErrLog("//\r\nCan't copy " + current->Path + "to" + target + "\\" + current->Name +
+                        "-" + error.Description + "\r\n");
   });
   std::vector<FolderItem> items;
-  step.Assign(items, [&] { return wizard.Machine.Files.GetFolder(source)->Files(); });
+  step.Assign(items, [&] { return install.Machine.Files.GetFolder(source)->Files(); });
   for (const FolderItem& file : items) {
     current = &file;
     bool skip = false;  // also when the name is too short for the test
     step.Assign(skip, [&] { return IsDatabaseFile(file.Name); });
     if (skip) continue;
-    page.Lblmsg.Caption = "Copying - " + target + "\\" + file.Name;
-    step([&] { ShellCopy(wizard, file.Path, target + "\\" + file.Name, true); });
-    Shape& bar = page.ShpProgBar;
+    view.Status.Caption = "Copying - " + target + "\\" + file.Name;
+    step([&] { ShellCopy(install, file.Path, target + "\\" + file.Name, true); });
+    Shape& bar = view.Bar;
     bar.Width = bar.Width < kCopyLimit ? bar.Width + 1 : kCopyLimit;
-    step([&] { wizard.WriteErrLog("//\r\nCopying file - " + target + "\\" + file.Path); });
-    wizard.Machine.Windows.DoEvents();
+    step([&] { install.WriteErrLog("//\r\nCopying file - " + target + "\\" + file.Path); });
+    install.Machine.Windows.DoEvents();
   }
 }
 

@@ -1,9 +1,9 @@
 // The data-source step. A server that cannot be reached through a new data source ends the program.
 
-#include "pages/FrmApplication.h"
+#include "deploy/Deployment.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 namespace {
@@ -27,32 +27,32 @@ std::string AccessAttributes(const std::vector<std::string>& fields) {
 
 }  // namespace
 
-bool FrmApplication::CreateDSN(const std::string& driver, const std::string& attributes) {
-  return wizard_.Machine.Odbc.SQLConfigDataSource(kAddSystemDsn, driver, attributes);
+bool Deployment::CreateDSN(const std::string& driver, const std::string& attributes) {
+  return install_.Machine.Odbc.SQLConfigDataSource(kAddSystemDsn, driver, attributes);
 }
 
-void FrmApplication::CreateSystemDSNs() {
+void Deployment::CreateSystemDSNs() {
   const ErrorTrap step([this](const RuntimeError& error) {
-    wizard_.WriteErrorEntry(error);
+    install_.WriteErrorEntry(error);
     if (error.Number != error::Unspecified) return;
     const std::string failed = "Connection to Server failed, Can not continue installation";
-    windows_.MessageBox(failed, "");
-    wizard_.WriteErrLog(failed);
-    Lblmsg.Caption = failed;
-    windows_.EndProgram();
+    install_.Machine.Windows.MessageBox(failed, "");
+    install_.WriteErrLog(failed);
+    view_.Status.Caption = failed;
+    install_.Machine.Windows.EndProgram();
   });
-  Lblmsg.Caption = "DSN creation started. Please Wait...";
-  step([&] { wizard_.WriteErrLog("DSN creation started..."); });
+  view_.Status.Caption = "DSN creation started. Please Wait...";
+  step([&] { install_.WriteErrLog("DSN creation started..."); });
   std::unique_ptr<Connection> connection;
   std::vector<std::string> fields;
   std::string line;
   std::string attributes;
   bool ok = false;
   Int16 n;
-  step.Assign(n, [&] { return wizard_.GetCfgCount("SystemDSN"); });
+  step.Assign(n, [&] { return install_.GetCfgCount("SystemDSN"); });
   while (n != 0) {
-    step.Assign(line, [&] { return wizard_.GetCfgValue("SystemDSN", n); });
-    step([&] { wizard_.WriteErrLog("creating - " + line); });
+    step.Assign(line, [&] { return install_.GetCfgValue("SystemDSN", n); });
+    step([&] { install_.WriteErrLog("creating - " + line); });
     step.Assign(fields, [&] { return Split(line, ','); });
     // A test that fails goes on with what it guards; any other driver gets the text of the line
     // before.
@@ -63,27 +63,27 @@ void FrmApplication::CreateSystemDSNs() {
       step.Assign(access, [&] { return Field(fields, 0) == "Microsoft Access Driver (*.mdb)"; });
     if (sqlServer) {
       step.Assign(attributes,
-                  [&] { return SqlServerAttributes(fields, wizard_.State.ServerName); });
+                  [&] { return SqlServerAttributes(fields, install_.State.ServerName); });
     } else if (access) {
       step.Assign(attributes, [&] { return AccessAttributes(fields); });
     }
     step.Assign(ok, [&] { return CreateDSN(Field(fields, 0), attributes); });
     step([&] {
-      if (!connection) connection = wizard_.Machine.DataAccess.CreateConnection();
+      if (!connection) connection = install_.Machine.DataAccess.CreateConnection();
       connection->Open("DSN=" + Field(fields, 1) + "; UID=" + Field(fields, 3) +
                        "; PWD=" + Field(fields, 4));
     });
     step([&] {
-      if (ShpProgBar.Width < Int16(kProgressWidth) - StepWeight) {
-        ShpProgBar.Width = ShpProgBar.Width + StepWeight;
+      if (view_.Bar.Width < Int16(kProgressWidth) - StepWeight) {
+        view_.Bar.Width = view_.Bar.Width + StepWeight;
       }
     });
     step([&] { --n; });
-    step([&] { wizard_.WriteUninstall("SystemDSN:" + line); });
+    step([&] { install_.WriteUninstall("SystemDSN:" + line); });
   }
   const std::string created = "DSN(s) created successfully";
-  if (ok) Lblmsg.Caption = created;
-  step([&] { wizard_.WriteErrLog(created); });
+  if (ok) view_.Status.Caption = created;
+  step([&] { install_.WriteErrLog(created); });
 }
 
 }  // namespace talu

@@ -1,7 +1,7 @@
 #include "deploy/MdlCommon.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 namespace {
@@ -19,14 +19,14 @@ std::string LastComponentWithoutBlanks(const std::string& path) {
 
 }  // namespace
 
-void MakeShortcut(Wizard& wizard, const std::string& target, const std::string& selector,
+void MakeShortcut(InstallContext& install, const std::string& target, const std::string& selector,
                   const std::string& name, const std::string& workingDir) {
   bool success = false;
   const ErrorTrap step([&](const RuntimeError& error) {
     success = false;
-    wizard.WriteErrorEntry(error);
+    install.WriteErrorEntry(error);
   });
-  FileSystemObject& files = wizard.Machine.Files;
+  FileSystemObject& files = install.Machine.Files;
   const auto createMissing = [&files](const std::string& path) {
     if (!files.FolderExists(path)) files.CreateFolder(path);
   };
@@ -34,7 +34,7 @@ void MakeShortcut(Wizard& wizard, const std::string& target, const std::string& 
   const bool inStartMenu = wanted == "STARTMENU" || wanted == "PROGRAMS";
 
   std::unique_ptr<ScriptShell> shell;
-  step.Assign(shell, [&] { return wizard.Machine.Scripting.CreateShell(); });
+  step.Assign(shell, [&] { return install.Machine.Scripting.CreateShell(); });
   std::vector<std::string> specialFolders;
   if (shell) step.Assign(specialFolders, [&] { return shell->SpecialFolders(); });
   std::unique_ptr<Shortcut> shortcut;
@@ -45,7 +45,7 @@ void MakeShortcut(Wizard& wizard, const std::string& target, const std::string& 
     folder = specialFolder;
     if (inStartMenu) {
       step([&] { createMissing(folder + "\\TALU"); });
-      folder += "\\TALU\\" + wizard.State.AppFolderName;
+      folder += "\\TALU\\" + install.State.AppFolderName;
       step([&] { createMissing(folder); });
     }
     std::string path = folder;
@@ -57,12 +57,12 @@ void MakeShortcut(Wizard& wizard, const std::string& target, const std::string& 
     step([&] { Set(shortcut).IconLocation(target); });
     step([&] { Set(shortcut).Save(); });
     if (!success) {
-      step([&] { wizard.WriteErrLog(link + " can't created"); });
+      step([&] { install.WriteErrLog(link + " can't created"); });
       continue;
     }
-    if (inStartMenu) step([&] { wizard.WriteUninstall("ShotcutFolder:" + folder); });
-    step([&] { wizard.WriteUninstall(link); });
-    step([&] { wizard.WriteErrLog(link + " created"); });
+    if (inStartMenu) step([&] { install.WriteUninstall("ShotcutFolder:" + folder); });
+    step([&] { install.WriteUninstall(link); });
+    step([&] { install.WriteErrLog(link + " created"); });
     return;
   }
 }

@@ -1,6 +1,6 @@
 #include "deploy/MdlShellCopy.h"
 
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 namespace {
@@ -14,9 +14,10 @@ constexpr int kAllowUndoThenNoConfirmation = 6416;
 
 }  // namespace
 
-bool ShellCopy(Wizard& wizard, const std::string& from, const std::string& to, bool noConfirm) {
+bool ShellCopy(InstallContext& install, const std::string& from, const std::string& to,
+               bool noConfirm) {
   const int flags = noConfirm ? kAllowUndoThenNoConfirmation : kAllowUndo;
-  return wizard.Machine.Shell.FileOperation(kCopy, from, to, flags) == 0;
+  return install.Machine.Shell.FileOperation(kCopy, from, to, flags) == 0;
 }
 
 }  // namespace talu

@@ -4,10 +4,11 @@
 
 namespace talu {
 
-class Wizard;
+class InstallContext;
 
 /// Copies with the shell's file operation; with `noConfirm` without asking. Returns whether the
 /// shell reported success.
-bool ShellCopy(Wizard& wizard, const std::string& from, const std::string& to, bool noConfirm);
+bool ShellCopy(InstallContext& install, const std::string& from, const std::string& to,
+               bool noConfirm);
 
 }  // namespace talu

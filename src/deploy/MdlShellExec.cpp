@@ -1,11 +1,11 @@
 #include "deploy/MdlShellExec.h"
 
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-std::int32_t ExecCmd(Wizard& wizard, const std::string& commandLine) {
-  return wizard.Machine.Programs.RunAndWait(commandLine);
+std::int32_t ExecCmd(InstallContext& install, const std::string& commandLine) {
+  return install.Machine.Programs.RunAndWait(commandLine);
 }
 
 }  // namespace talu

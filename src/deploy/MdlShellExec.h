@@ -5,10 +5,10 @@
 
 namespace talu {
 
-class Wizard;
+class InstallContext;
 
 /// Runs a command line and waits for its end, however long that takes. Returns its exit code, -1
 /// when it cannot be started.
-std::int32_t ExecCmd(Wizard& wizard, const std::string& commandLine);
+std::int32_t ExecCmd(InstallContext& install, const std::string& commandLine);
 
 }  // namespace talu

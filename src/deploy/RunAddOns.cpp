@@ -1,39 +1,39 @@
 // The add-on packs step: one after the other, each waited for. It has no trap of its own.
 
+#include "deploy/Deployment.h"
 #include "deploy/MdlShellExec.h"
-#include "pages/FrmApplication.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-void FrmApplication::RunAddOns() {
-  const Int16 n = wizard_.GetCfgCount("AddOns");
+void Deployment::RunAddOns() {
+  const Int16 n = install_.GetCfgCount("AddOns");
   if (n < 1) return;
   const std::string started = "Execution of AddOn packs started...";
-  Lblmsg.Caption = started;
-  wizard_.WriteErrLog(started);
+  view_.Status.Caption = started;
+  install_.WriteErrLog(started);
   std::int32_t exitCode = 0;
   for (Int16 i = 1; i <= n; ++i) {
-    windows_.DoEvents();
-    const std::string line = wizard_.GetCfgValue("AddOns", i);
-    const std::string path = wizard_.Machine.AppPath + "\\AddOns\\" + line;
+    install_.Machine.Windows.DoEvents();
+    const std::string line = install_.GetCfgValue("AddOns", i);
+    const std::string path = install_.Machine.AppPath + "\\AddOns\\" + line;
     const std::string packStarted = "Execution of " + line + " AddOn pack started";
     if (Contains(line, ".exe")) {
-      Lblmsg.Caption = packStarted + ".Please follow instructions...";
-      wizard_.WriteErrLog(packStarted);
-      exitCode = ExecCmd(wizard_, path);
+      view_.Status.Caption = packStarted + ".Please follow instructions...";
+      install_.WriteErrLog(packStarted);
+      exitCode = ExecCmd(install_, path);
     }
     if (Contains(line, ".msi")) {
-      Lblmsg.Caption = packStarted + ".Please wait...";
-      wizard_.WriteErrLog(packStarted);
+      view_.Status.Caption = packStarted + ".Please wait...";
+      install_.WriteErrLog(packStarted);
       // Logged as an administrative installation, run as a plain one.
-      wizard_.WriteErrLog("msiexec /a \"" + path + "\" /quiet");
-      exitCode = ExecCmd(wizard_, "msiexec /i \"" + path + "\" /quiet");
+      install_.WriteErrLog("msiexec /a \"" + path + "\" /quiet");
+      exitCode = ExecCmd(install_, "msiexec /i \"" + path + "\" /quiet");
     }
-    wizard_.WriteErrLog("Process Finished, Exit Code " + std::to_string(exitCode));
-    wizard_.WriteUninstall("AddOns:" + line);
-    windows_.DoEvents();
+    install_.WriteErrLog("Process Finished, Exit Code " + std::to_string(exitCode));
+    install_.WriteUninstall("AddOns:" + line);
+    install_.Machine.Windows.DoEvents();
   }
 }
 

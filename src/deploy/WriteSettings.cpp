@@ -1,8 +1,8 @@
 // The settings files step. It has no trap of its own.
 
-#include "pages/FrmApplication.h"
+#include "deploy/Deployment.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 namespace {
@@ -16,33 +16,33 @@ std::string SettingValue(const InstallState& state, const std::string& key) {
 
 }  // namespace
 
-void FrmApplication::WriteSettings() {
-  TextFiles& files = wizard_.TextFiles;
-  const Int16 n = wizard_.GetCfgCount("WriteSettings");
+void Deployment::WriteSettings() {
+  TextFiles& files = install_.TextFiles;
+  const Int16 n = install_.GetCfgCount("WriteSettings");
   if (n > 0) {
     const std::string started = "Writing Settings started...";
-    Lblmsg.Caption = started;
-    wizard_.WriteErrLog(started);
+    view_.Status.Caption = started;
+    install_.WriteErrLog(started);
     for (Int16 i = 1; i <= n; ++i) {
-      windows_.DoEvents();
-      const std::vector<std::string> fields = Split(wizard_.GetCfgValue("WriteSettings", i), ',');
+      install_.Machine.Windows.DoEvents();
+      const std::vector<std::string> fields = Split(install_.GetCfgValue("WriteSettings", i), ',');
       if (!Contains(Element(fields, 0), ".txt")) continue;
-      const std::string path = wizard_.State.AppFolderPath + Element(fields, 0);
+      const std::string path = install_.State.AppFolderPath + Element(fields, 0);
       const int file = files.FreeFile();
-      if (wizard_.Machine.Files.FileExists(path)) wizard_.Machine.Files.DeleteFile(path, false);
+      if (install_.Machine.Files.FileExists(path)) install_.Machine.Files.DeleteFile(path, false);
       files.Open(path, OpenMode::Output, file);
       files.Close(file);
-      if (!wizard_.Machine.Files.FileExists(path)) continue;
+      if (!install_.Machine.Files.FileExists(path)) continue;
       files.Open(path, OpenMode::Append, file);
       const std::string key = UCase(TrimView(Element(fields, 2)));
-      files.Print(file, {Element(fields, 1), SettingValue(wizard_.State, key)});
+      files.Print(file, {Element(fields, 1), SettingValue(install_.State, key)});
       files.Close(file);
     }
   }
   // "not Finished" also after a complete run: the log's readers know it so.
   const std::string closing = "Writing Settings not Finished";
-  Lblmsg.Caption = closing;
-  wizard_.WriteErrLog(closing);
+  view_.Status.Caption = closing;
+  install_.WriteErrLog(closing);
 }
 
 }  // namespace talu

@@ -1,31 +1,23 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
+#include "deploy/Deployment.h"
 #include "pages/WizardPage.h"
-#include "runtime/Int16.h"
 
 namespace talu {
 
-class Connection;
-
-/// The last page: as soon as it is shown it puts the application on the machine, step by step. The
-/// steps are written in deploy/.
+/// The last page: as soon as it is shown it puts the application on the machine.
 class FrmApplication : public WizardPage {
  public:
-  explicit FrmApplication(Wizard& wizard);
-  ~FrmApplication() override;
+  explicit FrmApplication(Pages& pages);
 
-  /// Registers a system data source. Attributes are separated by NUL characters, none behind the
-  /// last. Returns whether the installer library accepted it.
-  bool CreateDSN(const std::string& driver, const std::string& attributes);
-  /// The shortcuts step.
-  void Shotcuts();
-  /// The add-on packs step. Raises what reading the configuration or writing the log raises.
-  void RunAddOns();
-  /// The settings files step. Raises 9 for a line with too few fields, and what the files raise.
-  void WriteSettings();
+  bool CreateDSN(const std::string& driver, const std::string& attributes) {
+    return deployment_.CreateDSN(driver, attributes);
+  }
+  void Shotcuts() { deployment_.Shotcuts(); }
+  void RunAddOns() { deployment_.RunAddOns(); }
+  void WriteSettings() { deployment_.WriteSettings(); }
 
   Label Lblmsg{*this, "Lblmsg", " This will install Application.....", TextStyle::Status,
                layout::kStatus};
@@ -39,6 +31,9 @@ class FrmApplication : public WizardPage {
                     {layout::kLeft - kScrollMargin, 960, layout::kWidth + kScrollMargin, 3120}};
   CommandButton CmdNext{*this, "CmdNext", "&Finish", layout::kNext};
 
+  /// What a copy that another page makes shows here too.
+  const WorkView View{Lblmsg, ShpProgBar, LblNotRes, CmdNext};
+
  protected:
   void Form_Load() override;
   void Form_Activate() override;
@@ -46,16 +41,7 @@ class FrmApplication : public WizardPage {
  private:
   void CmdNext_Click();
 
-  void RunDeployment();
-  void CreateSystemDSNs();
-  void FileRegistration();
-  void RegisterFolderFiles(const std::string& folderPath);
-  void ReRegister(const class ErrorTrap& step, const std::string& path);
-  void SpecialRegistration();
-  void ShowFinalMsg();
-
-  /// The page's progress unit in twips: 4 in client mode, 1 in server mode.
-  Int16 StepWeight;
+  Deployment deployment_{install_, View, LblFinalMsg};
 };
 
 }  // namespace talu

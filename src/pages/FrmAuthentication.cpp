@@ -2,13 +2,14 @@
 
 #include "pages/FrmLocation.h"
 #include "pages/FrmMode.h"
+#include "pages/Pages.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-FrmAuthentication::FrmAuthentication(Wizard& wizard)
-    : WizardPage(wizard, "FrmAuthentication", "Enter SQL Server Authentication details ") {
+FrmAuthentication::FrmAuthentication(Pages& pages)
+    : WizardPage(pages, "FrmAuthentication", "Enter SQL Server Authentication details ") {
   Label2.WithMnemonic();
   Label3.WithMnemonic();
   TxtPsWord.HidingText();
@@ -23,7 +24,7 @@ FrmAuthentication::FrmAuthentication(Wizard& wizard)
 FrmAuthentication::~FrmAuthentication() = default;
 
 void FrmAuthentication::Form_Load() {
-  const InstallState& state = wizard_.State;
+  const InstallState& state = install_.State;
   TxtUsrName.Text = state.SqlUser;
   TxtPsWord.Text = state.SqlPassword;
   TxtServer.Text = state.ServerName;
@@ -41,16 +42,16 @@ void FrmAuthentication::AnyBox_Change() {
 }
 
 void FrmAuthentication::CmdNext_Click() {
-  InstallState& state = wizard_.State;
+  InstallState& state = install_.State;
   try {
     state.SqlUser = Trim(TxtUsrName.Text.Get());
     state.SqlPassword = Trim(TxtPsWord.Text.Get());
     state.ServerName = Trim(TxtServer.Text.Get());
-    TheConnection().ConnectionString(wizard_.ServerConnectionString());
+    TheConnection().ConnectionString(install_.ServerConnectionString());
     TheConnection().Open();
     TheConnection().Close();
     Hide();
-    wizard_.Page<FrmLocation>().Show();
+    pages_.Page<FrmLocation>().Show();
   } catch (...) {
     CaughtError();
     connection_.reset();  // one that would not close refuses every further try
@@ -62,11 +63,11 @@ void FrmAuthentication::CmdNext_Click() {
 void FrmAuthentication::CmdPrev_Click() {
   wentBack_ = true;
   Hide();
-  wizard_.Page<FrmMode>().Show();
+  pages_.Page<FrmMode>().Show();
 }
 
 Connection& FrmAuthentication::TheConnection() {
-  if (!connection_) connection_ = wizard_.Machine.DataAccess.CreateConnection();
+  if (!connection_) connection_ = install_.Machine.DataAccess.CreateConnection();
   return *connection_;
 }
 

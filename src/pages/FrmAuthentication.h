@@ -11,7 +11,7 @@ class Connection;
 /// SQL Server login name, password and server, proved by opening a connection.
 class FrmAuthentication : public WizardPage {
  public:
-  explicit FrmAuthentication(Wizard& wizard);
+  explicit FrmAuthentication(Pages& pages);
   ~FrmAuthentication() override;
 
   Label Label4{*this,

@@ -7,15 +7,16 @@
 #include "pages/FrmAuthentication.h"
 #include "pages/FrmMode.h"
 #include "pages/FrmSQLNonQuery.h"
+#include "pages/Pages.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
 #include "startup/BackupFolder.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-FrmLocation::FrmLocation(Wizard& wizard)
-    : WizardPage(wizard, "FrmLocation", "Select Location and Server[Server in client mode only]") {
+FrmLocation::FrmLocation(Pages& pages)
+    : WizardPage(pages, "FrmLocation", "Select Location and Server[Server in client mode only]") {
   CmdNext.AsDefault();
   CmdLocation.LabelledBy("Label1");
   CmdLocation.Click = [this] { CmdLocation_Click(); };
@@ -28,7 +29,7 @@ FrmLocation::FrmLocation(Wizard& wizard)
 }
 
 void FrmLocation::Form_Load() {
-  InstallState& state = wizard_.State;
+  InstallState& state = install_.State;
   TxtInstaPath.Text = state.AppFolderPath;
   if (state.Mode == 1) TxtServer.Text = state.ServerName;
   SetUpFrame();
@@ -52,13 +53,13 @@ void FrmLocation::Form_Load() {
 }
 
 void FrmLocation::ReadFolderNames() {
-  wizard_.State.DBFolderName = wizard_.GetCfgValue("DBFolder", 1);
-  wizard_.State.AppFolderName = wizard_.GetCfgValue("AppFolder", 1);
+  install_.State.DBFolderName = install_.GetCfgValue("DBFolder", 1);
+  install_.State.AppFolderName = install_.GetCfgValue("AppFolder", 1);
 }
 
 // Whether the folder occurs anywhere in the path, not whether the path ends with it.
 void FrmLocation::AddProductFolder() {
-  std::string& path = wizard_.State.InstallPath;
+  std::string& path = install_.State.InstallPath;
   if (Right(path, 1) == "\\") {
     if (!Contains(path, "TA-LU\\")) path += "TA-LU";
   } else {
@@ -67,8 +68,8 @@ void FrmLocation::AddProductFolder() {
 }
 
 void FrmLocation::SetApplicationFolder() {
-  const std::string& path = wizard_.State.InstallPath;
-  const std::string& name = wizard_.State.AppFolderName;
+  const std::string& path = install_.State.InstallPath;
+  const std::string& name = install_.State.AppFolderName;
   if (Right(path, 1) == "\\") {
     if (!Contains(path, name + "\\")) TxtInstaPath.Text = path + name;
   } else {
@@ -77,15 +78,15 @@ void FrmLocation::SetApplicationFolder() {
 }
 
 void FrmLocation::CmdLocation_Click() {
-  InstallState& state = wizard_.State;
+  InstallState& state = install_.State;
   const ErrorTrap step([this](const RuntimeError& error) {
     windows_.MessageBox(std::to_string(error.Number) + "/" + error.Description + "/" + error.Source,
                         "");
-    wizard_.State.InstallPath.clear();
+    install_.State.InstallPath.clear();
     TxtInstaPath.Text = "";
   });
-  step.Assign(state.DBFolderName, [&] { return wizard_.GetCfgValue("DBFolder", 1); });
-  step.Assign(state.AppFolderName, [&] { return wizard_.GetCfgValue("AppFolder", 1); });
+  step.Assign(state.DBFolderName, [&] { return install_.GetCfgValue("DBFolder", 1); });
+  step.Assign(state.AppFolderName, [&] { return install_.GetCfgValue("AppFolder", 1); });
   std::optional<std::string> folder;
   step.Assign(folder,
               [&] { return windows_.BrowseForFolder(*this, "Select Installation Folder"); });
@@ -105,7 +106,7 @@ void FrmLocation::TxtInstaPath_MouseMove() {
 }
 
 void FrmLocation::TxtServer_Change() {
-  if (wizard_.State.Mode == 1) wizard_.State.ServerName = Trim(TxtServer.Text.Get());
+  if (install_.State.Mode == 1) install_.State.ServerName = Trim(TxtServer.Text.Get());
   EnableNextWhenFilled();
 }
 
@@ -116,40 +117,40 @@ void FrmLocation::TxtServer_GotFocus() {
 
 // Never disables the button: an emptied box leaves it as it was.
 void FrmLocation::EnableNextWhenFilled() {
-  if (!TrimView(TxtInstaPath.Text.Get()).empty() && !wizard_.State.ServerName.empty()) {
+  if (!TrimView(TxtInstaPath.Text.Get()).empty() && !install_.State.ServerName.empty()) {
     CmdNext.Enabled = true;
   }
 }
 
 void FrmLocation::CmdPrev_Click() {
   Hide();
-  if (wizard_.State.Mode == 0) {
-    wizard_.Page<FrmAuthentication>().Show();
-  } else if (wizard_.State.Mode == 1) {
-    wizard_.Page<FrmMode>().Show();
+  if (install_.State.Mode == 0) {
+    pages_.Page<FrmAuthentication>().Show();
+  } else if (install_.State.Mode == 1) {
+    pages_.Page<FrmMode>().Show();
   }
 }
 
 void FrmLocation::CmdNext_Click() {
-  InstallState& state = wizard_.State;
+  InstallState& state = install_.State;
   try {
     CmdNext.Enabled = false;
     ShpProgBase.Visible = true;
     ShpProgBar.Visible = true;
     if (state.Mode == 1) state.ServerName = Trim(TxtServer.Text.Get());
     PrepareFolders();
-    wizard_.WriteErrLog("Installation Started...\r\nApplication Folder created-" +
-                        state.AppFolderPath);
-    wizard_.WriteErrLog("AppFolder created :" + state.AppFolderPath);
-    wizard_.WriteErrLog("DBFolder created :" + state.DBFolderPath);
-    StartUninstallRecord();
+    install_.WriteErrLog("Installation Started...\r\nApplication Folder created-" +
+                         state.AppFolderPath);
+    install_.WriteErrLog("AppFolder created :" + state.AppFolderPath);
+    install_.WriteErrLog("DBFolder created :" + state.DBFolderPath);
+    install_.StartUninstallRecord();
     CmdNext.Enabled = true;
     if (state.ServerName.empty() || state.InstallPath.empty()) return;
     Hide();
     if (state.Mode == 0) {
-      wizard_.Page<FrmSQLNonQuery>().Show();
+      pages_.Page<FrmSQLNonQuery>().Show();
     } else if (state.Mode == 1) {
-      wizard_.Page<FrmApplication>().Show();
+      pages_.Page<FrmApplication>().Show();
     }
   } catch (...) {
     const RuntimeError error = CaughtError();
@@ -164,19 +165,19 @@ void FrmLocation::CmdNext_Click() {
 }
 
 void FrmLocation::PrepareFolders() {
-  InstallState& state = wizard_.State;
-  FileSystemObject& files = wizard_.Machine.Files;
+  InstallState& state = install_.State;
+  FileSystemObject& files = install_.Machine.Files;
   LblMsg.Caption = "Creating installation folders...";
   if (!files.FolderExists(state.InstallPath)) files.CreateFolder(state.InstallPath);
   if (!state.AppFolderName.empty()) {
     state.AppFolderPath = TxtInstaPath.Text;
     if (files.FolderExists(state.AppFolderPath)) {
-      ResetErrorLog();
+      install_.ResetErrorLog();
       BackUpApplicationFolder();
     } else {
       LblMsg.Caption = "Creating installation folders...";
       files.CreateFolder(state.AppFolderPath);
-      ResetErrorLog();
+      install_.ResetErrorLog();
     }
   }
   if (!state.AppFolderName.empty() && !state.DBFolderName.empty()) {
@@ -186,8 +187,8 @@ void FrmLocation::PrepareFolders() {
 }
 
 void FrmLocation::BackUpApplicationFolder() {
-  InstallState& state = wizard_.State;
-  FileSystemObject& files = wizard_.Machine.Files;
+  InstallState& state = install_.State;
+  FileSystemObject& files = install_.Machine.Files;
   LblMsg.Caption = "Taking Backup of installation folders...";
   MousePointer(11);
   state.BackupFolderPath = BackupFolderFor(state.AppFolderPath, state.AppFolderName);
@@ -195,56 +196,29 @@ void FrmLocation::BackUpApplicationFolder() {
   // The name is built anew each time: when the minute changes before the copy, the copy's target
   // is not there and nothing is copied.
   if (!files.FolderExists(DatedBackupFolder())) files.CreateFolder(DatedBackupFolder());
-  CopyFolderTree(wizard_, state.UseOldLocation ? state.OldInstallPath : state.AppFolderPath,
+  CopyFolderTree(install_, pages_.Page<FrmApplication>().View,
+                 state.UseOldLocation ? state.OldInstallPath : state.AppFolderPath,
                  DatedBackupFolder());
   MousePointer(0);
 }
 
 std::string FrmLocation::DatedBackupFolder() const {
-  return wizard_.State.BackupFolderPath + "\\AppFolderBkp_" +
-         DateStamp(wizard_.Machine.Clock.Now());
-}
-
-// Absent when it existed, present and empty when it did not; the first entry makes it again.
-void FrmLocation::ResetErrorLog() {
-  InstallState& state = wizard_.State;
-  const std::string path = state.AppFolderPath + "\\Ta-luErrLog.txt";
-  wizard_.TextFiles.Close(state.LogFileNumber);
-  state.LogFileNumber = wizard_.TextFiles.FreeFile();
-  if (wizard_.Machine.Files.FileExists(path)) {
-    wizard_.Machine.Files.DeleteFile(path, true);
-  } else {
-    wizard_.TextFiles.Open(path, OpenMode::Output, state.LogFileNumber);
-    wizard_.TextFiles.Close(state.LogFileNumber);
-  }
-}
-
-void FrmLocation::StartUninstallRecord() {
-  InstallState& state = wizard_.State;
-  const std::string path = state.AppFolderPath + "\\Uninstall.dat";
-  wizard_.TextFiles.Close(state.UninstallFileNumber);
-  state.UninstallFileNumber = wizard_.TextFiles.FreeFile();
-  if (!wizard_.Machine.Files.FileExists(path)) {
-    wizard_.TextFiles.Open(path, OpenMode::Output, state.UninstallFileNumber);
-    wizard_.TextFiles.Close(state.UninstallFileNumber);
-  }
-  wizard_.WriteUninstall("AppFolder:" + state.AppFolderPath);
-  wizard_.WriteUninstall("DBFolder:" + state.DBFolderPath);
-  wizard_.WriteUninstall("Server:" + state.ServerName);
+  return install_.State.BackupFolderPath + "\\AppFolderBkp_" +
+         DateStamp(install_.Machine.Clock.Now());
 }
 
 void FrmLocation::AddRegistry() {
-  const InstallState& state = wizard_.State;
+  const InstallState& state = install_.State;
   if (state.OldInstallationFound) return;
   const std::string entry =
       "TA-LU , Application , " + state.RegistryValueName + ", " + state.AppFolderPath;
   try {
-    wizard_.WriteErrLog("Trying to add Registry entry: " + entry);
-    wizard_.Machine.Settings.SaveSetting("TA-LU", "Application", state.RegistryValueName,
-                                         state.AppFolderPath);
+    install_.WriteErrLog("Trying to add Registry entry: " + entry);
+    install_.Machine.Settings.SaveSetting("TA-LU", "Application", state.RegistryValueName,
+                                          state.AppFolderPath);
   } catch (...) {
     CaughtError();
-    wizard_.WriteErrLog("Failed to add Registry entry: " + entry);
+    install_.WriteErrLog("Failed to add Registry entry: " + entry);
   }
 }
 

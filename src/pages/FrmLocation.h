@@ -10,7 +10,7 @@ namespace talu {
 /// existing installation, and starts the log and the uninstall record.
 class FrmLocation : public WizardPage {
  public:
-  explicit FrmLocation(Wizard& wizard);
+  explicit FrmLocation(Pages& pages);
 
   /// Records the application folder in the per-user settings store and logs it; a failure is
   /// logged.
@@ -62,8 +62,6 @@ class FrmLocation : public WizardPage {
   void EnableNextWhenFilled();
   void PrepareFolders();
   void BackUpApplicationFolder();
-  void ResetErrorLog();
-  void StartUninstallRecord();
   /// The backup folder of this minute.
   std::string DatedBackupFolder() const;
 };

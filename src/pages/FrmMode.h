@@ -7,7 +7,7 @@ namespace talu {
 /// The second page: server installation, which builds the databases, or client installation.
 class FrmMode : public WizardPage {
  public:
-  explicit FrmMode(Wizard& wizard);
+  explicit FrmMode(Pages& pages);
 
   OptionButton OptServer{*this, "OptServer", "Label6", layout::Mark(layout::kLeft, 1200)};
   Label Label6{*this, "Label6", "Server Installation", TextStyle::Label, layout::Text(1200)};

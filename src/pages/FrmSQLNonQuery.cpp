@@ -2,16 +2,15 @@
 
 #include "pages/FrmApplication.h"
 #include "pages/FrmLocation.h"
-#include "startup/Wizard.h"
+#include "pages/Pages.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-FrmSQLNonQuery::FrmSQLNonQuery(Wizard& wizard)
-    : WizardPage(wizard, "FrmSQLNonQuery", "Creating Database") {
+FrmSQLNonQuery::FrmSQLNonQuery(Pages& pages)
+    : WizardPage(pages, "FrmSQLNonQuery", "Creating Database") {
   CmdPrev.Click = [this] { CmdPrev_Click(); };
 }
-
-FrmSQLNonQuery::~FrmSQLNonQuery() = default;
 
 void FrmSQLNonQuery::Form_Load() {
   CmdNext.Enabled = false;
@@ -21,27 +20,17 @@ void FrmSQLNonQuery::Form_Load() {
 
 void FrmSQLNonQuery::Form_Activate() {
   WentBack = false;
-  BuildSucceeded = false;
-  BuildDatabase();
-  if (!BuildSucceeded) return;
+  Build.BuildSucceeded = false;
+  Build.BuildDatabase();
+  if (!Build.BuildSucceeded) return;
   Hide();
-  wizard_.Page<FrmApplication>().Show();
+  pages_.Page<FrmApplication>().Show();
 }
 
 void FrmSQLNonQuery::CmdPrev_Click() {
   WentBack = true;
   Hide();
-  wizard_.Page<FrmLocation>().Show();
-}
-
-Connection& FrmSQLNonQuery::TheConnection() {
-  if (!connection_) connection_ = wizard_.Machine.DataAccess.CreateConnection();
-  return *connection_;
-}
-
-Command& FrmSQLNonQuery::TheCommand() {
-  if (!command_) command_ = wizard_.Machine.DataAccess.CreateCommand();
-  return *command_;
+  pages_.Page<FrmLocation>().Show();
 }
 
 }  // namespace talu

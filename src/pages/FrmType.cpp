@@ -1,11 +1,12 @@
 #include "pages/FrmType.h"
 
 #include "pages/FrmMode.h"
-#include "startup/Wizard.h"
+#include "pages/Pages.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 
-FrmType::FrmType(Wizard& wizard) : WizardPage(wizard, "FrmType", "Select Installation type") {
+FrmType::FrmType(Pages& pages) : WizardPage(pages, "FrmType", "Select Installation type") {
   CmdNext.AsDefault();
   CmdLocation.LabelledBy("LblOldLocation");
   OptFresh.Click = [this] { OptFresh_Click(); };
@@ -20,13 +21,13 @@ void FrmType::Form_Load() {
   SetUpFrame();
   ShowOldLocationBox(false);
   ShowOldLocationPath(false);
-  wizard_.State.UseOldLocation = false;
-  wizard_.State.OldInstallationFound = false;
+  install_.State.UseOldLocation = false;
+  install_.State.OldInstallationFound = false;
 }
 
 void FrmType::Form_Activate() {
-  if (wizard_.State.OldInstallationFound) {
-    TxtInstaPath.Text = wizard_.State.AppFolderPath;
+  if (install_.State.OldInstallationFound) {
+    TxtInstaPath.Text = install_.State.AppFolderPath;
     OptUpgrade.Value = true;
     ChkOldLocation.Value = true;
     LblOldLocation.Caption = "Old Installation Path";
@@ -46,7 +47,7 @@ void FrmType::Form_Activate() {
 }
 
 void FrmType::Offer(const char* key, OptionButton& option, Label& label, Label& description) {
-  const bool listed = wizard_.GetCfgCount(key) > 0;
+  const bool listed = install_.GetCfgCount(key) > 0;
   option.Enabled = listed;
   label.Enabled = listed;
   description.Enabled = listed;
@@ -75,15 +76,15 @@ void FrmType::OptUpgrade_Click() {
 
 void FrmType::ChkOldLocation_Click() {
   ShowOldLocationPath(ChkOldLocation.Value);
-  wizard_.State.UseOldLocation = ChkOldLocation.Value;
+  install_.State.UseOldLocation = ChkOldLocation.Value;
 }
 
 void FrmType::CmdLocation_Click() {
   try {
     const auto folder = windows_.BrowseForFolder(*this, "Select Old Installation Folder");
     if (!folder) return;
-    wizard_.State.OldInstallPath = *folder;
-    TxtInstaPath.Text = wizard_.State.OldInstallPath;
+    install_.State.OldInstallPath = *folder;
+    TxtInstaPath.Text = install_.State.OldInstallPath;
   } catch (...) {
     CaughtError();
   }
@@ -91,14 +92,14 @@ void FrmType::CmdLocation_Click() {
 
 void FrmType::CmdNext_Click() {
   if (OptFresh.Value) {
-    wizard_.State.SetupType = 0;
+    install_.State.SetupType = 0;
   } else if (OptDemo.Value) {
-    wizard_.State.SetupType = 1;
+    install_.State.SetupType = 1;
   } else if (OptUpgrade.Value) {
-    wizard_.State.SetupType = 2;
+    install_.State.SetupType = 2;
   }
   Hide();
-  wizard_.Page<FrmMode>().Show();
+  pages_.Page<FrmMode>().Show();
 }
 
 }  // namespace talu

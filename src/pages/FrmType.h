@@ -7,7 +7,7 @@ namespace talu {
 /// The first page: fresh, demo or upgrade. Offers the types for which the pack lists scripts.
 class FrmType : public WizardPage {
  public:
-  explicit FrmType(Wizard& wizard);
+  explicit FrmType(Pages& pages);
 
   OptionButton OptFresh{*this, "OptFresh", "LblFresh", layout::Mark(layout::kLeft, 1200)};
   Label LblFresh{*this, "LblFresh", "Fresh Installation", TextStyle::Label, layout::Text(1200)};

@@ -3,18 +3,19 @@
 #include <string>
 
 #include "forms/Form.h"
-#include "runtime/Int16.h"
+#include "startup/WorkView.h"
 
 namespace talu {
 
-class Wizard;
+class InstallContext;
+class Pages;
 
 /// The frame that every page shares: picture and title above, then the page's own controls, then
 /// status line, progress bar, note and buttons, which each page declares last because the order of
 /// declaration is the tab order.
 class WizardPage : public Form {
  public:
-  WizardPage(Wizard& wizard, const std::string& name, const std::string& title);
+  WizardPage(Pages& pages, const std::string& name, const std::string& title);
 
   Image ImgBack;
   Label LblTitleMsg;
@@ -25,13 +26,9 @@ class WizardPage : public Form {
   /// Closing any page ends the program at once.
   void Form_QueryUnload() override;
 
-  Wizard& wizard_;
+  Pages& pages_;
+  InstallContext& install_;
 };
-
-/// The progress bar's full width in twips.
-inline constexpr int kProgressWidth = 7325;
-/// The width in twips that stands for `percent` of the wizard's work, halves rounded to even.
-Int16 ProgressShare(double percent);
 
 inline constexpr const char* kNotResponding =
     "Note: During installation wizard may appear as not responding, Please wait ...";

@@ -1,7 +1,7 @@
 #include <string_view>
 
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
+#include "startup/InstallContext.h"
 
 namespace talu {
 namespace {
@@ -14,11 +14,11 @@ bool IsKeyLine(std::string_view key, std::string_view line) {
 
 }  // namespace
 
-std::string Wizard::ReadCfg() {
+std::string InstallContext::ReadCfg() {
   return TextFiles.ReadWhole(Machine.AppPath + "\\AppCfg.txt");
 }
 
-std::string Wizard::GetCfgValue(const std::string& key, Int16 index) {
+std::string InstallContext::GetCfgValue(const std::string& key, Int16 index) {
   const std::string text = ReadCfg();
   LineScanner lines(text);
   std::string_view line;
@@ -45,7 +45,7 @@ std::string Wizard::GetCfgValue(const std::string& key, Int16 index) {
 }
 
 // Unlike `GetCfgValue`, passes over blank lines. Packs rely on the difference.
-Int16 Wizard::GetCfgCount(const std::string& key) {
+Int16 InstallContext::GetCfgCount(const std::string& key) {
   const std::string text = ReadCfg();
   LineScanner lines(text);
   std::string_view line;
@@ -64,6 +64,11 @@ Int16 Wizard::GetCfgCount(const std::string& key) {
     if (line == "{") inBlock = true;
   }
   return count;
+}
+
+std::string InstallContext::ServerConnectionString() const {
+  return "driver={SQL Server};server=" + State.ServerName + ";uid=" + State.SqlUser +
+         ";pwd=" + State.SqlPassword + ";database=Master";
 }
 
 }  // namespace talu

@@ -4,8 +4,8 @@
 
 #include <map>
 
+#include "Main.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Main.h"
 
 namespace talu {
 namespace {

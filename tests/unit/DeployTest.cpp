@@ -370,7 +370,7 @@ TEST_F(DeployTest, TheBarCreepsToItsLimitWhileCopying) {
   EXPECT_EQ(widths.at(widths.size() - 2), "4425");
 
   wizard.Page<FrmApplication>().ShpProgBar.Width = 6695;
-  CopyFolderFiles(wizard, "D:\\Pack\\Application", app);
+  CopyFolderFiles(wizard, wizard.Page<FrmApplication>().View, "D:\\Pack\\Application", app);
   EXPECT_EQ(Width(), 6700);
 
   EXPECT_TRUE(ShellCopy(wizard, "D:\\Pack\\Application\\file1", app + "\\x", false));

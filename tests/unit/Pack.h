@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "Main.h"
+#include "Wizard.h"
 #include "platform/simulated/SimulatedMachine.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Main.h"
-#include "startup/Wizard.h"
 
 namespace talu {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "Wizard.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Wizard.h"
 
 namespace talu {
 namespace {

@@ -3,9 +3,9 @@
 #include <new>
 #include <stdexcept>
 
+#include "Main.h"
 #include "PlanOperator.h"
 #include "runtime/TextFunctions.h"
-#include "startup/Main.h"
 
 namespace talu {
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "Wizard.h"
 #include "platform/simulated/SimulatedMachine.h"
-#include "startup/Wizard.h"
 
 namespace talu {
 

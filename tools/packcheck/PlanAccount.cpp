@@ -110,7 +110,7 @@ void PlanAccount::TakePage(const PlannedRun& run, const JournalEvent& event) {
 void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
   out_ << "  statement " << counts_["sql"];
   // What no script sends is the backup's before the build connects, the rollback's after.
-  if (const auto& origin = run.Wizard.Page<FrmSQLNonQuery>().Executing()) {
+  if (const auto& origin = run.Wizard.Page<FrmSQLNonQuery>().Build.Executing()) {
     out_ << ", " << Utf8FromAnsi(origin->Script) << " line " << origin->Line;
   } else {
     out_ << (connections_ < 2 ? ", backup" : ", rollback");

@@ -1,8 +1,8 @@
-#include "startup/Main.h"
+#include "Main.h"
 
+#include "Wizard.h"
 #include "forms/Form.h"
 #include "pages/FrmType.h"
-#include "startup/Wizard.h"
 
 namespace talu {
 

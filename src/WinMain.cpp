@@ -1,7 +1,7 @@
+#include "Main.h"
+#include "Wizard.h"
 #include "platform/win32/SystemLibrary.h"
 #include "platform/win32/Win32Machine.h"
-#include "startup/Main.h"
-#include "startup/Wizard.h"
 
 namespace {
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <memory>
 #include <string>
-#include <tuple>
 
 #include "platform/Machine.h"
 #include "runtime/Int16.h"
@@ -11,32 +9,18 @@
 
 namespace talu {
 
-class FrmType;
-class FrmMode;
-class FrmAuthentication;
-class FrmLocation;
-class FrmSQLNonQuery;
-class FrmApplication;
-class MdlDataBaseBackup;
-
-/// One run of the wizard: the machine, the installation's state, the text files and the six pages.
-/// Every page and module works on the same object.
-class Wizard {
+/// What every page and every step of one installation works on: the machine, the state, the text
+/// files, the pack's configuration, the log and the uninstall record.
+class InstallContext {
  public:
-  explicit Wizard(const talu::Machine& machine);
-  Wizard(const Wizard&) = delete;
-  Wizard& operator=(const Wizard&) = delete;
-  ~Wizard();
+  explicit InstallContext(const talu::Machine& machine)
+      : Machine(machine), TextFiles(machine.Files) {}
+  InstallContext(const InstallContext&) = delete;
+  InstallContext& operator=(const InstallContext&) = delete;
 
   talu::Machine Machine;
   InstallState State;
   talu::TextFiles TextFiles;
-
-  /// The one page of its type, made at first use.
-  template <class PageType>
-  PageType& Page();
-  /// The backup before a build; its state lives as long as the program.
-  MdlDataBaseBackup& DataBaseBackup();
 
   /// The value line `index` (from 1) of the key's block in AppCfg.txt, or the empty text. A blank
   /// line anywhere in the file counts as the key's own line. Raises 6 past 32767 counted lines, and
@@ -49,24 +33,25 @@ class Wizard {
   /// The text that opens the server's master database, built from the state; nothing is quoted.
   std::string ServerConnectionString() const;
 
+  /// Closes the log, takes a free number for it, and deletes a log that is there or makes an empty
+  /// one; the first entry makes it again. Raises what the file raises.
+  void ResetErrorLog();
   /// Appends an entry to the installation log: a line "//", the message, an empty line. Leaves the
   /// file open under `LogFileNumber`. Raises what the file raises.
   void WriteErrLog(const std::string& message);
-  /// Appends a record (tag, then value) and an empty line to the uninstall record.
-  void WriteUninstall(const std::string& line);
   /// The entry of a trapped error: closes the log and writes "//", the error's description and,
   /// where one is given, the text that was being worked on. Raises what the file raises.
   void WriteErrorEntry(const RuntimeError& error);
   void WriteErrorEntry(const RuntimeError& error, const std::string& batchText);
 
+  /// Takes a free number for the uninstall record, makes it unless one is there, and writes the
+  /// records of the folders and the server. Raises what the file raises.
+  void StartUninstallRecord();
+  /// Appends a record (tag, then value) and an empty line to the uninstall record.
+  void WriteUninstall(const std::string& line);
+
  private:
   std::string ReadCfg();
-
-  std::tuple<std::unique_ptr<FrmType>, std::unique_ptr<FrmMode>, std::unique_ptr<FrmAuthentication>,
-             std::unique_ptr<FrmLocation>, std::unique_ptr<FrmSQLNonQuery>,
-             std::unique_ptr<FrmApplication>>
-      pages_;
-  std::unique_ptr<MdlDataBaseBackup> dataBaseBackup_;
 };
 
 }  // namespace talu

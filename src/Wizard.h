@@ -1,0 +1,23 @@
+#pragma once
+
+#include "pages/Pages.h"
+#include "startup/InstallContext.h"
+
+namespace talu {
+
+/// One run of the wizard on a machine.
+class Wizard : public InstallContext {
+ public:
+  explicit Wizard(const talu::Machine& machine) : InstallContext(machine), pages_(*this) {}
+
+  /// The one page of its type, made at first use.
+  template <class PageType>
+  PageType& Page() {
+    return pages_.Page<PageType>();
+  }
+
+ private:
+  Pages pages_;
+};
+
+}  // namespace talu

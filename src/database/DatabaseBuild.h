@@ -1,0 +1,93 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "database/MdlDataBaseBackup.h"
+#include "runtime/Int16.h"
+#include "startup/WorkView.h"
+
+namespace talu {
+
+class Command;
+class Connection;
+class ErrorTrap;
+class InstallContext;
+class RuntimeError;
+
+/// Builds the databases from the pack's scripts, after a backup of those that exist; a build that
+/// fails is rolled back. Its state lives as long as the program, and so do the connection and the
+/// command, which are made at first use.
+class DatabaseBuild {
+ public:
+  DatabaseBuild(InstallContext& install, const WorkView& view, CommandButton& back);
+  ~DatabaseBuild();
+
+  /// One build. Errors are logged and shown, none is raised but what a message box raises.
+  void BuildDatabase();
+
+  /// Whether the last build came to its end without an error.
+  bool BuildSucceeded = false;
+
+  /// Where a batch begins: script file name and line, from 1.
+  struct BatchOrigin {
+    std::string Script;
+    int Line = 0;
+  };
+  /// The batch that is being executed, for whoever watches a build; nothing in between.
+  const std::optional<BatchOrigin>& Executing() const { return executing_; }
+
+ private:
+  /// Where the scripts of an installation type lie and which key lists them.
+  struct ScriptSet {
+    std::string Folder;
+    std::string Key;
+  };
+
+  void Trap(const RuntimeError& error);
+  ScriptSet ChosenScripts() const;
+  bool RunScripts(const ErrorTrap& step, const ScriptSet& scripts);
+  bool RunScript(const ErrorTrap& step, const std::string& folder);
+  bool TakeLine(const ErrorTrap& step, std::string_view CurrentLine, std::string_view trimmed);
+  void FinishBatch(const ErrorTrap& step);
+  void MoveDataFiles(const ErrorTrap& step);
+  void RecordName(const ErrorTrap& step, const char* statement, const char* keyword,
+                  std::string& list);
+  void ExecuteBatch(const ErrorTrap& step);
+  void Succeed(const ErrorTrap& step);
+  void Fail(const ErrorTrap& step);
+  void FailForFormat(const ErrorTrap& step);
+
+  void DropCreatedDatabases();
+  void DropCreatedLogins();
+  void Send(const std::string& statement);
+
+  Connection& TheConnection();
+  Command& TheCommand();
+
+  InstallContext& install_;
+  WorkView view_;
+  CommandButton& back_;
+  MdlDataBaseBackup backup_;
+
+  Int16 DBCount;
+  Int16 LoginCount;
+  bool BatchMode = false;
+  bool LineByLineMode = false;
+  std::string BatchText;
+  std::string ScriptName;
+  bool KeyFound = false;
+  bool InBlock = false;
+  std::string LastError;
+  int ConfigFile = 0;
+  int ScriptFile = 0;
+  int scriptLine_ = 0;
+  BatchOrigin batchOrigin_;
+  std::optional<BatchOrigin> executing_;
+  std::unique_ptr<Connection> connection_;
+  std::unique_ptr<Command> command_;
+};
+
+}  // namespace talu

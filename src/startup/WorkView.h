@@ -1,0 +1,24 @@
+#pragma once
+
+#include "forms/Controls.h"
+#include "runtime/Int16.h"
+
+namespace talu {
+
+/// What a page shows of the work that is done on it. The steps know no page.
+struct WorkView {
+  Label& Status;
+  Shape& Bar;
+  Label& Note;
+  CommandButton& Next;
+};
+
+/// The progress bar's full width in twips.
+inline constexpr int kProgressWidth = 7325;
+
+/// The width in twips that stands for `percent` of the wizard's work, halves rounded to even.
+inline Int16 ProgressShare(double percent) {
+  return RoundToInt16(kProgressWidth / 100.0 * percent);
+}
+
+}  // namespace talu
