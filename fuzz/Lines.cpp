@@ -127,8 +127,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                          naive::Block("SystemDSN", sources) + naive::Block("Shotcut", links));
   Calls asked;
   Accepting outside(asked);
-  talu::Machine parts{machine.Windows,  machine.Files, machine.Files,    outside,       outside,
-                      machine.Programs, outside,       machine.Settings, machine.Clock, "D:\\Pack"};
+  talu::Machine parts{.Windows = machine.Windows,
+                      .Files = machine.Files,
+                      .Shell = machine.Files,
+                      .DataAccess = outside,
+                      .Odbc = outside,
+                      .Programs = machine.Programs,
+                      .Scripting = outside,
+                      .Settings = machine.Settings,
+                      .Clock = machine.Clock,
+                      .AppPath = "D:\\Pack"};
   Wizard wizard(parts);
   wizard.State.InstallPath = "C:\\Progs";
   wizard.State.AppFolderName = "App";

@@ -9,6 +9,7 @@
 
 #include "Wizard.h"
 #include "deploy/MdlCommon.h"
+#include "pages/FrmApplication.h"
 #include "pages/FrmSQLNonQuery.h"
 #include "platform/simulated/SimulatedMachine.h"
 
@@ -137,10 +138,17 @@ void BM_ScriptRun(benchmark::State& state, bool backup, bool journal) {
     machine.Disk.Find("D:\\Pack\\SQLScript\\Fresh\\a.sql")->Content = script;
     machine.Disk.MakeFolders("C:\\App");
     const Machine& whole = machine.Parts;
-    Wizard wizard(journal
-                      ? whole
-                      : Machine{taker, whole.Files, whole.Shell, taker, whole.Odbc, whole.Programs,
-                                whole.Scripting, whole.Settings, whole.Clock, whole.AppPath});
+    Wizard wizard(journal ? whole
+                          : Machine{.Windows = taker,
+                                    .Files = whole.Files,
+                                    .Shell = whole.Shell,
+                                    .DataAccess = taker,
+                                    .Odbc = whole.Odbc,
+                                    .Programs = whole.Programs,
+                                    .Scripting = whole.Scripting,
+                                    .Settings = whole.Settings,
+                                    .Clock = whole.Clock,
+                                    .AppPath = whole.AppPath});
     wizard.State.AppFolderPath = "C:\\App";
     wizard.State.DBFolderPath = backup ? "" : "C:\\App\\Data";
     wizard.State.ServerName = "SRV1";
@@ -167,7 +175,7 @@ void BM_CopyFiles(benchmark::State& state) {
     wizard.State.AppFolderPath = "C:\\App";
     wizard.State.LogFileNumber = 1;
     state.ResumeTiming();
-    CopyFolderTree(wizard, "D:\\Pack\\Application", "C:\\App");
+    CopyFolderTree(wizard, wizard.Page<FrmApplication>().View, "D:\\Pack\\Application", "C:\\App");
   }
   state.SetItemsProcessed(state.iterations() * kFiles);
 }

@@ -5,15 +5,18 @@
 #include "database/DatabaseBuild.h"
 #include "database/MdlDataBaseBackup.h"
 #include "database/ScriptReader.h"
+#include "database/TypeScripts.h"
 #include "runtime/ErrorTrap.h"
 #include "startup/InstallContext.h"
 
 namespace talu {
 
 DatabaseBuild::DatabaseBuild(InstallContext& install, const WorkView& view, CommandButton& back)
-    : install_(install), view_(view), back_(back), backup_(install, view.Bar) {}
-
-DatabaseBuild::~DatabaseBuild() = default;
+    : AdoObjects(install.Machine.DataAccess),
+      install_(install),
+      view_(view),
+      back_(back),
+      backup_(install, view.Bar) {}
 
 void DatabaseBuild::Trap(const RuntimeError& error) {
   LastError = error.Description;
@@ -50,7 +53,7 @@ void DatabaseBuild::BuildDatabase() {
     view_.Next.Enabled = false;
     return;
   }
-  if (!RunScripts(step, ChosenScripts())) {
+  if (!RunScripts(step, kTypeScripts.at(install_.State.SetupType))) {
     FailForFormat(step);
     return;
   }
@@ -62,27 +65,14 @@ void DatabaseBuild::BuildDatabase() {
   }
 }
 
-DatabaseBuild::ScriptSet DatabaseBuild::ChosenScripts() const {
-  switch (install_.State.SetupType) {
-    case 0:
-      return {"\\SQLScript\\Fresh\\", "FreshDBSript"};
-    case 1:
-      return {"\\SQLScript\\Demo\\", "DemoDBSript"};
-    case 2:
-      return {"\\SQLScript\\Upgrade\\", "UpgradeDBSript"};
-    default:
-      return {};
-  }
-}
-
 // The build's own reader of the configuration. Returns false when a script is malformed.
-bool DatabaseBuild::RunScripts(const ErrorTrap& step, const ScriptSet& scripts) {
+bool DatabaseBuild::RunScripts(const ErrorTrap& step, const TypeScripts& scripts) {
   TextFiles& files = install_.TextFiles;
   while (MoreToRead(step, files, ConfigFile)) {
     std::string_view CurrentLine;
     if (!step.Assign(CurrentLine, [&] { return files.LineInput(ConfigFile); })) continue;
     // The key begins with the whole line: an empty line stands for the key too.
-    if (!scripts.Key.empty() && scripts.Key.starts_with(CurrentLine)) KeyFound = true;
+    if (scripts.Key.starts_with(CurrentLine)) KeyFound = true;
     if (!KeyFound) continue;
     if (InBlock) ScriptName = CurrentLine;
     if (CurrentLine == "{") InBlock = true;
@@ -138,16 +128,6 @@ void DatabaseBuild::FailForFormat(const ErrorTrap& step) {
   view_.Status.Caption = notCorrect;
   step([&] { install_.WriteErrLog(notCorrect); });
   if (!LastError.empty()) install_.Machine.Windows.MessageBox(LastError, "");
-}
-
-Connection& DatabaseBuild::TheConnection() {
-  if (!connection_) connection_ = install_.Machine.DataAccess.CreateConnection();
-  return *connection_;
-}
-
-Command& DatabaseBuild::TheCommand() {
-  if (!command_) command_ = install_.Machine.DataAccess.CreateCommand();
-  return *command_;
 }
 
 }  // namespace talu

@@ -1,29 +1,26 @@
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "database/MdlDataBaseBackup.h"
 #include "runtime/Int16.h"
+#include "startup/AdoObjects.h"
 #include "startup/WorkView.h"
 
 namespace talu {
 
-class Command;
-class Connection;
 class ErrorTrap;
 class InstallContext;
 class RuntimeError;
+struct TypeScripts;
 
 /// Builds the databases from the pack's scripts, after a backup of those that exist; a build that
-/// fails is rolled back. Its state lives as long as the program, and so do the connection and the
-/// command, which are made at first use.
-class DatabaseBuild {
+/// fails is rolled back. Its state lives as long as the program.
+class DatabaseBuild : private AdoObjects {
  public:
   DatabaseBuild(InstallContext& install, const WorkView& view, CommandButton& back);
-  ~DatabaseBuild();
 
   /// One build. Errors are logged and shown, none is raised but what a message box raises.
   void BuildDatabase();
@@ -40,16 +37,9 @@ class DatabaseBuild {
   const std::optional<BatchOrigin>& Executing() const { return executing_; }
 
  private:
-  /// Where the scripts of an installation type lie and which key lists them.
-  struct ScriptSet {
-    std::string Folder;
-    std::string Key;
-  };
-
   void Trap(const RuntimeError& error);
-  ScriptSet ChosenScripts() const;
-  bool RunScripts(const ErrorTrap& step, const ScriptSet& scripts);
-  bool RunScript(const ErrorTrap& step, const std::string& folder);
+  bool RunScripts(const ErrorTrap& step, const TypeScripts& scripts);
+  bool RunScript(const ErrorTrap& step, std::string_view folder);
   bool TakeLine(const ErrorTrap& step, std::string_view CurrentLine, std::string_view trimmed);
   void FinishBatch(const ErrorTrap& step);
   void MoveDataFiles(const ErrorTrap& step);
@@ -63,9 +53,6 @@ class DatabaseBuild {
   void DropCreatedDatabases();
   void DropCreatedLogins();
   void Send(const std::string& statement);
-
-  Connection& TheConnection();
-  Command& TheCommand();
 
   InstallContext& install_;
   WorkView view_;
@@ -86,8 +73,6 @@ class DatabaseBuild {
   int scriptLine_ = 0;
   BatchOrigin batchOrigin_;
   std::optional<BatchOrigin> executing_;
-  std::unique_ptr<Connection> connection_;
-  std::unique_ptr<Command> command_;
 };
 
 }  // namespace talu

@@ -1,6 +1,7 @@
 #include "database/MdlDataBaseBackup.h"
 
 #include "database/ScriptReader.h"
+#include "database/TypeScripts.h"
 #include "forms/Controls.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
@@ -10,15 +11,15 @@
 namespace talu {
 
 MdlDataBaseBackup::MdlDataBaseBackup(InstallContext& install, Shape& bar)
-    : install_(install), bar_(bar) {}
-
-MdlDataBaseBackup::~MdlDataBaseBackup() = default;
+    : AdoObjects(install.Machine.DataAccess), install_(install), bar_(bar) {}
 
 void MdlDataBaseBackup::BackupDatabases() {
   const ErrorTrap step(
       [this](const RuntimeError& error) { install_.WriteErrorEntry(error, BackupBatchText); });
   step.Assign(BackupScriptCount, [&] { return install_.GetCfgCount("DBSript"); });
-  ChooseScripts();
+  const TypeScripts& scripts = kTypeScripts.at(ScannedType(install_.State.SetupType));
+  BackupScriptFolder = scripts.Folder;
+  BackupScriptKey = scripts.Key;
   step.CountTo(BackupScriptCount, [&](Int16 index) {
     BackupScriptIndex = index;
     step.Assign(BackupScriptName,
@@ -34,26 +35,6 @@ void MdlDataBaseBackup::BackupDatabases() {
   });
   Connect(step);
   BackupListed(step);
-}
-
-// Demo and upgrade are crossed against the build's sets. Packs rely on it.
-void MdlDataBaseBackup::ChooseScripts() {
-  switch (install_.State.SetupType) {
-    case 0:
-      BackupScriptFolder = "\\SQLScript\\Fresh\\";
-      BackupScriptKey = "FreshDBSript";
-      break;
-    case 1:
-      BackupScriptFolder = "\\SQLScript\\Upgrade\\";
-      BackupScriptKey = "UpgradeDBSript";
-      break;
-    case 2:
-      BackupScriptFolder = "\\SQLScript\\Demo\\";
-      BackupScriptKey = "DemoDBSript";
-      break;
-    default:
-      break;
-  }
 }
 
 void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
@@ -112,7 +93,7 @@ void MdlDataBaseBackup::Connect(const ErrorTrap& step) {
 }
 
 void MdlDataBaseBackup::BackupListed(const ErrorTrap& step) {
-  step.Assign(DatabaseNames, [&] { return Split(DatabaseList.Text(), ','); });
+  step.Assign(DatabaseNames, [&] { return Split(DatabaseList, ','); });
   step.CountTo(DatabaseCount, [&](Int16 index) {
     BackupScriptIndex = index;
     std::string name;
@@ -178,19 +159,9 @@ void MdlDataBaseBackup::CollectToTheEnd() {
 
 // A substring test: a name that is part of one in the list counts as listed.
 void MdlDataBaseBackup::AddCandidate() {
-  if (CandidateName.size() > 128 || DatabaseList.Contains(CandidateName)) return;
-  DatabaseList.Append(CandidateName);
+  if (CandidateName.size() > 128 || Contains(DatabaseList, CandidateName)) return;
+  AppendWhole(DatabaseList, {",", CandidateName});
   ++DatabaseCount;
-}
-
-Connection& MdlDataBaseBackup::TheConnection() {
-  if (!connection_) connection_ = install_.Machine.DataAccess.CreateConnection();
-  return *connection_;
-}
-
-Command& MdlDataBaseBackup::TheCommand() {
-  if (!command_) command_ = install_.Machine.DataAccess.CreateCommand();
-  return *command_;
 }
 
 }  // namespace talu

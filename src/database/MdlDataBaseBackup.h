@@ -1,17 +1,14 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "database/NameList.h"
 #include "runtime/Int16.h"
+#include "startup/AdoObjects.h"
 
 namespace talu {
 
-class Command;
-class Connection;
 class ErrorTrap;
 class InstallContext;
 class Shape;
@@ -19,18 +16,16 @@ class Shape;
 /// The backup before a build: collects the databases that the scripts name and backs up those that
 /// exist on the server. Its state lives as long as the program: names found by an earlier build
 /// stay.
-class MdlDataBaseBackup {
+class MdlDataBaseBackup : private AdoObjects {
  public:
   /// `bar` moves while the scripts are scanned.
   MdlDataBaseBackup(InstallContext& install, Shape& bar);
-  ~MdlDataBaseBackup();
 
   /// Scans the scripts of the installation type, then backs up every name found. Logs each error
   /// and goes on with the next statement.
   void BackupDatabases();
 
  private:
-  void ChooseScripts();
   void ScanScript(const ErrorTrap& step);
   void TakeLine(const ErrorTrap& step, std::string_view BackupCurrentLine,
                 std::string_view trimmed);
@@ -47,9 +42,6 @@ class MdlDataBaseBackup {
   void AddCandidate();
   void AdvanceProgress();
 
-  Connection& TheConnection();
-  Command& TheCommand();
-
   InstallContext& install_;
   Shape& bar_;
 
@@ -62,7 +54,7 @@ class MdlDataBaseBackup {
   std::string BackupBatchText;
   bool BackupGoMode = false;
   bool BackupLineMode = false;
-  NameList DatabaseList;
+  std::string DatabaseList;
   Int16 DatabaseCount;
   std::vector<std::string> DatabaseNames;
   std::string CandidateName;
@@ -70,8 +62,6 @@ class MdlDataBaseBackup {
   Int16 PosKeyword;
   Int16 PosNameStart;
   Int16 PosNameEnd;
-  std::unique_ptr<Connection> connection_;
-  std::unique_ptr<Command> command_;
 };
 
 }  // namespace talu

@@ -14,11 +14,12 @@ constexpr int kCommandTimeout = 300;  // seconds
 }  // namespace
 
 // Returns false when the script is malformed; it then stays open.
-bool DatabaseBuild::RunScript(const ErrorTrap& step, const std::string& folder) {
+bool DatabaseBuild::RunScript(const ErrorTrap& step, std::string_view folder) {
   TextFiles& files = install_.TextFiles;
   step([&] { TheCommand().ActiveConnection(TheConnection()); });
   step([&] { TheCommand().CommandTimeout(kCommandTimeout); });
-  OpenForReading(step, files, install_.Machine.AppPath + folder + ScriptName, ScriptFile);
+  OpenForReading(step, files, install_.Machine.AppPath + std::string(folder) + ScriptName,
+                 ScriptFile);
   BatchMode = false;
   scriptLine_ = 0;
   while (MoreToRead(step, files, ScriptFile)) {

@@ -38,6 +38,7 @@ class Deployment {
   void FileRegistration();
   void RegisterFolderFiles(const std::string& folderPath);
   void ReRegister(const ErrorTrap& step, const std::string& path);
+  void Register(const ErrorTrap& step, const std::string& path);
   void SpecialRegistration();
   void ShowFinalMsg();
 

@@ -13,10 +13,6 @@ constexpr int kMinimisedWithFocus = 2;
 /// How far the bar steps back, in twips, so that it keeps moving while many files are registered.
 constexpr int kStepBack = 500;
 
-std::string RegisterCommand(const std::string& path) {
-  return "regsvr32 /s \"" + path + "\"";
-}
-
 }  // namespace
 
 void Deployment::FileRegistration() {
@@ -61,13 +57,8 @@ void Deployment::RegisterFolderFiles(const std::string& folderPath) {
 }
 
 void Deployment::ReRegister(const ErrorTrap& step, const std::string& path) {
-  Processes& programs = install_.Machine.Programs;
   view_.Status.Caption = "Registering - " + path;
-  const std::string unregister = RegisterCommand(path) + " /U";
-  step([&] { programs.Start(unregister, kMinimisedWithFocus); });
-  step([&] { install_.WriteErrLog(unregister); });
-  step([&] { programs.Start(RegisterCommand(path), kMinimisedWithFocus); });
-  step([&] { install_.WriteErrLog(RegisterCommand(path)); });
+  Register(step, path);
   step([&] {
     const Int16 limit = Int16(kProgressWidth) - StepWeight;
     const Int16 back = limit - kStepBack;
@@ -75,9 +66,17 @@ void Deployment::ReRegister(const ErrorTrap& step, const std::string& path) {
   });
 }
 
+void Deployment::Register(const ErrorTrap& step, const std::string& path) {
+  Processes& programs = install_.Machine.Programs;
+  const std::string command = "regsvr32 /s \"" + path + "\"";
+  for (const std::string& next : {command + " /U", command}) {
+    step([&] { programs.Start(next, kMinimisedWithFocus); });
+    step([&] { install_.WriteErrLog(next); });
+  }
+}
+
 void Deployment::SpecialRegistration() {
   const ErrorTrap step([this](const RuntimeError& error) { install_.WriteErrorEntry(error); });
-  Processes& programs = install_.Machine.Programs;
   view_.Status.Caption = "Special Registration started. Please Wait...";
   step([&] { install_.WriteErrLog("Special Registration started..."); });
   Int16 n;
@@ -93,11 +92,7 @@ void Deployment::SpecialRegistration() {
     step([&] {
       ShellCopy(install_, install_.Machine.AppPath + "\\SpecialRegn\\" + name, systemFolder, true);
     });
-    const std::string unregister = RegisterCommand(path) + " /U";
-    step([&] { programs.Start(unregister, kMinimisedWithFocus); });
-    step([&] { install_.WriteErrLog(unregister); });
-    step([&] { programs.Start(RegisterCommand(path), kMinimisedWithFocus); });
-    step([&] { install_.WriteErrLog(RegisterCommand(path)); });
+    Register(step, path);
   });
   const std::string finished = "Special Registration finished.";
   view_.Status.Caption = finished;

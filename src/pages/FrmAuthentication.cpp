@@ -9,7 +9,8 @@
 namespace talu {
 
 FrmAuthentication::FrmAuthentication(Pages& pages)
-    : WizardPage(pages, "FrmAuthentication", "Enter SQL Server Authentication details ") {
+    : WizardPage(pages, "FrmAuthentication", "Enter SQL Server Authentication details "),
+      AdoObjects(install_.Machine.DataAccess) {
   Label2.WithMnemonic();
   Label3.WithMnemonic();
   TxtPsWord.HidingText();
@@ -20,8 +21,6 @@ FrmAuthentication::FrmAuthentication(Pages& pages)
   CmdNext.Click = [this] { CmdNext_Click(); };
   CmdPrev.Click = [this] { CmdPrev_Click(); };
 }
-
-FrmAuthentication::~FrmAuthentication() = default;
 
 void FrmAuthentication::Form_Load() {
   const InstallState& state = install_.State;
@@ -54,7 +53,7 @@ void FrmAuthentication::CmdNext_Click() {
     pages_.Page<FrmLocation>().Show();
   } catch (...) {
     CaughtError();
-    connection_.reset();  // one that would not close refuses every further try
+    ForgetConnection();  // one that would not close refuses every further try
     LblMsg.Caption = "Authentication failed...";
     CmdNext.Enabled = false;
   }
@@ -64,11 +63,6 @@ void FrmAuthentication::CmdPrev_Click() {
   wentBack_ = true;
   Hide();
   pages_.Page<FrmMode>().Show();
-}
-
-Connection& FrmAuthentication::TheConnection() {
-  if (!connection_) connection_ = install_.Machine.DataAccess.CreateConnection();
-  return *connection_;
 }
 
 }  // namespace talu

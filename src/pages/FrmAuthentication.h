@@ -1,18 +1,14 @@
 #pragma once
 
-#include <memory>
-
 #include "pages/WizardPage.h"
+#include "startup/AdoObjects.h"
 
 namespace talu {
 
-class Connection;
-
 /// SQL Server login name, password and server, proved by opening a connection.
-class FrmAuthentication : public WizardPage {
+class FrmAuthentication : public WizardPage, private AdoObjects {
  public:
   explicit FrmAuthentication(Pages& pages);
-  ~FrmAuthentication() override;
 
   Label Label4{*this,
                "Label4",
@@ -44,11 +40,7 @@ class FrmAuthentication : public WizardPage {
   void CmdNext_Click();
   void CmdPrev_Click();
 
-  /// The page's connection, made at first use.
-  Connection& TheConnection();
-
   bool wentBack_ = false;
-  std::unique_ptr<Connection> connection_;
 };
 
 }  // namespace talu

@@ -1,5 +1,6 @@
 #include "pages/FrmType.h"
 
+#include "database/TypeScripts.h"
 #include "pages/FrmMode.h"
 #include "pages/Pages.h"
 #include "startup/InstallContext.h"
@@ -33,9 +34,9 @@ void FrmType::Form_Activate() {
     LblOldLocation.Caption = "Old Installation Path";
     LblTitleMsg.Caption = "Old installation found, You can proceed with upgradation...";
   }
-  Offer("FreshDBSript", OptFresh, LblFresh, LblFreshdescription);
-  Offer("DemoDBSript", OptDemo, LblDemo, LblDemoDescription);
-  Offer("UpgradeDBSript", OptUpgrade, LblUpgrade, LblUpgradeDescription);
+  Offer(kTypeScripts[0].Key, OptFresh, LblFresh, LblFreshdescription);
+  Offer(kTypeScripts[1].Key, OptDemo, LblDemo, LblDemoDescription);
+  Offer(kTypeScripts[2].Key, OptUpgrade, LblUpgrade, LblUpgradeDescription);
 
   if (preselected_) return;
   preselected_ = true;
@@ -46,8 +47,8 @@ void FrmType::Form_Activate() {
   }
 }
 
-void FrmType::Offer(const char* key, OptionButton& option, Label& label, Label& description) {
-  const bool listed = install_.GetCfgCount(key) > 0;
+void FrmType::Offer(std::string_view key, OptionButton& option, Label& label, Label& description) {
+  const bool listed = install_.GetCfgCount(std::string(key)) > 0;
   option.Enabled = listed;
   label.Enabled = listed;
   description.Enabled = listed;

@@ -52,7 +52,7 @@ class FrmType : public WizardPage {
   void CmdNext_Click();
 
   /// Enables the type's controls when the pack lists scripts under `key`.
-  void Offer(const char* key, OptionButton& option, Label& label, Label& description);
+  void Offer(std::string_view key, OptionButton& option, Label& label, Label& description);
   void ShowOldLocationBox(bool visible);
   void ShowOldLocationPath(bool visible);
 

@@ -2,7 +2,7 @@
 
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 constexpr auto kClient = InstallMode::Client;
@@ -220,4 +220,4 @@ std::span<const CheckCase> CheckCases() {
   return kCases;
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

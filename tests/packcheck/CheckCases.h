@@ -6,7 +6,7 @@
 
 #include "Plan.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// The files of a pack with their bytes; "-" for one that is left out.
 using Files = std::map<std::string, std::string>;
@@ -29,4 +29,4 @@ Files PlainPack();
 
 std::span<const CheckCase> CheckCases();
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -13,7 +13,7 @@
 #include "Rules.h"
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 namespace fs = std::filesystem;
@@ -188,4 +188,4 @@ TEST_F(CheckTest, TheManualsPackIsCleanAndItsFindingsAreThese) {
 }
 
 }  // namespace
-}  // namespace talu
+}  // namespace talu::packcheck

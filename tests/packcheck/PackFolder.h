@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string>
 
-namespace talu {
+namespace talu::packcheck {
 
 /// A configuration block; every line of `values` ends in CR LF.
 inline std::string Block(const std::string& key, const std::string& values) {
@@ -38,4 +38,4 @@ class HostFolder {
   std::filesystem::path Path;
 };
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -2,7 +2,7 @@
 #include "Passwords.h"
 #include "PlanArguments.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 class PlanArgumentsTest : public testing::Test {
@@ -101,4 +101,4 @@ TEST(Passwords, AreHiddenWhereTheFormGivesThemAway) {
 }
 
 }  // namespace
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -4,7 +4,7 @@
 #include "Plan.h"
 #include "PlanCommand.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 using Texts = std::vector<std::string>;
@@ -188,4 +188,4 @@ TEST_F(PlanTest, JournalIsJson) {
 }
 
 }  // namespace
-}  // namespace talu
+}  // namespace talu::packcheck

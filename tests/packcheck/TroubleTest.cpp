@@ -12,7 +12,7 @@
 #include "PackFolder.h"
 #include "PlanCommand.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 class TroubleTest : public testing::Test {
@@ -49,7 +49,7 @@ TEST_F(TroubleTest, APlanEndsWithOneWhenSomethingFailed) {
   const char* const requests[] = {"mkdir", "copy", "dsn", "read", "print", "sql"};
   for (const char* request : requests) {
     const auto isTheOne = [&] {
-      const auto run = talu::Plan(options);
+      const auto run = packcheck::Plan(options);
       return run->Machine.Journal.FailedRequest() == request && run->Finished();
     };
     options.FailRequest = 1;
@@ -115,4 +115,4 @@ TEST_F(TroubleTest, AFileThatCannotBeReadIsNamed) {
 }
 
 }  // namespace
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -78,9 +78,16 @@ void Installation::Run() {
   finished_ = false;
   wizard_.reset();  // before the windows that it shows
   Windows = std::make_unique<SimulatedWindows>(Machine.Journal, Disk());
-  talu::Machine parts{*Windows,      Machine.Files,    Machine.Files,     Machine.Server,
-                      Machine.Odbc,  Machine.Programs, Machine.Scripting, Machine.Settings,
-                      Machine.Clock, "D:\\Pack"};
+  talu::Machine parts{.Windows = *Windows,
+                      .Files = Machine.Files,
+                      .Shell = Machine.Files,
+                      .DataAccess = Machine.Server,
+                      .Odbc = Machine.Odbc,
+                      .Programs = Machine.Programs,
+                      .Scripting = Machine.Scripting,
+                      .Settings = Machine.Settings,
+                      .Clock = Machine.Clock,
+                      .AppPath = "D:\\Pack"};
   wizard_ = std::make_unique<talu::Wizard>(parts);
   Windows->Run([this] { Main(*wizard_); });
   std::map<std::string, int> tries;

@@ -1,7 +1,6 @@
 #include <algorithm>
 
 #include "Pack.h"
-#include "database/NameList.h"
 #include "pages/FrmSQLNonQuery.h"
 
 namespace talu {
@@ -534,9 +533,16 @@ TEST_F(DatabaseTest, ACallThatFailsCostsNoOther) {
   for (const char* call : {"text", "open", "close", "state", "bind", "time-out", "execute"}) {
     SCOPED_TRACE(call);
     Refusing data(call);
-    Machine parts{windows,       machine.Files,    machine.Files,     data,
-                  machine.Odbc,  machine.Programs, machine.Scripting, machine.Settings,
-                  machine.Clock, "D:\\Pack"};
+    Machine parts{.Windows = windows,
+                  .Files = machine.Files,
+                  .Shell = machine.Files,
+                  .DataAccess = data,
+                  .Odbc = machine.Odbc,
+                  .Programs = machine.Programs,
+                  .Scripting = machine.Scripting,
+                  .Settings = machine.Settings,
+                  .Clock = machine.Clock,
+                  .AppPath = "D:\\Pack"};
     Wizard other(parts);
     other.State = AtTheBuild();
     windows.Run([&] { other.Page<FrmSQLNonQuery>().Show(); });
@@ -713,25 +719,6 @@ TEST_F(DatabaseTest, WithoutAPathForItTheBackupIsTriedAllTheSame) {
   EXPECT_EQ(std::ranges::count(LogEntries(), "//\r\nInvalid procedure call or argument\r\n\r\n"), 2)
       << "the path, then the folder";
   EXPECT_TRUE(Statements().at(1).starts_with("IF  EXISTS"));
-}
-
-TEST(NameList, FindsWhatAPlainSearchFinds) {
-  NameList list;
-  NameList early;
-  std::string plain;
-  for (int i = 0; i < 3000; ++i) {
-    const std::string name = std::to_string(i * 7919 % 4001) + (i % 3 == 0 ? "')" : "x");
-    for (const std::string& part : {name, name.substr(0, 2), name.substr(1), "," + name}) {
-      ASSERT_EQ(list.Contains(part), Contains(plain, part)) << part;
-    }
-    list.Append(name);
-    plain += "," + name;
-  }
-  EXPECT_EQ(list.Text(), plain);
-  for (const char* name : {"Alpha", "Beta", "Alx", "Beta", "Alx"}) early.Append(name);
-  EXPECT_FALSE(early.Contains("ta,Alpha")) << "it would begin before the list does";
-  EXPECT_FALSE(NameList().Contains(""));
-  EXPECT_TRUE(list.Contains(""));
 }
 
 TEST_F(DatabaseTest, TheBackupScansTheCrossedSets) {

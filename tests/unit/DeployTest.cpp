@@ -292,8 +292,16 @@ TEST_F(DeployTest, DataSourcesAreTheMachines) {
       return request == 4;
     }
   } odbc;
-  Machine parts{windows,          machine.Files,     machine.Files,    machine.Server, odbc,
-                machine.Programs, machine.Scripting, machine.Settings, machine.Clock,  ""};
+  Machine parts{.Windows = windows,
+                .Files = machine.Files,
+                .Shell = machine.Files,
+                .DataAccess = machine.Server,
+                .Odbc = odbc,
+                .Programs = machine.Programs,
+                .Scripting = machine.Scripting,
+                .Settings = machine.Settings,
+                .Clock = machine.Clock,
+                .AppPath = ""};
   Wizard other(parts);
   EXPECT_TRUE(other.Page<FrmApplication>().CreateDSN("SQL Server", "DSN=Books"));
 }

@@ -2,7 +2,7 @@
 
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 const std::string kFile = "packcheck.ignore";
@@ -40,4 +40,4 @@ void AcceptFindings(CheckedPack& pack) {
   }
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -6,7 +6,7 @@
 #include "runtime/RuntimeError.h"
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 constexpr std::size_t kLongestName = 128;
@@ -193,7 +193,7 @@ void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const
   const std::string name = BackedUpName(candidate);
   const std::string bare = UCase(name);
   const SqlStatement* naming = bare.empty() ? nullptr : Naming(facts, bare);
-  if (list_.Contains(candidate)) {
+  if (Contains(list_, candidate)) {
     if (naming == nullptr || Covers(bare)) return;
     const auto longer = std::ranges::find_if(
         names_, [&](const auto& listed) { return Contains(listed.first, bare); });
@@ -203,7 +203,7 @@ void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const
     return;
   }
   if (candidate.size() > kLongestName) return;
-  list_.Append(candidate);
+  AppendWhole(list_, {",", candidate});
   names_.emplace(bare, name);
   if (naming != nullptr || bare.empty()) return;
   const SqlStatement* first = Naming(facts, "");
@@ -214,4 +214,4 @@ bool BackupNames::Covers(const std::string& bareName) const {
   return names_.contains(bareName) || merged_.contains(bareName);
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

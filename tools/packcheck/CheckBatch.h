@@ -6,9 +6,8 @@
 
 #include "CheckSql.h"
 #include "Finding.h"
-#include "database/NameList.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// What a script sends to the server at once: a batch, or a line.
 struct SqlBatch {
@@ -35,10 +34,10 @@ class BackupNames {
   void Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts);
 
   Findings& findings_;
-  NameList list_;
+  std::string list_;
   // As they are compared (without brackets, upper-cased), and as they are written.
   std::map<std::string, std::string> names_;
   std::set<std::string> merged_;
 };
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -11,7 +11,7 @@
 #include "CheckPack.h"
 #include "CheckScripts.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 constexpr int kClean = 0;
@@ -77,4 +77,4 @@ void ExplainCommand(const std::string& code, std::ostream& out) {
   out << Explanation(*rule);
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

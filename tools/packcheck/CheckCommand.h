@@ -4,7 +4,7 @@
 #include <iosfwd>
 #include <string>
 
-namespace talu {
+namespace talu::packcheck {
 
 struct CheckOptions {
   /// The pack folder.
@@ -22,4 +22,4 @@ int CheckCommand(const CheckOptions& options, std::ostream& out);
 /// std::runtime_error with a line for the user when there is no such code.
 void ExplainCommand(const std::string& code, std::ostream& out);
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -4,24 +4,23 @@
 #include <array>
 
 #include "Wizard.h"
+#include "database/TypeScripts.h"
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 constexpr std::array<std::string_view, 14> kKeys = {
     "AppTitle",  "AppFolder", "DBFolder",      "FreshDBSript",  "DemoDBSript",
     "SystemDSN", "Shotcut",   "RegnLocation",  "SpecialRegn",   "AddOns",
     "DBSript",   "FinalMsg",  "WriteSettings", "UpgradeDBSript"};
-constexpr std::array<std::string_view, 3> kScriptKeys = {"FreshDBSript", "DemoDBSript",
-                                                         "UpgradeDBSript"};
 
 bool IsKey(std::string_view text) {
   return std::ranges::find(kKeys, text) != kKeys.end();
 }
 
 bool IsScriptKey(std::string_view key) {
-  return std::ranges::find(kScriptKeys, key) != kScriptKeys.end();
+  return std::ranges::find(kTypeScripts, key, &TypeScripts::Key) != kTypeScripts.end();
 }
 
 /// The keys, but for `own`, that begin with `line`, for a sentence; empty when there are none.
@@ -272,8 +271,8 @@ void Configuration::CheckWhatIsThere() {
   if (Values("AppTitle").empty()) pack_.Findings.Add("CFG-NO-TITLE", file);
   if (Values("AppFolder").empty()) pack_.Findings.Add("CFG-NO-APPFOLDER", file);
   if (Values("DBFolder").empty()) pack_.Findings.Add("CFG-NO-DBFOLDER", file);
-  for (const std::string_view key : kScriptKeys) {
-    if (!Values(key).empty()) return;
+  for (const TypeScripts& scripts : kTypeScripts) {
+    if (!Values(scripts.Key).empty()) return;
   }
   pack_.Findings.Add("CFG-NO-SCRIPTS", file);
 }
@@ -294,7 +293,7 @@ void Configuration::CheckFolderNames() {
 void Configuration::CheckBackupCount() {
   const std::size_t count = Values("DBSript").size();
   std::size_t longest = 0;
-  for (const std::string_view key : kScriptKeys) {
+  for (const auto& [type, folder, key] : kTypeScripts) {
     const std::size_t scripts = Values(key).size();
     longest = std::max(longest, scripts);
     if (scripts <= count) continue;
@@ -307,4 +306,4 @@ void Configuration::CheckBackupCount() {
   }
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -6,14 +6,14 @@
 
 #include "CheckPack.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// One value line of AppCfg.txt.
 struct CfgLine {
   int Number = 0;
   std::string_view Text;
 
-  talu::Place Place() const { return {"AppCfg.txt", Number, std::string(Text)}; }
+  packcheck::Place Place() const { return {"AppCfg.txt", Number, std::string(Text)}; }
 };
 
 /// AppCfg.txt as its author means it: with every misspelled key and lost brace put right. What the
@@ -63,4 +63,4 @@ class Configuration {
   std::vector<CfgLine> emptyLines_;
 };
 
-}  // namespace talu
+}  // namespace talu::packcheck

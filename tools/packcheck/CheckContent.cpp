@@ -4,7 +4,7 @@
 
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 constexpr std::string_view kNotInNames = "\\/:*?\"<>|";
@@ -197,4 +197,4 @@ void CheckContent(CheckedPack& pack, const Configuration& configuration) {
   CheckSettings(pack, configuration);
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -12,7 +12,7 @@
 #include "platform/simulated/SimulatedMachine.h"
 #include "runtime/TextFiles.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// A pack as Windows would see it, and what was found in it. Paths are below the pack folder, with
 /// backslashes, in any case.
@@ -40,7 +40,7 @@ class CheckedPack {
   }
 
   SimulatedMachine Machine;
-  talu::Findings Findings;
+  packcheck::Findings Findings;
 
  private:
   std::string Full(const std::string& path) const { return Machine.Parts.AppPath + "\\" + path; }
@@ -82,4 +82,4 @@ inline TextMark MarkOf(std::string_view text) {
               text.substr(0, 64).find('\0') != std::string_view::npos};
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

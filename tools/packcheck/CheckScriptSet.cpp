@@ -10,7 +10,7 @@
 #include "database/ScriptReader.h"
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 using Region = SqlFollower::Region;
@@ -78,12 +78,11 @@ bool IsMeantAsGo(std::string_view line) {
 
 }  // namespace
 
-ScriptSet::ScriptSet(CheckedPack& pack, const std::string& folder, const std::string& key,
-                     std::size_t backedUp)
+ScriptSet::ScriptSet(CheckedPack& pack, const TypeScripts& scripts, std::size_t backedUp)
     : pack_(pack),
       findings_(pack.Findings),
-      folder_("SQLScript\\" + folder + "\\"),
-      key_(key),
+      folder_(scripts.Folder.substr(1)),
+      key_(scripts.Key),
       backedUp_(backedUp),
       backup_(pack.Findings) {}
 
@@ -284,4 +283,4 @@ void ScriptSet::CheckUnlisted(const Configuration& configuration) {
   }
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -9,16 +9,16 @@
 #include "CheckConfiguration.h"
 #include "CheckPack.h"
 #include "CheckSql.h"
+#include "database/TypeScripts.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// The scripts of one type of installation, read in their order as the build reads them.
 class ScriptSet {
  public:
   /// `folder` is "Fresh", "Demo" or "Upgrade"; `backedUp` is how many of the scripts the backup
   /// searches.
-  ScriptSet(CheckedPack& pack, const std::string& folder, const std::string& key,
-            std::size_t backedUp);
+  ScriptSet(CheckedPack& pack, const TypeScripts& scripts, std::size_t backedUp);
 
   /// Reads and checks the scripts that `configuration` lists.
   void Check(const Configuration& configuration);
@@ -75,4 +75,4 @@ class ScriptSet {
   int toldText_ = 0;
 };
 
-}  // namespace talu
+}  // namespace talu::packcheck

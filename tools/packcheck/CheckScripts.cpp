@@ -4,7 +4,7 @@
 
 #include "CheckScriptSet.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 /// Tells which databases an installation changes that the backup before it does not know.
@@ -21,14 +21,14 @@ void CheckBackedUp(const char* installation, const ScriptSet& built, const Scrip
 
 void CheckScripts(CheckedPack& pack, const Configuration& configuration) {
   const std::size_t backedUp = configuration.Values("DBSript").size();
-  std::array<ScriptSet, 3> sets = {ScriptSet(pack, "Fresh", "FreshDBSript", backedUp),
-                                   ScriptSet(pack, "Demo", "DemoDBSript", backedUp),
-                                   ScriptSet(pack, "Upgrade", "UpgradeDBSript", backedUp)};
+  std::array<ScriptSet, 3> sets = {ScriptSet(pack, kTypeScripts[0], backedUp),
+                                   ScriptSet(pack, kTypeScripts[1], backedUp),
+                                   ScriptSet(pack, kTypeScripts[2], backedUp)};
   for (ScriptSet& set : sets) set.Check(configuration);
-  auto& [fresh, demo, upgrade] = sets;
-  CheckBackedUp("A fresh", fresh, fresh, pack.Findings);
-  CheckBackedUp("A demo", demo, upgrade, pack.Findings);
-  CheckBackedUp("An upgrade", upgrade, demo, pack.Findings);
+  constexpr std::array installations = {"A fresh", "A demo", "An upgrade"};
+  for (std::size_t type = 0; type < sets.size(); ++type) {
+    CheckBackedUp(installations[type], sets[type], sets[ScannedType(type)], pack.Findings);
+  }
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

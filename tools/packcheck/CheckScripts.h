@@ -3,9 +3,9 @@
 #include "CheckConfiguration.h"
 #include "CheckPack.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// Checks the three sets of scripts, one file in memory at a time.
 void CheckScripts(CheckedPack& pack, const Configuration& configuration);
 
-}  // namespace talu
+}  // namespace talu::packcheck

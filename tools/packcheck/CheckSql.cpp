@@ -5,7 +5,7 @@
 
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 enum class CharClass : unsigned char { Blank, Word, Sign };
@@ -246,4 +246,4 @@ std::string BareName(std::string_view name) {
   return UCase(name);
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

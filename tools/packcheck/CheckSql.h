@@ -6,7 +6,7 @@
 
 #include "Finding.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// A statement that names a database or creates a login.
 struct SqlStatement {
@@ -18,13 +18,13 @@ struct SqlStatement {
   std::string Spelled;
   /// The name as it is written, with its brackets; empty when it is none.
   std::string Name;
-  talu::Place Place;
+  packcheck::Place Place;
 };
 
 /// A text, with where it stands.
 struct SqlText {
   std::string Text;
-  talu::Place Place;
+  packcheck::Place Place;
 };
 
 /// What was found in the lines of a batch.
@@ -93,4 +93,4 @@ class SqlFollower {
 /// A name without its brackets or quotes, upper-cased, for comparing.
 std::string BareName(std::string_view name);
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -13,7 +13,7 @@
 #include <iostream>
 #endif
 
-namespace talu {
+namespace talu::packcheck {
 
 #ifdef _WIN32
 std::vector<std::string> Utf8Arguments(int, char**) {
@@ -47,4 +47,4 @@ std::vector<std::string> Utf8Arguments(int count, char** arguments) {
 }
 #endif
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace talu {
+namespace talu::packcheck {
 
 /// The program's arguments in UTF-8, last one first, as CLI11 takes them. Sees to it, too, that a
 /// console shows UTF-8.
@@ -13,4 +13,4 @@ std::vector<std::string> Utf8Arguments(int count, char** arguments);
 /// one of the three is closed. What is written there then fails; std::cout has failed already.
 void HoldStandardFiles();
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -7,7 +7,7 @@
 #include "platform/simulated/Journal.h"
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 constexpr std::size_t kListed = 20;
@@ -84,4 +84,4 @@ std::string Shown(std::string_view text) {
   return '"' + shown + (text.size() > kShownLength ? "..." : "") + '"';
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

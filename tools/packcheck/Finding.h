@@ -11,7 +11,7 @@
 
 #include "Rules.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// Where a finding stands. Texts are in the ANSI code page, as in the pack.
 struct Place {
@@ -25,8 +25,8 @@ struct Place {
 
 /// One thing in a pack that is likely not meant.
 struct Finding {
-  const talu::Rule* Rule = nullptr;
-  talu::Place Place;
+  const packcheck::Rule* Rule = nullptr;
+  packcheck::Place Place;
   std::string Will;
   std::string Do;
   /// How many more of its kind the file has, which are not listed one by one.
@@ -63,4 +63,4 @@ class Findings {
 /// A text of the pack as a finding shows it: in quotes, line ends visible, long ones cut.
 std::string Shown(std::string_view text);
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -5,7 +5,7 @@
 
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 constexpr auto kNone = std::string::npos;
@@ -75,4 +75,4 @@ std::string WithoutPasswords(std::string text) {
   return text;
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

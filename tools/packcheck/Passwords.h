@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace talu {
+namespace talu::packcheck {
 
 /// The text with "***" in place of the passwords that its form gives away: in connection texts and
 /// data sources (PWD=...), in statements (PASSWORD = '...') and in the records of credentials and
@@ -12,4 +12,4 @@ std::string WithoutPasswords(std::string text);
 /// What stands for a password.
 inline constexpr const char* kHiddenPassword = "***";
 
-}  // namespace talu
+}  // namespace talu::packcheck

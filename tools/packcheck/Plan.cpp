@@ -7,7 +7,7 @@
 #include "PlanOperator.h"
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 /// A folder that is chosen in a browser is there.
@@ -67,4 +67,4 @@ std::unique_ptr<PlannedRun> Plan(const PlanOptions& options) {
   return std::make_unique<PlannedRun>(options);
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -11,7 +11,7 @@
 #include "Wizard.h"
 #include "platform/simulated/SimulatedMachine.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// The installation types and modes, numbered as in `InstallState`.
 enum class InstallType { Fresh, Demo, Upgrade };
@@ -91,4 +91,4 @@ class PlannedRun {
 /// Runs a plan and keeps its journal. Raises as `PlannedRun` does.
 std::unique_ptr<PlannedRun> Plan(const PlanOptions& options);
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -6,14 +6,14 @@
 #include <utility>
 
 #include "Passwords.h"
+#include "database/TypeScripts.h"
 #include "pages/FrmSQLNonQuery.h"
 #include "platform/simulated/CodePage.h"
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
-constexpr std::array kTypes = {"fresh", "demo", "upgrade"};
 constexpr std::array kModes = {"server", "client"};
 constexpr int kLabelWidth = 12;
 constexpr const char* kTextIndent = "               ";
@@ -46,7 +46,7 @@ void PlanAccount::Begin() {
   const DateTime& now = options_.Now;
   const auto two = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
   out_ << (options_.Type == InstallType::Upgrade ? "An " : "A ")
-       << kTypes.at(static_cast<std::size_t>(options_.Type)) << " installation in "
+       << kTypeScripts.at(static_cast<std::size_t>(options_.Type)).Type << " installation in "
        << kModes.at(static_cast<std::size_t>(options_.Mode)) << " mode from "
        << Utf8FromAnsi(options_.PackPath) << ", on " << now.Year << '-' << two(now.Month) << '-'
        << two(now.Day) << " at " << two(now.Hour) << ':' << two(now.Minute) << '\n';
@@ -178,4 +178,4 @@ void PlanAccount::End(const PlannedRun& run) {
        << (failed.empty() ? " never came.\n" : " (" + failed + ") was made to fail.\n");
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

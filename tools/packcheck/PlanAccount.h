@@ -6,7 +6,7 @@
 
 #include "Plan.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// Tells a planned run to a person, event by event, in UTF-8; passwords are hidden.
 class PlanAccount {
@@ -41,4 +41,4 @@ class PlanAccount {
   std::string lastError_;
 };
 
-}  // namespace talu
+}  // namespace talu::packcheck

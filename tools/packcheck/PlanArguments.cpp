@@ -1,5 +1,6 @@
 #include "PlanArguments.h"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <chrono>
@@ -8,9 +9,10 @@
 #include <stdexcept>
 #include <utility>
 
+#include "database/TypeScripts.h"
 #include "platform/simulated/CodePage.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 [[noreturn]] void Refuse(const std::string& option, const std::string& text,
@@ -37,9 +39,8 @@ std::int32_t Number(const std::string& option, const std::string& text) {
 }
 
 InstallType TypeOf(const std::string& text) {
-  if (text == "fresh") return InstallType::Fresh;
-  if (text == "demo") return InstallType::Demo;
-  if (text == "upgrade") return InstallType::Upgrade;
+  const auto* found = std::ranges::find(kTypeScripts, text, &TypeScripts::Type);
+  if (found != kTypeScripts.end()) return static_cast<InstallType>(found - kTypeScripts.begin());
   Refuse("--type", text, "fresh, demo or upgrade");
 }
 
@@ -163,4 +164,4 @@ PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments) {
   return options;
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -6,7 +6,7 @@
 
 #include "PlanCommand.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// The arguments of `packcheck plan` as they are given, in UTF-8. An empty text is an option that
 /// is not there.
@@ -32,4 +32,4 @@ struct PlanArguments {
 /// option.
 PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments);
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -5,7 +5,7 @@
 
 #include "PlanAccount.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 void RequireEmpty(const std::filesystem::path& folder) {
@@ -29,4 +29,4 @@ int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
   return run.Finished() && account.Failures() == 0 ? 0 : 1;
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

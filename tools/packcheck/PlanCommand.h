@@ -5,7 +5,7 @@
 
 #include "Plan.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 struct PlanCommandOptions {
   PlanOptions Run;
@@ -21,4 +21,4 @@ struct PlanCommandOptions {
 /// Raises std::runtime_error with a line for the user when it cannot be planned or saved.
 int PlanCommand(const PlanCommandOptions& options, std::ostream& out);
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -2,11 +2,12 @@
 
 #include <array>
 
-namespace talu {
+#include "database/TypeScripts.h"
+
+namespace talu::packcheck {
 namespace {
 
 constexpr std::array kTypeOptions = {"OptFresh", "OptDemo", "OptUpgrade"};
-constexpr std::array kTypeNames = {"fresh", "demo", "upgrade"};
 constexpr const char* kUsualRoot = "C:\\Program Files";
 
 }  // namespace
@@ -46,7 +47,7 @@ std::string PlanOperator::ChooseType() {
     // With nothing to choose from, Next goes on as it is.
     for (const char* option : kTypeOptions) {
       if (windows_.Shown(option)->Enabled) {
-        return std::string("the ") + kTypeNames.at(type) +
+        return std::string("the ").append(kTypeScripts.at(type).Type) +
                " installation cannot be chosen: its option is disabled";
       }
     }
@@ -91,4 +92,4 @@ std::string PlanOperator::Shown(const char* control) const {
   return view != nullptr ? view->Text : "";
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

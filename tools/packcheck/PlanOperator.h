@@ -5,7 +5,7 @@
 
 #include "Plan.h"
 
-namespace talu {
+namespace talu::packcheck {
 
 /// The operator of a planned run: does on each page what a person would who wants the installation
 /// of the options.
@@ -33,4 +33,4 @@ class PlanOperator {
   std::set<std::string> wentBackFrom_;
 };
 
-}  // namespace talu
+}  // namespace talu::packcheck

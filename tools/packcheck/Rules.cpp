@@ -2,7 +2,7 @@
 
 #include "runtime/TextFunctions.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 /// The places of a text, shown as dots.
@@ -47,4 +47,4 @@ std::string Explanation(const Rule& rule) {
          "\n- What to do: " + WithoutPlaces(rule.Do) + "\n";
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace talu {
+namespace talu::packcheck {
 
 /// How much a finding weighs. A note is worth knowing and needs no action.
 enum class Severity { Note, Warning, Error };
@@ -45,4 +45,4 @@ std::span<const Rule> ContentRules();
 /// A rule's section of the manual, in Markdown.
 std::string Explanation(const Rule& rule);
 
-}  // namespace talu
+}  // namespace talu::packcheck

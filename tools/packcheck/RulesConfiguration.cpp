@@ -2,7 +2,7 @@
 
 #include "Rules.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 using enum Severity;
@@ -142,4 +142,4 @@ std::span<const Rule> ConfigurationRules() {
   return kRules;
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

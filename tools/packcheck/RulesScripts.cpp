@@ -2,7 +2,7 @@
 
 #include "Rules.h"
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 using enum Severity;
@@ -199,4 +199,4 @@ std::span<const Rule> ScriptRules() {
   return kRules;
 }
 
-}  // namespace talu
+}  // namespace talu::packcheck

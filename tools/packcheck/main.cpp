@@ -7,16 +7,13 @@
 #include <new>
 #include <string>
 
+#include "CheckCommand.h"
 #include "CommandLine.h"
 #include "PlanArguments.h"
 #include "PlanCommand.h"
 #include "runtime/RuntimeError.h"
-#if __has_include("CheckCommand.h")
-#include "CheckCommand.h"
-#define TALU_CHECK
-#endif
 
-namespace talu {
+namespace talu::packcheck {
 namespace {
 
 constexpr int kUsage = 2;
@@ -72,7 +69,6 @@ CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
   return plan;
 }
 
-#ifdef TALU_CHECK
 struct CheckArguments {
   std::string Pack;
   std::string Code;
@@ -102,7 +98,6 @@ int RunCheck(const CheckArguments& given) {
   const std::u8string pack(given.Pack.begin(), given.Pack.end());
   return CheckCommand({.Pack = pack, .Json = given.Json}, std::cout);
 }
-#endif
 
 int Run(int count, char** arguments) {
   CLI::App app("packcheck tells what Setup.exe would do with an installation pack.");
@@ -110,21 +105,15 @@ int Run(int count, char** arguments) {
   app.require_subcommand(1);
   PlanArguments planned;
   const CLI::App& plan = AddPlan(app, planned);
-#ifdef TALU_CHECK
   CheckArguments checked;
   AddCheck(app, checked);
-#endif
   try {
     app.parse(Utf8Arguments(count, arguments));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kUsage;
   }
   if (plan.parsed()) return PlanCommand(ReadPlanArguments(planned), std::cout);
-#ifdef TALU_CHECK
   return RunCheck(checked);
-#else
-  return kUsage;
-#endif
 }
 
 int Main(int count, char** arguments) {
@@ -149,8 +138,8 @@ int Main(int count, char** arguments) {
 }
 
 }  // namespace
-}  // namespace talu
+}  // namespace talu::packcheck
 
 int main(int count, char** arguments) {
-  return talu::Main(count, arguments);
+  return talu::packcheck::Main(count, arguments);
 }

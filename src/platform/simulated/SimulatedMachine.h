@@ -18,8 +18,17 @@ class SimulatedMachine {
  public:
   /// The pack lies at `appPath`; C: has the system's folders and "Program Files".
   explicit SimulatedMachine(const std::string& appPath = "D:\\Pack")
-      : Disk(appPath), Parts{Windows,  Files,     Files,    Server, Odbc,
-                             Programs, Scripting, Settings, Clock,  appPath} {
+      : Disk(appPath),
+        Parts{.Windows = Windows,
+              .Files = Files,
+              .Shell = Files,
+              .DataAccess = Server,
+              .Odbc = Odbc,
+              .Programs = Programs,
+              .Scripting = Scripting,
+              .Settings = Settings,
+              .Clock = Clock,
+              .AppPath = appPath} {
     Disk.MakeFolders("C:\\Windows\\system");
     Disk.MakeFolders("C:\\Program Files");
   }

@@ -24,8 +24,16 @@ Win32Machine::Ole::~Ole() {
 Win32Machine::Win32Machine()
     : ado_([this] { windows_.ShowProgress(); }),
       processes_([this] { windows_.ShowProgress(); }),
-      parts_{windows_,   files_,     shell_,    ado_,   odbc_,
-             processes_, scripting_, settings_, clock_, ProgramFolder()} {}
+      parts_{.Windows = windows_,
+             .Files = files_,
+             .Shell = shell_,
+             .DataAccess = ado_,
+             .Odbc = odbc_,
+             .Programs = processes_,
+             .Scripting = scripting_,
+             .Settings = settings_,
+             .Clock = clock_,
+             .AppPath = ProgramFolder()} {}
 
 Win32Machine::~Win32Machine() = default;
 
