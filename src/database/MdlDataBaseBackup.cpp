@@ -66,7 +66,7 @@ void MdlDataBaseBackup::TakeLine(const ErrorTrap& step, std::string_view BackupC
       windows.DoEvents();
       BackupBatchText.clear();
     } else {
-      step([&] { AppendWhole(BackupBatchText, {kCrLf, trimmed}); });
+      step([&] { AppendLine(BackupBatchText, trimmed); });
     }
   } else if (ContainsUpper(BackupCurrentLine, kLineDirective)) {
     BackupLineMode = true;
@@ -122,13 +122,15 @@ void MdlDataBaseBackup::Execute(const ErrorTrap& step, const std::string& statem
 }
 
 void MdlDataBaseBackup::CollectDatabaseName() {
-  if (Contains(BackupBatchText, "CREATE DATABASE")) CollectDelimited("CREATE DATABASE");
-  if (Contains(BackupBatchText, "ALTER DATABASE")) CollectDelimited("ALTER DATABASE");
-  if (Contains(BackupBatchText, "DROP DATABASE")) {
-    PosStatement = InStr(BackupBatchText, "DROP DATABASE");
-    PosKeyword = InStr(PosStatement, BackupBatchText, "DATABASE");
-    PosNameStart = InStr(PosKeyword, BackupBatchText, " ");
-    CollectToTheEnd();
+  if (Contains(BackupBatchText, "DATABASE")) {  // most batches of data have none of the three
+    if (Contains(BackupBatchText, "CREATE DATABASE")) CollectDelimited("CREATE DATABASE");
+    if (Contains(BackupBatchText, "ALTER DATABASE")) CollectDelimited("ALTER DATABASE");
+    if (Contains(BackupBatchText, "DROP DATABASE")) {
+      PosStatement = InStr(BackupBatchText, "DROP DATABASE");
+      PosKeyword = InStr(PosStatement, BackupBatchText, "DATABASE");
+      PosNameStart = InStr(PosKeyword, BackupBatchText, " ");
+      CollectToTheEnd();
+    }
   }
   if (Contains(BackupBatchText, "USE ")) {
     // Without the blank, so that an earlier word with these letters is found first.
@@ -160,7 +162,7 @@ void MdlDataBaseBackup::CollectToTheEnd() {
 // A substring test: a name that is part of one in the list counts as listed.
 void MdlDataBaseBackup::AddCandidate() {
   if (CandidateName.size() > 128 || Contains(DatabaseList, CandidateName)) return;
-  AppendWhole(DatabaseList, {",", CandidateName});
+  DatabaseList += "," + CandidateName;
   ++DatabaseCount;
 }
 

@@ -44,7 +44,7 @@ bool DatabaseBuild::TakeLine(const ErrorTrap& step, std::string_view CurrentLine
     FinishBatch(step);
   } else if (BatchMode) {
     if (BatchText.empty()) batchOrigin_ = {ScriptName, scriptLine_};
-    step([&] { AppendWhole(BatchText, {kCrLf, trimmed}); });
+    step([&] { AppendLine(BatchText, trimmed); });
   } else if (ContainsUpper(CurrentLine, kLineDirective)) {
     LineByLineMode = true;
   } else if (LineByLineMode) {

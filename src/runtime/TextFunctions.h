@@ -2,7 +2,6 @@
 
 #include <concepts>
 #include <cstddef>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -59,12 +58,12 @@ std::string Mid(std::string_view text, Position start);
 std::string Left(std::string_view text, Position length);
 std::string Right(std::string_view text, Position length);
 
-/// `text = text & pieces`: all of them or, when memory fails, none.
-inline void AppendWhole(std::string& text, std::initializer_list<std::string_view> pieces) {
-  std::size_t size = text.size();
-  for (const std::string_view piece : pieces) size += piece.size();
-  text.reserve(size);  // grows by more than it is asked for
-  for (const std::string_view piece : pieces) text.append(piece);
+/// `text = text & CR LF & line`: all of it or, when memory fails, nothing.
+inline void AppendLine(std::string& text, std::string_view line) {
+  text.reserve(text.size() + line.size() + 2);  // grows by more than it is asked for
+  text.push_back('\r');
+  text.push_back('\n');
+  text.append(line);
 }
 
 /// Without leading and trailing blanks; other white space stays.

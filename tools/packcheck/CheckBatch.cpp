@@ -203,7 +203,7 @@ void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const
     return;
   }
   if (candidate.size() > kLongestName) return;
-  AppendWhole(list_, {",", candidate});
+  list_ += "," + candidate;
   names_.emplace(bare, name);
   if (naming != nullptr || bare.empty()) return;
   const SqlStatement* first = Naming(facts, "");
