@@ -60,7 +60,9 @@ class Control {
 template <class T>
 class ControlProperty {
  public:
-  ControlProperty(Control& owner, T ControlView::*field, Property property)
+  using Field = T ControlView::*;
+
+  ControlProperty(Control& owner, Field field, Property property)
       : owner_(owner), field_(field), property_(property) {}
   ControlProperty(const ControlProperty&) = delete;
 
@@ -78,7 +80,7 @@ class ControlProperty {
 
  private:
   Control& owner_;
-  T ControlView::*field_;
+  Field field_;
   Property property_;
 };
 

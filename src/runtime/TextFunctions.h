@@ -23,6 +23,10 @@ inline constexpr std::string_view kCrLf = "\r\n";
 Position InStr(Position start, std::string_view text, std::string_view find);
 Position InStr(std::string_view text, std::string_view find);
 
+/// A text that is no literal.
+template <class Text>
+concept NoLiteral = std::convertible_to<Text, std::string_view> && !std::is_array_v<Text>;
+
 /// What `Contains` looks for. A text that stands in the source is hunted by that of its characters
 /// which scripts have least of; the compiler chooses it.
 // NOLINTBEGIN(google-explicit-constructor): a text is meant
@@ -34,8 +38,8 @@ struct Sought {
       if (commonFirst.find(Text[at]) > commonFirst.find(Text[Rarest])) Rarest = at;
     }
   }
-  template <std::convertible_to<std::string_view> Found>
-  requires(!std::is_array_v<Found>) Sought(const Found& text) : Text(text) {}
+  template <NoLiteral Found>
+  Sought(const Found& text) : Text(text) {}
 
   std::string_view Text;
   std::size_t Rarest = 0;

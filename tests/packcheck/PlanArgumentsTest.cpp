@@ -54,8 +54,9 @@ TEST_F(PlanArgumentsTest, AreRead) {
 }
 
 TEST_F(PlanArgumentsTest, FaultsAreToldByOption) {
+  using Argument = std::string PlanArguments::*;
   struct Case {
-    std::string PlanArguments::*Field;
+    Argument Field;
     const char* Text;
     const char* Begin;
   };
