@@ -95,7 +95,7 @@ TEST_F(CheckTest, EachFindingIsWhatAPlanDoes) {
         << test.Proof << "\n"
         << journal;
   }
-  for (const RuleGroup& group : AllRules()) {
+  for (const RuleGroup& group : kRuleGroups) {
     for (const Rule& rule : group.Rules) {
       EXPECT_TRUE(proved.contains(std::string(rule.Code))) << rule.Code << " is not proved";
     }

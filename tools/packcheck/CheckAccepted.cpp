@@ -12,7 +12,7 @@ std::string Accept(std::string_view line, Findings& findings) {
   std::vector<std::string> parts = Split(line, '|');
   for (std::string& part : parts) part = Stripped(part);
   if (parts.size() != 4) return "it does not have four parts";
-  if (FindRule(parts[0]) == nullptr) return "no finding is called " + Shown(parts[0]);
+  if (FindRule(UCase(parts[0])) == nullptr) return "no finding is called " + Shown(parts[0]);
   if (parts[3].empty()) return "it gives no reason";
   bool accepted = false;
   for (Finding& finding : findings.All()) {

@@ -186,7 +186,8 @@ void BackupNames::Collect(const SqlBatch& batch, const SqlFacts& facts) {
   if (cut.Failed.empty()) return;
   const SqlStatement* naming = Naming(facts, "");
   const Place& place = naming != nullptr ? naming->Place : batch.Start;
-  findings_.Add(cut.TooLong ? "SQL-BACKUP-LONG" : "SQL-BACKUP-CUT", place, {cut.Failed});
+  findings_.Add(cut.TooLong ? KnownRule("SQL-BACKUP-LONG") : KnownRule("SQL-BACKUP-CUT"), place,
+                {cut.Failed});
 }
 
 void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts) {

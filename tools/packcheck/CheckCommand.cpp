@@ -10,6 +10,7 @@
 #include "CheckContent.h"
 #include "CheckPack.h"
 #include "CheckScripts.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {
 namespace {
@@ -64,13 +65,13 @@ int CheckCommand(const CheckOptions& options, std::ostream& out) {
 
 void ExplainCommand(const std::string& code, std::ostream& out) {
   if (code == "all") {
-    for (const RuleGroup& group : AllRules()) {
+    for (const RuleGroup& group : kRuleGroups) {
       out << "### " << group.Heading << "\n\n";
       for (const Rule& rule : group.Rules) out << Explanation(rule) << '\n';
     }
     return;
   }
-  const Rule* rule = FindRule(code);
+  const Rule* rule = FindRule(UCase(code));
   if (rule == nullptr) {
     throw std::runtime_error("no finding is called " + code + "; \"all\" explains every one");
   }

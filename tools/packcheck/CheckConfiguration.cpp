@@ -198,8 +198,8 @@ std::string Configuration::IntendedKey(const CfgLine& brace) {
   const std::string_view name = Stripped(candidate_.Text);
   for (const std::string_view key : kKeys) {
     if (UCase(name) != UCase(key)) continue;
-    pack_.Findings.Add(name == key ? "CFG-KEY-BLANKS" : "CFG-KEY-CASE", candidate_.Place(),
-                       {std::string(key)});
+    pack_.Findings.Add(name == key ? KnownRule("CFG-KEY-BLANKS") : KnownRule("CFG-KEY-CASE"),
+                       candidate_.Place(), {std::string(key)});
     return std::string(key);
   }
   if (KeysBegunBy(candidate_.Text, "").empty()) {

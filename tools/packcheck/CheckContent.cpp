@@ -136,7 +136,8 @@ void CheckAddOn(CheckedPack& pack, const CfgLine& value) {
   if (!program && !package) {
     const std::string upper = UCase(line);
     const bool meant = Contains(upper, ".EXE") || Contains(upper, ".MSI");
-    findings.Add(meant ? "ADD-CASE" : "ADD-KIND", value.Place(), {Shown(line)});
+    findings.Add(meant ? KnownRule("ADD-CASE") : KnownRule("ADD-KIND"), value.Place(),
+                 {Shown(line)});
     return;
   }
   if (program ? !HasProgram(pack, line) : !pack.HasFile("AddOns\\" + line)) {

@@ -212,8 +212,9 @@ void ScriptSet::CheckTextLine(std::string_view line) {
 void ScriptSet::CheckGo(int number, std::string_view line) {
   if (sql_.Inside() == Region::Code || toldRegion_ == sql_.RegionLine()) return;
   toldRegion_ = sql_.RegionLine();
-  findings_.Add(sql_.Inside() == Region::Comment ? "SQL-GO-COMMENT" : "SQL-GO-TEXT",
-                At(number, line), {std::to_string(toldRegion_)});
+  findings_.Add(
+      sql_.Inside() == Region::Comment ? KnownRule("SQL-GO-COMMENT") : KnownRule("SQL-GO-TEXT"),
+      At(number, line), {std::to_string(toldRegion_)});
 }
 
 void ScriptSet::FinishBatch() {

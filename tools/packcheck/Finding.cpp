@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <stdexcept>
 
 #include "platform/simulated/Journal.h"
 #include "runtime/TextFunctions.h"
@@ -46,17 +45,16 @@ std::string Finding::ToJson() const {
   return event.ToJson();
 }
 
-void Findings::Add(std::string_view code, const Place& place,
+void Findings::Add(KnownRule code, const Place& place,
                    std::initializer_list<std::string> arguments) {
-  const Rule* rule = FindRule(code);
-  if (rule == nullptr) throw std::logic_error("no rule " + std::string(code));
-  Finding finding{rule, place, Filled(rule->Will, arguments), Filled(rule->Do, arguments), 0, ""};
-  auto& listed = byFileAndCode_[{place.File, rule->Code}];
+  const Rule& rule = *code;
+  Finding finding{&rule, place, Filled(rule.Will, arguments), Filled(rule.Do, arguments), 0, ""};
+  auto& listed = byFileAndCode_[{place.File, rule.Code}];
   if (listed.size() == kListed) {
     ++findings_[listed.back()].More;
     return;
   }
-  if (!seen_.emplace(place.File, place.Line, rule->Code, finding.Will).second) return;
+  if (!seen_.emplace(place.File, place.Line, rule.Code, finding.Will).second) return;
   listed.push_back(findings_.size());
   findings_.push_back(std::move(finding));
 }

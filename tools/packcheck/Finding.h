@@ -44,10 +44,10 @@ struct Finding {
 /// many more there are.
 class Findings {
  public:
-  /// Adds a finding. `arguments` take the places of the rule's texts; they are shown as they are,
-  /// so pack texts go through `Shown` first. The same kind twice at the same place counts once.
-  void Add(std::string_view code, const Place& place,
-           std::initializer_list<std::string> arguments = {});
+  /// Adds a finding of the rule with this code. `arguments` take the places of the rule's texts;
+  /// they are shown as they are, so pack texts go through `Shown` first. The same kind twice at the
+  /// same place counts once.
+  void Add(KnownRule code, const Place& place, std::initializer_list<std::string> arguments = {});
 
   /// In the order of files and lines once `Sort` was called.
   std::vector<Finding>& All() { return findings_; }

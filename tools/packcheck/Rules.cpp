@@ -25,22 +25,6 @@ const char* SeverityName(Severity severity) {
   }
 }
 
-const Rule* FindRule(std::string_view code) {
-  const std::string wanted = UCase(code);
-  for (const RuleGroup& group : AllRules()) {
-    for (const Rule& rule : group.Rules) {
-      if (rule.Code == wanted) return &rule;
-    }
-  }
-  return nullptr;
-}
-
-std::array<RuleGroup, 3> AllRules() {
-  return {{{"In AppCfg.txt", ConfigurationRules()},
-           {"In the scripts", ScriptRules()},
-           {"In the files and what is done with them", ContentRules()}}};
-}
-
 std::string Explanation(const Rule& rule) {
   return "#### " + std::string(rule.Code) + " (" + SeverityName(rule.Weight) + ")\n\n" +
          std::string(rule.Why) + "\n\n- What will happen: " + WithoutPlaces(rule.Will) +

@@ -1,33 +1,13 @@
 #pragma once
 
-#include <array>
 #include <span>
 #include <string>
-#include <string_view>
+
+#include "RulesConfiguration.h"
+#include "RulesContent.h"
+#include "RulesScripts.h"
 
 namespace talu::packcheck {
-
-/// How much a finding weighs. A note is worth knowing and needs no action.
-enum class Severity { Note, Warning, Error };
-
-/// "note", "warning" or "error".
-const char* SeverityName(Severity severity);
-
-/// One kind of finding. The texts are everything that is ever said about it: by `check`, by
-/// `--explain` and in the manual.
-struct Rule {
-  std::string_view Code;
-  Severity Weight;
-  /// One sentence: what will happen. {0}, {1} and so on stand for what the finding is about.
-  std::string_view Will;
-  /// One sentence: what to do about it, with the same places.
-  std::string_view Do;
-  /// Why it is so, for someone who meets it for the first time.
-  std::string_view Why;
-};
-
-/// The rule with this code, in any case; a null pointer when there is none.
-const Rule* FindRule(std::string_view code);
 
 /// The rules about one part of a pack, under a heading of the manual.
 struct RuleGroup {
@@ -36,11 +16,31 @@ struct RuleGroup {
 };
 
 /// All rules, in the order of the manual.
-std::array<RuleGroup, 3> AllRules();
+inline constexpr RuleGroup kRuleGroups[] = {
+    {"In AppCfg.txt", kConfigurationRules},
+    {"In the scripts", kScriptRules},
+    {"In the files and what is done with them", kContentRules},
+};
 
-std::span<const Rule> ConfigurationRules();
-std::span<const Rule> ScriptRules();
-std::span<const Rule> ContentRules();
+/// The rule with this code, in capitals; a null pointer when there is none.
+constexpr const Rule* FindRule(std::string_view code) {
+  for (const RuleGroup& group : kRuleGroups) {
+    for (const Rule& rule : group.Rules) {
+      if (rule.Code == code) return &rule;
+    }
+  }
+  return nullptr;
+}
+
+/// A rule by its code: one that is not in the tables does not compile.
+class KnownRule {
+ public:
+  consteval KnownRule(const char* code) : rule_(*FindRule(code)) {}
+  const Rule& operator*() const { return rule_; }
+
+ private:
+  const Rule& rule_;
+};
 
 /// A rule's section of the manual, in Markdown.
 std::string Explanation(const Rule& rule);

@@ -1,145 +1,142 @@
-// What can be wrong with the deployment's part of AppCfg.txt and with the files of the pack.
+#pragma once
 
-#include "Rules.h"
+#include "Rule.h"
 
 namespace talu::packcheck {
-namespace {
 
-using enum Severity;
-
-constexpr Rule kRules[] = {
-    {"APP-MISSING", Error,
+/// What can be wrong with the deployment's part of AppCfg.txt and with the files of the pack.
+inline constexpr Rule kContentRules[] = {
+    {"APP-MISSING", Severity::Error,
      "The pack has no folder Application, so no file is copied or registered and no shortcut is "
      "made.",
      "Put the product's files into a folder Application beside Setup.exe.",
      "Copying, both registrations and the shortcuts are skipped together with a message when the "
      "folder is missing; settings files and add-ons follow all the same."},
-    {"APP-SHORT-NAME", Warning, "The log reports \"Can't copy\" for {0}, although it is copied.",
+    {"APP-SHORT-NAME", Severity::Warning,
+     "The log reports \"Can't copy\" for {0}, although it is copied.",
      "Give the file a name of at least four characters, its ending included.",
      "The last four characters of each name are compared with .mdf and .ldf, which raises an error "
      "for a shorter name."},
-    {"LNK-FIELDS", Error, "The line has {0} field(s) instead of three, so no shortcut is made.",
+    {"LNK-FIELDS", Severity::Error,
+     "The line has {0} field(s) instead of three, so no shortcut is made.",
      "Write target, folder and name, separated by commas.",
      "A missing field is an error that is logged; the next line follows."},
-    {"LNK-BACKSLASH", Error,
+    {"LNK-BACKSLASH", Severity::Error,
      "The shortcut's target {0} is glued to the application folder's name and leads nowhere.",
      "Begin the line with a backslash.",
      "The target is appended to the application folder as it stands."},
-    {"LNK-TARGET", Error, "The shortcut leads to {0}, which the installation does not bring along.",
+    {"LNK-TARGET", Severity::Error,
+     "The shortcut leads to {0}, which the installation does not bring along.",
      "Put the file under Application, or correct the path.",
      "The target is a path below the application folder, into which the pack's Application folder "
      "is "
      "copied. Nothing checks on the machine that it is there."},
-    {"LNK-FOLDER", Error,
+    {"LNK-FOLDER", Severity::Error,
      "No special folder is called {0}, so no shortcut is made and nothing is "
      "logged.",
      "Use the last part of a special folder's path without blanks: Desktop, StartMenu, Programs, "
      "Startup, SendTo, Favorites, Documents and the like.",
      "The word is compared with the last part of each special folder's path, from which the blanks "
      "are taken out; in the word itself they stay. Case does not matter."},
-    {"LNK-NAME", Error, "A shortcut named {0} cannot be saved.",
+    {"LNK-NAME", Severity::Error, "A shortcut named {0} cannot be saved.",
      "Use a plain file name, without \\ / : * ? \" < > |.",
      "The name becomes the name of a .lnk file."},
-    {"DSN-FIELDS", Error,
+    {"DSN-FIELDS", Severity::Error,
      "The line has {0} field(s) instead of five, so an error is logged and the data source is not "
      "tested{1}.",
      "Write driver, name, database, user and password, separated by commas.",
      "Each data source is tested by opening it with its user and password. Without its name or its "
      "database it is not described either."},
-    {"DSN-DRIVER", Error,
+    {"DSN-DRIVER", Severity::Error,
      "The driver {0} is not known, so the data source is not described: it is registered with the "
      "text of the line read before it, or with none.",
      "Write exactly SQL Server or Microsoft Access Driver (*.mdb).",
      "Only for these two drivers, case included, is a description built. The lines are read from "
      "the last to the first."},
-    {"REG-BACKSLASH", Error,
+    {"REG-BACKSLASH", Severity::Error,
      "The folder {0} is glued to the application folder's name, so no component in it is "
      "registered.",
      "Begin the line with a backslash.",
      "The line is appended to the application folder as it stands."},
-    {"REG-FOLDER", Error,
+    {"REG-FOLDER", Severity::Error,
      "The folder {0} is not there, so an error is logged and nothing is "
      "registered.",
      "Put the folder under Application, or correct the path.",
      "The folders are those of the installed application, into which the pack's Application folder "
      "is copied."},
-    {"REG-NOTHING", Warning, "No .ocx or .dll lies in the folder {0}, so nothing is registered.",
+    {"REG-NOTHING", Severity::Warning,
+     "No .ocx or .dll lies in the folder {0}, so nothing is registered.",
      "Delete the line, or put the components there.",
      "Files with .ocx or .dll in their names are registered, in any case and in folders below "
      "too."},
-    {"REG-WHOLE", Note,
+    {"REG-WHOLE", Severity::Note,
      "RegnLocation names no folder, so every .ocx and .dll of the application is registered, for "
      "instance {0}.",
      "Nothing, if all of them are components; else name the folders that hold those.",
      "Without a RegnLocation the whole application folder is walked. regsvr32 does nothing useful "
      "with a library that is no component."},
-    {"SPC-FILE", Error,
+    {"SPC-FILE", Severity::Error,
      "The component {0} is not in SpecialRegn, so nothing is copied and its registration fails "
      "without a message.",
      "Put the file into the pack's SpecialRegn folder or delete the line.",
      "The file is copied into the system folder of Windows and registered there. Neither result is "
      "looked at."},
-    {"ADD-FILE", Error,
+    {"ADD-FILE", Severity::Error,
      "The add-on {0} is not in AddOns, so it cannot be run; the log has its exit code and "
      "Uninstall.dat its name all the same.",
      "Put the file into the pack's AddOns folder or delete the line.",
      "An add-on that cannot be started ends with -1, a missing package with the installer's own "
      "error code. Neither stops the installation."},
-    {"ADD-CASE", Error, "The ending of {0} is not in small letters, so the add-on is not run.",
+    {"ADD-CASE", Severity::Error,
+     "The ending of {0} is not in small letters, so the add-on is not run.",
      "Rename the file: .exe or .msi in small letters, in the line too.",
      "The kind of an add-on is told by .exe or .msi in its name, case included. Any other line is "
      "only recorded."},
-    {"ADD-KIND", Warning, "{0} contains neither .exe nor .msi, so nothing is run.",
+    {"ADD-KIND", Severity::Warning, "{0} contains neither .exe nor .msi, so nothing is run.",
      "Name a program or a package of the Windows Installer.",
      "The kind of an add-on is told by .exe or .msi in its name. Any other line is only recorded."},
-    {"ADD-BLANKS", Warning,
+    {"ADD-BLANKS", Severity::Warning,
      "The path of {0} has blanks and no quotes around it, so Windows first tries to run {1}.",
      "Give the file a name without blanks.",
      "Programs are started by their path without quotes. Windows tries each part up to a blank as "
      "the program. The same holds for the folders above the pack, which the author does not know."},
-    {"SET-FIELDS", Error,
+    {"SET-FIELDS", Severity::Error,
      "The line has {0} field(s) instead of three, so the step ends with an error and the lines "
      "from "
      "here on are not written.",
      "Write file, text and SERVER, USERNAME or PASSWORD, separated by commas.",
      "The step has no way to go on after an error."},
-    {"SET-TXT", Warning, "{0} does not contain \".txt\", so the line is passed over.",
+    {"SET-TXT", Severity::Warning, "{0} does not contain \".txt\", so the line is passed over.",
      "Let the file's name end in .txt, in small letters.",
      "Settings files are text files; a line without .txt in its first field does nothing."},
-    {"SET-BACKSLASH", Error,
+    {"SET-BACKSLASH", Severity::Error,
      "The path {0} is glued to the application folder's name, so the file lies outside of it.",
      "Begin the line with a backslash.",
      "The path is appended to the application folder as it stands."},
-    {"SET-FOLDER", Error,
+    {"SET-FOLDER", Severity::Error,
      "The folder of {0} does not exist, so the step ends with an error and the lines from here on "
      "are not written.",
      "Put a folder of that name under Application, or write the file somewhere else.",
      "The step creates files, not folders. The application's folders are there by then, and the "
      "database folder."},
-    {"SET-TWICE", Warning, "The file {0} is written anew, so what line {1} wrote is lost.",
-     "Use a file for each value.",
+    {"SET-TWICE", Severity::Warning,
+     "The file {0} is written anew, so what line {1} wrote is lost.", "Use a file for each value.",
      "Each line deletes its file and writes one line into a new one."},
-    {"SET-VALUE", Warning,
+    {"SET-VALUE", Severity::Warning,
      "{0} is not SERVER, USERNAME or PASSWORD, so only the text before it is written.",
      "Write one of the three; case does not matter.",
      "The third field says which value follows the text."},
-    {"PW-CLEAR", Note, "{0} can be read by everyone who has {1}.",
+    {"PW-CLEAR", Severity::Note, "{0} can be read by everyone who has {1}.",
      "Nothing, if that is acceptable; else give the product a login with few rights and change its "
      "password after the installation.",
      "AppCfg.txt, scripts and settings files are plain text. Data source lines also go into the "
      "log "
      "and into Uninstall.dat, the operator's own password into Uninstall.dat."},
-    {"ACC-LINE", Warning, "The line accepts nothing: {0}.",
+    {"ACC-LINE", Severity::Warning, "The line accepts nothing: {0}.",
      "Write CODE | FILE | TEXT | REASON, as the finding and its line have them, or delete the "
      "line.",
      "packcheck.ignore lists findings that the author has looked at and wants to keep. What no "
      "longer applies should go."},
 };
-
-}  // namespace
-
-std::span<const Rule> ContentRules() {
-  return kRules;
-}
 
 }  // namespace talu::packcheck
