@@ -103,9 +103,9 @@ void CheckBox::Changed(Property property) {
 Image::Image(Form& form, const std::string& name, Place place)
     : Control(form, ControlKind::Image, name, place) {}
 
-Shape::Shape(Form& form, const std::string& name, bool bar, Place place)
+Shape::Shape(Form& form, const std::string& name, Role role, Place place)
     : VisibleControl(form, ControlKind::Shape, name, place) {
-  view_.Bar = bar;
+  view_.Bar = role == Bar;
 }
 
 }  // namespace talu

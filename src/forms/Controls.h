@@ -20,7 +20,7 @@ struct Place {
 };
 
 /// What every control has: a view that the window system shows, and the form it stands on. A
-/// control knows nothing of windows; when a property changes it tells its form.
+/// control knows nothing of windows; when a property changes it notifies its form.
 class Control {
  public:
   using Handler = std::function<void()>;
@@ -56,7 +56,7 @@ class Control {
   std::size_t index_;
 };
 
-/// One property of a control: reads like a value; giving it another value tells the form.
+/// One property of a control: reads like a value; giving it another value notifies the form.
 template <class T>
 class ControlProperty {
  public:
@@ -188,7 +188,8 @@ class Image : public Control {
 /// A rectangle: the progress track, or the filled part of it.
 class Shape : public VisibleControl {
  public:
-  Shape(Form& form, const std::string& name, bool bar, Place place);
+  enum Role { Track, Bar };
+  Shape(Form& form, const std::string& name, Role role, Place place);
 };
 
 }  // namespace talu

@@ -21,8 +21,8 @@ class FrmApplication : public WizardPage {
 
   Label Lblmsg{*this, "Lblmsg", " This will install Application.....", TextStyle::Status,
                layout::kStatus};
-  Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
-  Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(0)};
+  Shape ShpProgBase{*this, "ShpProgBase", Shape::Track, layout::kTrack};
+  Shape ShpProgBar{*this, "ShpProgBar", Shape::Bar, layout::Bar(0)};
   Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
   Label LblFinalMsg{*this,
                     "LblFinalMsg",

@@ -24,8 +24,8 @@ class FrmAuthentication : public WizardPage, private AdoObjects {
   TextBox TxtServer{*this, "TxtServer", "Label5", layout::Box(2640, 2880)};
 
   Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
-  Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
-  Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(ProgressShare(3))};
+  Shape ShpProgBase{*this, "ShpProgBase", Shape::Track, layout::kTrack};
+  Shape ShpProgBar{*this, "ShpProgBar", Shape::Bar, layout::Bar(ProgressShare(3))};
   Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
   CommandButton CmdPrev{*this, "CmdPrev", "&Back", layout::kBack};
   CommandButton CmdNext{*this, "CmdNext", "&Next", layout::kNext};

@@ -32,8 +32,8 @@ class FrmLocation : public WizardPage {
   TextBox TxtServer{*this, "TxtServer", "LblServer", layout::Box(layout::kLeft, 3180)};
 
   Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
-  Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
-  Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(ProgressShare(6))};
+  Shape ShpProgBase{*this, "ShpProgBase", Shape::Track, layout::kTrack};
+  Shape ShpProgBar{*this, "ShpProgBar", Shape::Bar, layout::Bar(ProgressShare(6))};
   Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
   CommandButton CmdPrev{*this, "CmdPrev", "&Back", layout::kBack};
   CommandButton CmdNext{*this, "CmdNext", "&Next", layout::kNext};

@@ -26,8 +26,8 @@ class FrmMode : public WizardPage {
       TextStyle::Body, layout::Text(2760, 3)};
 
   Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
-  Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
-  Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(ProgressShare(2))};
+  Shape ShpProgBase{*this, "ShpProgBase", Shape::Track, layout::kTrack};
+  Shape ShpProgBar{*this, "ShpProgBar", Shape::Bar, layout::Bar(ProgressShare(2))};
   Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
   CommandButton CmdPrev{*this, "CmdPrev", "&Back", layout::kBack};
   CommandButton CmdNext{*this, "CmdNext", "&Next", layout::kNext};

@@ -12,8 +12,8 @@ class FrmSQLNonQuery : public WizardPage {
 
   Label LblMsg{*this, "LblMsg", "This will generate database from SQL Script.....",
                TextStyle::Status, layout::kStatus};
-  Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
-  Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(ProgressShare(6))};
+  Shape ShpProgBase{*this, "ShpProgBase", Shape::Track, layout::kTrack};
+  Shape ShpProgBar{*this, "ShpProgBar", Shape::Bar, layout::Bar(ProgressShare(6))};
   Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
   CommandButton CmdPrev{*this, "CmdPrev", "&Back", layout::kBack};
   CommandButton CmdNext{*this, "CmdNext", "&Next", layout::kNext};

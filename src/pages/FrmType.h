@@ -35,8 +35,8 @@ class FrmType : public WizardPage {
   CommandButton CmdLocation{*this, "CmdLocation", "...", layout::FolderButton(3720)};
 
   Label LblMsg{*this, "LblMsg", "", TextStyle::Status, layout::kStatus};
-  Shape ShpProgBase{*this, "ShpProgBase", false, layout::kTrack};
-  Shape ShpProgBar{*this, "ShpProgBar", true, layout::Bar(ProgressShare(1))};
+  Shape ShpProgBase{*this, "ShpProgBase", Shape::Track, layout::kTrack};
+  Shape ShpProgBar{*this, "ShpProgBar", Shape::Bar, layout::Bar(ProgressShare(1))};
   Label LblNotRes{*this, "LblNotRes", kNotResponding, TextStyle::Note, layout::kNote};
   CommandButton CmdNext{*this, "CmdNext", "&Next", layout::kNext};
 

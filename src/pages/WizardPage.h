@@ -69,7 +69,7 @@ constexpr Place Text(int top, int lines = 1) {
 constexpr Place Box(int left, int top) {
   return {left, top, kLeft + kWidth - left, kBoxHeight};
 }
-/// A folder box and the button behind it that opens the folder browser.
+/// A folder box and the button after it that opens the folder browser.
 constexpr Place FolderBox(int left, int top) {
   return {left, top, kLeft + kWidth - left - 600, kBoxHeight};
 }

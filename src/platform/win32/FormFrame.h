@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,7 +15,7 @@ namespace talu {
 
 class ShapeWindow;
 
-/// Is told when a handler of the form begins and ends.
+/// Is notified when a handler of the form begins and ends.
 class HandlerWatch {
  public:
   virtual ~HandlerWatch() = default;
@@ -93,9 +94,11 @@ class FormFrame {
   LRESULT OnCommand(WPARAM wParam);
   LRESULT OnActivate(bool active);
   void Close();
+  /// Runs an event's handler of the form under the watch.
+  void Handle(const std::function<void()>& event);
   void MakeControls();
-  /// Shapes and pictures are drawn first to last below everything else. Right behind its label,
-  /// where assistive software looks for its name, comes a text box; behind the title the bar.
+  /// Shapes and pictures are drawn first to last below everything else. Right after its label,
+  /// where assistive software looks for its name, comes a text box; after the title the bar.
   void OrderControls();
   void MakeToolTips();
   void FillToolTip(LPARAM info);

@@ -8,7 +8,7 @@
 namespace talu {
 namespace {
 
-/// The character behind the first single "&", in lower case; 0 when there is none.
+/// The character after the first single "&", in lower case; 0 when there is none.
 char MnemonicOf(const std::string& text) {
   for (std::size_t i = 0; i + 1 < text.size(); ++i) {
     if (text[i] != '&') continue;
@@ -198,34 +198,30 @@ void FormFrame::FillToolTip(LPARAM info) {
   wanted->lpszText = tip_.data();
 }
 
-void FormFrame::Click(std::size_t index) {
+void FormFrame::Handle(const std::function<void()>& event) {
   watch_.HandlerBegins();
-  form_.OperatorClicked(index);
+  event();
   watch_.HandlerEnds();
+}
+
+void FormFrame::Click(std::size_t index) {
+  Handle([&] { form_.OperatorClicked(index); });
 }
 
 void FormFrame::Type(std::size_t index, const std::string& text) {
-  watch_.HandlerBegins();
-  form_.OperatorTyped(index, text);
-  watch_.HandlerEnds();
+  Handle([&] { form_.OperatorTyped(index, text); });
 }
 
 void FormFrame::Focus(std::size_t index) {
-  watch_.HandlerBegins();
-  form_.OperatorFocused(index);
-  watch_.HandlerEnds();
+  Handle([&] { form_.OperatorFocused(index); });
 }
 
 void FormFrame::Hover(std::size_t index) {
-  watch_.HandlerBegins();
-  form_.OperatorHovered(index);
-  watch_.HandlerEnds();
+  Handle([&] { form_.OperatorHovered(index); });
 }
 
 void FormFrame::Close() {
-  watch_.HandlerBegins();
-  form_.OperatorClosed();
-  watch_.HandlerEnds();
+  Handle([&] { form_.OperatorClosed(); });
 }
 
 }  // namespace talu
