@@ -9,10 +9,11 @@ import unittest
 from pathlib import Path
 
 PACK = Path(sys.argv.pop(1))
-KEYS = ["AppTitle", "AppFolder", "DBFolder", "FreshDBSript", "DemoDBSript", "UpgradeDBSript",
-        "DBSript", "SystemDSN", "Shotcut", "RegnLocation", "SpecialRegn", "AddOns",
-        "WriteSettings", "FinalMsg"]
+ROOT = Path(__file__).parents[2]
 SETS = {"Fresh": "FreshDBSript", "Demo": "DemoDBSript", "Upgrade": "UpgradeDBSript"}
+# What the wizard reads.
+KEYS = {*SETS.values(), *(key for source in (ROOT / "src").rglob("*.cpp")
+                          for key in re.findall(r'GetCfg(?:Value|Count)\("(\w+)"', source.read_text()))}
 MISSING_ON_PURPOSE = {"CardReader.exe"}
 
 
@@ -56,6 +57,12 @@ def batches_of(script):
 
 
 class Pack(unittest.TestCase):
+    def test_every_key_is_explained_to_pack_authors_and_known_to_packcheck(self):
+        manual = re.findall("(?m)^### (.*)", (ROOT / "docs/pack-format.md").read_text())
+        self.assertFalse(KEYS - set(re.split(", | and ", ", ".join(manual))))
+        check = (ROOT / "tools/packcheck/CheckConfiguration.cpp").read_text()
+        self.assertFalse([key for key in KEYS if f'"{key}"' not in check])
+
     def test_configuration_has_every_key_and_confuses_no_reader(self):
         blocks = configuration()
         self.assertCountEqual(blocks, KEYS)
