@@ -20,7 +20,7 @@ class Deployment {
   /// Every step, in order. A failing step is logged and never stops the later ones.
   void RunDeployment();
 
-  /// Registers a system data source. Attributes are separated by NUL characters, none behind the
+  /// Registers a system data source. Attributes are separated by NUL characters, none after the
   /// last. Returns whether the installer library accepted it.
   bool CreateDSN(const std::string& driver, const std::string& attributes);
   /// The shortcuts step.

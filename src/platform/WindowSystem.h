@@ -74,7 +74,7 @@ struct ControlView {
   bool Bar = false;
   /// Name of the label that says what this control is: a click on that label is a click on the
   /// control, and assistive software reads its text as the control's name, for a command button
-  /// with the button's own text behind it. Empty where the control's own text says it all.
+  /// followed by the button's own text. Empty where the control's own text says it all.
   std::string LabelledBy;
 };
 

@@ -41,7 +41,7 @@ class ErrorTrap {
     });
   }
 
-  /// A counted loop: `body` with 1 to `last`. The index is a 16-bit one and is counted on behind
+  /// A counted loop: `body` with 1 to `last`. The index is a 16-bit one and is incremented after
   /// the last round too, so that 32767 rounds end with an error 6 for the handler.
   template <class Body>
   void CountTo(Int16 last, Body&& body) const {

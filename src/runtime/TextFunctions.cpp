@@ -54,7 +54,7 @@ bool Contains(std::string_view text, Sought find) {
   const char rarest = find.Text[find.Rarest];
   for (std::size_t at = text.find(rarest, find.Rarest); at != std::string_view::npos;
        at = text.find(rarest, at + 1)) {
-    // Most are told apart by the first characters, without a call.
+    // Most differ in the first characters, without a call.
     const std::string_view there = text.substr(at - find.Rarest);
     if (std::ranges::mismatch(find.Text, there).in1 == find.Text.end()) return true;
   }

@@ -18,7 +18,7 @@ using Position = std::ptrdiff_t;
 
 inline constexpr std::string_view kCrLf = "\r\n";
 
-/// Position of the first `find` at or behind `start`; `start` itself for an empty `find`; 0 when it
+/// Position of the first `find` at or after `start`; `start` itself for an empty `find`; 0 when it
 /// does not occur or `text` is empty. Raises 5.
 Position InStr(Position start, std::string_view text, std::string_view find);
 Position InStr(std::string_view text, std::string_view find);

@@ -205,7 +205,7 @@ std::string Select(Tree& tree, HWND dialog, const std::string& folder) {
       tree.Expand(node);
       child = FindChild(tree, node, stage);
     }
-    // The whole path is told, not its missing part: so a secret in it is seen to be one.
+    // The whole path is reported, not its missing part, so that a secret in it is recognised.
     if (child == 0) return Quoted(folder) + " is not in the tree: " + Contents(tree, node);
     node = child;
   }

@@ -25,8 +25,8 @@ class Player {
  public:
   Player(SetupProcess& setup, PlayOptions options) : setup_(setup), options_(std::move(options)) {}
 
-  /// True when every step came true. The first that does not is told on the error stream, with a
-  /// screenshot beside it; what follows it is not played.
+  /// True when every step succeeded. The first that does not is reported on the error stream, with
+  /// a screenshot beside it; what follows it is not played.
   bool Play(const Script& script, const Variables& variables);
 
  private:

@@ -17,7 +17,7 @@ namespace talu::drive {
 
 namespace {
 
-/// So many are told by name.
+/// So many are reported by name.
 constexpr std::size_t Told = 5;
 
 struct Closer {
@@ -77,7 +77,7 @@ std::vector<std::wstring> Written(const std::wstring& pack) {
   return paths;
 }
 
-/// The wizard's own rule, upper and lower case told apart.
+/// The wizard's own rule, case-sensitive.
 bool IsDatabaseFile(const std::wstring& path) {
   return path.ends_with(L".mdf") || path.ends_with(L".ldf");
 }

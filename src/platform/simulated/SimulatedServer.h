@@ -32,7 +32,7 @@ class SimulatedServer : public Ado {
   /// The only password that is accepted; empty: every login is.
   std::string Password;
   bool Reachable = true;
-  /// Keeps nothing and accepts every statement but those told to fail.
+  /// Keeps nothing and accepts every statement but those set to fail.
   bool AcceptAll = false;
 
  private:

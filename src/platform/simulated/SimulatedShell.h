@@ -77,7 +77,8 @@ class SimulatedSettings : public SettingsStore {
   Journal& journal_;
 };
 
-/// Stands still at `Time`; what is in `Coming` is told first, one a question, and then stays.
+/// Stands still at `Time`; the times in `Coming` are returned first, one for each question; the
+/// last one stays.
 class SimulatedClock : public Clock {
  public:
   DateTime Now() override;

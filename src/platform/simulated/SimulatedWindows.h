@@ -35,7 +35,7 @@ class SimulatedWindows : public WindowSystem {
   [[noreturn]] void EndProgram() override;
 
   // The operator. What cannot be done (no such control, disabled, not visible) is refused: false.
-  // Every action returns when all that follows from it is done; `Ended` tells whether the program
+  // Every action returns when all that follows from it is done; `Ended` returns whether the program
   // has ended on the way.
   bool Click(const std::string& control);
   bool Type(const std::string& control, const std::string& text);

@@ -16,7 +16,7 @@ class SqlScanner {
  public:
   explicit SqlScanner(std::string_view statement);
 
-  /// The word `ahead` places behind the current one, at most 3; empty past the end.
+  /// The word `ahead` places after the current one, at most 3; empty past the end.
   std::string_view Word(std::size_t ahead = 0) const { return words_.at(ahead); }
   bool AtEnd() const { return Word().empty(); }
   void Advance();

@@ -4,7 +4,7 @@
 
 namespace talu {
 
-/// A command button, option button or check box. A click only tells the form; the form sets the
+/// A command button, option button or check box. A click only notifies the form; the form sets the
 /// value, and the button shows it.
 class ButtonWindow : public ControlWindow {
  public:

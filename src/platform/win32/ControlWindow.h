@@ -33,7 +33,7 @@ class ControlWindow {
   virtual void BringUpToDate();
   /// The whole text for a tool tip, empty for none.
   virtual std::string TipText() const { return View().ToolTipText; }
-  /// What the class tells its parent (`BN_CLICKED`, `EN_CHANGE`...).
+  /// What the class reports to its parent (`BN_CLICKED`, `EN_CHANGE`...).
   virtual void OnNotification(int) {}
 
  protected:

@@ -22,13 +22,13 @@ struct TextLayout {
 };
 
 /// Breaks `text` so that no line is wider than `width` pixels in the font that is selected into
-/// `dc`: at each CR, LF or CR LF, else at a wide gap, else at blanks, else behind a backslash, else
-/// in the middle of a word. With `mnemonic` a single "&" underlines the character behind it and
+/// `dc`: at each CR, LF or CR LF, else at a wide gap, else at blanks, else after a backslash, else
+/// in the middle of a word. With `mnemonic` a single "&" underlines the character after it and
 /// "&&" is one "&".
 TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic);
 
 /// Leaves only the lines that `height` pixels hold, at least one; the last of them then ends in an
-/// ellipsis, within `width` pixels, and behind it the name of the file where the text ends in a
+/// ellipsis, within `width` pixels, and after it the name of the file where the text ends in a
 /// path. Returns whether any line had to go.
 bool CutToFit(HDC dc, TextLayout& layout, int width, int height);
 

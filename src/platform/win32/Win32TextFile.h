@@ -18,7 +18,7 @@ class Win32TextFile : public TextFile {
   std::uint64_t Size() const override { return size_; }
   std::size_t Read(char* buffer, std::size_t size) override;
   void Write(std::string_view bytes) override;
-  /// Goes on behind the last byte, whoever wrote it. Returns false when the file has been deleted
+  /// Continues after the last byte, whoever wrote it. Returns false when the file has been deleted
   /// or cannot be asked.
   bool GoToEnd();
 

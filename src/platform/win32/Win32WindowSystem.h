@@ -14,7 +14,7 @@ namespace talu {
 
 /// Forms as windows of user32.
 ///
-/// Long work tells it of a changed text or bar thousands of times a second. It only notes that, and
+/// Long work reports a changed text or bar thousands of times a second. It only notes that, and
 /// paints about thirty times a second in `DoEvents`; when a handler is over everything is shown.
 class Win32WindowSystem : public WindowSystem, public HandlerWatch {
  public:
@@ -31,7 +31,7 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   void DoEvents() override;
   [[noreturn]] void EndProgram() override;
 
-  /// The message loop; returns the program's exit code when it is told to quit.
+  /// The message loop; returns the program's exit code when it receives the quit message.
   int Run();
   void HandlerBegins() override;
   void HandlerEnds() override;

@@ -70,7 +70,7 @@ class DispatchObject : public IDispatch {
                       VARIANT* result, EXCEPINFO* error, UINT* badArgument) override;
 
  protected:
-  /// Members that share a name (a property's get and put) are told apart by their kinds.
+  /// Members that share a name (a property's get and put) are distinguished by their kinds.
   explicit DispatchObject(std::vector<Member> members) : members_(std::move(members)) {}
   virtual ~DispatchObject() = default;
 

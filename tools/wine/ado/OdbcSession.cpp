@@ -24,7 +24,7 @@ constexpr auto timeoutReached = static_cast<HRESULT>(0x80040E31);      // DB_E_A
 constexpr SQLINTEGER loginFailedForUser = 18456;  // the server's own number
 constexpr int connectionTimeout = 15;             // seconds: the data-access library's default
 
-/// One record of what went wrong, as the driver tells it.
+/// One record of what went wrong, as the driver reports it.
 struct Diagnostic {
   std::wstring State;
   SQLINTEGER ServerNumber = 0;
@@ -79,7 +79,8 @@ Diagnostic Cause(SQLSMALLINT type, SQLHANDLE handle, const wchar_t* unsaid = L"U
   for (const Diagnostic& record : records) {
     if (!record.IsWarning()) return record;
   }
-  // A driver that cannot be loaded is told as a warning only; a link cut in the middle not at all.
+  // A driver that cannot be loaded is reported as a warning only, a link cut in the middle not at
+  // all.
   return records.empty() ? Diagnostic{L"HY000", 0, unsaid} : records.front();
 }
 
@@ -177,9 +178,9 @@ void OdbcSession::Execute(const std::wstring& batch, int timeout) {
   SQLRETURN code =
       SQLExecDirectW(statement.Handle(), const_cast<SQLWCHAR*>(batch.c_str()), SQL_NTS);
 
-  // A first statement that touched no row says "no data"; others may stand behind it.
+  // A first statement that touched no row says "no data"; others may follow it.
   if (code == SQL_NO_DATA) code = SQL_SUCCESS;
-  // A statement behind the first fails when its turn to answer comes. The driver manager ends the
+  // A statement after the first fails when its turn to answer comes. The driver manager ends the
   // batch's answers with its first error.
   while (SQL_SUCCEEDED(code)) code = SQLMoreResults(statement.Handle());
   if (code == SQL_NO_DATA) return;

@@ -81,7 +81,8 @@ void Register(const std::string& name, const char* driver) {
 }  // namespace
 
 /// Adds, changes or removes a data source for `SQLConfigDataSource`, which has set the system mode
-/// apart already. Asks nothing: what is missing is an error, told as the installer library does.
+/// apart already. Asks nothing: what is missing is an error, reported as the installer library
+/// does.
 BOOL INSTAPI ConfigDSN(HWND, WORD request, LPCSTR driver, LPCSTR attributes) {
   try {
     const DataSource source = Read(driver, attributes);
