@@ -21,7 +21,7 @@ void FrmSQLNonQuery::Form_Load() {
 void FrmSQLNonQuery::Form_Activate() {
   WentBack = false;
   Build.BuildSucceeded = false;
-  Build.BuildDatabase();
+  BuildDatabase();
   if (!Build.BuildSucceeded) return;
   Hide();
   pages_.Page<FrmApplication>().Show();

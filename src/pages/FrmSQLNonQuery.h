@@ -26,6 +26,7 @@ class FrmSQLNonQuery : public WizardPage {
 
  private:
   void CmdPrev_Click();
+  void BuildDatabase() { Build.BuildDatabase(); }
 
   bool WentBack = false;
 };
