@@ -293,7 +293,7 @@ void Configuration::CheckFolderNames() {
 void Configuration::CheckBackupCount() {
   const std::size_t count = Values("DBSript").size();
   std::size_t longest = 0;
-  for (const auto& [type, folder, key] : kTypeScripts) {
+  for (const auto& [type, withArticle, folder, key] : kTypeScripts) {
     const std::size_t scripts = Values(key).size();
     longest = std::max(longest, scripts);
     if (scripts <= count) continue;

@@ -8,12 +8,12 @@ namespace talu::packcheck {
 namespace {
 
 /// Tells which databases an installation changes that the backup before it does not know.
-void CheckBackedUp(const char* installation, const ScriptSet& built, const ScriptSet& searched,
+void CheckBackedUp(std::string_view installation, const ScriptSet& built, const ScriptSet& searched,
                    Findings& findings) {
   for (const SqlText& used : built.Used()) {
     if (searched.Backup().Covers(BareName(used.Text))) continue;
     findings.Add("SQL-BACKUP-MISSED", used.Place,
-                 {installation, used.Text, "the scripts of " + searched.Key()});
+                 {std::string(installation), used.Text, "the scripts of " + searched.Key()});
   }
 }
 
@@ -25,9 +25,9 @@ void CheckScripts(CheckedPack& pack, const Configuration& configuration) {
                                    ScriptSet(pack, kTypeScripts[1], backedUp),
                                    ScriptSet(pack, kTypeScripts[2], backedUp)};
   for (ScriptSet& set : sets) set.Check(configuration);
-  constexpr std::array installations = {"A fresh", "A demo", "An upgrade"};
   for (std::size_t type = 0; type < sets.size(); ++type) {
-    CheckBackedUp(installations[type], sets[type], sets[ScannedType(type)], pack.Findings);
+    CheckBackedUp(kTypeScripts[type].WithArticle, sets[type], sets[ScannedType(type)],
+                  pack.Findings);
   }
 }
 

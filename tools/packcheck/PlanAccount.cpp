@@ -45,9 +45,8 @@ std::string Counted(int count, const std::string& what) {
 void PlanAccount::Begin() {
   const DateTime& now = options_.Now;
   const auto two = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
-  out_ << (options_.Type == InstallType::Upgrade ? "An " : "A ")
-       << kTypeScripts.at(static_cast<std::size_t>(options_.Type)).Type << " installation in "
-       << kModes.at(static_cast<std::size_t>(options_.Mode)) << " mode from "
+  out_ << kTypeScripts.at(static_cast<std::size_t>(options_.Type)).WithArticle
+       << " installation in " << kModes.at(static_cast<std::size_t>(options_.Mode)) << " mode from "
        << Utf8FromAnsi(options_.PackPath) << ", on " << now.Year << '-' << two(now.Month) << '-'
        << two(now.Day) << " at " << two(now.Hour) << ':' << two(now.Minute) << '\n';
 }
