@@ -43,8 +43,7 @@ class DatabaseBuild : private AdoObjects {
   bool TakeLine(const ErrorTrap& step, std::string_view CurrentLine, std::string_view trimmed);
   void FinishBatch(const ErrorTrap& step);
   void MoveDataFiles(const ErrorTrap& step);
-  void RecordName(const ErrorTrap& step, const char* statement, const char* keyword,
-                  std::string& list);
+  void RecordName(const ErrorTrap& step, std::string_view thing, std::string& list);
   void ExecuteBatch(const ErrorTrap& step);
   void Succeed(const ErrorTrap& step);
   void Fail(const ErrorTrap& step);

@@ -1,5 +1,6 @@
 #include "database/MdlDataBaseBackup.h"
 
+#include "database/BatchNames.h"
 #include "database/ScriptReader.h"
 #include "database/TypeScripts.h"
 #include "forms/Controls.h"
@@ -99,9 +100,7 @@ void MdlDataBaseBackup::BackupListed(const ErrorTrap& step) {
     std::string name;
     step.Assign(name, [&] { return Trim(Element(DatabaseNames, index)); });
     if (name.empty()) return;
-    if (Contains(name, "[")) name = Mid(name, 2);
-    if (name.ends_with(']')) name.pop_back();
-    name = Trim(name);
+    name = BackedUpName(name);
     DatabaseNames[static_cast<std::size_t>(int{index})] = name;
     Execute(step, "USE Master");
     Execute(step, BackupStatement(name));
@@ -122,46 +121,15 @@ void MdlDataBaseBackup::Execute(const ErrorTrap& step, const std::string& statem
 }
 
 void MdlDataBaseBackup::CollectDatabaseName() {
-  if (Contains(BackupBatchText, "DATABASE")) {  // most batches of data have none of the three
-    if (Contains(BackupBatchText, "CREATE DATABASE")) CollectDelimited("CREATE DATABASE");
-    if (Contains(BackupBatchText, "ALTER DATABASE")) CollectDelimited("ALTER DATABASE");
-    if (Contains(BackupBatchText, "DROP DATABASE")) {
-      PosStatement = InStr(BackupBatchText, "DROP DATABASE");
-      PosKeyword = InStr(PosStatement, BackupBatchText, "DATABASE");
-      PosNameStart = InStr(PosKeyword, BackupBatchText, " ");
-      CollectToTheEnd();
-    }
+  if (!MayNameDatabase(BackupBatchText)) return;
+  for (const std::string_view statement : kNamingStatements) {
+    if (const auto name = NamedDatabase(BackupBatchText, statement)) AddCandidate(*name);
   }
-  if (Contains(BackupBatchText, "USE ")) {
-    // Without the blank, so that an earlier word with these letters is found first.
-    PosStatement = InStr(BackupBatchText, "USE");
-    PosNameStart = InStr(PosStatement, BackupBatchText, " ");
-    CollectToTheEnd();
-  }
-}
-
-void MdlDataBaseBackup::CollectDelimited(std::string_view statement) {
-  PosStatement = InStr(BackupBatchText, statement);
-  PosKeyword = InStr(PosStatement, BackupBatchText, "DATABASE");
-  PosNameStart = InStr(PosKeyword, BackupBatchText, " ");
-  PosNameEnd = InStr(PosNameStart + 1, BackupBatchText, " ");
-  CandidateName = Trim(Mid(BackupBatchText, PosNameStart, PosNameEnd - PosNameStart));
-  if (Contains(CandidateName, "[")) {
-    PosNameStart = InStr(PosKeyword, BackupBatchText, "[");
-    PosNameEnd = InStr(PosNameStart, BackupBatchText, "]");
-    CandidateName = Trim(Mid(BackupBatchText, PosNameStart, PosNameEnd - PosNameStart + 1));
-  }
-  AddCandidate();
-}
-
-void MdlDataBaseBackup::CollectToTheEnd() {
-  CandidateName = Trim(Mid(BackupBatchText, PosNameStart));
-  AddCandidate();
 }
 
 // A substring test: a name that is part of one in the list counts as listed.
-void MdlDataBaseBackup::AddCandidate() {
-  if (CandidateName.size() > 128 || Contains(DatabaseList, CandidateName)) return;
+void MdlDataBaseBackup::AddCandidate(const std::string& CandidateName) {
+  if (CandidateName.size() > kLongestName || Contains(DatabaseList, CandidateName)) return;
   DatabaseList += "," + CandidateName;
   ++DatabaseCount;
 }

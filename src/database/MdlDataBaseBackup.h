@@ -37,9 +37,7 @@ class MdlDataBaseBackup : private AdoObjects {
   /// Adds the names in the batch text to the list. Raises 5 when a name has no end, 6 when a
   /// position passes 32767.
   void CollectDatabaseName();
-  void CollectDelimited(std::string_view statement);
-  void CollectToTheEnd();
-  void AddCandidate();
+  void AddCandidate(const std::string& CandidateName);
   void AdvanceProgress();
 
   InstallContext& install_;
@@ -57,11 +55,6 @@ class MdlDataBaseBackup : private AdoObjects {
   std::string DatabaseList;
   Int16 DatabaseCount;
   std::vector<std::string> DatabaseNames;
-  std::string CandidateName;
-  Int16 PosStatement;
-  Int16 PosKeyword;
-  Int16 PosNameStart;
-  Int16 PosNameEnd;
 };
 
 }  // namespace talu

@@ -1,5 +1,6 @@
 // One script: gathers its lines into batches, or takes them one by one, and sends them.
 
+#include "database/BatchNames.h"
 #include "database/DatabaseBuild.h"
 #include "database/ScriptReader.h"
 #include "runtime/ErrorTrap.h"
@@ -60,13 +61,13 @@ bool DatabaseBuild::TakeLine(const ErrorTrap& step, std::string_view CurrentLine
 }
 
 void DatabaseBuild::FinishBatch(const ErrorTrap& step) {
-  if (Contains(BatchText, "FILENAME") && Contains(BatchText, "CREATE DATABASE")) {
+  if (CreatesDatabase(BatchText)) {
     MoveDataFiles(step);
-    RecordName(step, "CREATE DATABASE", "DATABASE", install_.State.CreatedDatabaseList);
+    RecordName(step, "DATABASE", install_.State.CreatedDatabaseList);
     step([&] { ++DBCount; });
   }
-  if (Contains(BatchText, "CREATE LOGIN")) {
-    RecordName(step, "CREATE LOGIN", "LOGIN", install_.State.CreatedLoginList);
+  if (CreatesLogin(BatchText)) {
+    RecordName(step, "LOGIN", install_.State.CreatedLoginList);
     step([&] { ++LoginCount; });
   }
   install_.Machine.Windows.DoEvents();
@@ -88,17 +89,9 @@ void DatabaseBuild::MoveDataFiles(const ErrorTrap& step) {
               [&] { return Replace(BatchText, oldFolder, install_.State.DBFolderPath); });
 }
 
-// Cuts the name behind `keyword`: from the blank before it to the next blank.
-void DatabaseBuild::RecordName(const ErrorTrap& step, const char* statement, const char* keyword,
-                               std::string& list) {
-  Position start = 0;
-  Position end = 0;
-  Position at = 0;
-  step.Assign(at, [&] { return InStr(BatchText, statement); });
-  step.Assign(at, [&] { return InStr(at, BatchText, keyword); });
-  step.Assign(start, [&] { return InStr(at, BatchText, " "); });
-  step.Assign(end, [&] { return InStr(start + 1, BatchText, " "); });
-  step([&] { list += "," + Mid(BatchText, start, end - start); });
+void DatabaseBuild::RecordName(const ErrorTrap& step, std::string_view thing, std::string& list) {
+  const std::optional<std::string> name = CreatedName(step, BatchText, thing);
+  if (name) step([&] { list += "," + *name; });
 }
 
 void DatabaseBuild::ExecuteBatch(const ErrorTrap& step) {

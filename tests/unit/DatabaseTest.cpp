@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "Pack.h"
+#include "database/BatchNames.h"
 #include "pages/FrmSQLNonQuery.h"
 
 namespace talu {
@@ -617,67 +618,64 @@ TEST_F(DatabaseTest, TheBarGrowsToItsLimitAndFallsBack) {
   EXPECT_EQ(turns, (std::vector<int>{1000, 500, 1139, 5860, 5860, 5500, 6000, 5000, 5099, 5860}));
 }
 
-TEST_F(DatabaseTest, TheBackupCollectsNamesItsOwnWay) {
+TEST(BatchNamesTest, WhatTheBackupTakesForANameAndWhereItGivesUp) {
   struct Case {
-    const char* what;
     std::string batch;
-    std::vector<std::string> names;
-    std::string error;
+    std::string names;  // each behind a comma
+    int error = 0;
   };
-  const std::string overflow = "Overflow";
-  const std::string invalid = "Invalid procedure call or argument";
   const Case cases[] = {
-      {"plain", "CREATE DATABASE Sales ON PRIMARY", {"Sales"}, ""},
-      {"brackets", "ALTER DATABASE [My Sales] SET X ", {"My Sales"}, ""},
-      {"all kinds",
-       "CREATE DATABASE A1 ALTER DATABASE B2 X DROP DATABASE C3",
-       {"A1", "B2", "C3"},
-       ""},
-      {"use", "USE Sales", {"Sales"}, ""},
-      {"use behind a word with its letters", "CAUSE x USE Sales", {"x USE Sales"}, ""},
-      {"lower case", "create database x y", {}, ""},
-      {"no blank behind the name",
-       "CREATE DATABASE Sales\r\nDROP DATABASE Old",
-       {"Sales\r\nDROP", "Old"},
-       ""},
-      {"nothing behind the name", "USE Old\r\nCREATE DATABASE Sales", {}, invalid},
-      {"the longest name", "USE " + std::string(128, 'n'), {std::string(128, 'n')}, ""},
-      {"too long a name", "CREATE DATABASE " + std::string(129, 'n') + " ON", {}, ""},
-      {"a position past 16 bits", std::string(32760, '-') + " CREATE DATABASE A B", {}, overflow},
-      {"a long batch", std::string(32740, '-') + "USE A", {"A"}, ""},
+      {"CREATE DATABASE Sales ON PRIMARY", ",Sales"},
+      {"ALTER DATABASE [My Sales] SET X ", ",[My Sales]"},
+      {"ALTER DATABASE [Sales SET X ", "", 5},
+      {"USE D DROP DATABASE C ALTER DATABASE B CREATE DATABASE A X",
+       ",A,B,C ALTER DATABASE B CREATE DATABASE A X,"
+       "D DROP DATABASE C ALTER DATABASE B CREATE DATABASE A X"},
+      {"CAUSE x USE Sales", ",x USE Sales"},
+      {"create database x y", ""},
+      {"CREATE DATABASE Sales\r\nDROP DATABASE Old", ",Sales\r\nDROP,Old"},
+      {"USE Old\r\nCREATE DATABASE Sales", "", 5},
+      {std::string(32760, '-') + " CREATE DATABASE A B", "", 6},
+      {std::string(32740, '-') + "USE A", ",A"},
   };
   for (const Case& test : cases) {
-    SCOPED_TRACE(test.what);
-    SimulatedMachine other;
-    other.Disk.WriteFile("D:\\Pack\\AppCfg.txt",
-                         Block("FreshDBSript", {"a.sql"}) + Block("DBSript", {"one"}));
-    other.Disk.WriteFile("D:\\Pack\\SQLScript\\Fresh\\a.sql",
-                         CrLfLines({"--taluGO", test.batch, "GO"}));
-    other.Disk.MakeFolders("C:\\Progs");
-    other.Server.AcceptAll = true;
-    Wizard fresh(other.Parts);
-    fresh.State.AppFolderPath = "C:\\Progs\\App";
-    fresh.State.AppFolderName = "App";
-    fresh.State.DBFolderPath = "";
-    fresh.State.ServerName = "SRV1";
-    fresh.State.LogFileNumber = 1;
-    other.Disk.MakeFolders("C:\\Progs\\App");
-    other.Windows.Run([&] { fresh.Page<FrmSQLNonQuery>().Show(); });
-    std::vector<std::string> expected;
-    for (const std::string& name : test.names) {
-      expected.push_back("USE Master");
-      expected.push_back("IF  EXISTS (SELECT name FROM sys.databases WHERE name = N'" + name +
-                         "') BACKUP DATABASE " + name +
-                         " TO  DISK = N'C:\\Progs\\App BackUp\\Talu_" + name +
-                         "_7_3_2012_9_5.bkp ' WITH NOFORMAT, INIT,  NAME = N'" + name +
-                         "-Full Database Backup', SKIP, NOREWIND, NOUNLOAD,  STATS = 10");
+    SCOPED_TRACE(test.batch);
+    std::string names;
+    int error = 0;
+    try {
+      for (const std::string_view statement : kNamingStatements) {
+        if (const auto name = NamedDatabase(test.batch, statement)) names += "," + *name;
+      }
+    } catch (const RuntimeError& raised) {
+      error = raised.Number;
     }
-    EXPECT_EQ(other.Journal.Texts("sql", "text"), expected);
-    EXPECT_EQ(other.Journal.Texts("sql", "timeout"), std::vector<std::string>(expected.size()));
-    EXPECT_EQ(Contains(other.Disk.ReadFile("C:\\Progs\\App\\Ta-luErrLog.txt").value_or(""),
-                       "//\r\n//\r\n" + (test.error.empty() ? "?" : test.error)),
-              !test.error.empty());
+    EXPECT_EQ(names, test.names);
+    EXPECT_EQ(error, test.error);
   }
+}
+
+TEST_F(DatabaseTest, EachNameFoundIsBackedUp) {
+  const std::string longest(128, 'n');
+  List({"a.sql"}, true);
+  Script("a.sql", {"--taluGO", "ALTER DATABASE [My Sales] SET X", "GO", "USE " + longest, "GO",
+                   "USE x" + longest, "GO", "USE Old", "CREATE DATABASE Sales", "GO"});
+  machine.Server.AcceptAll = true;
+  Build();
+  std::vector<std::string> expected;
+  for (const std::string& name : {std::string("My Sales"), longest}) {
+    expected.push_back("USE Master");
+    expected.push_back("IF  EXISTS (SELECT name FROM sys.databases WHERE name = N'" + name +
+                       "') BACKUP DATABASE " + name + " TO  DISK = N'" + app + " BackUp\\Talu_" +
+                       name + "_7_3_2012_9_5.bkp ' WITH NOFORMAT, INIT,  NAME = N'" + name +
+                       "-Full Database Backup', SKIP, NOREWIND, NOUNLOAD,  STATS = 10");
+  }
+  expected.push_back("\r\nALTER DATABASE [My Sales] SET X");
+  auto statements = Statements();
+  auto timeouts = machine.Journal.Texts("sql", "timeout");
+  statements.resize(expected.size());
+  timeouts.resize(expected.size());
+  EXPECT_EQ(statements, expected) << "no name of the batch in which one has no end";
+  EXPECT_EQ(timeouts, (std::vector<std::string>{"", "", "", "", "300"}));
 }
 
 TEST_F(DatabaseTest, WhatTheBackupHasFoundLivesAsLongAsTheProgram) {

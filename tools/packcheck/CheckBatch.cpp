@@ -1,15 +1,14 @@
 #include "CheckBatch.h"
 
 #include <algorithm>
+#include <optional>
 
-#include "runtime/Int16.h"
-#include "runtime/RuntimeError.h"
+#include "database/BatchNames.h"
+#include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {
 namespace {
-
-constexpr std::size_t kLongestName = 128;
 
 const char* Keyword(bool login) {
   return login ? "LOGIN" : "DATABASE";
@@ -19,29 +18,22 @@ const char* Thing(bool login) {
   return login ? "login" : "database";
 }
 
-/// The name as the build cuts it out: from the blank behind the keyword to the next one. Raises 5.
-std::string RecordedName(const std::string& text, bool login) {
-  const Position statement = InStr(text, std::string("CREATE ") + Keyword(login));
-  const Position start = InStr(InStr(statement, text, Keyword(login)), text, " ");
-  const Position end = InStr(start + 1, text, " ");
-  return Mid(text, start, end - start);
-}
-
-/// Whether the batch has the keywords as the build looks for them.
-bool IsRecorded(const std::string& text, bool login) {
-  return login ? Contains(text, "CREATE LOGIN")
-               : Contains(text, "CREATE DATABASE") && Contains(text, "FILENAME");
+/// The name as the build cuts it out.
+std::optional<std::string> RecordedName(const std::string& text, bool login) {
+  const ErrorTrap pass([](const RuntimeError&) {});
+  return CreatedName(pass, text, Keyword(login));
 }
 
 void CheckName(const SqlBatch& batch, const SqlStatement& created, Findings& findings) {
   const char* thing = Thing(created.Login);
-  try {
-    const std::string name = Trim(RecordedName(batch.Text, created.Login));
-    if (name == created.Name && !Contains(name, ",")) return;
-    findings.Add("SQL-CREATE-NAME", created.Place, {Shown(name), thing, Shown(created.Name)});
-  } catch (const RuntimeError&) {
+  const std::optional<std::string> recorded = RecordedName(batch.Text, created.Login);
+  if (!recorded) {
     findings.Add("SQL-CREATE-LAST", created.Place, {thing});
+    return;
   }
+  const std::string name = Trim(*recorded);
+  if (name == created.Name && !Contains(name, ",")) return;
+  findings.Add("SQL-CREATE-NAME", created.Place, {Shown(name), thing, Shown(created.Name)});
 }
 
 /// Checks where the database files go, as the build moves them.
@@ -83,16 +75,13 @@ void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Finding
       first = &statement;
     }
   }
-  const bool recorded = IsRecorded(batch.Text, login);
+  const bool recorded = login ? CreatesLogin(batch.Text) : CreatesDatabase(batch.Text);
   if (first == nullptr) {
     if (!recorded || !(login ? facts.CommentCreatesLogin : facts.CommentCreatesDatabase)) return;
-    std::string name = "nothing";
-    try {
-      name = Shown(Trim(RecordedName(batch.Text, login)));
-    } catch (const RuntimeError&) {
-      // Then the cut raises an error instead, which fails the build too.
-    }
-    findings.Add("SQL-CREATE-COMMENT", batch.Start, {name, Keyword(login)});
+    // Where nothing can be cut out, the error of that fails the build too.
+    const std::optional<std::string> name = RecordedName(batch.Text, login);
+    findings.Add("SQL-CREATE-COMMENT", batch.Start,
+                 {name ? Shown(Trim(*name)) : "nothing", Keyword(login)});
     return;
   }
   if (!recorded) {
@@ -101,62 +90,6 @@ void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Finding
   }
   CheckName(batch, *first, findings);
   if (!login) CheckFiles(batch, *first, facts, findings);
-}
-
-/// What the backup takes out of a batch, and where it gives up.
-struct BackupCut {
-  std::vector<std::string> Candidates;
-  /// The statement in which a run-time error ended the search; empty without one.
-  std::string Failed;
-  bool TooLong = false;
-};
-
-/// A position as the backup keeps it. Raises 6.
-Int16 Find(Int16 start, const std::string& text, std::string_view what) {
-  return InStr(int{start}, text, what);
-}
-
-std::string CutDelimited(const std::string& text, std::string_view statement) {
-  const Int16 keyword = Find(Find(1, text, statement), text, "DATABASE");
-  Int16 start = Find(keyword, text, " ");
-  Int16 end = Find(start + 1, text, " ");
-  std::string name = Trim(Mid(text, int{start}, int{end - start}));
-  if (Contains(name, "[")) {
-    start = Find(keyword, text, "[");
-    end = Find(start, text, "]");
-    name = Trim(Mid(text, int{start}, int{end - start} + 1));
-  }
-  return name;
-}
-
-BackupCut CutBackupNames(const std::string& text) {
-  BackupCut cut;
-  try {
-    for (const char* statement : {"CREATE DATABASE", "ALTER DATABASE"}) {
-      cut.Failed = statement;
-      if (Contains(text, statement)) cut.Candidates.push_back(CutDelimited(text, statement));
-    }
-    cut.Failed = "DROP DATABASE";
-    if (Contains(text, cut.Failed)) {
-      const Int16 keyword = Find(Find(1, text, cut.Failed), text, "DATABASE");
-      cut.Candidates.push_back(Trim(Mid(text, int{Find(keyword, text, " ")})));
-    }
-    cut.Failed = "USE";
-    if (Contains(text, "USE ")) {
-      cut.Candidates.push_back(Trim(Mid(text, int{Find(Find(1, text, "USE"), text, " ")})));
-    }
-    cut.Failed.clear();
-  } catch (const RuntimeError& error) {
-    cut.TooLong = error.Number == error::Overflow;
-  }
-  return cut;
-}
-
-/// A listed name as BACKUP DATABASE gets it.
-std::string BackedUpName(std::string name) {
-  if (Contains(name, "[")) name = Mid(name, 2);
-  if (name.ends_with(']')) name.pop_back();
-  return Trim(name);
 }
 
 /// The statement of the batch that names this database; the first one for an empty name. A null
@@ -180,14 +113,18 @@ void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findin
 }
 
 void BackupNames::Collect(const SqlBatch& batch, const SqlFacts& facts) {
-  if (!Contains(batch.Text, "DATABASE") && !Contains(batch.Text, "USE ")) return;
-  const BackupCut cut = CutBackupNames(batch.Text);
-  for (const std::string& candidate : cut.Candidates) Add(candidate, batch, facts);
-  if (cut.Failed.empty()) return;
-  const SqlStatement* naming = Naming(facts, "");
-  const Place& place = naming != nullptr ? naming->Place : batch.Start;
-  findings_.Add(cut.TooLong ? KnownRule("SQL-BACKUP-LONG") : KnownRule("SQL-BACKUP-CUT"), place,
-                {cut.Failed});
+  if (!MayNameDatabase(batch.Text)) return;
+  for (const std::string_view statement : kNamingStatements) {
+    try {
+      if (const auto name = NamedDatabase(batch.Text, statement)) Add(*name, batch, facts);
+    } catch (const RuntimeError& error) {
+      const SqlStatement* naming = Naming(facts, "");
+      findings_.Add(error.Number == error::Overflow ? KnownRule("SQL-BACKUP-LONG")
+                                                    : KnownRule("SQL-BACKUP-CUT"),
+                    naming != nullptr ? naming->Place : batch.Start, {Trim(statement)});
+      return;
+    }
+  }
 }
 
 void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts) {
