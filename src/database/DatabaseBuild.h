@@ -5,13 +5,13 @@
 #include <string_view>
 
 #include "database/MdlDataBaseBackup.h"
+#include "database/ScriptReader.h"
 #include "runtime/Int16.h"
 #include "startup/AdoObjects.h"
 #include "startup/WorkView.h"
 
 namespace talu {
 
-class ErrorTrap;
 class InstallContext;
 class RuntimeError;
 struct TypeScripts;
@@ -40,7 +40,6 @@ class DatabaseBuild : private AdoObjects {
   void Trap(const RuntimeError& error);
   bool RunScripts(const ErrorTrap& step, const TypeScripts& scripts);
   bool RunScript(const ErrorTrap& step, std::string_view folder);
-  bool TakeLine(const ErrorTrap& step, std::string_view CurrentLine, std::string_view trimmed);
   void FinishBatch(const ErrorTrap& step);
   void MoveDataFiles(const ErrorTrap& step);
   void RecordName(const ErrorTrap& step, std::string_view thing, std::string& list);
@@ -60,16 +59,13 @@ class DatabaseBuild : private AdoObjects {
 
   Int16 DBCount;
   Int16 LoginCount;
-  bool BatchMode = false;
-  bool LineByLineMode = false;
+  ScriptReader script_;
   std::string BatchText;
   std::string ScriptName;
   bool KeyFound = false;
   bool InBlock = false;
   std::string LastError;
   int ConfigFile = 0;
-  int ScriptFile = 0;
-  int scriptLine_ = 0;
   BatchOrigin batchOrigin_;
   std::optional<BatchOrigin> executing_;
 };

@@ -1,7 +1,6 @@
 #include "database/MdlDataBaseBackup.h"
 
 #include "database/BatchNames.h"
-#include "database/ScriptReader.h"
 #include "database/TypeScripts.h"
 #include "forms/Controls.h"
 #include "runtime/ErrorTrap.h"
@@ -38,49 +37,29 @@ void MdlDataBaseBackup::BackupDatabases() {
   BackupListed(step);
 }
 
+// What stands before any directive is passed over.
 void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
-  TextFiles& files = install_.TextFiles;
-  OpenForReading(step, files, install_.Machine.AppPath + BackupScriptFolder + BackupScriptName,
-                 BackupScriptFile);
-  BackupGoMode = false;
-  while (MoreToRead(step, files, BackupScriptFile)) {
-    std::string_view BackupCurrentLine;  // empty when it cannot be read
-    step.Assign(BackupCurrentLine, [&] { return files.LineInput(BackupScriptFile); });
-    const std::string_view trimmed = TrimView(BackupCurrentLine);
-    if (!trimmed.empty()) TakeLine(step, BackupCurrentLine, trimmed);
-  }
-  files.Close(BackupScriptFile);
-  BackupScriptName.clear();
-  // The build that follows must not carry the room of the longest batch along.
-  BackupBatchText.shrink_to_fit();
-}
-
-void MdlDataBaseBackup::TakeLine(const ErrorTrap& step, std::string_view BackupCurrentLine,
-                                 std::string_view trimmed) {
   WindowSystem& windows = install_.Machine.Windows;
-  if (ContainsUpper(BackupCurrentLine, kBatchDirective)) {
-    BackupGoMode = true;
-  } else if (BackupGoMode) {
-    if (EqualsUpper(trimmed, "GO")) {
+  const auto take = [&](std::string_view BackupCurrentLine, ScriptLine what,
+                        std::string_view trimmed) {
+    if (what == ScriptLine::Gathered) step([&] { AppendLine(BackupBatchText, trimmed); });
+    if (what == ScriptLine::Statement) {
+      windows.DoEvents();
+      step.Assign(BackupBatchText, [&] { return BackupCurrentLine; });
+    }
+    if (what == ScriptLine::Batch || (what == ScriptLine::Statement && !BackupBatchText.empty())) {
       step([&] { CollectDatabaseName(); });
       step([&] { AdvanceProgress(); });
       windows.DoEvents();
       BackupBatchText.clear();
-    } else {
-      step([&] { AppendLine(BackupBatchText, trimmed); });
     }
-  } else if (ContainsUpper(BackupCurrentLine, kLineDirective)) {
-    BackupLineMode = true;
-  } else if (BackupLineMode) {
-    windows.DoEvents();
-    step.Assign(BackupBatchText, [&] { return BackupCurrentLine; });
-    if (!BackupBatchText.empty()) {
-      step([&] { CollectDatabaseName(); });
-      step([&] { AdvanceProgress(); });
-      windows.DoEvents();
-    }
-    BackupBatchText.clear();
-  }
+    return true;
+  };
+  script_.Read(step, install_.TextFiles,
+               install_.Machine.AppPath + BackupScriptFolder + BackupScriptName, take);
+  BackupScriptName.clear();
+  // The build that follows must not carry the room of the longest batch along.
+  BackupBatchText.shrink_to_fit();
 }
 
 void MdlDataBaseBackup::AdvanceProgress() {

@@ -4,12 +4,12 @@
 #include <string_view>
 #include <vector>
 
+#include "database/ScriptReader.h"
 #include "runtime/Int16.h"
 #include "startup/AdoObjects.h"
 
 namespace talu {
 
-class ErrorTrap;
 class InstallContext;
 class Shape;
 
@@ -27,8 +27,6 @@ class MdlDataBaseBackup : private AdoObjects {
 
  private:
   void ScanScript(const ErrorTrap& step);
-  void TakeLine(const ErrorTrap& step, std::string_view BackupCurrentLine,
-                std::string_view trimmed);
   void Connect(const ErrorTrap& step);
   void BackupListed(const ErrorTrap& step);
   void Execute(const ErrorTrap& step, const std::string& statement);
@@ -48,10 +46,8 @@ class MdlDataBaseBackup : private AdoObjects {
   std::string BackupScriptFolder;
   std::string BackupScriptKey;
   std::string BackupScriptName;
-  int BackupScriptFile = 0;
+  ScriptReader script_;
   std::string BackupBatchText;
-  bool BackupGoMode = false;
-  bool BackupLineMode = false;
   std::string DatabaseList;
   Int16 DatabaseCount;
   std::vector<std::string> DatabaseNames;

@@ -2,7 +2,6 @@
 
 #include "database/BatchNames.h"
 #include "database/DatabaseBuild.h"
-#include "database/ScriptReader.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
 #include "startup/InstallContext.h"
@@ -16,47 +15,25 @@ constexpr int kCommandTimeout = 300;  // seconds
 
 // Returns false when the script is malformed; it then stays open.
 bool DatabaseBuild::RunScript(const ErrorTrap& step, std::string_view folder) {
-  TextFiles& files = install_.TextFiles;
   step([&] { TheCommand().ActiveConnection(TheConnection()); });
   step([&] { TheCommand().CommandTimeout(kCommandTimeout); });
-  OpenForReading(step, files, install_.Machine.AppPath + std::string(folder) + ScriptName,
-                 ScriptFile);
-  BatchMode = false;
-  scriptLine_ = 0;
-  while (MoreToRead(step, files, ScriptFile)) {
-    ++scriptLine_;
-    std::string_view CurrentLine;  // empty when it cannot be read
-    step.Assign(CurrentLine, [&] { return files.LineInput(ScriptFile); });
-    const std::string_view trimmed = TrimView(CurrentLine);
-    if (trimmed.empty()) continue;
-    if (!TakeLine(step, CurrentLine, trimmed)) return false;
-  }
-  files.Close(ScriptFile);
+  const std::string path = install_.Machine.AppPath + std::string(folder) + ScriptName;
+  const auto take = [&](std::string_view CurrentLine, ScriptLine what, std::string_view trimmed) {
+    if (what == ScriptLine::Gathered) {
+      if (BatchText.empty()) batchOrigin_ = {ScriptName, script_.LineNumber};
+      step([&] { AppendLine(BatchText, trimmed); });
+    } else if (what == ScriptLine::Batch) {
+      FinishBatch(step);
+    } else if (what == ScriptLine::Statement) {
+      install_.Machine.Windows.DoEvents();
+      batchOrigin_ = {ScriptName, script_.LineNumber};
+      step.Assign(BatchText, [&] { return CurrentLine; });
+      ExecuteBatch(step);
+    }
+    return what != ScriptLine::Malformed;
+  };
+  if (!script_.Read(step, install_.TextFiles, path, take)) return false;
   ScriptName.clear();
-  return true;
-}
-
-// Returns false for a line that no mode takes.
-bool DatabaseBuild::TakeLine(const ErrorTrap& step, std::string_view CurrentLine,
-                             std::string_view trimmed) {
-  if (ContainsUpper(CurrentLine, kBatchDirective)) {
-    BatchMode = true;
-  } else if (BatchMode && EqualsUpper(trimmed, "GO")) {
-    FinishBatch(step);
-  } else if (BatchMode) {
-    if (BatchText.empty()) batchOrigin_ = {ScriptName, scriptLine_};
-    step([&] { AppendLine(BatchText, trimmed); });
-  } else if (ContainsUpper(CurrentLine, kLineDirective)) {
-    LineByLineMode = true;
-  } else if (LineByLineMode) {
-    install_.Machine.Windows.DoEvents();
-    batchOrigin_ = {ScriptName, scriptLine_};
-    step.Assign(BatchText, [&] { return CurrentLine; });
-    if (!BatchText.empty()) ExecuteBatch(step);
-    BatchText.clear();
-  } else {
-    return false;
-  }
   return true;
 }
 
@@ -71,8 +48,7 @@ void DatabaseBuild::FinishBatch(const ErrorTrap& step) {
     step([&] { ++LoginCount; });
   }
   install_.Machine.Windows.DoEvents();
-  if (!BatchText.empty()) ExecuteBatch(step);
-  BatchText.clear();
+  ExecuteBatch(step);
 }
 
 // Puts the database folder in the place of the folder that the first data file stands in.
@@ -95,12 +71,14 @@ void DatabaseBuild::RecordName(const ErrorTrap& step, std::string_view thing, st
 }
 
 void DatabaseBuild::ExecuteBatch(const ErrorTrap& step) {
+  if (BatchText.empty()) return;
   executing_ = batchOrigin_;
   step([&] { TheCommand().CommandText(BatchText); });
   step([&] { TheCommand().Execute(); });
   executing_.reset();
   install_.Machine.Windows.DoEvents();
   view_.Bar.Width = view_.Bar.Width < 6000 ? view_.Bar.Width + 1 : 5000;
+  BatchText.clear();
 }
 
 }  // namespace talu

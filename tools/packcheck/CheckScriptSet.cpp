@@ -7,7 +7,6 @@
 #include <cstring>
 #include <utility>
 
-#include "database/ScriptReader.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {
@@ -103,7 +102,7 @@ void ScriptSet::CheckFile(const CfgLine& listed) {
   }
   const std::string text = *pack_.Read(file_);
   sql_.Restart();
-  batchMode_ = false;
+  reader_.Begin();
   hasDirective_ = false;
   splitTold_ = false;
   toldRegion_ = 0;
@@ -133,7 +132,7 @@ void ScriptSet::TakeText(const std::string& text) {
       findings_.Add("SQL-LINE-ENDS", At(number, line.substr(0, feed)));
     }
     if (TrimView(line).empty()) {
-      if (batchMode_) CheckTextLine(line);
+      if (reader_.BatchMode()) CheckTextLine(line);
       continue;
     }
     if (!TakeLine(line, number)) return;
@@ -141,35 +140,36 @@ void ScriptSet::TakeText(const std::string& text) {
 }
 
 bool ScriptSet::TakeLine(std::string_view line, int number) {
-  if (ContainsUpper(line, kBatchDirective)) {
+  const ScriptLine what = reader_.Take(line, TrimView(line));
+  if (what == ScriptLine::BatchDirective) {
     TakeDirective(line, number, "--taluGO");
-    batchMode_ = true;
-  } else if (batchMode_ && EqualsUpper(TrimView(line), "GO")) {
+  } else if (what == ScriptLine::LineDirective) {
+    TakeDirective(line, number, "--taluLineByLine");
+    if (lineModeFrom_.empty()) lineModeFrom_ = file_;
+  } else if (what == ScriptLine::Gathered) {
+    TakeBatchLine(line, number);
+  } else if (what == ScriptLine::Batch) {
     CheckGo(number, line);
     FinishBatch();
-  } else if (batchMode_) {
-    TakeBatchLine(line, number);
-  } else if (ContainsUpper(line, kLineDirective)) {
-    TakeDirective(line, number, "--taluLineByLine");
-    if (!std::exchange(lineMode_, true)) lineModeFrom_ = file_;
-  } else if (lineMode_) {
+  } else if (what == ScriptLine::Statement) {
     TakeStatementLine(line, number);
   } else {
-    const std::string_view rest =
-        text_.substr(static_cast<std::size_t>(line.data() - text_.data()));
-    std::string_view later;
-    int laterNumber = 0;
-    NumberedLines lines(rest);
-    while (lines.Next(later, laterNumber)) {
-      if (!ContainsUpper(later, kBatchDirective) && !ContainsUpper(later, kLineDirective)) continue;
-      findings_.Add("SQL-LATE-DIRECTIVE", At(number, line),
-                    {std::to_string(number + laterNumber - 1)});
-      return false;
-    }
-    findings_.Add("SQL-NO-DIRECTIVE", At(number, line));
-    return false;
+    TellMalformed(line, number);
   }
-  return true;
+  return what != ScriptLine::Malformed;
+}
+
+void ScriptSet::TellMalformed(std::string_view line, int number) {
+  NumberedLines lines(text_.substr(static_cast<std::size_t>(line.data() - text_.data())));
+  std::string_view later;
+  int laterNumber = 0;
+  while (lines.Next(later, laterNumber)) {
+    if (!ContainsUpper(later, kBatchDirective) && !ContainsUpper(later, kLineDirective)) continue;
+    findings_.Add("SQL-LATE-DIRECTIVE", At(number, line),
+                  {std::to_string(number + laterNumber - 1)});
+    return;
+  }
+  findings_.Add("SQL-NO-DIRECTIVE", At(number, line));
 }
 
 // At the top of a script the directive may have a comment with it.

@@ -9,6 +9,7 @@
 #include "CheckConfiguration.h"
 #include "CheckPack.h"
 #include "CheckSql.h"
+#include "database/ScriptReader.h"
 #include "database/TypeScripts.h"
 
 namespace talu::packcheck {
@@ -16,8 +17,7 @@ namespace talu::packcheck {
 /// The scripts of one type of installation, read in their order as the build reads them.
 class ScriptSet {
  public:
-  /// `folder` is "Fresh", "Demo" or "Upgrade"; `backedUp` is how many of the scripts the backup
-  /// searches.
+  /// `backedUp` is how many of the scripts the backup searches.
   ScriptSet(CheckedPack& pack, const TypeScripts& scripts, std::size_t backedUp);
 
   /// Reads and checks the scripts that `configuration` lists.
@@ -36,6 +36,7 @@ class ScriptSet {
   void TakeText(const std::string& text);
   /// Returns false when the build stops at the line.
   bool TakeLine(std::string_view line, int number);
+  void TellMalformed(std::string_view line, int number);
   void TakeDirective(std::string_view line, int number, std::string_view directive);
   void TakeBatchLine(std::string_view line, int number);
   void TakeStatementLine(std::string_view line, int number);
@@ -55,8 +56,7 @@ class ScriptSet {
   std::size_t backedUp_;
 
   // The build's state: the line mode and the text go on from script to script.
-  bool batchMode_ = false;
-  bool lineMode_ = false;
+  ScriptReader reader_;
   std::string lineModeFrom_;
   SqlBatch batch_;
 
