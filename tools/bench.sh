@@ -250,12 +250,17 @@ Query() {
     sed 's/[[:space:]]*$//; /^$/d'
 }
 
+# ScriptsOf PACK TYPE: the scripts that the pack lists for Fresh, Demo or Upgrade.
+ScriptsOf() {
+  tr -d '\r' <"$1/AppCfg.txt" |
+    awk -v key="$2DBSript" '$0 == key {k = 1} k && $0 == "}" {exit} k == 2 {print} k && $0 == "{" {k = 2}'
+}
+
 # LoadScripts PACK TYPE DRIVE_C: what the pack's scripts for Fresh, Demo or Upgrade make, on the server,
 # without the wizard.
 LoadScripts() {
   local script list file
-  list=$(tr -d '\r' <"$1/AppCfg.txt" | awk -v key="$2DBSript" '$0 == key {k = 1} k && $0 == "}" {exit}
-    k == 2 {print} k && $0 == "{" {k = 2}')
+  list=$(ScriptsOf "$1" "$2")
   while read -r script; do
     [[ -n $script ]] || continue
     file=$1/SQLScript/$2/$script
@@ -282,24 +287,12 @@ Drive() {
     </dev/null >"$Machine/drive.log" 2>&1
 }
 
-# What stands in front of a page's first line: a type that the pack has no scripts for is not clicked.
-HasScripts() {
-  tr -d '\r' <"$Machine/media/Pack/AppCfg.txt" | awk -v key="$1" '$0 == key {k = 1; next}
-    k && $0 == "{" {k = 2; next} k && $0 == "}" {exit 1} k == 2 {found = 1; exit 0}
-    END {exit !found}'
-}
-
-# WriteScript FILE MODE TYPE: a drive script for a whole installation, with a picture of every page.
+# WriteScript FILE MODE TYPE: a drive script for a whole installation, with a picture of every page. A
+# type that the pack has no scripts for is not clicked.
 WriteScript() {
-  local option key
-  case $3 in
-    fresh) option=OptFresh key=FreshDBSript ;;
-    demo) option=OptDemo key=DemoDBSript ;;
-    upgrade) option=OptUpgrade key=UpgradeDBSript ;;
-  esac
   {
     echo 'wait FrmType'
-    ! HasScripts "$key" || echo "click $option"
+    [[ -z $(ScriptsOf "$Machine/media/Pack" "${3^}") ]] || echo "click Opt${3^}"
     echo 'shot 1-type.png'
     echo 'click CmdNext'
     echo 'wait FrmMode'
