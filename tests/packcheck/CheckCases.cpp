@@ -133,6 +133,8 @@ const CheckCase kCases[] = {
      kRecord + "DBLogins:0"},
     {"SQL-CREATE-LINE", Script("--taluLineByLine|CREATE LOGIN Desk FROM WINDOWS|"),
      kRecord + "DBLogins:0"},
+    {"SQL-LINE-ENDS SQL-CREATE-LINE",
+     Script("--taluLineByLine|-- A\nCREATE LOGIN Desk FROM WINDOWS|"), "\nCREATE LOGIN"},
     {"SQL-CREATE-TWO",
      Batches("CREATE LOGIN Desk FROM WINDOWS|CREATE LOGIN Bench FROM WINDOWS|GO|"),
      kRecord + "DBLogins:1, Desk\r\n"},

@@ -23,7 +23,9 @@ TEST(Statements, TablesAndRows) {
   LoggedIn client(server);
   Play(client,
        {
-           {"CREATE DATABASE Sales USE [Sales]", ""},
+           {"CREATE\x1f"
+            "DATABASE\x01Sales USE [Sales]",
+            ""},
            {"CREATE TABLE [dbo].[Customer](\r\n\t[Id] [int] IDENTITY(10,1) NOT NULL,\r\n"
             "[Name] [nvarchar](10) COLLATE Latin1_General_CI_AS NOT NULL, Amount decimal(10, 2) "
             "NULL "

@@ -12,7 +12,7 @@
 namespace talu::packcheck {
 namespace {
 
-using Region = SqlFollower::Region;
+using sql::TokenKind;
 
 constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
 
@@ -191,7 +191,7 @@ void ScriptSet::TakeBatchLine(std::string_view line, int number) {
 void ScriptSet::CheckBatchLine(std::string_view line, int number) {
   if (ContainsUpper(line, kLineDirective)) findings_.Add("SQL-LINE-IN-BATCH", At(number, line));
   CheckTextLine(line);
-  if (sql_.Inside() != Region::Code) return;
+  if (sql_.Inside() != TokenKind::End) return;
   if (IsMeantAsGo(line)) findings_.Add("SQL-GO-TAIL", At(number, line), {Shown(line)});
   const std::string_view stripped = Stripped(line);
   if (stripped.size() > 1 && stripped[0] == ':' &&
@@ -203,17 +203,17 @@ void ScriptSet::CheckBatchLine(std::string_view line, int number) {
 // Inside a text blanks and empty lines may matter.
 void ScriptSet::CheckTextLine(std::string_view line) {
   const bool changed = line.empty() || TrimView(line).size() != line.size();
-  if (sql_.Inside() != Region::Text || !changed) return;
-  if (toldText_ == sql_.RegionLine()) return;
-  toldText_ = sql_.RegionLine();
+  if (sql_.Inside() != TokenKind::String || !changed) return;
+  if (toldText_ == sql_.OpenedLine()) return;
+  toldText_ = sql_.OpenedLine();
   findings_.Add("SQL-TEXT-LINES", At(toldText_, line));
 }
 
 void ScriptSet::CheckGo(int number, std::string_view line) {
-  if (sql_.Inside() == Region::Code || toldRegion_ == sql_.RegionLine()) return;
-  toldRegion_ = sql_.RegionLine();
+  if (sql_.Inside() == TokenKind::End || toldRegion_ == sql_.OpenedLine()) return;
+  toldRegion_ = sql_.OpenedLine();
   findings_.Add(
-      sql_.Inside() == Region::Comment ? KnownRule("SQL-GO-COMMENT") : KnownRule("SQL-GO-TEXT"),
+      sql_.Inside() == TokenKind::Comment ? KnownRule("SQL-GO-COMMENT") : KnownRule("SQL-GO-TEXT"),
       At(number, line), {std::to_string(toldRegion_)});
 }
 
@@ -242,9 +242,9 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
     return;
   }
   const std::string_view stripped = Stripped(line);
-  const bool goesOn = sql_.Inside() == Region::Code && GoesOn(stripped);
+  const bool goesOn = sql_.Inside() == TokenKind::End && GoesOn(stripped);
   sql_.TakeLine(file_, number, line);
-  const bool open = sql_.Inside() != Region::Code || sql_.Depth() > 0;
+  const bool open = sql_.Inside() != TokenKind::End || sql_.Depth() > 0;
   if ((open || goesOn || stripped.ends_with(',')) && !std::exchange(splitTold_, true)) {
     findings_.Add("SQL-LINE-SPLIT", At(number, line));
   }

@@ -1,171 +1,64 @@
 #include "CheckSql.h"
 
 #include <algorithm>
-#include <array>
 
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {
-namespace {
 
-enum class CharClass : unsigned char { Blank, Word, Sign };
-
-constexpr std::array<CharClass, 256> MakeClasses() {
-  std::array<CharClass, 256> classes{};
-  for (std::size_t i = 0; i < classes.size(); ++i) {
-    const bool letter = (i >= 'a' && i <= 'z') || (i >= 'A' && i <= 'Z');
-    const bool word = letter || (i >= '0' && i <= '9') || i >= 0x80 || i == '_' || i == '@' ||
-                      i == '#' || i == '$';
-    classes[i] = word ? CharClass::Word : i <= ' ' ? CharClass::Blank : CharClass::Sign;
-  }
-  return classes;
-}
-
-constexpr std::array<CharClass, 256> kClasses = MakeClasses();
-
-CharClass ClassOf(char character) {
-  return kClasses[static_cast<unsigned char>(character)];
-}
-
-bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> upperWords) {
-  return std::ranges::any_of(upperWords,
-                             [&](std::string_view upper) { return EqualsUpper(word, upper); });
-}
-
-char Closing(SqlFollower::Region region) {
-  switch (region) {
-    case SqlFollower::Region::Text:
-      return '\'';
-    case SqlFollower::Region::BracketName:
-      return ']';
-    default:
-      return '"';
-  }
-}
-
-}  // namespace
+using sql::TokenKind;
 
 void SqlFollower::TakeLine(const std::string& file, int number, std::string_view line) {
   file_ = &file;
   number_ = number;
   line_ = line;
-  regionStart_ = 0;
-  std::size_t at = 0;
-  while (at < line.size()) {
-    if (region_ == Region::Code) {
-      at = TakeCode(at);
-    } else {
-      at = region_ == Region::Comment ? TakeComment(at) : TakeRegion(at);
-    }
+  sql::Lexer lexer(line, open_);
+  for (sql::Token token = lexer.NextOrComment(); token.Kind != TokenKind::End;
+       token = lexer.NextOrComment()) {
+    Take(token);
+    if (!token.IsClosed && token.Opening > 0) openedLine_ = number;
   }
+  open_ = lexer.Open();
 }
 
 void SqlFollower::Restart() {
-  region_ = Region::Code;
+  open_ = {};
   depth_ = 0;
   waiting_ = Waiting::Nothing;
   verb_.clear();
   aboutLogin_ = false;
 }
 
-// Goes on to where something else than code begins; returns the position behind its first mark.
-std::size_t SqlFollower::TakeCode(std::size_t at) {
-  const std::size_t size = line_.size();
-  while (at < size) {
-    const CharClass kind = ClassOf(line_[at]);
-    if (kind == CharClass::Blank) {
-      ++at;
-      continue;
-    }
-    if (kind == CharClass::Word) {
-      std::size_t end = at + 1;
-      while (end < size && ClassOf(line_[end]) == CharClass::Word) ++end;
-      TakeWord(at, end);
-      at = end;
-      continue;
-    }
-    const char next = at + 1 < size ? line_[at + 1] : '\0';
-    switch (line_[at]) {
-      case '\'':
-        return Enter(Region::Text, at);
-      case '"':
-        return Enter(Region::QuotedName, at);
-      case '[':
-        return Enter(Region::BracketName, at);
-      case '-':
-        if (next != '-') break;
-        NoteComment(line_.substr(at));
-        return size;
-      case '/':
-        if (next != '*') break;
-        commentDepth_ = 1;
-        return Enter(Region::Comment, at) + 1;
-      case '(':
-        ++depth_;
-        break;
-      case ')':
-        depth_ = std::max(depth_ - 1, 0);
-        break;
-      case '=':
-        ++at;
-        continue;  // between FILENAME or PASSWORD and its text
-      default:
-        break;
-    }
-    waiting_ = Waiting::Nothing;
-    verb_.clear();
-    if (line_[at] == ';') aboutLogin_ = false;
-    ++at;
+void SqlFollower::Take(const sql::Token& token) {
+  switch (token.Kind) {
+    case TokenKind::Comment:
+      NoteComment(token.Raw);
+      return;
+    case TokenKind::Word:
+    case TokenKind::Variable:
+      TakeWord(token);
+      return;
+    case TokenKind::Symbol:
+      if (token.Raw != "=") TakeSymbol(token.Raw.front());
+      return;  // "=" stands between FILENAME or PASSWORD and its text
+    case TokenKind::Name:
+    case TokenKind::String:
+      if (!token.IsClosed) return;
+      if (token.Kind == TokenKind::String) TakeText(token.Inside());
+      if (waiting_ == Waiting::Name) TakeName(token);
+      break;
+    default:
+      waiting_ = Waiting::Nothing;
   }
-  return at;
+  verb_.clear();
 }
 
-std::size_t SqlFollower::Enter(Region region, std::size_t at) {
-  region_ = region;
-  regionLine_ = number_;
-  regionStart_ = at;
-  return at + 1;
-}
-
-// Goes on behind the end of a text or a quoted name. A doubled mark is one inside.
-std::size_t SqlFollower::TakeRegion(std::size_t at) {
-  const char mark = Closing(region_);
-  for (std::size_t end = line_.find(mark, at); end != std::string_view::npos;
-       end = line_.find(mark, end + 2)) {
-    if (end + 1 < line_.size() && line_[end + 1] == mark) continue;
-    const std::string_view whole = line_.substr(regionStart_, end + 1 - regionStart_);
-    if (region_ == Region::Text) {
-      TakeText(whole.substr(std::min<std::size_t>(1, whole.size()), whole.size() - 2));
-    } else if (waiting_ == Waiting::Name) {
-      TakeName(whole);
-    }
-    verb_.clear();
-    region_ = Region::Code;
-    return end + 1;
-  }
-  return line_.size();
-}
-
-// Comments hold comments.
-std::size_t SqlFollower::TakeComment(std::size_t at) {
-  const std::size_t start = at;
-  while (at < line_.size() && commentDepth_ > 0) {
-    at = line_.find_first_of("*/", at);
-    if (at >= line_.size() - 1) {
-      at = line_.size();
-    } else if (line_[at] == '*' && line_[at + 1] == '/') {
-      --commentDepth_;
-      at += 2;
-    } else if (line_[at] == '/' && line_[at + 1] == '*') {
-      ++commentDepth_;
-      at += 2;
-    } else {
-      ++at;
-    }
-  }
-  NoteComment(line_.substr(start, at - start));
-  if (commentDepth_ == 0) region_ = Region::Code;
-  return at;
+void SqlFollower::TakeSymbol(char symbol) {
+  if (symbol == '(') ++depth_;
+  if (symbol == ')') depth_ = std::max(depth_ - 1, 0);
+  if (symbol == ';') aboutLogin_ = false;
+  waiting_ = Waiting::Nothing;
+  verb_.clear();
 }
 
 void SqlFollower::NoteComment(std::string_view comment) {
@@ -173,50 +66,48 @@ void SqlFollower::NoteComment(std::string_view comment) {
   if (Contains(comment, "CREATE LOGIN")) Facts.CommentCreatesLogin = true;
 }
 
-void SqlFollower::TakeWord(std::size_t at, std::size_t end) {
-  const std::string_view word = line_.substr(at, end - at);
+void SqlFollower::TakeWord(const sql::Token& word) {
   if (waiting_ == Waiting::Name) {
     // DROP DATABASE IF EXISTS name
-    if (!IsOneOf(word, {"IF", "EXISTS"})) TakeName(word);
+    if (!word.IsOneOf({"IF", "EXISTS"})) TakeName(word);
     return;
   }
-  if (waiting_ != Waiting::Nothing) {
-    if (EqualsUpper(word, "N")) return;  // N'...'
-    waiting_ = Waiting::Nothing;
-  }
+  waiting_ = Waiting::Nothing;
   // Most words are none of those looked for; few tests tell.
   constexpr std::string_view kFirst = "CADULFPcadulfp";
-  if (word.size() < 3 || word.size() > 8 || kFirst.find(word[0]) == std::string_view::npos) {
+  if (word.Raw.size() < 3 || word.Raw.size() > 8 ||
+      kFirst.find(word.Raw[0]) == std::string_view::npos) {
     verb_.clear();
     return;
   }
-  TakeKeyword(word, at);
+  TakeKeyword(word);
 }
 
-void SqlFollower::TakeKeyword(std::string_view word, std::size_t at) {
-  if (IsOneOf(word, {"CREATE", "ALTER", "DROP"})) {
-    verb_ = word;
-    verbAt_ = at;
+void SqlFollower::TakeKeyword(const sql::Token& word) {
+  if (word.IsOneOf({"CREATE", "ALTER", "DROP"})) {
+    verb_ = word.Raw;
+    verbAt_ = word.At;
     verbLine_ = number_;
     return;
   }
-  const bool database = EqualsUpper(word, "DATABASE");
-  const bool login = EqualsUpper(word, "LOGIN");
-  if (EqualsUpper(word, "USE")) {
-    statement_ = {SqlStatement::Kind::Use, false, std::string(word), "", Here()};
+  const bool database = word.Is("DATABASE");
+  const bool login = word.Is("LOGIN");
+  if (word.Is("USE")) {
+    statement_ = {SqlStatement::Kind::Use, false, std::string(word.Raw), "", Here()};
     waiting_ = Waiting::Name;
   } else if ((database || login) && !verb_.empty()) {
     statement_ = {SqlStatement::Kind::Create, login, "", "", Here()};
     if (EqualsUpper(verb_, "ALTER")) statement_.Verb = SqlStatement::Kind::Alter;
     if (EqualsUpper(verb_, "DROP")) statement_.Verb = SqlStatement::Kind::Drop;
-    statement_.Spelled = verbLine_ == number_
-                             ? std::string(line_.substr(verbAt_, at + word.size() - verbAt_))
-                             : verb_.append(kCrLf).append(word);
+    statement_.Spelled =
+        verbLine_ == number_
+            ? std::string(line_.substr(verbAt_, word.At + word.Raw.size() - verbAt_))
+            : verb_.append(kCrLf).append(word.Raw);
     aboutLogin_ = login;
     waiting_ = Waiting::Name;
-  } else if (EqualsUpper(word, "FILENAME")) {
+  } else if (word.Is("FILENAME")) {
     waiting_ = Waiting::FileName;
-  } else if (aboutLogin_ && EqualsUpper(word, "PASSWORD")) {
+  } else if (aboutLogin_ && word.Is("PASSWORD")) {
     waiting_ = Waiting::Password;
   }
   verb_.clear();
@@ -230,12 +121,12 @@ void SqlFollower::TakeText(std::string_view text) {
   waiting_ = Waiting::Nothing;
 }
 
-void SqlFollower::TakeName(std::string_view name) {
+void SqlFollower::TakeName(const sql::Token& name) {
   waiting_ = Waiting::Nothing;
   // These go on as other statements: USE HINT, ALTER DATABASE SCOPED ..., GRANT CREATE DATABASE TO.
-  if (IsOneOf(name, {"HINT", "PLAN", "SCOPED", "AUDIT", "ENCRYPTION", "TO", "CURRENT"})) return;
+  if (name.IsOneOf({"HINT", "PLAN", "SCOPED", "AUDIT", "ENCRYPTION", "TO", "CURRENT"})) return;
   if (statement_.Login && statement_.Verb != SqlStatement::Kind::Create) return;
-  statement_.Name = name;
+  statement_.Name = name.Raw;
   Facts.Statements.push_back(statement_);
 }
 

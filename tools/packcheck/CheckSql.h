@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Finding.h"
+#include "sql/Lexer.h"
 
 namespace talu::packcheck {
 
@@ -40,20 +41,18 @@ struct SqlFacts {
   void Clear() { *this = {}; }
 };
 
-/// Follows T-SQL from line to line, just far enough to tell code from texts, quoted names and
-/// comments, and to pick out what `SqlFacts` holds.
+/// Follows T-SQL from line to line and picks out what `SqlFacts` holds.
 class SqlFollower {
  public:
-  enum class Region { Code, Comment, Text, QuotedName, BracketName };
-
   /// Takes the next line of `file`.
   void TakeLine(const std::string& file, int number, std::string_view line);
   /// As at the beginning of a file. The facts stay.
   void Restart();
 
-  /// What the next line begins in, and the number of the line in which that began.
-  Region Inside() const { return region_; }
-  int RegionLine() const { return regionLine_; }
+  /// What the next line begins in (String, Name, Comment; End for code), and the number of the line
+  /// in which that began.
+  sql::TokenKind Inside() const { return open_.Kind; }
+  int OpenedLine() const { return openedLine_; }
   /// Parentheses that are open.
   int Depth() const { return depth_; }
 
@@ -62,24 +61,20 @@ class SqlFollower {
  private:
   enum class Waiting { Nothing, Name, FileName, Password };
 
-  std::size_t TakeCode(std::size_t at);
-  std::size_t TakeRegion(std::size_t at);
-  std::size_t TakeComment(std::size_t at);
-  void TakeWord(std::size_t at, std::size_t end);
-  void TakeKeyword(std::string_view word, std::size_t at);
+  void Take(const sql::Token& token);
+  void TakeSymbol(char symbol);
+  void TakeWord(const sql::Token& word);
+  void TakeKeyword(const sql::Token& word);
   void TakeText(std::string_view text);
-  void TakeName(std::string_view name);
+  void TakeName(const sql::Token& name);
   void NoteComment(std::string_view comment);
-  std::size_t Enter(Region region, std::size_t at);
   Place Here() const { return {*file_, number_, std::string(line_)}; }
 
   const std::string* file_ = nullptr;
   int number_ = 0;
   std::string_view line_;
-  Region region_ = Region::Code;
-  int regionLine_ = 0;
-  std::size_t regionStart_ = 0;  // in the line; 0 when the region began in an earlier one
-  int commentDepth_ = 0;
+  sql::Unclosed open_;
+  int openedLine_ = 0;
   int depth_ = 0;
   Waiting waiting_ = Waiting::Nothing;
   // CREATE, ALTER or DROP was the last word: as it is written, and where.

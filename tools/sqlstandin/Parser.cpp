@@ -11,19 +11,14 @@ namespace {
 constexpr int deepestNesting = 32;
 constexpr std::size_t longestName = 128;
 
-bool IsOneOf(const Token& token, std::initializer_list<std::string_view> words) {
-  return std::any_of(words.begin(), words.end(),
-                     [&token](std::string_view word) { return token.Is(word); });
-}
-
 /// Words that can only begin a statement or end one, outside parentheses.
 bool IsBoundary(const Token& token) {
-  return IsOneOf(token, {"SELECT",   "INSERT", "UPDATE",     "DELETE", "CREATE",     "ALTER",
-                         "DROP",     "USE",    "IF",         "ELSE",   "BEGIN",      "END",
-                         "PRINT",    "EXEC",   "EXECUTE",    "SET",    "DECLARE",    "BACKUP",
-                         "RESTORE",  "GRANT",  "DENY",       "REVOKE", "TRUNCATE",   "COMMIT",
-                         "ROLLBACK", "SAVE",   "WAITFOR",    "RETURN", "RAISERROR",  "WHILE",
-                         "MERGE",    "DBCC",   "CHECKPOINT", "KILL",   "RECONFIGURE"});
+  return token.IsOneOf({"SELECT",   "INSERT", "UPDATE",     "DELETE", "CREATE",     "ALTER",
+                        "DROP",     "USE",    "IF",         "ELSE",   "BEGIN",      "END",
+                        "PRINT",    "EXEC",   "EXECUTE",    "SET",    "DECLARE",    "BACKUP",
+                        "RESTORE",  "GRANT",  "DENY",       "REVOKE", "TRUNCATE",   "COMMIT",
+                        "ROLLBACK", "SAVE",   "WAITFOR",    "RETURN", "RAISERROR",  "WHILE",
+                        "MERGE",    "DBCC",   "CHECKPOINT", "KILL",   "RECONFIGURE"});
 }
 
 }  // namespace
@@ -225,7 +220,7 @@ DataStatement Parser::TakeData(DataStatement::Verb verb, const Token& head) {
 /// statement goes on with this one where the grammar asks for it here.
 void Parser::SkipToBoundary(const Token& head) {
   const bool isAlter = head.Is("ALTER");
-  const bool isGrant = IsOneOf(head, {"GRANT", "DENY", "REVOKE"});
+  const bool isGrant = head.IsOneOf({"GRANT", "DENY", "REVOKE"});
   int parentheses = 0;
   int cases = 0;
   bool hasSource = !head.Is("INSERT");  // of an INSERT: where its rows come from
@@ -254,12 +249,11 @@ void Parser::SkipToBoundary(const Token& head) {
       } else if (IsBoundary(word) && !inGrantedList) {
         const bool goesOn =
             (word.Is("SELECT") &&
-             (!hasSource || IsOneOf(last_, {"UNION", "ALL", "EXCEPT", "INTERSECT", "AS"}))) ||
-            (IsOneOf(word, {"UPDATE", "DELETE"}) && IsOneOf(last_, {"ON", "FOR"})) ||
-            (word.Is("SET") && (!hasSet || IsOneOf(last_, {"UPDATE", "DELETE"}))) ||
-            (!hasAction && IsOneOf(word, {"DROP", "ALTER"})) ||
-            (word.Is("IF") && head.Is("DROP")) ||
-            (!hasMain && IsOneOf(word, {"SELECT", "INSERT", "UPDATE", "DELETE"}));
+             (!hasSource || last_.IsOneOf({"UNION", "ALL", "EXCEPT", "INTERSECT", "AS"}))) ||
+            (word.IsOneOf({"UPDATE", "DELETE"}) && last_.IsOneOf({"ON", "FOR"})) ||
+            (word.Is("SET") && (!hasSet || last_.IsOneOf({"UPDATE", "DELETE"}))) ||
+            (!hasAction && word.IsOneOf({"DROP", "ALTER"})) || (word.Is("IF") && head.Is("DROP")) ||
+            (!hasMain && word.IsOneOf({"SELECT", "INSERT", "UPDATE", "DELETE"}));
         if (!goesOn) return;
         if (!hasMain) hasSet = !word.Is("UPDATE");
         if (!hasMain && word.Is("INSERT")) {

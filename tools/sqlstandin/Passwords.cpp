@@ -188,7 +188,7 @@ std::string Walk::Mask(std::string_view text, int depth) {
         hide(token.At, end, depth > 0 && isBare ? stars : quotedStars);
         awaits_ = Awaits::Plus;
         // {Encrypt N'...'}
-        atArgument_ = token.Is("Encrypt");
+        atArgument_ = token.Is("ENCRYPT");
         afterSemicolon_ = false;
         const bool isGlued =
             end < text.size() && (IsWordPart(text[end]) || text[end] == '\'' || text[end] == '"');

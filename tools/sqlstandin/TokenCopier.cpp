@@ -54,16 +54,10 @@ const SystemView* FindSystemView(std::string_view name) {
   return found == systemViews.end() ? nullptr : found;
 }
 
-bool IsOneOf(const Token& token, std::initializer_list<std::string_view> words) {
-  return token.Kind == TokenKind::Word &&
-         std::any_of(words.begin(), words.end(),
-                     [&token](std::string_view word) { return token.Is(word); });
-}
-
 /// Keywords of SQLite that are ordinary names in T-SQL.
 bool IsNameHere(const Token& token) {
-  return IsOneOf(token, {"LIMIT", "AUTOINCREMENT", "DEFERRABLE", "NOTNULL", "NOTHING", "RETURNING",
-                         "USING", "INDEXED"});
+  return token.IsOneOf({"LIMIT", "AUTOINCREMENT", "DEFERRABLE", "NOTNULL", "NOTHING", "RETURNING",
+                        "USING", "INDEXED"});
 }
 
 }  // namespace
@@ -88,6 +82,7 @@ std::string TokenCopier::CopyAll() {
   while (true) {
     const Token token = lexer_.Next();
     switch (token.Kind) {
+      case TokenKind::Comment:  // the lexer passes over them
       case TokenKind::End:
         if (!frames_.back().Closing.empty()) Put(frames_.back().Closing);
         return std::move(sql_);
@@ -165,7 +160,7 @@ void TokenCopier::CopyWord(const Token& token) {
     CopyNames(token);
   } else if (next.IsSymbol("(")) {
     CopyFunction(token);
-  } else if (token.Is("TOP") && IsOneOf(last_, {"SELECT", "DISTINCT", "ALL"}) &&
+  } else if (token.Is("TOP") && last_.IsOneOf({"SELECT", "DISTINCT", "ALL"}) &&
              next.Kind == TokenKind::Number) {
     CopyTop();
   } else if (token.Is("CURRENT_TIMESTAMP")) {
@@ -178,7 +173,7 @@ void TokenCopier::CopyWord(const Token& token) {
   } else if (token.Raw.size() > 7 && FindSystemView(token.Raw) != nullptr) {
     PutSystemView(token.Raw, "");
   } else {
-    if (IsOneOf(token, {"FROM", "WHERE", "AND", "OR", "WHEN", "THEN", "ELSE", "AS", "ORDER"})) {
+    if (token.IsOneOf({"FROM", "WHERE", "AND", "OR", "WHEN", "THEN", "ELSE", "AS", "ORDER"})) {
       frames_.back().JoinsTexts = false;
     }
     PutWord(token);
@@ -193,15 +188,15 @@ void TokenCopier::PutWord(const Token& token) {
 }
 
 void TokenCopier::CopyFunction(const Token& token) {
-  const bool isLocal = IsOneOf(token, {"GETDATE", "SYSDATETIME"});
-  if (isLocal || IsOneOf(token, {"GETUTCDATE", "SYSUTCDATETIME"})) {
+  const bool isLocal = token.IsOneOf({"GETDATE", "SYSDATETIME"});
+  if (isLocal || token.IsOneOf({"GETUTCDATE", "SYSUTCDATETIME"})) {
     lexer_.Next();
     const Token close = lexer_.Next();
     if (!close.IsSymbol(")")) Rewriter::FailAt(close, token);
     Put(isLocal ? localTime : utcTime);
   } else if (token.Is("CONVERT")) {
     CopyConvert();
-  } else if (token.Is("TOP") && IsOneOf(last_, {"SELECT", "DISTINCT", "ALL"})) {
+  } else if (token.Is("TOP") && last_.IsOneOf({"SELECT", "DISTINCT", "ALL"})) {
     CopyTop();
   } else if (token.Is("WITH") && last_.Kind != TokenKind::End) {
     TakeGroup(lexer_);  // a lock hint

@@ -2,19 +2,18 @@
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
+#include <utility>
 
 #include "platform/simulated/SimulatedServer.h"
-#include "platform/simulated/SqlScanner.h"
 #include "runtime/TextFunctions.h"
+#include "sql/Lexer.h"
 
 namespace talu {
 namespace {
 
-/// Whether `word` is one of the words of `list`, which are in upper case.
-bool Is(std::string_view word, std::initializer_list<std::string_view> list) {
-  return std::ranges::any_of(list, [word](auto upper) { return EqualsUpper(word, upper); });
-}
+using sql::Token;
+
+constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
 
 /// Whether the statement can name a database or a login at all; most rows of data do not, and a
 /// large pack has millions.
@@ -23,18 +22,14 @@ bool MayNameAny(std::string_view statement) {
   for (std::size_t at = 0; at < statement.size(); ++at) {
     const char lower = static_cast<char>(statement[at] | 0x20);
     if (lower != 'd' && lower != 'l' && lower != 'u') continue;
-    if (at > 0 && IsSqlWordCharacter(statement[at - 1])) continue;
+    if (at > 0 && sql::IsWordPart(statement[at - 1])) continue;
     for (const std::string_view word : kWords) {
       const std::size_t end = at + word.size();
-      if (end < statement.size() && IsSqlWordCharacter(statement[end])) continue;
+      if (end < statement.size() && sql::IsWordPart(statement[end])) continue;
       if (EqualsUpper(statement.substr(at, word.size()), word)) return true;
     }
   }
   return false;
-}
-
-std::string NameOf(std::string_view word) {
-  return std::string(word.starts_with('[') || word.starts_with('"') ? word.substr(1) : word);
 }
 
 /// Server messages 1801, 15025, 3701, 15151, 5011 and 911.
@@ -64,7 +59,8 @@ RuntimeError CannotUse(const std::string& name) {
 
 bool SimulatedServer::Has(const std::string& name, bool login) const {
   if (login) return Logins.contains(name) || name == "SA";
-  return Databases.contains(name) || Is(name, {"MASTER", "MODEL", "MSDB", "TEMPDB"});
+  return Databases.contains(name) ||
+         std::ranges::find(kSystemDatabases, name) != kSystemDatabases.end();
 }
 
 // Carries out what changes the names; the first refusal ends the statement. Where the statement
@@ -72,50 +68,55 @@ bool SimulatedServer::Has(const std::string& name, bool login) const {
 void SimulatedServer::Carry(std::string_view statement) {
   if (!MayNameAny(statement)) return;
   bool asked = false;
-  std::string_view before;
-  for (SqlScanner words(statement); !words.AtEnd(); words.Advance()) {
-    const std::string_view verb = words.Word();
-    const std::string_view kind = words.Word(1);
-    if (Is(verb, {"IF"})) asked = true;
+  sql::Lexer lexer(statement);
+  Token before;
+  Token verb = lexer.Next();
+  Token kind = lexer.Next();
+  Token name = lexer.Next();
+  const auto advance = [&] {
+    before = std::exchange(verb, std::exchange(kind, std::exchange(name, lexer.Next())));
+  };
+  for (; verb.Kind != sql::TokenKind::End; advance()) {
+    if (verb.Is("IF")) asked = true;
     // A body is not run now.
-    if (Is(kind, {"PROC", "PROCEDURE", "FUNCTION", "TRIGGER"}) && Is(verb, {"CREATE", "ALTER"})) {
+    if (kind.IsOneOf({"PROC", "PROCEDURE", "FUNCTION", "TRIGGER"}) &&
+        verb.IsOneOf({"CREATE", "ALTER"})) {
       return;
     }
-    const bool part = Is(before, {"GRANT", "DENY", "REVOKE", ","});
-    before = verb;
-    if (part) continue;
-    if (Is(kind, {"DATABASE", "LOGIN"})) {
-      const bool login = Is(kind, {"LOGIN"});
-      const bool ifExists = Is(words.Word(2), {"IF"});  // IF EXISTS name
+    if (before.IsOneOf({"GRANT", "DENY", "REVOKE"}) || before.IsSymbol(",")) continue;
+    if (kind.IsOneOf({"DATABASE", "LOGIN"})) {
+      const Token statementVerb = verb;
+      const bool login = kind.Is("LOGIN");
+      const bool ifExists = name.Is("IF");  // IF EXISTS name
       if (ifExists) {
-        words.Advance();
-        words.Advance();
+        advance();
+        advance();
       }
-      CarryOne(verb, NameOf(words.Word(2)), login, asked || ifExists);
-    } else if (Is(verb, {"USE"})) {
-      CarryOne(verb, NameOf(kind), false, asked);
+      CarryOne(statementVerb, name, login, asked || ifExists);
+    } else if (verb.Is("USE")) {
+      CarryOne(verb, kind, false, asked);
     }
   }
 }
 
-void SimulatedServer::CarryOne(std::string_view verb, const std::string& name, bool login,
-                               bool asked) {
-  const std::string upper = UCase(name);
+void SimulatedServer::CarryOne(const Token& verb, const Token& named, bool login, bool asked) {
   // Not a name: the current database, and statements about its parts.
-  if (!login && Is(upper, {"CURRENT", "SCOPED", "AUDIT", "ENCRYPTION", "HINT"})) return;
+  if (!login && named.IsOneOf({"CURRENT", "SCOPED", "AUDIT", "ENCRYPTION", "HINT"})) return;
+  const std::string name = named.Value();
+  const std::string upper = UCase(name);
   const bool there = Has(upper, login);
   auto& names = login ? Logins : Databases;
-  if (Is(verb, {"CREATE"})) {
+  if (verb.Is("CREATE")) {
     if (there && !asked) throw Exists(name, login);
     names.insert(upper);
-  } else if (Is(verb, {"RESTORE"}) && !login) {
+  } else if (verb.Is("RESTORE") && !login) {
     names.insert(upper);
-  } else if (Is(verb, {"DROP"})) {
+  } else if (verb.Is("DROP")) {
     if (!there && !asked) throw CannotDrop(name, login);
     names.erase(upper);
-  } else if (Is(verb, {"ALTER"})) {
+  } else if (verb.Is("ALTER")) {
     if (!there && !asked) throw CannotAlter(name, login);
-  } else if (Is(verb, {"USE"})) {
+  } else if (verb.Is("USE")) {
     if (!there && !asked) throw CannotUse(name);
   }
 }

@@ -9,6 +9,7 @@
 
 #include "platform/Ado.h"
 #include "platform/simulated/Journal.h"
+#include "sql/Lexer.h"
 
 namespace talu {
 
@@ -42,7 +43,7 @@ class SimulatedServer : public Ado {
   void Connect(const std::string& text);
   void Run(const std::string& statement, int timeout);
   void Carry(std::string_view statement);
-  void CarryOne(std::string_view verb, const std::string& name, bool login, bool asked);
+  void CarryOne(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
   /// Whether the upper-cased name is there.
   bool Has(const std::string& name, bool login) const;
 
