@@ -7,10 +7,10 @@
 #include "Messages.h"
 #include "Naive.h"
 #include "Packets.h"
-#include "Passwords.h"
 #include "Requests.h"
 #include "Statements.h"
 #include "Text.h"
+#include "sql/Passwords.h"
 
 namespace talu::standin {
 namespace {
@@ -206,7 +206,7 @@ void CompareRequests(const std::string& bytes) {
 
 /// A batch ends in statements or in the server's error, and its tokens lie in it in order.
 void ReadBatch(const std::string& batch) {
-  const PasswordMask mask(batch);
+  const sql::PasswordMask mask(batch);
   try {
     std::size_t end = 0;
     Lexer lexer(batch);
@@ -218,7 +218,7 @@ void ReadBatch(const std::string& batch) {
     }
     ParseStatements(batch);
   } catch (const SqlFailure& failure) {
-    for (const SqlMessage& message : failure.Messages) mask.Masked(message);
+    for (const SqlMessage& message : failure.Messages) mask.Hides(message.Text);
   }
 }
 

@@ -142,7 +142,7 @@ TEST_F(PlanTest, TellsItToAPerson) {
   EXPECT_TRUE(has(stopped, "A fresh installation in server mode from D:\\Pack, on 2012-03-07"));
   EXPECT_TRUE(has(stopped,
                   "\n  statement 2, f.sql line 5\n"
-                  "      CREATE LOGIN Clerk WITH PASSWORD = N'***'\n"));
+                  "      CREATE LOGIN Clerk WITH PASSWORD = '***'\n"));
   EXPECT_TRUE(has(stopped, "  statement 3, f.sql line 8, fails: "));
   EXPECT_TRUE(has(stopped, "  statement 4, rollback\n      USE Master\n"));
   EXPECT_TRUE(has(stopped, "  message      [Microsoft][ODBC SQL Server Driver][SQL Server]No tab"));

@@ -1,8 +1,8 @@
 // What the journal shows of batches with passwords in them.
 #include <gtest/gtest.h>
 
-#include "Passwords.h"
 #include "RunningServer.h"
+#include "sql/Passwords.h"
 
 namespace talu::standin {
 namespace {
@@ -14,6 +14,7 @@ TEST(Journal, MasksPasswordsOnly) {
   } cases[] = {
       {"CREATE LOGIN x WITH PASSWORD = N'a''b', CHECK_POLICY = OFF",
        "CREATE LOGIN x WITH PASSWORD = '***', CHECK_POLICY = OFF"},
+      {"SET Password\r\n=\tn'a''b', y", "SET Password\r\n=\t'***', y"},
       {"create login x with password=0x0AFF hashed", "create login x with password='***' hashed"},
       {"CREATE LOGIN x WITH PASSWORD = 'open", "CREATE LOGIN x WITH PASSWORD = '***'"},
       {"EXEC sp_addlogin 'x', 'pw'; PRINT 'kept'", "EXEC sp_addlogin '***', '***'; PRINT 'kept'"},
@@ -24,8 +25,9 @@ TEST(Journal, MasksPasswordsOnly) {
        "UPDATE t SET Password = NULL, a = 'kept' WHERE t.Password = u.Password AND @p = 'kept'"},
       {"/* pass it on */ PRINT 'kept' -- 'kept'", "/* pass it on */ PRINT 'kept' -- 'kept'"},
       {"SELECT 'it''s", "SELECT 'it''s"},
+      {"IF @pwd IS NULL PRINT 'kept'", "IF @pwd IS NULL PRINT 'kept'"},
   };
-  for (const auto& each : cases) EXPECT_EQ(PasswordMask(each.Batch).Batch(), each.Masked);
+  for (const auto& each : cases) EXPECT_EQ(sql::PasswordMask(each.Batch).Text(), each.Masked);
 }
 
 TEST(Journal, KeepsNoPassword) {
@@ -68,6 +70,10 @@ TEST(Journal, KeepsNoPassword) {
       "-- CREATE LOGIN x WITH PASSWORD = 'Secret'\nPRINT 1 +",
       "PRINT 1 /* CREATE LOGIN x WITH PASSWORD = 'Secret'",
       "SELECT PWDENCRYPT('Secret') FROM Nowhere",
+      "DECLARE @pwd nvarchar(20) = N'Secret'",
+      "SET @pwd2 = 'Secret'",
+      "EXEC sp_change_users_login 'Auto_Fix', 'x', NULL, 'Secret'",
+      "EXEC sp_adddistributor 'x', 10, 'Secret'",
   };
   LoggedIn client(server);
   for (const char* batch : batches) client.Batch(batch);

@@ -5,8 +5,7 @@
 namespace talu::packcheck {
 
 /// The text with "***" in place of the passwords that its form gives away: in connection texts and
-/// data sources (PWD=...), in statements (PASSWORD = '...') and in the records of credentials and
-/// data sources.
+/// data sources (PWD=...) and in the records of credentials and data sources.
 std::string WithoutPasswords(std::string text);
 
 /// What stands for a password.

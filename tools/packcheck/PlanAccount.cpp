@@ -10,6 +10,7 @@
 #include "pages/FrmSQLNonQuery.h"
 #include "platform/simulated/CodePage.h"
 #include "runtime/TextFunctions.h"
+#include "sql/Passwords.h"
 
 namespace talu::packcheck {
 namespace {
@@ -119,7 +120,8 @@ void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
     out_ << ", fails: " << Utf8FromAnsi(event.Error->Description);
   }
   out_ << '\n'
-       << kStatementIndent << Lines(WithoutPasswords(event.Text("text")), kStatementIndent) << '\n';
+       << kStatementIndent << Lines(sql::PasswordMask(event.Text("text")).Text(), kStatementIndent)
+       << '\n';
 }
 
 void PlanAccount::TakePrint(const JournalEvent& event) {

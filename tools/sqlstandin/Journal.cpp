@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "Passwords.h"
+#include "sql/Passwords.h"
 
 namespace talu::standin {
 namespace {
@@ -18,6 +18,18 @@ using Json = nlohmann::ordered_json;
 void AddError(Json& record, const std::optional<SqlMessage>& error) {
   record["ok"] = !error.has_value();
   if (error) record["error"] = {{"number", error->Number}, {"description", error->Text}};
+}
+
+/// The error with *** in place of what it quotes of a password.
+std::optional<SqlMessage> Masked(std::optional<SqlMessage> error, const sql::PasswordMask& mask) {
+  if (!error) return error;
+  for (auto argument = error->Arguments.rbegin(); argument != error->Arguments.rend(); ++argument) {
+    const auto [begin, end] = *argument;
+    if (mask.Hides(std::string_view(error->Text).substr(begin, end - begin))) {
+      error->Text.replace(begin, end - begin, "***");
+    }
+  }
+  return error;
 }
 
 std::string Line(const Json& record) {
@@ -70,13 +82,13 @@ void Journal::LoggedOut(int session) {
 void Journal::Batch(std::uint64_t number, int session, const std::string& database,
                     std::string_view batch, const Outcome& outcome) {
   if (!file_) return;
-  const PasswordMask mask(batch);
+  const sql::PasswordMask mask(batch);
   Json record = {{"event", "sql"},
                  {"number", number},
                  {"session", session},
                  {"database", database},
-                 {"text", mask.Batch()}};
-  AddError(record, outcome.Error ? mask.Masked(*outcome.Error) : outcome.Error);
+                 {"text", mask.Text()}};
+  AddError(record, Masked(outcome.Error, mask));
   if (!outcome.Ending.empty()) {
     record["ok"] = false;
     record["ending"] = outcome.Ending;

@@ -4,7 +4,6 @@
 
 namespace talu::standin {
 
-using sql::IsWordPart;
 using sql::Token;
 using sql::TokenKind;
 
