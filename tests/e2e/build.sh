@@ -1,4 +1,4 @@
-# shellcheck shell=bash disable=SC2154,SC2034,SC2012
+# shellcheck shell=bash disable=SC2154,SC2034
 # Builds that fail: what the operator sees, what the server is told, what is left.
 StartServer "$Machine/server" "$Machine/wine/drive_c" --fail-text 'Broken=50000:the middle breaks' \
   --cut-text 'Cut here'

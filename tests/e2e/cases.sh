@@ -1,4 +1,4 @@
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154,SC2034
 # Sourced by tests/e2e/run and, through it, by the groups of cases: the wizard's real windows on a machine
 # of the group's own. A case begins with Test and lasts until the next; every check in it that fails is
 # told with it. The smallest one:
@@ -11,7 +11,7 @@
 source "$(dirname "${BASH_SOURCE[0]}")/../../tools/bench.sh"
 Texts=$Root/tests/e2e/Texts.py
 Sample=$Root/build/win32/samples/SalesDesk/pack
-CaseName= CaseBegin= Problems=()
+CaseName='' CaseBegin='' Problems=()
 export SQL_PASSWORD=Demo-2012
 
 Test() {

@@ -1,4 +1,4 @@
-# shellcheck shell=bash disable=SC2154,SC2034,SC2012
+# shellcheck shell=bash disable=SC2154,SC2034
 # A client installation of the sample, what it leaves, and a second one over it.
 # shellcheck source=tests/e2e/sample.sh
 source "$Root/tests/e2e/sample.sh"

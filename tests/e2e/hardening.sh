@@ -1,4 +1,4 @@
-# shellcheck shell=bash disable=SC2154,SC2034,SC2012
+# shellcheck shell=bash disable=SC2154,SC2034
 # What somebody could plant beside Setup.exe or read in what it leaves.
 # shellcheck source=tests/e2e/sample.sh
 source "$Root/tests/e2e/sample.sh"
@@ -60,16 +60,17 @@ Loaded() {
 }
 # Wine takes libraries of its own before any other of the name, unless told otherwise.
 Overrides=$WINEDLLOVERRIDES
-export WINEDLLOVERRIDES="$Overrides;$(IFS=,; echo "${Late[*]}")=n,b"
-cd "$PackDir"
+printf -v WINEDLLOVERRIDES '%s,' "${Late[@]}"
+WINEDLLOVERRIDES="$Overrides;${WINEDLLOVERRIDES%,}=n,b"
+cd "$PackDir" || exit
 wine bait.exe "${Late[@]}" </dev/null >/dev/null || true
 Is 'what a trusting program loads' "$(printf 'bait.exe %s\n' "${Late[@]}")" "$(Loaded)"
 wine bait.exe wary "${Bitten[@]}" </dev/null >/dev/null || true
 Is 'what a wary program loads' '' "$(Loaded)"
 Play '@install Server Fresh; @finish'
 Is 'what Setup.exe loads' '' "$(Loaded)"
-cd "$Root"
-export WINEDLLOVERRIDES=$Overrides
+cd "$Root" || exit
+WINEDLLOVERRIDES=$Overrides
 
 Test 'the password is where the formats put it, and nowhere else'
 # The prefix's registry too; Wine writes it when the last program has ended.

@@ -1,4 +1,4 @@
-# shellcheck shell=bash disable=SC2154,SC2034,SC2012
+# shellcheck shell=bash disable=SC2154,SC2034
 # The pages by mouse and keyboard, and what an operator and the author of a pack can do to them.
 # A drive on which nobody can make a folder.
 ln -sfn /sys "$Machine/wine/dosdevices/e:"

@@ -1,4 +1,4 @@
-# shellcheck shell=bash disable=SC2154,SC2034,SC2012
+# shellcheck shell=bash disable=SC2154,SC2034
 # Sourced by the groups that install the whole sample: what its last page leaves.
 InstallBelow 'Program Files' SalesDesk
 Backup=$(dirname "$Host")/'SalesDesk BackUp'

@@ -1,4 +1,4 @@
-# shellcheck shell=bash disable=SC2154,SC2034,SC2012
+# shellcheck shell=bash disable=SC2154,SC2034
 # Server installations of the sample: fresh, an upgrade over it, demo.
 # shellcheck source=tests/e2e/sample.sh
 source "$Root/tests/e2e/sample.sh"
