@@ -32,7 +32,7 @@ INSTEAD = {
     "./demo --mode client": f"./demo --mode client --out {quoted}/demo-client",
     "./demo --pack DIR": f"./demo --mode client --pack samples/Starter --out {quoted}/demo-starter",
     "./demo --show": f"tests/docs/closing {quoted}/demo-show",
-    "tools/lint": "tools/lint src/runtime",
+    "tools/lint": "tools/lint src/runtime tools/lint tools/rooms",
     "tools/mutate": "tools/mutate --list",
     "tools/mutate deploy": "tools/mutate --list deploy",
     "./release --twice": "./release --help",
