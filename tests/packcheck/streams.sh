@@ -13,28 +13,13 @@ Is() {
   failures=$((failures + 1))
 }
 
-# A pack with every byte, in its texts and as far as Windows allows it in names.
 pack=$folder/pack
-mkdir -p "$pack/SQLScript/Fresh" "$pack/Application"
-python3 - "$pack" <<'PYTHON'
-import pathlib, sys
-pack = pathlib.Path(sys.argv[1])
-every = bytes(range(256))
-block = lambda key, values: key + b"\r\n{\r\n" + values + b"\r\n}\r\n"
-pack.joinpath("AppCfg.txt").write_bytes(
-    block(b"AppTitle", every) + block(b"AppFolder", b"App") + block(b"DBFolder", b"Data")
-    + block(b"FreshDBSript", b"f.sql\r\n" + every) + block(b"SystemDSN", every * 3)
-    + block(b"AddOns", b"a\xff.bat\r\n\x81\xfe.exe") + every)
-pack.joinpath("SQLScript/Fresh/f.sql").write_bytes(b"--taluLineByLine\r\nPRINT '" + every + b"',\r\n")
-pack.joinpath("Application/\u20ac\u00fc.dll").write_bytes(every)
-PYTHON
+python3 -B "${0%/*}/EveryByte.py" make "$pack"
 plan=(plan "$pack" --type fresh --mode)
 for command in "check $pack" "${plan[*]} server" "${plan[*]} client" "${plan[*]} server --fail-sql PRINT"; do
   # shellcheck disable=SC2086
   "$packcheck" $command --json >"$folder/out"
-  Is "$command --json" "$(python3 -c 'import json, sys
-lines = open(sys.argv[1], "rb").read().decode("utf-8", "strict").split("\n")
-print(len([json.loads(line) for line in lines[:-1]]) > 0, repr(lines[-1]))' "$folder/out" 2>&1)" "True ''"
+  Is "$command --json" "$(python3 -B "${0%/*}/EveryByte.py" lines "$folder/out" 2>&1)" ''
 done
 
 # Its own failures are on standard error, in one line, and end with 2.
