@@ -17,7 +17,8 @@ Fail() {
 
 case $Root in
   *[\'\"\`\\\$\&\;\(\)\<\>\|\*\?\[\]\{\}\!#%^]* | *[[:cntrl:]]*)
-    Fail "the path of this clone, $Root, has a character that builds and Wine stumble over: move it" ;;
+    Fail "the path of this clone, $Root, has a character that builds and Wine stumble over: move it"
+    ;;
 esac
 
 # Wine reads file names by the locale; builds and tools must not depend on it.
@@ -48,7 +49,7 @@ Occupy() {
 
 # MarkedProcesses: the numbers of the processes that carry our mark.
 MarkedProcesses() {
-  local -x TALU_RUN=  # those that look are not meant
+  local -x TALU_RUN= # those that look are not meant
   { grep -lzE "^TALU_RUN=$Mark(/|\$)" /proc/[0-9]*/environ || true; } 2>/dev/null | cut -d/ -f3
 }
 
@@ -141,14 +142,16 @@ MakeBase() {
   local dpi=${1:-96} made wanted
   Base=$Root/build/machine-$dpi
   Occupy
-  wanted=$(wine --version
-    { cat "$Root"/{tools/wine/prefix,build/win32/tools/wine/*.dll,build/fonts/*} 2>/dev/null || true; } | sha256sum)
+  wanted=$(
+    wine --version
+    { cat "$Root"/{tools/wine/prefix,build/win32/tools/wine/*.dll,build/fonts/*} 2>/dev/null || true; } | sha256sum
+  )
   # Suites may come here at the same time.
   exec {made}>"$Root/build/machine-$dpi.lock"
   flock "$made"
   # Machines share the base's libraries: it must be as it was made.
   if [[ ! -f $Base/made || $(<"$Base/made") != "$wanted" ||
-    -n $(find "$Base/wine/drive_c/windows" -newer "$Base/made" -type f -print -quit) ]]; then
+  -n $(find "$Base/wine/drive_c/windows" -newer "$Base/made" -type f -print -quit) ]]; then
     rm -rf "$Base" "$Base.new"
     Attend "$Root/tools/wine/prefix" "$Base.new" "$Root/build/win32" --dpi "$dpi" \
       >/dev/null 2>"$Logs/prefix.log" {made}>&- && Attend SetDesktop "$dpi" >/dev/null 2>&1 {made}>&- ||

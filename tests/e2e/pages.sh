@@ -90,7 +90,10 @@ Backup="$App BackUp\\$(ls "$Host BackUp")"
 LogIs <<END
 // / Copying file - $Backup\\$App\\One.txt
 // / Copying file - $Backup\\$App\\Ta-luErrLog.txt
-$(LogBegin; Deployed - "error: Can't copy D:\\Pack\\Application\\a.bto$App\\a.b-$TooShort")
+$(
+  LogBegin
+  Deployed - "error: Can't copy D:\\Pack\\Application\\a.bto$App\\a.b-$TooShort"
+)
 END
 Is 'the tree' "Files Application/One.txt and $Host/One.txt differ
 Only in $Host: Data
@@ -105,7 +108,10 @@ Pack FreshDBSript= DemoDBSript= UpgradeDBSript= DBSript= SystemDSN= Shotcut= Reg
 Play 'wait FrmType; expect OptFresh enabled false; expect OptDemo enabled false
   expect OptUpgrade enabled false; @install Client
   wait FrmApplication; expect LblFinalMsg text ""; @finish'
-LogIs < <(LogBegin ''; Deployed -)
+LogIs < <(
+  LogBegin ''
+  Deployed -
+)
 RecordIs < <(RecordBegin '')
 
 Test 'no name for the application folder: a message, and no installation'
@@ -180,8 +186,11 @@ Final Message started...
 Final Message write successfully
 Installation finished.
 END
-RecordIs < <(RecordBegin; printf 'SystemDSN:%s\n' "$Source" 'SQL Server' 'No Such Driver,Odd'
+RecordIs < <(
+  RecordBegin
+  printf 'SystemDSN:%s\n' "$Source" 'SQL Server' 'No Such Driver,Odd'
   printf '%s\n' "ShotcutFolder:$User\\AppData\\Roaming\\$Menu" "Shotcut:$User\\AppData\\Roaming\\$Menu\\One.lnk"
-  printf 'AddOns:%s\n' Setup.EXE 'No program.exe' Missing.msi 'With blanks.exe' Neither)
+  printf 'AddOns:%s\n' Setup.EXE 'No program.exe' Missing.msi 'With blanks.exe' Neither
+)
 Is 'settings' "Server = $Server" "$(tr -d '\r' <"$Host/Conn.txt")"
 Is 'files' 'Conn.txt Data One.txt Sub Ta-luErrLog.txt Uninstall.dat' "$(ls "$Host" | xargs)"
