@@ -23,7 +23,7 @@ INSERT = b"INSERT INTO dbo.Row"
 def peak_of(process):
     """The peak of a process's resident memory in kB, 0 when it has ended."""
     try:
-        for line in Path(f"/proc/{process}/status").read_text().splitlines():
+        for line in Path(f"/proc/{process}/status").read_text("utf-8").splitlines():
             if line.startswith("VmHWM:"):
                 return int(line.split()[1])
     except OSError:

@@ -21,7 +21,7 @@ def said_by(*command):
 
 
 def entry(file, key):
-    return next(line.split(":", 1)[1].strip() for line in Path(file).read_text().splitlines()
+    return next(line.split(":", 1)[1].strip() for line in Path(file).read_text("utf-8").splitlines()
                 if line.startswith(key))
 
 

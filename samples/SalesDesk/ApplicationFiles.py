@@ -44,7 +44,7 @@ def application_files():
     yield "Components/About the components.txt", ABOUT_COMPONENTS
     for language, (heading, chapters, title, previous, following) in HELP.items():
         yield f"Help/{language}/{heading}.htm", help_page(heading, 1, 1, previous, following)
-        for chapter, last in chapters.items():
+        for chapter, last in chapters.items():  # pylint: disable=no-member  # taken for the heading
             for number in range(1, last + 1):
                 yield (f"Help/{language}/{chapter}/{title} {number:02}.htm",
                        help_page(title, number, last, previous, following))

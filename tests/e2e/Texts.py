@@ -60,8 +60,8 @@ def statements(journal):
             print(re.sub(r"\s*[\r\n]+\s*", " / ", text.strip("\r\n")))
 
 
-command, *arguments = sys.argv[1:]
+command = sys.argv[1]
 if command in ("log", "record"):
-    written(*arguments, sys.stdin.read().splitlines(), "//\r\n" if command == "log" else "")
+    written(sys.argv[2], sys.stdin.read().splitlines(), "//\r\n" if command == "log" else "")
 else:
-    {"copied": copied, "statements": statements}[command](*arguments)
+    {"copied": copied, "statements": statements}[command](*sys.argv[2:])

@@ -39,9 +39,9 @@ for manual in top.glob("*.html"):
         assert not anchor or f'id="{anchor}"' in target.read_text("utf-8"), f"{manual.name}: {link}"
 
 said = subprocess.run(["wine", str(top / "packcheck.exe"), "check", str(top / "Pack")],
-                      capture_output=True, text=True)
+                      check=False, capture_output=True, text=True)
 assert (said.returncode, said.stdout.strip()) == (0, "0 errors, 0 warnings, 0 notes"), said
 # What is taken out is missed.
 (top / "Pack/SQLScript/Fresh/Create.sql").unlink()
 assert subprocess.run(["wine", str(top / "packcheck.exe"), "check", str(top / "Pack")],
-                      capture_output=True).returncode == 2
+                      check=False, capture_output=True).returncode == 2
