@@ -7,6 +7,7 @@
 
 Root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 Machines=()
+Folder='C:\Program Files'
 # What lies outside of build/ and goes at the end.
 Leavings=()
 
@@ -281,36 +282,43 @@ LoadScripts() {
   done <<<"$list"
 }
 
-# Drive SCRIPT [OPTION...]: plays a script; its output is in Machine/drive.log.
+# Drive SCRIPT [OPTION...]: plays a script, in which FOLDER is $Folder; its output is in Machine/drive.log.
 Drive() {
   local script=$1
   shift
   Attend wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" --start 'D:\Pack\Setup.exe' \
-    --shots "Z:${Machine//\//\\}\\shots" --set "SERVER=${Server:-none}" --end-on-failure -v "$@" \
-    </dev/null >"$Machine/drive.log" 2>&1
+    --shots "Z:${Machine//\//\\}\\shots" --set "SERVER=${Server:-none}" \
+    --set "FOLDER=$Folder" --end-on-failure -v "$@" </dev/null >"$Machine/drive.log" 2>&1
 }
 
-# WriteScript FILE MODE TYPE: a drive script for a whole installation, with a picture of every page. A
-# type that the pack has no scripts for is not clicked.
+# Walk MODE [TYPE [PICTURES]]: steps of docs/drive.md from the first page of a Server or Client installation
+# through the location page; of the type that the wizard proposes unless told; with pictures where that is set.
+Walk() {
+  printf '%s\n' 'wait FrmType' ${2:+"click Opt$2"} ${3:+'shot 1-type.png'} 'click CmdNext' \
+    'wait FrmMode' "click Opt$1" ${3:+'shot 2-mode.png'} 'click CmdNext'
+  [[ $1 == Client ]] || printf '%s\n' 'wait FrmAuthentication' 'type TxtUsrName sa' \
+    'type TxtPsWord ${env:SQL_PASSWORD}' 'type TxtServer ${SERVER}' ${3:+'shot 3-authentication.png'} \
+    'click CmdNext'
+  printf '%s\n' 'wait FrmLocation' 'click CmdLocation' 'browse ${FOLDER}'
+  [[ $1 == Server ]] || echo 'type TxtServer ${SERVER}'
+  printf '%s\n' ${3:+'shot 4-location.png'} 'click CmdNext'
+}
+
+# Finish [STEP...]: the steps at the end of an installation, these before the last.
+Finish() {
+  printf '%s\n' 'wait FrmApplication' 'expect CmdNext enabled true' \
+    'expect Lblmsg text Installation finished. Click Finish to Exit.' "$@" finish
+}
+
+# WriteScript FILE MODE TYPE: a drive script for a whole installation, with a picture of every page. A type
+# that the pack has no scripts for is not clicked.
 WriteScript() {
+  local type=${3^}
+  [[ -n $(ScriptsOf "$Machine/media/Pack" "$type") ]] || type=
   {
-    echo 'wait FrmType'
-    [[ -z $(ScriptsOf "$Machine/media/Pack" "${3^}") ]] || echo "click Opt${3^}"
-    echo 'shot 1-type.png'
-    echo 'click CmdNext'
-    echo 'wait FrmMode'
-    if [[ $2 == server ]]; then
-      printf '%s\n' 'click OptServer' 'shot 2-mode.png' 'click CmdNext' 'wait FrmAuthentication' \
-        'type TxtUsrName sa' 'type TxtPsWord ${env:SQL_PASSWORD}' 'type TxtServer ${SERVER}' \
-        'shot 3-authentication.png' 'click CmdNext' 'wait FrmLocation' 'click CmdLocation' \
-        'browse ${FOLDER}' 'shot 4-location.png' 'click CmdNext' 'timeout 600' \
-        'wait FrmSQLNonQuery' 'shot 5-database.png' 'wait FrmApplication'
-    else
-      printf '%s\n' 'click OptClient' 'shot 2-mode.png' 'click CmdNext' 'wait FrmLocation' \
-        'click CmdLocation' 'browse ${FOLDER}' 'type TxtServer ${SERVER}' 'shot 4-location.png' \
-        'click CmdNext' 'timeout 600' 'wait FrmApplication'
-    fi
-    printf '%s\n' 'expect Lblmsg text Installation finished. Click Finish to Exit.' \
-      'expect ShpProgBar width 7325' 'shot 6-application.png' 'finish'
+    Walk "${2^}" "$type" pictures
+    echo 'timeout 600'
+    [[ $2 == client ]] || printf '%s\n' 'wait FrmSQLNonQuery' 'shot 5-database.png'
+    Finish 'expect ShpProgBar width 7325' 'shot 6-application.png'
   } >"$1"
 }

@@ -37,8 +37,8 @@ Script() { sed 's/$/\r/' | iconv -t CP1252 >"$PackDir/SQLScript/Fresh/$1"; }
 # InstallBelow FOLDER [APPFOLDER]: installs below this folder of C: from now on. App is the application
 # folder, Host the same for this side.
 InstallBelow() {
-  InstallRoot="C:\\$1"
-  App="$InstallRoot\\TA-LU\\${2:-Small}"
+  Folder="C:\\$1"
+  App="$Folder\\TA-LU\\${2:-Small}"
   Host=$Machine/wine/drive_c/$1/TA-LU/${2:-Small}
   mkdir -p "$Machine/wine/drive_c/$1"
 }
@@ -55,20 +55,9 @@ Expand() {
   local step mode type
   while read -r step mode type; do
     case $step in
-      @location | @install)
-        printf '%s\n' 'wait FrmType' ${type:+"click Opt$type"} 'click CmdNext' 'wait FrmMode' \
-          "click Opt$mode" 'click CmdNext'
-        [[ $mode == Client ]] || printf '%s\n' 'wait FrmAuthentication' 'type TxtUsrName sa' \
-          'type TxtPsWord ${env:SQL_PASSWORD}' 'type TxtServer ${SERVER}' 'click CmdNext'
-        echo 'wait FrmLocation'
-        [[ $step == @location ]] || printf '%s\n' 'click CmdLocation' "browse $InstallRoot"
-        [[ $step == @location || $mode != Client ]] || echo 'type TxtServer ${SERVER}'
-        [[ $step == @location ]] || echo 'click CmdNext'
-        ;;
-      @finish)
-        printf '%s\n' 'wait FrmApplication' 'expect CmdNext enabled true' \
-          'expect Lblmsg text Installation finished. Click Finish to Exit.' finish
-        ;;
+      @location) Walk "$mode" "$type" | sed '/^click CmdLocation$/,$d' ;;
+      @install) Walk "$mode" "$type" ;;
+      @finish) Finish ;;
       *) echo "$step $mode $type" ;;
     esac
   done

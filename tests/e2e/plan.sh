@@ -27,7 +27,7 @@ for Mode in Server Client; do
     Stamp=$(grep -m1 -oE '_[0-9_]+\.bkp' "$ServerData/journal.jsonl" | tr -c '0-9\n' ' ' || true)
     read -r Day Month Year Hour Minute <<<"${Stamp:-1 1 2026 0 0}"
     "$Root/build/release/tools/packcheck/packcheck" plan "$Sample" --type "${Type,}" --mode "${Mode,}" \
-      --server "$Server" --user sa --password "$SQL_PASSWORD" --install-path "$InstallRoot" \
+      --server "$Server" --user sa --password "$SQL_PASSWORD" --install-path "$Folder" \
       --now "$(printf '%04d-%02d-%02d %02d:%02d' "$Year" "$Month" "$Day" "$Hour" "$Minute")" \
       --disk "$Machine/before" --special-folders "$Machine/special-folders" "${There[@]}" \
       --exit LabelPrinter.exe=7 --json --save "$Machine/plan" >"$Machine/plan.jsonl" 2>"$Machine/out" ||
