@@ -16,6 +16,29 @@ Fail() {
   exit 1
 }
 
+# Options ARGUMENT...: the options for which Usage has a line: "  --name VALUE" sets Name to the argument after
+# it, "  --name  " to 1. Other words go into Words, where the first line of Usage ends in "...]".
+Words=()
+Options() {
+  while (($#)); do
+    if [[ $1 == -h || $1 == --help ]]; then
+      echo "$Usage"
+      exit
+    elif [[ $1 != -* && ${Usage%%$'\n'*} == *'...]' ]]; then
+      Words+=("$1")
+    elif [[ $1 =~ ^--([a-z]+)$ && $Usage == *$'\n'"  $1  "* ]]; then
+      printf -v "${BASH_REMATCH[1]^}" 1
+    elif [[ $1 =~ ^--([a-z]+)$ && $Usage == *$'\n'"  $1 "* ]]; then
+      [[ -n ${2:-} ]] || Fail "$1 wants a value"
+      printf -v "${BASH_REMATCH[1]^}" %s "$2"
+      shift
+    else
+      Fail "unknown option $1 (--help lists them)"
+    fi
+    shift
+  done
+}
+
 case $Root in
   *[\'\"\`\\\$\&\;\(\)\<\>\|\*\?\[\]\{\}\!#%^]* | *[[:cntrl:]]*)
     Fail "the path of this clone, $Root, has a character that builds and Wine stumble over: move it"
