@@ -45,10 +45,7 @@ AreThere() {
 Test 'a statement fails in the middle: the rest runs, then everything is dropped, in order'
 InstallBelow Middle
 Pack 'FreshDBSript=Build.sql|Rows.sql'
-{
-  Create
-  printf '%s\nGO\n' 'USE One' $'CREATE TABLE Broken (\n  Id INT)' 'CREATE TABLE Whole (Id INT)'
-} |
+{ Create && printf '%s\nGO\n' 'USE One' $'CREATE TABLE Broken (\n  Id INT)' 'CREATE TABLE Whole (Id INT)'; } |
   Script Build.sql
 Script Rows.sql <<<$'--taluLineByLine\nINSERT INTO Whole VALUES (1)'
 Play "@install Server; message [FreeTDS][SQL Server]the middle breaks; $Failed"
@@ -70,11 +67,8 @@ sed -i 's/Broken/Mended/' "$PackDir/SQLScript/Fresh/Build.sql"
 rm -f "$Host/Data/"*
 Play '@install Server; @finish'
 AreThere 'One Two Clerk'
-RecordIs < <(
-  RecordBegin
-  RecordBegin
-  printf '%s\n' UsrName:sa "PsWord:$SQL_PASSWORD" 'DBNames:2, [One], Two' 'DBLogins:1, Clerk'
-)
+RecordIs < <(RecordBegin && RecordBegin &&
+  printf '%s\n' UsrName:sa "PsWord:$SQL_PASSWORD" 'DBNames:2, [One], Two' 'DBLogins:1, Clerk')
 Query master "$Remove"
 
 Test 'a malformed script: everything is dropped'
@@ -101,10 +95,7 @@ AreThere ''
 Test 'the server cuts the line in the middle: the build comes to its end'
 InstallBelow Cut
 Pack FreshDBSript=Build.sql
-{
-  Create
-  printf '%s\nGO\n' "PRINT 'Cut here'" 'PRINT 3'
-} | Script Build.sql
+{ Create && printf '%s\nGO\n' "PRINT 'Cut here'" 'PRINT 3'; } | Script Build.sql
 Play "@install Server; message-begins [FreeTDS]; $Failed"
 LogIs <<END
 $(LogBegin)
@@ -124,10 +115,7 @@ Create | Script Build.sql
 Play '@install Server; wait FrmSQLNonQuery; expect LblMsg text Building Database. Please wait....
   expect CmdPrev enabled false; close FrmSQLNonQuery; ended 0'
 AreThere ''
-LogIs < <(
-  LogBegin ''
-  printf '%s\n' 'Building Database Started....' 'error:  @'
-)
+LogIs < <(LogBegin '' && printf '%s\n' 'Building Database Started....' 'error:  @')
 # The page stays so: who waits for more is told at once.
 Stops '@install Server; timeout 600; wait FrmApplication' \
   'FrmSQLNonQuery is shown; nothing more can come, the page says "Building Database. Please wait...."'

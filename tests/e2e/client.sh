@@ -9,15 +9,9 @@ Test 'log and record hold what was done, in order'
 PutPack "$Sample"
 Play '@install Client Fresh; wait FrmApplication; expect ShpProgBar width 7325; expect LblNotRes text ""
   expect LblFinalMsg begins "\rSalesDesk is on this machine now.\rStart it from the desktop"; @finish'
-Records="$(
-  RecordBegin
-  DeployedRecords
-)"
+Records="$(RecordBegin && DeployedRecords)"
 RecordIs <<<"$Records"
-LogIs < <(
-  LogBegin
-  Deployed Data
-)
+LogIs < <(LogBegin && Deployed Data)
 
 Test 'the installed tree is the pack'\''s, without database files, with the settings'
 Is 'differences' "Only in Application/Data: SalesDesk.ldf
@@ -53,8 +47,5 @@ Copy=$(ls "$Backup")
 True "the name $Copy" Dated "$Copy"
 True 'the copy' diff -r "$Machine/before" "$Backup/$Copy"
 RecordIs <<<"$Records"$'\n'"$Records"
-LogIs < <(
-  Copied "$Machine/before" "$App" "C:\\Program Files\\TA-LU\\SalesDesk BackUp\\$Copy" -
-  LogBegin
-  Deployed '.*'
-)
+LogIs < <(Copied "$Machine/before" "$App" "C:\\Program Files\\TA-LU\\SalesDesk BackUp\\$Copy" - &&
+  LogBegin && Deployed '.*')

@@ -90,10 +90,7 @@ Backup="$App BackUp\\$(ls "$Host BackUp")"
 LogIs <<END
 // / Copying file - $Backup\\$App\\One.txt
 // / Copying file - $Backup\\$App\\Ta-luErrLog.txt
-$(
-  LogBegin
-  Deployed - "error: Can't copy D:\\Pack\\Application\\a.bto$App\\a.b-$TooShort"
-)
+$(LogBegin && Deployed - "error: Can't copy D:\\Pack\\Application\\a.bto$App\\a.b-$TooShort")
 END
 Is 'the tree' "Files Application/One.txt and $Host/One.txt differ
 Only in $Host: Data
@@ -108,10 +105,7 @@ Pack FreshDBSript= DemoDBSript= UpgradeDBSript= DBSript= SystemDSN= Shotcut= Reg
 Play 'wait FrmType; expect OptFresh enabled false; expect OptDemo enabled false
   expect OptUpgrade enabled false; @install Client
   wait FrmApplication; expect LblFinalMsg text ""; @finish'
-LogIs < <(
-  LogBegin ''
-  Deployed -
-)
+LogIs < <(LogBegin '' && Deployed -)
 RecordIs < <(RecordBegin '')
 
 Test 'no name for the application folder: a message, and no installation'

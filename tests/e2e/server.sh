@@ -54,11 +54,7 @@ $(DeployedRecords)"
 RecordIs <<<"$Records"
 Built='Building Database Started....
 Database creation completed successfully...'
-LogIs < <(
-  LogBegin
-  echo "$Built"
-  Deployed Data
-)
+LogIs < <(LogBegin && echo "$Built" && Deployed Data)
 
 Test 'an upgrade over the old location: the folder and the databases are backed up first'
 cp -a "$Host" "$Machine/before"
@@ -79,18 +75,9 @@ NOFORMAT, INIT,  NAME = N'$Name-Full Database Backup', SKIP, NOREWIND, NOUNLOAD,
     <<<"$(Statements)"
 done
 Is 'rows' "$Upgraded" "$(Counts)"
-RecordIs < <(
-  echo "$Records"
-  RecordBegin
-  printf '%s\n' "$Login" DBNames:0 DBLogins:0
-  DeployedRecords
-)
-LogIs < <(
-  Copied "$Machine/before" "$App" "C:\\Program Files\\TA-LU\\SalesDesk BackUp\\$Copy" -
-  LogBegin
-  echo "$Built"
-  Deployed '.*'
-)
+RecordIs < <(echo "$Records" && RecordBegin && printf '%s\n' "$Login" DBNames:0 DBLogins:0 && DeployedRecords)
+LogIs < <(Copied "$Machine/before" "$App" "C:\\Program Files\\TA-LU\\SalesDesk BackUp\\$Copy" - &&
+  LogBegin && echo "$Built" && Deployed '.*')
 StopServer
 
 Test 'a demo installation has the demo'\''s rows'
