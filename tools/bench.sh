@@ -18,7 +18,7 @@ Fail() {
 
 # Options ARGUMENT...: the options for which Usage has a line: "  --name VALUE" sets Name to the argument after
 # it, "  --name  " to 1. Other words go into Words, where the first line of Usage ends in "...]".
-Words=()
+Words=() Usage=${Usage:-}
 Options() {
   while (($#)); do
     if [[ $1 == -h || $1 == --help ]]; then
