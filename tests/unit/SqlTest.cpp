@@ -36,8 +36,8 @@ TEST(SqlLexer, TellsTextsNamesAndCommentsFromCode) {
 }
 
 TEST(SqlLexer, GoesOnWithWhatALineLeavesOpen) {
-  EXPECT_EQ(Tokens({"/* /*", "", "*/ 'a", "*/'b", "'c]' [d", "]]", "]e"}),
-            "C:/* /*... C:*/ 'a... C:*/ S:'b... S:'c]' N:[d... N:]]... N:] W:e");
+  EXPECT_EQ(Tokens({"/* /*", "", "*/ 'a", "*/'b", "c]'' ' [d", "]]", "]e"}),
+            "C:/* /*... C:*/ 'a... C:*/ S:'b... S:c]'' ' N:[d... N:]]... N:] W:e");
 }
 
 TEST(SqlLexer, GivesNamesAndTextsWithoutTheirQuotes) {
