@@ -127,7 +127,7 @@ WaitFor() {
 
 # Build PRESET TARGET...: configures at the first time, builds, and says in one line what went wrong.
 Build() {
-  local preset=$1 log=$Logs/build-$1.log cache=$Root/build/$1/CMakeCache.txt ninja=build/$1/build.ninja
+  local preset=$1 log=$Logs/build-$1.log cache=$Root/build/$1/CMakeCache.txt ninja=$Root/build/$1/build.ninja
   shift
   Occupy
   [[ ! -f $cache ]] || grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$Root" "$cache" ||
@@ -137,15 +137,13 @@ Build() {
     ccache=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   # A cache that several trees share finds what another one compiled.
   export CCACHE_DIR=${CCACHE_DIR:-$Root/build/ccache} CCACHE_BASEDIR=$Root CCACHE_NOHASHDIR=1
-  cd "$Root" || exit
   : >"$log"
   # Later the build itself sees whether it has to be configured anew, but not for these files.
-  [[ -f $ninja && $ninja -nt CMakePresets.json && $ninja -nt tools/bench.sh ]] ||
-    Attend cmake --preset "$preset" "${ccache[@]}" >"$log" 2>&1 ||
+  [[ -f $ninja && $ninja -nt $Root/CMakePresets.json && $ninja -nt $Root/tools/bench.sh ]] ||
+    Attend env -C "$Root" cmake --preset "$preset" "${ccache[@]}" >"$log" 2>&1 ||
     Fail "configuring $preset failed: $(grep -m1 -A2 'CMake Error' "$log" | tr '\n' ' ')(see $log)"
-  Attend cmake --build --preset "$preset" ${1:+--target "$@"} >>"$log" 2>&1 ||
+  Attend env -C "$Root" cmake --build --preset "$preset" ${1:+--target "$@"} >>"$log" 2>&1 ||
     Fail "building $preset failed: $(grep -m1 -E 'error:|FAILED' "$log") (see $log)"
-  cd "$OLDPWD" || exit
 }
 
 # StartDisplay: a screen of its own, in DISPLAY. It stays as it is when the last program leaves it: a reset
