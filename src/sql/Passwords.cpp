@@ -111,9 +111,8 @@ void Walk::Follow(const Token& token) {
   const bool opens = token.IsSymbol("(") || token.IsSymbol("{");
   if (NamesPassword(token)) {
     awaits_ = token.Kind == TokenKind::Variable ? Awaits::Assignment : Awaits::Equals;
-  } else if (token.IsSymbol("=") && (awaits_ == Awaits::Equals || awaits_ == Awaits::Assignment)) {
-    awaits_ = Awaits::Value;
-  } else if (token.IsSymbol("+") && awaits_ == Awaits::Plus) {
+  } else if (token.IsSymbol("=") ? awaits_ == Awaits::Equals || awaits_ == Awaits::Assignment
+                                 : token.IsSymbol("+") && awaits_ == Awaits::Plus) {
     awaits_ = Awaits::Value;
   } else if (awaits_ == Awaits::Assignment &&
              (token.Kind == TokenKind::Word || token.Kind == TokenKind::Number || opens ||

@@ -9,6 +9,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Text.h"
@@ -44,11 +45,13 @@ void List(const std::wstring& root, const std::wstring& below, Entries& entries)
   DWORD error = search == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS;
   std::vector<std::wstring> folders;
   while (error == ERROR_SUCCESS) {
-    const std::wstring name = found.cFileName;
+    const std::wstring_view name = found.cFileName;
     if (name != L"." && name != L"..") {
       const bool folder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-      entries.emplace(below + L"\\" + name, folder);
-      if (folder) folders.push_back(below + L"\\" + name);
+      std::wstring path = below;
+      path.append(L"\\").append(name);
+      if (folder) folders.push_back(path);
+      entries.emplace(std::move(path), folder);
     }
     if (!FindNextFileW(search, &found)) error = GetLastError();
   }
