@@ -631,7 +631,7 @@ TEST(BatchNamesTest, WhatTheBackupTakesForANameAndWhereItGivesUp) {
       {"USE D DROP DATABASE C ALTER DATABASE B CREATE DATABASE A X",
        ",A,B,C ALTER DATABASE B CREATE DATABASE A X,"
        "D DROP DATABASE C ALTER DATABASE B CREATE DATABASE A X"},
-      {"CAUSE x USE Sales", ",x USE Sales"},
+      {"CAUSER x USE Sales", ",x USE Sales"},
       {"create database x y", ""},
       {"CREATE DATABASE Sales\r\nDROP DATABASE Old", ",Sales\r\nDROP,Old"},
       {"USE Old\r\nCREATE DATABASE Sales", "", 5},
