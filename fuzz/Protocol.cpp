@@ -175,25 +175,25 @@ void CompareRequests(const std::string& bytes) {
       },
       [&] { return Login(bytes); });
   Compare(
-      "batch", [&] { return Wide(ParseBatch(bytes, tdsVersion74)); },
+      "batch", [&] { return Wide(ParseBatch(bytes, kTdsVersion74)); },
       [&] { return Even(AfterHeaders(bytes)); });
   Compare(
-      "batch without headers", [&] { return Wide(ParseBatch(bytes, tdsVersion71)); },
+      "batch without headers", [&] { return Wide(ParseBatch(bytes, kTdsVersion71)); },
       [&] { return Even(bytes); });
   Compare(
-      "procedure", [&] { return Wide(ParseProcedureName(bytes, tdsVersion74)); },
+      "procedure", [&] { return Wide(ParseProcedureName(bytes, kTdsVersion74)); },
       [&] {
         const std::string rest = AfterHeaders(bytes);
         const std::size_t length = Little(rest, 0, 2);
         if (length != 0xFFFF) return Part(rest, 2, length * 2);
         // The name of a numbered procedure is the server's own affair.
         Little(rest, 2, 2);
-        return Wide(ParseProcedureName(bytes, tdsVersion74));
+        return Wide(ParseProcedureName(bytes, kTdsVersion74));
       });
   Compare(
       "transaction",
       [&] {
-        const TransactionRequest request = ParseTransaction(bytes, tdsVersion74);
+        const TransactionRequest request = ParseTransaction(bytes, kTdsVersion74);
         const char* names[] = {"begin", "commit", "rollback", "other"};
         return std::string(names[static_cast<int>(request.What)]) +
                (request.BeginsAnother ? " begin" : "");

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr DWORD patience = 60000;  // milliseconds
+constexpr DWORD kPatience = 60000;  // milliseconds
 
 struct Search {
   DWORD Process = 0;
@@ -53,7 +53,7 @@ int main(int count, char** arguments) {
     return 1;
   }
   Search search{program.dwProcessId};
-  while (!search.Found && Milliseconds() - begin < patience &&
+  while (!search.Found && Milliseconds() - begin < kPatience &&
          WaitForSingleObject(program.hProcess, 1) == WAIT_TIMEOUT) {
     EnumWindows(Look, reinterpret_cast<LPARAM>(&search));
   }
@@ -61,7 +61,7 @@ int main(int count, char** arguments) {
   PROCESS_MEMORY_COUNTERS memory = {};
   GetProcessMemoryInfo(program.hProcess, &memory, sizeof memory);
   TerminateProcess(program.hProcess, 0);
-  WaitForSingleObject(program.hProcess, patience);
+  WaitForSingleObject(program.hProcess, kPatience);
   if (!search.Found) {
     std::fprintf(stderr, "firstwindow: %s showed no window\n", arguments[1]);
     return 1;

@@ -45,7 +45,7 @@ void CopyFolderFiles(InstallContext& install, const WorkView& view, const std::s
                      const std::string& target) {
   const FolderItem* current = nullptr;
   const ErrorTrap step([&](const RuntimeError& error) {
-    if (current == nullptr) throw RuntimeError(error::ObjectNotSet);
+    if (current == nullptr) throw RuntimeError(error::kObjectNotSet);
     install.WriteErrLog("//\r\nCan't copy " + current->Path + "to" + target + "\\" + current->Name +
                         "-" + error.Description + "\r\n");
   });

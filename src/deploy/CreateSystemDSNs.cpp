@@ -34,7 +34,7 @@ bool Deployment::CreateDSN(const std::string& driver, const std::string& attribu
 void Deployment::CreateSystemDSNs() {
   const ErrorTrap step([this](const RuntimeError& error) {
     install_.WriteErrorEntry(error);
-    if (error.Number != error::Unspecified) return;
+    if (error.Number != error::kUnspecified) return;
     const std::string failed = "Connection to Server failed, Can not continue installation";
     install_.Machine.Windows.MessageBox(failed, "");
     install_.WriteErrLog(failed);

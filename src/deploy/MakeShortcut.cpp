@@ -9,7 +9,7 @@ namespace {
 /// The object behind a variable. Raises 91 when it was never set.
 template <class Object>
 Object& Set(const std::unique_ptr<Object>& variable) {
-  if (!variable) throw RuntimeError(error::ObjectNotSet);
+  if (!variable) throw RuntimeError(error::kObjectNotSet);
   return *variable;
 }
 

@@ -154,7 +154,7 @@ void FrmLocation::CmdNext_Click() {
     }
   } catch (...) {
     const RuntimeError error = CaughtError();
-    if (error.Number == error::PermissionDenied) {
+    if (error.Number == error::kPermissionDenied) {
       const std::string inUse = "Location in use,Please select Another Location...";
       windows_.MessageBox(inUse, "");
       LblMsg.Caption = inUse;

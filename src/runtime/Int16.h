@@ -30,7 +30,7 @@ class Int16 {
 
  private:
   static constexpr std::int16_t Checked(std::int64_t value) {
-    if (value < INT16_MIN || value > INT16_MAX) throw RuntimeError(error::Overflow);
+    if (value < INT16_MIN || value > INT16_MAX) throw RuntimeError(error::kOverflow);
     return static_cast<std::int16_t>(value);
   }
 

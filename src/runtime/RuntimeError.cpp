@@ -18,51 +18,51 @@ RuntimeError CaughtError() {
   } catch (const RuntimeError& error) {
     return error;
   } catch (const std::bad_alloc&) {
-    return RuntimeError(error::OutOfMemory);
+    return RuntimeError(error::kOutOfMemory);
   } catch (const std::length_error&) {  // a text longer than any can be
-    return RuntimeError(error::OutOfMemory);
+    return RuntimeError(error::kOutOfMemory);
   }
 }
 
 std::string StandardDescription(std::int32_t number) {
   switch (number) {
-    case error::InvalidProcedureCall:
+    case error::kInvalidProcedureCall:
       return "Invalid procedure call or argument";
-    case error::Overflow:
+    case error::kOverflow:
       return "Overflow";
-    case error::OutOfMemory:
+    case error::kOutOfMemory:
       return "Out of memory";
-    case error::SubscriptOutOfRange:
+    case error::kSubscriptOutOfRange:
       return "Subscript out of range";
-    case error::BadFileNumber:
+    case error::kBadFileNumber:
       return "Bad file name or number";
-    case error::FileNotFound:
+    case error::kFileNotFound:
       return "File not found";
-    case error::BadFileMode:
+    case error::kBadFileMode:
       return "Bad file mode";
-    case error::FileAlreadyOpen:
+    case error::kFileAlreadyOpen:
       return "File already open";
-    case error::DeviceIO:
+    case error::kDeviceIO:
       return "Device I/O error";
-    case error::FileAlreadyExists:
+    case error::kFileAlreadyExists:
       return "File already exists";
-    case error::DiskFull:
+    case error::kDiskFull:
       return "Disk full";
-    case error::InputPastEnd:
+    case error::kInputPastEnd:
       return "Input past end of file";
-    case error::TooManyFiles:
+    case error::kTooManyFiles:
       return "Too many files";
-    case error::PermissionDenied:
+    case error::kPermissionDenied:
       return "Permission denied";
-    case error::PathFileAccess:
+    case error::kPathFileAccess:
       return "Path/File access error";
-    case error::PathNotFound:
+    case error::kPathNotFound:
       return "Path not found";
-    case error::ObjectNotSet:
+    case error::kObjectNotSet:
       return "Object variable not set";
-    case error::CannotCreateObject:
+    case error::kCannotCreateObject:
       return "ActiveX component can't create object";
-    case error::InvalidPicture:
+    case error::kInvalidPicture:
       return "Invalid picture";
     default:
       return "Application-defined or object-defined error";

@@ -23,27 +23,27 @@ class RuntimeError : public std::exception {
 };
 
 namespace error {
-inline constexpr std::int32_t InvalidProcedureCall = 5;
-inline constexpr std::int32_t Overflow = 6;
-inline constexpr std::int32_t OutOfMemory = 7;
-inline constexpr std::int32_t SubscriptOutOfRange = 9;
-inline constexpr std::int32_t BadFileNumber = 52;
-inline constexpr std::int32_t FileNotFound = 53;
-inline constexpr std::int32_t BadFileMode = 54;
-inline constexpr std::int32_t FileAlreadyOpen = 55;
-inline constexpr std::int32_t DeviceIO = 57;
-inline constexpr std::int32_t FileAlreadyExists = 58;
-inline constexpr std::int32_t DiskFull = 61;
-inline constexpr std::int32_t InputPastEnd = 62;
-inline constexpr std::int32_t TooManyFiles = 67;
-inline constexpr std::int32_t PermissionDenied = 70;
-inline constexpr std::int32_t PathFileAccess = 75;
-inline constexpr std::int32_t PathNotFound = 76;
-inline constexpr std::int32_t ObjectNotSet = 91;
-inline constexpr std::int32_t CannotCreateObject = 429;
-inline constexpr std::int32_t InvalidPicture = 481;
+inline constexpr std::int32_t kInvalidProcedureCall = 5;
+inline constexpr std::int32_t kOverflow = 6;
+inline constexpr std::int32_t kOutOfMemory = 7;
+inline constexpr std::int32_t kSubscriptOutOfRange = 9;
+inline constexpr std::int32_t kBadFileNumber = 52;
+inline constexpr std::int32_t kFileNotFound = 53;
+inline constexpr std::int32_t kBadFileMode = 54;
+inline constexpr std::int32_t kFileAlreadyOpen = 55;
+inline constexpr std::int32_t kDeviceIO = 57;
+inline constexpr std::int32_t kFileAlreadyExists = 58;
+inline constexpr std::int32_t kDiskFull = 61;
+inline constexpr std::int32_t kInputPastEnd = 62;
+inline constexpr std::int32_t kTooManyFiles = 67;
+inline constexpr std::int32_t kPermissionDenied = 70;
+inline constexpr std::int32_t kPathFileAccess = 75;
+inline constexpr std::int32_t kPathNotFound = 76;
+inline constexpr std::int32_t kObjectNotSet = 91;
+inline constexpr std::int32_t kCannotCreateObject = 429;
+inline constexpr std::int32_t kInvalidPicture = 481;
 /// The data provider's unspecified error (E_FAIL), which a failed `Open` reports.
-inline constexpr std::int32_t Unspecified = -2147467259;
+inline constexpr std::int32_t kUnspecified = -2147467259;
 }  // namespace error
 
 /// For a `catch (...)`: the run-time error that was caught; a failed allocation is "Out of memory",

@@ -32,17 +32,17 @@ int TextFiles::FreeFile() const {
   for (int number = 1; number <= kNumbers; ++number) {
     if (!IsOpen(number)) return number;
   }
-  throw RuntimeError(error::TooManyFiles);
+  throw RuntimeError(error::kTooManyFiles);
 }
 
 void TextFiles::Open(const std::string& path, OpenMode mode, int number) {
-  if (number < 1 || number > kNumbers) throw RuntimeError(error::BadFileNumber);
-  if (IsOpen(number)) throw RuntimeError(error::FileAlreadyOpen);
+  if (number < 1 || number > kNumbers) throw RuntimeError(error::kBadFileNumber);
+  if (IsOpen(number)) throw RuntimeError(error::kFileAlreadyOpen);
   const std::string upperPath = UCase(path);
   for (const OpenFile& other : pool_) {
     const bool clash = mode != OpenMode::Input || other.Mode != OpenMode::Input;
     if (other.File && clash && other.UpperPath == upperPath) {
-      throw RuntimeError(error::FileAlreadyOpen);
+      throw RuntimeError(error::kFileAlreadyOpen);
     }
   }
   pool_[static_cast<std::size_t>(number)] = {
@@ -74,7 +74,7 @@ std::string_view TextFiles::LineInput(int number) {
     file.At += found + (left[found + 1] == '\n' ? 2 : 1);
     return left.substr(0, found);
   }
-  if (left.empty() && !Fill(file)) throw RuntimeError(error::InputPastEnd);
+  if (left.empty() && !Fill(file)) throw RuntimeError(error::kInputPastEnd);
   file.Line.clear();
   do {
     const std::string_view rest = std::string_view(file.Buffer).substr(file.At);
@@ -108,7 +108,7 @@ std::string TextFiles::ReadWhole(const std::string& path) {
   std::string text;
   std::size_t length = 0;
   try {
-    if (file.Size() > kLongestText) throw RuntimeError(error::OutOfMemory);
+    if (file.Size() > kLongestText) throw RuntimeError(error::kOutOfMemory);
     text.resize(static_cast<std::size_t>(file.Size()));
     while (length < text.size()) {
       const std::size_t got = file.Read(text.data() + length, text.size() - length);

@@ -80,9 +80,9 @@ class TextFiles {
   };
 
   OpenFile& Opened(int number, bool forInput) {
-    if (!IsOpen(number)) throw RuntimeError(error::BadFileNumber);
+    if (!IsOpen(number)) throw RuntimeError(error::kBadFileNumber);
     OpenFile& file = pool_[static_cast<std::size_t>(number)];
-    if ((file.Mode == OpenMode::Input) != forInput) throw RuntimeError(error::BadFileMode);
+    if ((file.Mode == OpenMode::Input) != forInput) throw RuntimeError(error::kBadFileMode);
     return file;
   }
   static bool Fill(OpenFile& file);

@@ -26,11 +26,11 @@ constexpr std::array<char, 256> MakeUpperTable() {
 constexpr std::array<char, 256> kUpper = MakeUpperTable();
 
 void RequireStart(Position start) {
-  if (start < 1) throw RuntimeError(error::InvalidProcedureCall);
+  if (start < 1) throw RuntimeError(error::kInvalidProcedureCall);
 }
 
 void RequireLength(Position length) {
-  if (length < 0) throw RuntimeError(error::InvalidProcedureCall);
+  if (length < 0) throw RuntimeError(error::kInvalidProcedureCall);
 }
 
 Position ToPosition(std::size_t offset) {
@@ -136,7 +136,7 @@ std::vector<std::string> Split(std::string_view text, char separator) {
 }
 
 const std::string& Element(const std::vector<std::string>& array, std::ptrdiff_t index) {
-  if (index < 0 || index >= std::ssize(array)) throw RuntimeError(error::SubscriptOutOfRange);
+  if (index < 0 || index >= std::ssize(array)) throw RuntimeError(error::kSubscriptOutOfRange);
   return array[static_cast<std::size_t>(index)];
 }
 

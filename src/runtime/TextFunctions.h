@@ -33,9 +33,9 @@ concept NoLiteral = std::convertible_to<Text, std::string_view> && !std::is_arra
 struct Sought {
   template <std::size_t Size>
   consteval Sought(const char (&text)[Size]) : Text(text, Size - 1) {
-    constexpr std::string_view commonFirst = " ETAOINSRHLDCUMFPGWYBVKXJQZ";
+    constexpr std::string_view kCommonFirst = " ETAOINSRHLDCUMFPGWYBVKXJQZ";
     for (std::size_t at = 1; at < Text.size(); ++at) {
-      if (commonFirst.find(Text[at]) > commonFirst.find(Text[Rarest])) Rarest = at;
+      if (kCommonFirst.find(Text[at]) > kCommonFirst.find(Text[Rarest])) Rarest = at;
     }
   }
   template <NoLiteral Found>

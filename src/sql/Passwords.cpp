@@ -49,20 +49,20 @@ bool MayHoldPassword(std::string_view text) {
 bool NamesPassword(const Token& token) {
   if (!token.IsName() && token.Kind != TokenKind::Variable) return false;
   const std::string name = UCase(token.Value());
-  static constexpr std::array<std::string_view, 6> ends = {"PASSWORD", "PASSWD",     "PWD",
-                                                           "SECRET",   "PASSPHRASE", "KEY_SOURCE"};
-  return std::ranges::any_of(ends, [&](std::string_view end) {
+  static constexpr std::array<std::string_view, 6> kEnds = {"PASSWORD", "PASSWD",     "PWD",
+                                                            "SECRET",   "PASSPHRASE", "KEY_SOURCE"};
+  return std::ranges::any_of(kEnds, [&](std::string_view end) {
     return token.Kind == TokenKind::Variable ? Contains(name, end) : name.ends_with(end);
   });
 }
 
 /// A procedure or function that is told a password.
 bool TakesPassword(const Token& token) {
-  static constexpr std::array<std::string_view, 12> names = {
+  static constexpr std::array<std::string_view, 12> kNames = {
       "SP_ADDLOGIN",        "SP_PASSWORD",          "SP_SETAPPROLE",         "SP_ADDAPPROLE",
       "SP_APPROLEPASSWORD", "SP_ADDLINKEDSRVLOGIN", "SP_CHANGE_USERS_LOGIN", "SP_ADDDISTRIBUTOR",
       "PWDENCRYPT",         "PWDCOMPARE",           "ENCRYPTBYPASSPHRASE",   "DECRYPTBYPASSPHRASE"};
-  return token.IsName() && std::ranges::find(names, UCase(token.Value())) != names.end();
+  return token.IsName() && std::ranges::find(kNames, UCase(token.Value())) != kNames.end();
 }
 
 bool IsText(const Token& token) {

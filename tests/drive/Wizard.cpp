@@ -25,7 +25,7 @@ HWND shown = nullptr;
 int nextId = 100;
 int showings = 0;
 /// A wizard that does not tell how often its pages were shown, nor whether it works.
-const bool silent = getenv("SILENT_WIZARD") != nullptr;
+const bool kSilent = getenv("SILENT_WIZARD") != nullptr;
 
 /// Properties and control ids are numbers that travel as handles.
 template <class Handle>
@@ -49,7 +49,7 @@ std::string Read(Form& form, const char* name) {
 }
 
 void MarkBusy(bool busy) {
-  if (silent) return;
+  if (kSilent) return;
   if (busy) {
     SetPropA(shown, "Busy", As<HANDLE>(1));
   } else {
@@ -58,8 +58,8 @@ void MarkBusy(bool busy) {
 }
 
 void Show(Form& form, Form* from) {
-  if (!silent) SetPropA(form.Window, "Busy", As<HANDLE>(1));
-  if (!silent) SetPropA(form.Window, "Shown", As<HANDLE>(++showings));
+  if (!kSilent) SetPropA(form.Window, "Busy", As<HANDLE>(1));
+  if (!kSilent) SetPropA(form.Window, "Shown", As<HANDLE>(++showings));
   if (from != nullptr) ShowWindow(from->Window, SW_HIDE);
   ShowWindow(form.Window, SW_SHOW);
   shown = form.Window;

@@ -87,7 +87,7 @@ TEST_F(PlanTest, StopsWhereThePersonWould) {
   options.Password = "x";
   options.PackPath = "D:\\Elsewhere";
   options.FailRequest = 1;
-  options.FailRequestError = error::FileNotFound;
+  options.FailRequestError = error::kFileNotFound;
   EXPECT_EQ(Run()->Stop(), "the program ended by itself");
   options.FailRequest = 0;
   Configure("DemoDBSript d.sql");

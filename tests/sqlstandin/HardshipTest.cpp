@@ -80,7 +80,7 @@ milliseconds ProcessorTime() {
 }
 
 // The sanitizers look at an object of a new type through a pipe: some descriptors are theirs.
-constexpr int forTheSanitizers = 4;
+constexpr int kForTheSanitizers = 4;
 
 TEST(Hardship, AClientWithoutADescriptorWaitsForOne) {
   const TestFolder folder;
@@ -93,8 +93,8 @@ TEST(Hardship, AClientWithoutADescriptorWaitsForOne) {
     const milliseconds before = ProcessorTime();
     std::this_thread::sleep_for(milliseconds(500));
     EXPECT_LT((ProcessorTime() - before).count(), 100);
-    few.Leave(1 + forTheSanitizers);
-    EXPECT_EQ(client.LogIn("sa", testPassword).Summary(), "");
+    few.Leave(1 + kForTheSanitizers);
+    EXPECT_EQ(client.LogIn("sa", kTestPassword).Summary(), "");
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "sqlstandin: clients have to wait: Too many open files\n");
@@ -106,21 +106,21 @@ TEST(Hardship, AClientThatHasGoneLeavesItsDescriptor) {
   FewDescriptors few;
   {
     std::list<LoggedIn> clients;
-    for (int i = 0; i < 1 + forTheSanitizers; ++i) clients.emplace_back(server);
+    for (int i = 0; i < 1 + kForTheSanitizers; ++i) clients.emplace_back(server);
   }
-  while (server.Journal().size() < 2 * (1 + forTheSanitizers)) {  // until all have logged out
+  while (server.Journal().size() < 2 * (1 + kForTheSanitizers)) {  // until all have logged out
     std::this_thread::sleep_for(milliseconds(5));
   }
   few.Leave(1);
   TestClient client(server.Port());
-  EXPECT_EQ(client.LogIn("sa", testPassword).Summary(), "");
+  EXPECT_EQ(client.LogIn("sa", kTestPassword).Summary(), "");
 }
 
 TEST(Hardship, AClientHasALimitedTimeToLogIn) {
   const TestFolder folder;
   const RunningServer server(folder.Path(), {}, milliseconds(400));
   LoggedIn idle(server);
-  const std::string login = LoginPayload("sa", testPassword, "", tdsVersion74);
+  const std::string login = LoginPayload("sa", kTestPassword, "", kTdsVersion74);
   const std::pair<const char*, std::function<void(TestClient&)>> cases[] = {
       {"says nothing", [](TestClient&) {}},
       {"begins to log in",

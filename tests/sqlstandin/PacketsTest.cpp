@@ -12,7 +12,7 @@ namespace {
 
 std::string Packet(int type, int status, std::string_view body) {
   std::string packet{static_cast<char>(type), static_cast<char>(status)};
-  const std::size_t size = body.size() + packetHeaderSize;
+  const std::size_t size = body.size() + kPacketHeaderSize;
   packet += static_cast<char>(size >> 8);
   packet += static_cast<char>(size & 0xFF);
   return packet.append(4, '\0').append(body);
@@ -55,11 +55,11 @@ TEST(MessageReader, RefusesWhatIsNoPacket) {
 
 TEST(Login, IsReadWithItsPassword) {
   const LoginRequest login =
-      ParseLogin(LoginPayload("sa", "Gr\xC3\xBC\xC3\x9F'; \xE2\x82\xAC", "Sales", tdsVersion74));
+      ParseLogin(LoginPayload("sa", "Gr\xC3\xBC\xC3\x9F'; \xE2\x82\xAC", "Sales", kTdsVersion74));
   EXPECT_EQ(login.User, "sa");
   EXPECT_EQ(login.Password, "Gr\xC3\xBC\xC3\x9F'; \xE2\x82\xAC");
   EXPECT_EQ(login.Database, "Sales");
-  EXPECT_EQ(login.Version, tdsVersion74);
+  EXPECT_EQ(login.Version, kTdsVersion74);
 }
 
 /// Every parser gets every beginning of a good message, and thousands of spoilt ones: each ends
@@ -69,9 +69,9 @@ TEST(Requests, SurviveCutAndSpoiltMessages) {
   const std::string preLogin = AnswerPreLogin("\xFF");
   const auto tryAll = [](const std::string& bytes) {
     const std::vector<std::function<void()>> parsers = {
-        [&] { ParseLogin(bytes); }, [&] { ParseBatch(bytes, tdsVersion72); },
-        [&] { ParseProcedureName(bytes, tdsVersion72); },
-        [&] { ParseTransaction(bytes, tdsVersion72); }, [&] { AnswerPreLogin(bytes); }};
+        [&] { ParseLogin(bytes); }, [&] { ParseBatch(bytes, kTdsVersion72); },
+        [&] { ParseProcedureName(bytes, kTdsVersion72); },
+        [&] { ParseTransaction(bytes, kTdsVersion72); }, [&] { AnswerPreLogin(bytes); }};
     for (const auto& parse : parsers) {
       try {
         parse();
@@ -80,7 +80,7 @@ TEST(Requests, SurviveCutAndSpoiltMessages) {
     }
   };
   std::mt19937 random(1);
-  for (const std::string& good : {LoginPayload("sa", "pw", "db", tdsVersion74), batch, preLogin}) {
+  for (const std::string& good : {LoginPayload("sa", "pw", "db", kTdsVersion74), batch, preLogin}) {
     for (std::size_t size = 0; size < good.size(); ++size) tryAll(good.substr(0, size));
     for (int i = 0; i < 3000; ++i) {
       std::string spoilt = good;
@@ -88,7 +88,7 @@ TEST(Requests, SurviveCutAndSpoiltMessages) {
       tryAll(spoilt);
     }
   }
-  EXPECT_THROW(ParseLogin(LoginPayload(std::string(129, 'u'), "", "", tdsVersion74)),
+  EXPECT_THROW(ParseLogin(LoginPayload(std::string(129, 'u'), "", "", kTdsVersion74)),
                ProtocolError);
 }
 

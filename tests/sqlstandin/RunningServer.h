@@ -18,7 +18,7 @@
 
 namespace talu::standin {
 
-inline const std::string testPassword = "Secret 1";
+inline const std::string kTestPassword = "Secret 1";
 
 /// A folder of its own for one test, removed at the end.
 class TestFolder {
@@ -43,11 +43,11 @@ class TestFolder {
 class RunningServer {
  public:
   explicit RunningServer(const std::filesystem::path& folder, Mishaps mishaps = {},
-                         std::chrono::milliseconds loginTime = ServerParts::UsualLoginTime)
+                         std::chrono::milliseconds loginTime = ServerParts::kUsualLoginTime)
       : drive_(Prepare(folder)),
         journalFile_(folder / "journal"),
         mishaps_(std::move(mishaps)),
-        catalogue_(folder / "state", Mapped(drive_), "sa", testPassword),
+        catalogue_(folder / "state", Mapped(drive_), "sa", kTestPassword),
         journal_(journalFile_),
         parts_{catalogue_, journal_, mishaps_, loginTime},
         server_(parts_, 0),
@@ -100,7 +100,7 @@ class LoggedIn : public TestClient {
  public:
   explicit LoggedIn(const RunningServer& server, const std::string& database = "")
       : TestClient(server.Port()) {
-    LogIn("sa", testPassword, database);
+    LogIn("sa", kTestPassword, database);
   }
 };
 

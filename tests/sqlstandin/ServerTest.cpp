@@ -12,23 +12,23 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* createSales =
+constexpr const char* kCreateSales =
     "CREATE DATABASE Sales ON PRIMARY (NAME = S, FILENAME = 'c:\\DATA\\Sales.mdf', SIZE = 10MB, "
     "FILEGROWTH = 10%) LOG ON (NAME = L, FILENAME = 'C:\\data\\sub\\..\\Sales_log.ldf')";
 
 TEST(Login, ChecksNamePasswordAndDatabase) {
   const TestFolder folder;
   const RunningServer server(folder.Path());
-  for (const std::uint32_t version : {tdsVersion70, tdsVersion71, tdsVersion72, tdsVersion74}) {
+  for (const std::uint32_t version : {kTdsVersion70, kTdsVersion71, kTdsVersion72, kTdsVersion74}) {
     TestClient client(server.Port());
-    EXPECT_EQ(client.LogIn("SA", testPassword, "", version).Database, "master");
+    EXPECT_EQ(client.LogIn("SA", kTestPassword, "", version).Database, "master");
     EXPECT_EQ(client.Batch("SELECT 1, N'a', name FROM sys.databases WHERE 2.5 > 1").Summary(),
               "1,a,master");
     EXPECT_EQ(client.Batch("SELECT * FROM Nowhere").Summary(), "!208");
   }
   EXPECT_EQ(TestClient(server.Port()).LogIn("sa", "secret 1").Summary(), "!18456");
   EXPECT_EQ(TestClient(server.Port()).LogIn("", "").Summary(), "!18456");
-  EXPECT_EQ(TestClient(server.Port()).LogIn("sa", testPassword, "Nowhere").Summary(),
+  EXPECT_EQ(TestClient(server.Port()).LogIn("sa", kTestPassword, "Nowhere").Summary(),
             "!4060;!18456");
   LoggedIn admin(server);
   EXPECT_EQ(admin.Batch("CREATE LOGIN lu WITH PASSWORD = N'p w', CHECK_POLICY = OFF").Summary(),
@@ -86,7 +86,7 @@ TEST(Databases, StandAtTheirPaths) {
   fs::create_directories(folder.Path() / "c" / "Data" / "sub");
   const RunningServer server(folder.Path());
   LoggedIn client(server);
-  EXPECT_EQ(client.Batch(createSales).Summary(), "");
+  EXPECT_EQ(client.Batch(kCreateSales).Summary(), "");
   EXPECT_TRUE(fs::exists(server.Data() / "Sales.mdf"));
   EXPECT_TRUE(fs::exists(server.Data() / "Sales_log.ldf"));
   const struct {
@@ -260,7 +260,7 @@ TEST(Server, OutlivesBadClients) {
   const TestFolder folder;
   const RunningServer server(folder.Path());
   std::mt19937 random(2);
-  const std::string login = LoginPayload("sa", testPassword, "", tdsVersion74);
+  const std::string login = LoginPayload("sa", kTestPassword, "", kTdsVersion74);
   for (int i = 0; i < 60; ++i) {
     TestClient client(server.Port());
     std::string noise(random() % 200, '\0');
@@ -274,11 +274,11 @@ TEST(Server, OutlivesBadClients) {
         EXPECT_TRUE(client.Receive().IsClosed);
         break;
       case 2:
-        client.LogIn("sa", testPassword);
+        client.LogIn("sa", kTestPassword);
         client.SendBatch("SELECT name FROM sys.databases");  // and does not wait for the answer
         break;
       default:
-        client.LogIn("sa", testPassword);
+        client.LogIn("sa", kTestPassword);
         client.SendMessage(MessageType::Batch, noise.substr(0, 3));
         EXPECT_TRUE(client.Receive().IsClosed);
         break;

@@ -113,9 +113,9 @@ void TestClient::SendMessage(MessageType type, std::string_view payload, std::si
   std::string packets;
   std::size_t at = 0;
   do {
-    const std::size_t size = std::min(payload.size() - at, packetSize - packetHeaderSize);
+    const std::size_t size = std::min(payload.size() - at, packetSize - kPacketHeaderSize);
     const bool isLast = at + size == payload.size();
-    const std::size_t total = size + packetHeaderSize;
+    const std::size_t total = size + kPacketHeaderSize;
     for (const std::size_t byte :
          {static_cast<std::size_t>(type), std::size_t{isLast ? 1U : 0U}, total >> 8, total & 0xFF,
           std::size_t{0}, std::size_t{0}, std::size_t{1}, std::size_t{0}}) {
@@ -139,19 +139,19 @@ std::string LoginPayload(const std::string& user, const std::string& password,
       Utf16("lib"),  "",          Utf16(database)};
   std::string directory;
   std::string data;
-  constexpr std::size_t headSize = 94;
+  constexpr std::size_t kHeadSize = 94;
   for (const std::string& field : fields) {
-    Put(directory, headSize + data.size(), 2);
+    Put(directory, kHeadSize + data.size(), 2);
     Put(directory, field.size() / 2, 2);
     data += field;
   }
   std::string payload;
-  Put(payload, headSize + data.size(), 4);
+  Put(payload, kHeadSize + data.size(), 4);
   Put(payload, version, 4);
   Put(payload, 4096, 4);
   payload.append(24, '\0');
   payload += directory;
-  payload.append(headSize - payload.size(), '\0');
+  payload.append(kHeadSize - payload.size(), '\0');
   return payload + data;
 }
 
@@ -164,7 +164,7 @@ Answer TestClient::LogIn(const std::string& user, const std::string& password,
 
 void TestClient::SendBatch(std::string_view utf8) {
   std::string payload;
-  if (version_ >= tdsVersion72) {
+  if (version_ >= kTdsVersion72) {
     Put(payload, 22, 4);
     Put(payload, 18, 4);
     Put(payload, 2, 2);
@@ -189,12 +189,12 @@ std::string TestClient::ReceiveBody() {
     return bytes;
   };
   while (!isClosed_) {
-    const std::string header = take(packetHeaderSize);
+    const std::string header = take(kPacketHeaderSize);
     if (isClosed_) break;
     const std::size_t length =
         (static_cast<std::size_t>(static_cast<unsigned char>(header[2])) << 8) |
         static_cast<unsigned char>(header[3]);
-    body += take(length - packetHeaderSize);
+    body += take(length - kPacketHeaderSize);
     if (header[1] == 1) break;
   }
   return body;
@@ -207,8 +207,8 @@ Answer TestClient::Receive() {
   if (isClosed_) return answer;
   ByteReader body(bytes);
   std::vector<WireColumn> columns;
-  const bool isNew = version_ >= tdsVersion72;
-  const bool hasCollation = version_ >= tdsVersion71;
+  const bool isNew = version_ >= kTdsVersion72;
+  const bool hasCollation = version_ >= kTdsVersion71;
   const auto shortText = [&body] { return Utf8FromUtf16(body.Take(body.Number(1) * 2)); };
   while (!body.Rest().empty()) {
     switch (body.Number(1)) {

@@ -36,7 +36,7 @@ class TestClient {
   TestClient& operator=(const TestClient&) = delete;
 
   Answer LogIn(const std::string& user, const std::string& password,
-               const std::string& database = "", std::uint32_t version = tdsVersion74);
+               const std::string& database = "", std::uint32_t version = kTdsVersion74);
   Answer Batch(std::string_view utf8);
 
   void SendBatch(std::string_view utf8);

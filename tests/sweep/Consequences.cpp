@@ -220,11 +220,11 @@ const std::vector<Consequence> kConsequences = {
      .Fault = {"dsn SQL Server DSN=Sales"}, .Told = Told::Nowhere,
       .Lost = {"set FrmApplication Lblmsg Caption DSN(s) created"}},
     {.Words = "A server that cannot be reached ends the program.",
-     .Fault = {"connect DSN="}, .Number = error::Unspecified, .Between = {{"", ""}},
+     .Fault = {"connect DSN="}, .Number = error::kUnspecified, .Between = {{"", ""}},
       .Instead = {"msgbox Connection to Server failed", "log Connection to Server failed",
       "set FrmApplication Lblmsg Caption Connection to Server failed", "end"}},
     {.Words = "After any other failure the next source opens the connection,",
-     .Fault = {"connect DSN="}, .But = error::Unspecified,
+     .Fault = {"connect DSN="}, .But = error::kUnspecified,
       .Lost = {"log //~Operation is not allowed"}, .Instead = {"connect DSN=Sales"}},
     {.Words = "made again where it could not be made.",
      .Fault = {"create connection"}, .From = "log DSN creation started",
@@ -236,7 +236,7 @@ const std::vector<Consequence> kConsequences = {
 
     // The copy.
     {.Words = "A file that is not copied is told nowhere,",
-     .Fault = {"copy "}, .But = error::OutOfMemory, .Told = Told::Nowhere},
+     .Fault = {"copy "}, .But = error::kOutOfMemory, .Told = Told::Nowhere},
     {.Words = "An error of the tree leaves its level, silently: the top one,",
      .Fault = {"folder C:\\Progs\\TA-LU\\App$", "folder PACK\\Application$",
       "files PACK\\Application$", "folders PACK\\Application$", "mkdir APP\\Parts$",

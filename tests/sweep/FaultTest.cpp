@@ -28,31 +28,31 @@ constexpr std::int32_t kAccessDenied = -2147024891;
 /// What each kind of request can raise: a failed allocation and an error of its own; the ones that
 /// a procedure asks for by number are among them.
 const std::map<std::string, std::vector<std::int32_t>> kErrors = {
-    {"browse", {error::OutOfMemory, error::Unspecified}},
-    {"connect", {error::OutOfMemory, error::Unspecified, kLoginRefused}},
-    {"copy", {error::OutOfMemory, error::DiskFull}},
-    {"create command", {error::OutOfMemory, error::CannotCreateObject}},
-    {"create connection", {error::OutOfMemory, error::CannotCreateObject}},
-    {"create shell", {error::OutOfMemory, error::CannotCreateObject}},
-    {"create shortcut", {error::OutOfMemory, kAccessDenied}},
-    {"delete", {error::OutOfMemory, error::PermissionDenied}},
-    {"disconnect", {error::OutOfMemory, error::Unspecified}},
-    {"dsn", {error::InvalidProcedureCall}},
-    {"files", {error::OutOfMemory, error::PermissionDenied}},
-    {"folder", {error::OutOfMemory, error::PathNotFound}},
-    {"folders", {error::OutOfMemory, error::PermissionDenied}},
-    {"mkdir", {error::OutOfMemory, error::PermissionDenied, error::PathNotFound}},
-    {"open", {error::OutOfMemory, error::PermissionDenied}},
-    {"picture", {error::OutOfMemory, error::InvalidPicture}},
-    {"print", {error::OutOfMemory, error::PermissionDenied}},
-    {"read", {error::OutOfMemory, error::DeviceIO}},
-    {"run", {error::FileNotFound}},
-    {"shortcut", {error::OutOfMemory, kAccessDenied}},
-    {"show", {error::OutOfMemory}},
-    {"special folder", {error::OutOfMemory, error::PathNotFound}},
-    {"special folders", {error::OutOfMemory, error::Unspecified}},
-    {"sql", {error::OutOfMemory, kErrorsInCommand}},
-    {"start", {error::OutOfMemory, error::FileNotFound}}};
+    {"browse", {error::kOutOfMemory, error::kUnspecified}},
+    {"connect", {error::kOutOfMemory, error::kUnspecified, kLoginRefused}},
+    {"copy", {error::kOutOfMemory, error::kDiskFull}},
+    {"create command", {error::kOutOfMemory, error::kCannotCreateObject}},
+    {"create connection", {error::kOutOfMemory, error::kCannotCreateObject}},
+    {"create shell", {error::kOutOfMemory, error::kCannotCreateObject}},
+    {"create shortcut", {error::kOutOfMemory, kAccessDenied}},
+    {"delete", {error::kOutOfMemory, error::kPermissionDenied}},
+    {"disconnect", {error::kOutOfMemory, error::kUnspecified}},
+    {"dsn", {error::kInvalidProcedureCall}},
+    {"files", {error::kOutOfMemory, error::kPermissionDenied}},
+    {"folder", {error::kOutOfMemory, error::kPathNotFound}},
+    {"folders", {error::kOutOfMemory, error::kPermissionDenied}},
+    {"mkdir", {error::kOutOfMemory, error::kPermissionDenied, error::kPathNotFound}},
+    {"open", {error::kOutOfMemory, error::kPermissionDenied}},
+    {"picture", {error::kOutOfMemory, error::kInvalidPicture}},
+    {"print", {error::kOutOfMemory, error::kPermissionDenied}},
+    {"read", {error::kOutOfMemory, error::kDeviceIO}},
+    {"run", {error::kFileNotFound}},
+    {"shortcut", {error::kOutOfMemory, kAccessDenied}},
+    {"show", {error::kOutOfMemory}},
+    {"special folder", {error::kOutOfMemory, error::kPathNotFound}},
+    {"special folders", {error::kOutOfMemory, error::kUnspecified}},
+    {"sql", {error::kOutOfMemory, kErrorsInCommand}},
+    {"start", {error::kOutOfMemory, error::kFileNotFound}}};
 
 constexpr const char* kFault = "The fault.";
 
@@ -169,11 +169,11 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
 
   static void CheckTold(Installation& run, Told told, std::int32_t number) {
     const std::vector<std::string>& messages = run.Windows->Messages();
-    const std::string fault = number == error::OutOfMemory ? "Out of memory" : kFault;
+    const std::string fault = number == error::kOutOfMemory ? "Out of memory" : kFault;
     const auto isShown = [&](const std::string& text) {
       return told == Told::ErrorBox
                  ? text == "Run-time error '" + std::to_string(number) + "':\r\n\r\n" + fault
-                 : Contains(text, fault) || (number == error::PermissionDenied &&
+                 : Contains(text, fault) || (number == error::kPermissionDenied &&
                                              text ==
                                                  "Location in use,Please select Another "
                                                  "Location...");

@@ -159,7 +159,7 @@ Trace Trace::Of(Installation& run, int fault, const RuntimeError& error, int bou
         line.Parts.push_back(std::move(lines[part].Text));
       }
     }
-    if (fault != 0 && error.Number == error::OutOfMemory)
+    if (fault != 0 && error.Number == error::kOutOfMemory)
       line.Text = Replace(line.Text, "Out of memory", error.Description);
     trace.Lines.push_back(std::move(line));
     at += std::max<std::size_t>(count, 1);

@@ -59,14 +59,14 @@ TEST_F(ConfigurationTest, PastTheLast16BitLineBothReadersOverflow) {
       counting ? void(wizard.GetCfgCount("AppTitle")) : void(wizard.GetCfgValue("AppTitle", 1));
       ADD_FAILURE() << "no overflow";
     } catch (const RuntimeError& error) {
-      EXPECT_EQ(error.Number, error::Overflow);
+      EXPECT_EQ(error.Number, error::kOverflow);
     }
   }
   EXPECT_EQ(wizard.TextFiles.FreeFile(), 1) << "a file was left open";
 }
 
 TEST_F(ConfigurationTest, ReadingThatFailsIsAnErrorAndLeavesNothingOpen) {
-  machine.Journal.FailRequest(machine.Journal.Requests() + 2, RuntimeError(error::DeviceIO));
+  machine.Journal.FailRequest(machine.Journal.Requests() + 2, RuntimeError(error::kDeviceIO));
   EXPECT_THROW(wizard.GetCfgCount("AppTitle"), RuntimeError);
   EXPECT_EQ(wizard.TextFiles.FreeFile(), 1);
 }

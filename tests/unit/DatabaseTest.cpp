@@ -523,7 +523,7 @@ class Refusing : public Ado {
   };
   void Call(const std::string& call) {
     Calls.push_back(call);
-    if (call.starts_with(refused_)) throw RuntimeError(error::Unspecified);
+    if (call.starts_with(refused_)) throw RuntimeError(error::kUnspecified);
   }
   std::string refused_;
 };
@@ -586,7 +586,7 @@ TEST_F(DatabaseTest, ALineWhoseReadingFailsIsNotTakenInPart) {
     int pairs = test.pair;
     machine.Journal.OnRequest = [&](int, const std::string& kind) {
       if (std::exchange(last, kind) == "read" && kind == "read" && --pairs == 0)
-        throw RuntimeError(error::DeviceIO);
+        throw RuntimeError(error::kDeviceIO);
     };
     windows.Run([&] { other.Page<FrmSQLNonQuery>().Show(); });
     machine.Journal.OnRequest = nullptr;
@@ -698,7 +698,7 @@ TEST_F(DatabaseTest, WhatTheBackupHasFoundLivesAsLongAsTheProgram) {
   EXPECT_EQ(backups(), first) << "Sales is part of a name in the list";
   Script("a.sql", {"--taluGO", "USE Other", "GO"});
   // The scripts cannot be counted now: there are as many as before.
-  machine.Journal.FailRequest(machine.Journal.Requests() + 4, RuntimeError(error::DeviceIO));
+  machine.Journal.FailRequest(machine.Journal.Requests() + 4, RuntimeError(error::kDeviceIO));
   BuildAgain();
   EXPECT_EQ(backups(), first + first + "Other ");
   // Its connection is still open from the first time.

@@ -147,7 +147,7 @@ inline std::unique_ptr<Stage> PlayFailing(const std::string& text, int behind,
   }
   EXPECT_NE(request, 0) << text;
   auto stage = std::make_unique<Stage>();
-  stage->machine.Journal.FailRequest(request, RuntimeError(error::DiskFull));
+  stage->machine.Journal.FailRequest(request, RuntimeError(error::kDiskFull));
   play(*stage);
   return stage;
 }

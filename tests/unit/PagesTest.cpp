@@ -57,7 +57,7 @@ TEST_F(PagesTest, OldFolderControlsFollowTheirClicks) {
   windows.BrowseAnswers = {"C:\\Old"};
   windows.Click("CmdLocation");
   windows.Click("CmdLocation");  // cancelled
-  windows.BrowseError = RuntimeError(error::PathNotFound);
+  windows.BrowseError = RuntimeError(error::kPathNotFound);
   windows.Click("CmdLocation");  // fails, silently
   EXPECT_TRUE(windows.Messages().empty());
   EXPECT_EQ(wizard.State.OldInstallPath, "C:\\Old");
@@ -177,14 +177,14 @@ TEST_F(PagesTest, AChosenRootGetsProductAndApplicationFolder) {
   windows.Type("TxtInstaPath", "");
   EXPECT_TRUE(Enabled("CmdNext")) << "an emptied box leaves the button";
   windows.Type("TxtInstaPath", "C:\\Typed");
-  windows.BrowseError = RuntimeError(error::PathNotFound, "Path not found", "Shell");
+  windows.BrowseError = RuntimeError(error::kPathNotFound, "Path not found", "Shell");
   windows.Click("CmdLocation");
   EXPECT_EQ(windows.Messages().back(), "76/Path not found/Shell");
   EXPECT_EQ(wizard.State.InstallPath + Shown("TxtInstaPath"), "");
   // A name that is not read costs a box; the other is read, and the folder chosen.
   wizard.State.AppFolderName = "";
   windows.BrowseAnswers = {"C:\\Progs"};
-  machine.Journal.FailRequest(machine.Journal.Requests() + 1, RuntimeError(error::DeviceIO));
+  machine.Journal.FailRequest(machine.Journal.Requests() + 1, RuntimeError(error::kDeviceIO));
   windows.Click("CmdLocation");
   EXPECT_EQ(windows.Messages().back(), "57/Device I/O error/");
   EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Progs\\TA-LU\\App");
@@ -339,7 +339,7 @@ TEST_F(PagesTest, AddRegistryLogsAndSaves) {
   wizard.State.LogFileNumber = 1;
   wizard.Page<FrmLocation>().AddRegistry();
   EXPECT_EQ(machine.Journal.Texts("setting", "value"), std::vector<std::string>{app});
-  machine.Journal.FailRequest(machine.Journal.Requests() + 3, RuntimeError(error::PathNotFound));
+  machine.Journal.FailRequest(machine.Journal.Requests() + 3, RuntimeError(error::kPathNotFound));
   wizard.Page<FrmLocation>().AddRegistry();
   EXPECT_EQ(LogEntries().back(), "Failed to add Registry entry: TA-LU , Application , , " + app);
   wizard.State.OldInstallationFound = true;

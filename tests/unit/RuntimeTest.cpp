@@ -23,11 +23,11 @@ TEST(Int16, RoundsHalvesToEvenAndChecksEveryStep) {
   EXPECT_EQ(RoundToInt16(732.5), 732);
   EXPECT_EQ(RoundToInt16(-0.5), 0);
   EXPECT_EQ(RoundToInt16(32767.4), 32767);
-  EXPECT_EQ(ErrorOf([] { RoundToInt16(32767.5); }), error::Overflow);
-  EXPECT_EQ(ErrorOf([] { RoundToInt16(1e300); }), error::Overflow);
-  EXPECT_EQ(ErrorOf([] { Int16(32767) + 1; }), error::Overflow);
-  EXPECT_EQ(ErrorOf([] { Int16(-32768) - 1; }), error::Overflow);
-  EXPECT_EQ(ErrorOf([] { Int16(200) * 200; }), error::Overflow);
+  EXPECT_EQ(ErrorOf([] { RoundToInt16(32767.5); }), error::kOverflow);
+  EXPECT_EQ(ErrorOf([] { RoundToInt16(1e300); }), error::kOverflow);
+  EXPECT_EQ(ErrorOf([] { Int16(32767) + 1; }), error::kOverflow);
+  EXPECT_EQ(ErrorOf([] { Int16(-32768) - 1; }), error::kOverflow);
+  EXPECT_EQ(ErrorOf([] { Int16(200) * 200; }), error::kOverflow);
 }
 
 TEST(TextFunctions, PositionsCountFromOne) {
@@ -47,7 +47,7 @@ TEST(TextFunctions, PositionsCountFromOne) {
   for (const auto& statement : std::initializer_list<std::function<void()>>{
            [] { InStr(0, "a", "a"); }, [] { InStrRev("a", "a", 0); }, [] { Mid("a", 0); },
            [] { Mid("a", 1, -1); }, [] { Left("a", -1); }, [] { ParentPath("none"); }}) {
-    EXPECT_EQ(ErrorOf(statement), error::InvalidProcedureCall);
+    EXPECT_EQ(ErrorOf(statement), error::kInvalidProcedureCall);
   }
 }
 
@@ -55,7 +55,7 @@ TEST(TextFunctions, TrimSplitReplaceAndUpperCase) {
   EXPECT_EQ(Trim("  a\t "), "a\t");
   EXPECT_EQ(Split("a,,b,", ','), (std::vector<std::string>{"a", "", "b", ""}));
   EXPECT_TRUE(Split("", ',').empty());
-  EXPECT_EQ(ErrorOf([] { Element({}, 0); }), error::SubscriptOutOfRange);
+  EXPECT_EQ(ErrorOf([] { Element({}, 0); }), error::kSubscriptOutOfRange);
   EXPECT_EQ(Replace("aaa", "aa", "a"), "aa");
   EXPECT_EQ(Replace("abc", "", "x"), "abc");
   EXPECT_EQ(UCase("aZ\xE9\xFF\xF7\xDF"), "AZ\xC9\x9F\xF7\xDF");
@@ -87,7 +87,7 @@ TEST(TextFiles, ReadsLinesAcrossItsBufferAndKeepsLoneLineFeeds) {
   while (!files.EndOfFile(3)) lines.emplace_back(files.LineInput(3));
   EXPECT_EQ(lines,
             (std::vector<std::string>{edge, longLine, std::string("lf\nin\0", 6), "", "end"}));
-  EXPECT_EQ(ErrorOf([&] { files.LineInput(3); }), error::InputPastEnd);
+  EXPECT_EQ(ErrorOf([&] { files.LineInput(3); }), error::kInputPastEnd);
 }
 
 TEST(TextFiles, NumbersAreAPool) {
@@ -97,12 +97,12 @@ TEST(TextFiles, NumbersAreAPool) {
   EXPECT_EQ(files.FreeFile(), 1);
   files.Open("C:\\log.txt", OpenMode::Append, 1);
   EXPECT_EQ(files.FreeFile(), 2);
-  EXPECT_EQ(ErrorOf([&] { files.Open("C:\\a.txt", OpenMode::Input, 1); }), error::FileAlreadyOpen);
+  EXPECT_EQ(ErrorOf([&] { files.Open("C:\\a.txt", OpenMode::Input, 1); }), error::kFileAlreadyOpen);
   EXPECT_EQ(ErrorOf([&] { files.Open("c:\\LOG.txt", OpenMode::Input, 2); }),
-            error::FileAlreadyOpen);
-  EXPECT_EQ(ErrorOf([&] { files.Open("C:\\a.txt", OpenMode::Input, 0); }), error::BadFileNumber);
-  EXPECT_EQ(ErrorOf([&] { files.EndOfFile(2); }), error::BadFileNumber);
-  EXPECT_EQ(ErrorOf([&] { files.EndOfFile(1); }), error::BadFileMode);
+            error::kFileAlreadyOpen);
+  EXPECT_EQ(ErrorOf([&] { files.Open("C:\\a.txt", OpenMode::Input, 0); }), error::kBadFileNumber);
+  EXPECT_EQ(ErrorOf([&] { files.EndOfFile(2); }), error::kBadFileNumber);
+  EXPECT_EQ(ErrorOf([&] { files.EndOfFile(1); }), error::kBadFileMode);
   files.Print(1, {"who", "le"});
   EXPECT_EQ(machine.Disk.ReadFile("C:\\log.txt"), "whole\r\n") << "not on disk before it is closed";
   files.Close(1);
@@ -110,7 +110,7 @@ TEST(TextFiles, NumbersAreAPool) {
   files.Close(0);
   EXPECT_EQ(files.FreeFile(), 1);
   for (int number = 1; number <= 255; ++number) files.Open("C:\\a.txt", OpenMode::Input, number);
-  EXPECT_EQ(ErrorOf([&] { files.FreeFile(); }), error::TooManyFiles);
+  EXPECT_EQ(ErrorOf([&] { files.FreeFile(); }), error::kTooManyFiles);
 }
 
 TEST(TextFiles, AppendOpensTheFileAnewForEachRecord) {
@@ -121,25 +121,25 @@ TEST(TextFiles, AppendOpensTheFileAnewForEachRecord) {
   files.Print(1, {"x"});
   EXPECT_EQ(machine.Disk.ReadFile("C:\\other.txt"), "x\r\n");
   EXPECT_EQ(ErrorOf([&] { files.Open("C:\\OTHER.txt", OpenMode::Input, 2); }),
-            error::FileAlreadyOpen);
+            error::kFileAlreadyOpen);
   machine.Disk.Find("C:\\other.txt")->Denied = true;
-  EXPECT_EQ(ErrorOf([&] { files.ReopenForAppend("C:\\other.txt", 1); }), error::PermissionDenied);
+  EXPECT_EQ(ErrorOf([&] { files.ReopenForAppend("C:\\other.txt", 1); }), error::kPermissionDenied);
 }
 
 TEST(ErrorTrap, ResumesWithTheNextStatementAndLetsTheHandlersErrorOut) {
   std::vector<int> seen;
   const ErrorTrap step([&](const RuntimeError& error) { seen.push_back(error.Number); });
-  step([] { throw RuntimeError(error::DiskFull); });
+  step([] { throw RuntimeError(error::kDiskFull); });
   step([] { throw std::bad_alloc(); });
   step([&] { seen.push_back(0); });
-  EXPECT_EQ(seen, (std::vector<int>{error::DiskFull, error::OutOfMemory, 0}));
-  const ErrorTrap failing([](const RuntimeError&) { throw RuntimeError(error::PathNotFound); });
-  EXPECT_EQ(ErrorOf([&] { failing([] { throw RuntimeError(error::DiskFull); }); }),
-            error::PathNotFound);
+  EXPECT_EQ(seen, (std::vector<int>{error::kDiskFull, error::kOutOfMemory, 0}));
+  const ErrorTrap failing([](const RuntimeError&) { throw RuntimeError(error::kPathNotFound); });
+  EXPECT_EQ(ErrorOf([&] { failing([] { throw RuntimeError(error::kDiskFull); }); }),
+            error::kPathNotFound);
 }
 
 [[gnu::noinline]] Int16 CountOrFail(int count) {
-  if (count == 0) throw RuntimeError(error::DiskFull);
+  if (count == 0) throw RuntimeError(error::kDiskFull);
   return count;
 }
 
@@ -160,7 +160,7 @@ TEST(ErrorTrap, CountsItsLoopsInSixteenBits) {
     int rounds = 0;
     step.CountTo(last, [&](Int16 index) { EXPECT_EQ(index, ++rounds); });
     EXPECT_EQ(rounds, last);
-    EXPECT_EQ(errors, last == 32767 ? error::Overflow : 0);
+    EXPECT_EQ(errors, last == 32767 ? error::kOverflow : 0);
   }
 }
 

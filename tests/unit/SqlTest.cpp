@@ -8,7 +8,7 @@ namespace {
 /// The tokens of the lines, each with its kind in front, and "..." behind what its line leaves
 /// open.
 std::string Tokens(std::initializer_list<std::string_view> lines) {
-  constexpr std::string_view kinds = "?WNSnBVCs";
+  constexpr std::string_view kKinds = "?WNSnBVCs";
   std::string told;
   Unclosed open;
   for (const std::string_view line : lines) {
@@ -17,7 +17,7 @@ std::string Tokens(std::initializer_list<std::string_view> lines) {
          token = lexer.NextOrComment()) {
       EXPECT_EQ(token.Raw, line.substr(token.At, token.Raw.size()));
       told.append(told.empty() ? "" : " ")
-          .append(1, kinds.at(static_cast<std::size_t>(token.Kind)));
+          .append(1, kKinds.at(static_cast<std::size_t>(token.Kind)));
       told.append(1, ':').append(token.Raw).append(token.IsClosed ? "" : "...");
     }
     open = lexer.Open();

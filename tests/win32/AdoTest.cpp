@@ -5,7 +5,7 @@ namespace talu {
 namespace {
 
 /// Nothing listens on this port.
-const char* const unreachable =
+const char* const kUnreachable =
     "driver={SQL Server};server=127.0.0.1,1;uid=sa;pwd=x;database=Master";
 
 TEST(Ado, RaisesTheProvidersErrors) {
@@ -14,13 +14,13 @@ TEST(Ado, RaisesTheProvidersErrors) {
   const auto connection = ado.CreateConnection();
   EXPECT_EQ(connection->State(), 0);
   EXPECT_EQ(ErrorOf([&] { connection->Close(); }), 3704);
-  EXPECT_EQ(ErrorOf([&] { connection->Open(unreachable); }), error::Unspecified);
-  connection->ConnectionString(unreachable);
+  EXPECT_EQ(ErrorOf([&] { connection->Open(kUnreachable); }), error::kUnspecified);
+  connection->ConnectionString(kUnreachable);
   try {
     connection->Open();
     ADD_FAILURE() << "opened";
   } catch (const RuntimeError& failure) {
-    EXPECT_EQ(failure.Number, error::Unspecified);
+    EXPECT_EQ(failure.Number, error::kUnspecified);
     EXPECT_FALSE(failure.Description.empty());
   }
   EXPECT_EQ(connection->State(), 0);

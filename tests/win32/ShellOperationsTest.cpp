@@ -4,8 +4,8 @@
 namespace talu {
 namespace {
 
-constexpr int copy = 2;
-constexpr int noQuestions = 6416;
+constexpr int kCopy = 2;
+constexpr int kNoQuestions = 6416;
 
 /// One copy, done in a folder of its own; `Prepare` makes the folder's contents.
 struct Case {
@@ -59,7 +59,7 @@ TEST_P(CopyTest, EndsAsTheShellsOwnCopyDoes) {
     request.wFunc = FO_COPY;
     request.pFrom = from.c_str();
     request.pTo = to.c_str();
-    request.fFlags = noQuestions;
+    request.fFlags = kNoQuestions;
     expectedCode = SHFileOperationA(&request);
     expectedTree = Tree(scratch.Path());
   }
@@ -67,7 +67,7 @@ TEST_P(CopyTest, EndsAsTheShellsOwnCopyDoes) {
   Prepare(scratch);
   Win32ShellOperations shell;
   const int code =
-      shell.FileOperation(copy, scratch / GetParam().From, scratch / GetParam().To, noQuestions);
+      shell.FileOperation(kCopy, scratch / GetParam().From, scratch / GetParam().To, kNoQuestions);
   EXPECT_EQ(code, expectedCode);
   EXPECT_EQ(Tree(scratch.Path()), expectedTree);
 }
@@ -93,7 +93,7 @@ TEST(ShellOperations, CopiesUnderNamesWithEightBitCharacters) {
       "e.txt",
       "x");
   Win32ShellOperations shell;
-  EXPECT_EQ(shell.FileOperation(copy, from, scratch / "\xC4.txt", noQuestions), 0);
+  EXPECT_EQ(shell.FileOperation(kCopy, from, scratch / "\xC4.txt", kNoQuestions), 0);
   EXPECT_EQ(Scratch::Read(scratch / "\xC4.txt"), "x");
 }
 

@@ -355,15 +355,15 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   Show();
   EXPECT_EQ(PixelOf("ImgBack", 2, 2), RGB(0, 0, 0));
   const COLORREF card = PixelOf("LblTitleMsg", 460, 5);
-  for (const Colour text : {colour::Text, colour::Title, colour::Note, colour::Disabled}) {
+  for (const Colour text : {colour::kText, colour::kTitle, colour::kNote, colour::kDisabled}) {
     EXPECT_GE(Contrast(ToColorref(text), card), 4.5) << std::hex << text;
   }
-  EXPECT_GE(Contrast(ToColorref(colour::Accent), card), 4.5) << "the focus";
-  EXPECT_GE(Contrast(ToColorref(colour::Edge), card), 3) << "what can be clicked";
-  for (const Colour face : {colour::Accent, colour::AccentHot, colour::AccentDown}) {
-    EXPECT_GE(Contrast(ToColorref(colour::OnAccent), ToColorref(face)), 4.5) << std::hex << face;
+  EXPECT_GE(Contrast(ToColorref(colour::kAccent), card), 4.5) << "the focus";
+  EXPECT_GE(Contrast(ToColorref(colour::kEdge), card), 3) << "what can be clicked";
+  for (const Colour face : {colour::kAccent, colour::kAccentHot, colour::kAccentDown}) {
+    EXPECT_GE(Contrast(ToColorref(colour::kOnAccent), ToColorref(face)), 4.5) << std::hex << face;
   }
-  EXPECT_GE(Contrast(ToColorref(colour::Disabled), ToColorref(colour::FaceDisabled)), 4.5);
+  EXPECT_GE(Contrast(ToColorref(colour::kDisabled), ToColorref(colour::kFaceDisabled)), 4.5);
   page_["ImgBack"].Picture = nullptr;
   page_.Changed("ImgBack", Property::Picture);
   Settle();

@@ -18,7 +18,7 @@ std::string Unmet(const SetupProcess& setup, const Step& step) {
   const std::string& property = step.Property;
   if (property == "text" || property == "begins") {
     const auto text = TextOf(control);
-    if (!text) return NoAnswer;
+    if (!text) return kNoAnswer;
     const std::string there = PlainLineEnds(*text);
     const std::string wanted = PlainLineEnds(step.Value);
     const bool met = property == "text" ? there == wanted : there.starts_with(wanted);
@@ -31,7 +31,7 @@ std::string Unmet(const SetupProcess& setup, const Step& step) {
   const bool wanted = step.Value == "true";
   if (property == "value") {
     const auto value = ValueOf(control);
-    if (!value) return NoAnswer;
+    if (!value) return kNoAnswer;
     return *value == wanted ? "" : Is(*value, "on", "off");
   }
   if (property == "focus")

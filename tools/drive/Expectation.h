@@ -7,7 +7,7 @@
 
 namespace talu::drive {
 
-constexpr const char* NoAnswer = "Setup is busy and does not answer";
+constexpr const char* kNoAnswer = "Setup is busy and does not answer";
 
 /// What is there instead of what `expect` asks for; empty when that has come true.
 std::string Unmet(const SetupProcess& setup, const Step& step);

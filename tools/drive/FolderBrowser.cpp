@@ -26,7 +26,7 @@ using Node = LPARAM;
 struct Busy {};
 
 /// How many of a folder's names an error message lists.
-constexpr std::size_t NamesTold = 20;
+constexpr std::size_t kNamesTold = 20;
 
 /// The tree, seen from another process. It is asked by sent messages, which only look; whatever
 /// makes it work is posted, because the shell cannot call out to its other components while it
@@ -188,11 +188,11 @@ Node FindChild(Tree& tree, Node node, const Stage& stage) {
 std::string Contents(Tree& tree, Node node) {
   const auto children = tree.Children(node);
   std::string text = Quoted(tree.Text(node)) + (children.empty() ? " is empty" : " has only ");
-  for (std::size_t i = 0; i < children.size() && i < NamesTold; ++i) {
+  for (std::size_t i = 0; i < children.size() && i < kNamesTold; ++i) {
     text += (i == 0 ? "" : ", ") + Quoted(tree.Text(children[i]));
   }
-  if (children.size() > NamesTold) {
-    text += " and " + std::to_string(children.size() - NamesTold) + " more";
+  if (children.size() > kNamesTold) {
+    text += " and " + std::to_string(children.size() - kNamesTold) + " more";
   }
   return text;
 }

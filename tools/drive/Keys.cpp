@@ -10,10 +10,10 @@ namespace talu::drive {
 
 namespace {
 
-const std::map<std::string, unsigned short> Modifiers = {
+const std::map<std::string, unsigned short> kModifiers = {
     {"ALT", VK_MENU}, {"CTRL", VK_CONTROL}, {"SHIFT", VK_SHIFT}};
 
-const std::map<std::string, unsigned short> NamedKeys = {
+const std::map<std::string, unsigned short> kNamedKeys = {
     {"TAB", VK_TAB},       {"SPACE", VK_SPACE},   {"ENTER", VK_RETURN}, {"ESC", VK_ESCAPE},
     {"UP", VK_UP},         {"DOWN", VK_DOWN},     {"LEFT", VK_LEFT},    {"RIGHT", VK_RIGHT},
     {"HOME", VK_HOME},     {"END", VK_END},       {"PAGEUP", VK_PRIOR}, {"PAGEDOWN", VK_NEXT},
@@ -27,8 +27,8 @@ std::optional<unsigned short> ReadKey(const std::string& name) {
   for (unsigned short n = 1; n <= 12; ++n) {
     if (name == "F" + std::to_string(n)) return static_cast<unsigned short>(VK_F1 + n - 1);
   }
-  const auto named = NamedKeys.find(name);
-  return named == NamedKeys.end() ? std::nullopt : std::optional(named->second);
+  const auto named = kNamedKeys.find(name);
+  return named == kNamedKeys.end() ? std::nullopt : std::optional(named->second);
 }
 
 }  // namespace
@@ -39,8 +39,8 @@ std::optional<Chord> ReadChord(std::string_view text) {
                  [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
   Chord chord;
   for (auto plus = rest.find('+'); plus != std::string::npos; plus = rest.find('+')) {
-    const auto modifier = Modifiers.find(rest.substr(0, plus));
-    if (modifier == Modifiers.end()) return std::nullopt;
+    const auto modifier = kModifiers.find(rest.substr(0, plus));
+    if (modifier == kModifiers.end()) return std::nullopt;
     chord.push_back(modifier->second);
     rest.erase(0, plus + 1);
   }

@@ -18,9 +18,9 @@ namespace {
 
 using Time = std::chrono::steady_clock;
 
-constexpr DWORD LookInterval = 50;  // milliseconds
+constexpr DWORD kLookInterval = 50;  // milliseconds
 /// A dialog that stands this long without a step that answers it will stand for ever.
-constexpr std::chrono::seconds Patience{3};
+constexpr std::chrono::seconds kPatience{3};
 
 /// What holds up a step that does not deal with dialogs, or only with the folder browser.
 std::string OpenDialogs(const SetupProcess& setup, bool browses) {
@@ -139,12 +139,12 @@ void Player::Until(const std::function<std::string()>& attempt, bool browses) {
       quiet = now;
     } else {
       there += "; " + dialogs;
-      if (now - quiet >= Patience) throw std::runtime_error(there);
+      if (now - quiet >= kPatience) throw std::runtime_error(there);
     }
     if (now - start >= options_.Timeout) {
       throw std::runtime_error(there + " after " + std::to_string(options_.Timeout.count()) + " s");
     }
-    Sleep(LookInterval);
+    Sleep(kLookInterval);
   }
 }
 
@@ -198,7 +198,7 @@ void Player::Type(const Step& step) {
   const std::size_t length = Wide(step.Value).size();
   Until([&]() -> std::string {
     const auto text = TextOf(box);
-    if (!text) return NoAnswer;
+    if (!text) return kNoAnswer;
     const bool masked = *text == std::string(length, '*');
     return *text == step.Value || masked ? "" : "it reads " + Quoted(*text);
   });
@@ -224,7 +224,7 @@ void Player::Browse(const Step& step) {
         browser = setup_.FolderBrowser();
         if (browser == nullptr) return "the folder browser is not open, " + setup_.PagesShown();
         if (step.Value.empty()) return "";
-        return SelectFolder(browser, step.Value).value_or(NoAnswer);
+        return SelectFolder(browser, step.Value).value_or(kNoAnswer);
       },
       true);
   CloseDialog(browser, GetDlgItem(browser, step.Value.empty() ? IDCANCEL : IDOK));
@@ -238,7 +238,7 @@ void Player::CloseDialog(HWND dialog, HWND button) {
     if (Time::now() - start > options_.Timeout) {
       throw std::runtime_error("the click does not close it");
     }
-    Sleep(LookInterval);
+    Sleep(kLookInterval);
   }
   if (const HWND page = setup_.Page()) Settle(page);
 }

@@ -75,7 +75,7 @@ Capture CaptureAtRest(const RECT& area) {
 
 void WritePng(Capture& capture, const std::filesystem::path& file) {
   // The encoder's class id is fixed by GDI+.
-  static const CLSID png = {
+  static const CLSID kPng = {
       0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
   Gdiplus::GdiplusStartupInput input;
   ULONG_PTR token = 0;
@@ -84,7 +84,7 @@ void WritePng(Capture& capture, const std::filesystem::path& file) {
   }
   auto bitmap = std::make_unique<Gdiplus::Bitmap>(capture.Width, capture.Height, 4 * capture.Width,
                                                   PixelFormat32bppRGB, capture.Pixels.data());
-  const Gdiplus::Status status = bitmap->Save(file.c_str(), &png, nullptr);
+  const Gdiplus::Status status = bitmap->Save(file.c_str(), &kPng, nullptr);
   bitmap.reset();
   Gdiplus::GdiplusShutdown(token);
   if (status != Gdiplus::Ok)

@@ -36,7 +36,7 @@ struct Grammar {
   Shape Arguments;
 };
 
-const std::map<std::string, Grammar, std::less<>> Commands = {
+const std::map<std::string, Grammar, std::less<>> kCommands = {
     {"wait", {Command::Wait, Shape::Form}},
     {"click", {Command::Click, Shape::Control}},
     {"type", {Command::Type, Shape::ControlText}},
@@ -54,17 +54,17 @@ const std::map<std::string, Grammar, std::less<>> Commands = {
     {"finish", {Command::Finish, Shape::Nothing}},
     {"ended", {Command::Ended, Shape::MaybeCode}}};
 
-constexpr std::string_view Blanks = " \t\r";
+constexpr std::string_view kBlanks = " \t\r";
 
 std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(Blanks);
+  const auto first = text.find_first_not_of(kBlanks);
   if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 /// Takes the first word off `rest`.
 std::string_view TakeWord(std::string_view& rest) {
-  const auto end = std::min(rest.find_first_of(Blanks), rest.size());
+  const auto end = std::min(rest.find_first_of(kBlanks), rest.size());
   const std::string_view word = rest.substr(0, end);
   rest = Trim(rest.substr(end));
   return word;
@@ -243,8 +243,8 @@ Step ReadStep(std::string_view line, Variables& variables) {
   Step step;
   step.Source = line;
   const auto word = TakeWord(line);
-  const auto command = Commands.find(word);
-  if (command == Commands.end()) throw ScriptError("unknown command " + Quoted(word));
+  const auto command = kCommands.find(word);
+  if (command == kCommands.end()) throw ScriptError("unknown command " + Quoted(word));
   step.What = command->second.What;
   ReadArguments(command->second.Arguments, line, step, variables);
   return step;
@@ -300,9 +300,9 @@ Script ReadScript(std::string_view text, Variables& variables) {
 }
 
 const std::vector<std::string>& FormNames() {
-  static const std::vector<std::string> names = {
+  static const std::vector<std::string> kNames = {
       "FrmType", "FrmMode", "FrmAuthentication", "FrmLocation", "FrmSQLNonQuery", "FrmApplication"};
-  return names;
+  return kNames;
 }
 
 }  // namespace talu::drive

@@ -12,13 +12,13 @@ namespace talu::drive {
 
 namespace {
 
-constexpr UINT AnswerTime = 500;  // milliseconds
+constexpr UINT kAnswerTime = 500;  // milliseconds
 /// What starting a program that asks for an administrator answers to anyone else; the compiler's
 /// headers have no name for it.
-constexpr DWORD ElevationRequired = 740;
+constexpr DWORD kElevationRequired = 740;
 // What Setup leaves on a page's window: the number of its last showing, and whether it works.
-constexpr const char* Shown = "Shown";
-constexpr const char* Busy = "Busy";
+constexpr const char* kShown = "Shown";
+constexpr const char* kBusy = "Busy";
 
 using Visitor = std::function<void(HWND)>;
 
@@ -104,7 +104,7 @@ void SetupProcess::Start(const std::string& program) {
                       &startup, &info)) {
     const DWORD error = GetLastError();
     throw std::runtime_error("cannot start " + Quoted(program) +
-                             (error == ElevationRequired
+                             (error == kElevationRequired
                                   ? ": it needs an administrator, start drive as one"
                                   : " (error " + std::to_string(error) + ")"));
   }
@@ -183,7 +183,7 @@ std::string SetupProcess::PagesShown() const {
 int SetupProcess::Showing(const std::string& form) const {
   int number = 0;
   ForEachTopWindow([&](HWND window) {
-    if (OwnerOf(window) == id_ && Carries(window, form)) number = PropertyOf(window, Shown);
+    if (OwnerOf(window) == id_ && Carries(window, form)) number = PropertyOf(window, kShown);
   });
   return number;
 }
@@ -191,19 +191,19 @@ int SetupProcess::Showing(const std::string& form) const {
 int SetupProcess::LastShowing() const {
   int last = 0;
   ForEachTopWindow([&](HWND window) {
-    if (OwnerOf(window) == id_) last = std::max(last, PropertyOf(window, Shown));
+    if (OwnerOf(window) == id_) last = std::max(last, PropertyOf(window, kShown));
   });
   return last;
 }
 
 HWND SetupProcess::StuckPage() const {
   const HWND page = Page();
-  if (page == nullptr || !Carries(page, Shown) || Dialog() != nullptr) return nullptr;
+  if (page == nullptr || !Carries(page, kShown) || Dialog() != nullptr) return nullptr;
   const HWND next = ControlOn(page, "CmdNext");
   const HWND back = ControlOn(page, "CmdPrev");
   if (IsWindowEnabled(next) || IsWindowEnabled(back)) return nullptr;
   // Looked at after the buttons: a procedure that disables them for its time only is still running.
-  const bool busy = Carries(page, Busy);
+  const bool busy = Carries(page, kBusy);
   // And last, whether it was a page all the time: one that is being closed has nothing of all that.
   const bool whole = IsWindow(next) && (back == nullptr || IsWindow(back)) && IsWindow(page);
   return whole && !busy ? page : nullptr;
@@ -249,8 +249,8 @@ HWND SetupProcess::Dialog() const {
 
 std::optional<LRESULT> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   DWORD_PTR answer = 0;
-  if (SendMessageTimeoutW(window, message, wParam, lParam, SMTO_ABORTIFHUNG, AnswerTime, &answer) ==
-      0) {
+  if (SendMessageTimeoutW(window, message, wParam, lParam, SMTO_ABORTIFHUNG, kAnswerTime,
+                          &answer) == 0) {
     return std::nullopt;
   }
   return static_cast<LRESULT>(answer);

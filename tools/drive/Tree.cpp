@@ -19,7 +19,7 @@ namespace talu::drive {
 namespace {
 
 /// So many are reported by name.
-constexpr std::size_t Told = 5;
+constexpr std::size_t kTold = 5;
 
 struct Closer {
   void operator()(void* handle) const { CloseHandle(handle); }
@@ -152,11 +152,11 @@ std::string TreeDifference(const std::string& application, const std::string& in
     ++all;
     const std::string difference = Difference(path, folder, from, to, written);
     if (difference.empty()) continue;
-    if (++wrong > Told) continue;
+    if (++wrong > kTold) continue;
     told += (wrong == 1 ? "" : ", ") + Quoted(Utf8(path.substr(1))) + " " + difference;
   }
   if (wrong == 0) return {};
-  if (wrong > Told) told += ", and " + std::to_string(wrong - Told) + " more";
+  if (wrong > kTold) told += ", and " + std::to_string(wrong - kTold) + " more";
   return std::to_string(wrong) + " of " + std::to_string(all) +
          " files and folders are not as in the pack: " + told;
 }

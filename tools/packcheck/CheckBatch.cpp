@@ -119,8 +119,8 @@ void BackupNames::Collect(const SqlBatch& batch, const SqlFacts& facts) {
       if (const auto name = NamedDatabase(batch.Text, statement)) Add(*name, batch, facts);
     } catch (const RuntimeError& error) {
       const SqlStatement* naming = Naming(facts, "");
-      findings_.Add(error.Number == error::Overflow ? KnownRule("SQL-BACKUP-LONG")
-                                                    : KnownRule("SQL-BACKUP-CUT"),
+      findings_.Add(error.Number == error::kOverflow ? KnownRule("SQL-BACKUP-LONG")
+                                                     : KnownRule("SQL-BACKUP-CUT"),
                     naming != nullptr ? naming->Place : batch.Start, {Trim(statement)});
       return;
     }

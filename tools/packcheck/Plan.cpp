@@ -27,7 +27,7 @@ PlannedRun::PlannedRun(const PlanOptions& options, const Watcher& watcher)
       } catch (const std::bad_alloc&) {
         // Not the simulated machine's memory: the wizard must not go on with it as an error of its
         // own.
-        throw std::runtime_error(StandardDescription(error::OutOfMemory));
+        throw std::runtime_error(StandardDescription(error::kOutOfMemory));
       }
     });
   }

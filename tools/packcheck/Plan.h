@@ -53,7 +53,7 @@ struct PlanOptions {
   bool AcceptAll = false;
   /// The request (from 1) that fails, with this run-time error; 0: none does.
   int FailRequest = 0;
-  std::int32_t FailRequestError = error::DeviceIO;
+  std::int32_t FailRequestError = error::kDeviceIO;
   /// How add-ons end, by file name; 0 where none is given.
   std::map<std::string, std::int32_t> ExitCodes;
   /// The scripting host's collection, in order. Empty: a new machine's.

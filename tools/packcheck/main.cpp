@@ -127,7 +127,7 @@ int Main(int count, char** arguments) {
     const std::u8string name = error.path1().u8string();
     trouble = std::string(name.begin(), name.end()) + ": " + error.code().message();
   } catch (const std::bad_alloc&) {
-    trouble = StandardDescription(error::OutOfMemory);
+    trouble = StandardDescription(error::kOutOfMemory);
   } catch (const std::exception& error) {
     trouble = error.what();
   }

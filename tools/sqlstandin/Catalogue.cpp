@@ -11,7 +11,7 @@
 namespace talu::standin {
 namespace {
 
-constexpr std::chrono::seconds longestWaitForOthers{10};
+constexpr std::chrono::seconds kLongestWaitForOthers{10};
 
 }  // namespace
 
@@ -92,7 +92,7 @@ void Catalogue::EndOthers(std::unique_lock<std::mutex>& lock, const DatabaseEntr
                           int session) {
   const int id = database.Id;
   for (const int other : OthersIn(id, session)) sessions_.at(other).End();
-  if (!left_.wait_for(lock, longestWaitForOthers, [&] { return OthersIn(id, session).empty(); })) {
+  if (!left_.wait_for(lock, kLongestWaitForOthers, [&] { return OthersIn(id, session).empty(); })) {
     throw SqlFailure({message::AlterLockFailed(database.Name), message::AlterDatabaseFailed()});
   }
 }
@@ -106,7 +106,7 @@ void Catalogue::Alter(int session, const AlterDatabase& statement) {
         {message::CannotAlterDatabase(statement.Name), message::AlterDatabaseFailed()});
   }
   const DatabaseEntry entry = *found;
-  if (entry.Name == masterName && statement.What != Action::None) {
+  if (entry.Name == kMasterName && statement.What != Action::None) {
     throw SqlFailure(message::OptionNotAllowed(
         statement.What == Action::Offline ? "OFFLINE" : "SINGLE_USER", entry.Name));
   }
@@ -141,7 +141,7 @@ void Catalogue::Drop(const std::string& name) {
   const std::lock_guard lock(mutex_);
   const DatabaseEntry* found = Search(name);
   if (found == nullptr) throw SqlFailure(message::CannotDrop("database", name));
-  if (found->Name == masterName) throw SqlFailure(message::SystemDatabase(found->Name));
+  if (found->Name == kMasterName) throw SqlFailure(message::SystemDatabase(found->Name));
   if (!OthersIn(found->Id, 0).empty()) throw SqlFailure(message::DatabaseInUse(found->Name));
   const DatabaseEntry entry = *found;
   std::erase_if(databases_, [&entry](const auto& each) { return each.Id == entry.Id; });

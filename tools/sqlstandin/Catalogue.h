@@ -29,7 +29,7 @@ struct DatabaseEntry {
   std::vector<std::string> Users;
 };
 
-inline constexpr std::string_view masterName = "master";
+inline constexpr std::string_view kMasterName = "master";
 
 /// The server's databases, logins and sessions. It is kept in a file in the data folder, so it
 /// outlives the process. Safe to use from several threads; everything that a client can do wrong

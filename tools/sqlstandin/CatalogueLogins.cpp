@@ -83,7 +83,7 @@ void Catalogue::Load() {
   std::ifstream file(folder_ / "catalogue.json", std::ios::binary);
   if (!file) {
     CreateDatabase master;
-    master.Name = masterName;
+    master.Name = kMasterName;
     DatabaseEntry entry = MakeDatabaseFiles(master, drives_, folder_);
     entry.Id = 1;
     entry.Created = LocalTimeText();

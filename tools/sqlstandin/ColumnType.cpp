@@ -19,11 +19,11 @@ struct KnownType {
   bool HasLength;
   std::string_view Range = {};
 };
-constexpr std::string_view intRange = "-2147483648 AND 2147483647";
+constexpr std::string_view kIntRange = "-2147483648 AND 2147483647";
 
-constexpr std::array<KnownType, 32> knownTypes = {{
-    {"int", Kind::Integer, "INT", false, intRange},
-    {"integer", Kind::Integer, "INT", false, intRange},
+constexpr std::array<KnownType, 32> kKnownTypes = {{
+    {"int", Kind::Integer, "INT", false, kIntRange},
+    {"integer", Kind::Integer, "INT", false, kIntRange},
     {"bigint", Kind::Integer, "BIGINT", false},
     {"smallint", Kind::Integer, "SMALLINT", false, "-32768 AND 32767"},
     {"tinyint", Kind::Integer, "TINYINT", false, "0 AND 255"},
@@ -56,7 +56,7 @@ constexpr std::array<KnownType, 32> knownTypes = {{
     {"image", Kind::Bytes, "IMAGE BLOB", false},
 }};
 
-constexpr std::size_t longestNVarChar = 4000;
+constexpr std::size_t kLongestNVarChar = 4000;
 
 std::size_t ToSize(std::string_view digits) {
   std::size_t number = 0;
@@ -72,9 +72,9 @@ std::optional<ColumnType> TakeType(Lexer& lexer) {
     lexer.Next();
     name = lexer.Next().Value();
   }
-  const auto* known = std::find_if(knownTypes.begin(), knownTypes.end(),
+  const auto* known = std::find_if(kKnownTypes.begin(), kKnownTypes.end(),
                                    [&name](const auto& type) { return SameWord(type.Name, name); });
-  if (known == knownTypes.end()) return std::nullopt;
+  if (known == kKnownTypes.end()) return std::nullopt;
   ColumnType type{known->What, std::string(known->Name), std::string(known->Declared),
                   std::string(known->Range), 0};
   bool isMax = false;
@@ -114,9 +114,9 @@ std::optional<ResultColumn> ResultTypeOf(std::string_view declared) {
   const std::string_view name = declared.substr(0, parenthesis);
   // The identity column is SQLite's own row number, whose type has just this name.
   if (name == "INTEGER" || name == "BIGINT") return ResultColumn{"", ValueType::BigInt, 0};
-  const auto* known = std::find_if(knownTypes.begin(), knownTypes.end(),
+  const auto* known = std::find_if(kKnownTypes.begin(), kKnownTypes.end(),
                                    [&name](const auto& type) { return type.Declared == name; });
-  if (known == knownTypes.end()) return std::nullopt;
+  if (known == kKnownTypes.end()) return std::nullopt;
   switch (known->What) {
     case Kind::Integer:
       return ResultColumn{"", ValueType::Int, 0};
@@ -130,7 +130,7 @@ std::optional<ResultColumn> ResultTypeOf(std::string_view declared) {
   }
   std::size_t length = 0;
   if (parenthesis != std::string_view::npos) length = ToSize(declared.substr(parenthesis + 1));
-  if (length > longestNVarChar) length = 0;
+  if (length > kLongestNVarChar) length = 0;
   return ResultColumn{"", ValueType::Text, length};
 }
 

@@ -12,14 +12,14 @@
 namespace talu::standin {
 namespace {
 
-constexpr std::size_t firstPacketSize = 4096;
-constexpr std::size_t smallestPacketSize = 512;
-constexpr std::size_t largestPacketSize = 32767;
+constexpr std::size_t kFirstPacketSize = 4096;
+constexpr std::size_t kSmallestPacketSize = 512;
+constexpr std::size_t kLargestPacketSize = 32767;
 /// Bytes of a message before the login, and after it: a batch of 500 million characters.
-constexpr std::size_t loginLimit = std::size_t{128} * 1024;
-constexpr std::size_t batchLimit = std::size_t{1000} * 1000 * 1000;
-constexpr std::size_t receiveSize = std::size_t{64} * 1024;
-constexpr std::string_view language = "us_english";
+constexpr std::size_t kLoginLimit = std::size_t{128} * 1024;
+constexpr std::size_t kBatchLimit = std::size_t{1000} * 1000 * 1000;
+constexpr std::size_t kReceiveSize = std::size_t{64} * 1024;
+constexpr std::string_view kLanguage = "us_english";
 
 /// The client has gone, or does not want to hear more.
 class Gone : public std::exception {};
@@ -30,8 +30,8 @@ Connection::Connection(ServerParts& parts, std::unique_ptr<Descriptor> socket)
     : parts_(parts),
       socket_(std::move(socket)),
       number_(parts.NextSession++),
-      reader_(loginLimit),
-      packetSize_(firstPacketSize),
+      reader_(kLoginLimit),
+      packetSize_(kFirstPacketSize),
       loginEnd_(std::chrono::steady_clock::now() + parts.LoginTime) {}
 
 void Connection::End() {
@@ -60,7 +60,7 @@ void Connection::Serve() {
 /// Reads what has come; false at the end of the connection or, without waiting, when there is
 /// nothing.
 bool Connection::ReceiveMore(bool waits) {
-  std::array<char, receiveSize> bytes;
+  std::array<char, kReceiveSize> bytes;
   const ssize_t size =
       recv(socket_->Number(), bytes.data(), bytes.size(), waits ? 0 : MSG_DONTWAIT);
   if (size > 0) {
@@ -175,9 +175,9 @@ void Connection::Refuse(const SqlFailure& failure, ReplyWriter& reply) {
 
 void Connection::AnswerLogin(const Message& message) {
   const LoginRequest login = ParseLogin(message.Payload);
-  version_ = std::min(login.Version, tdsVersion74);
-  if (version_ < tdsVersion70) throw ProtocolError("a version too old");
-  const std::string database = login.Database.empty() ? std::string(masterName) : login.Database;
+  version_ = std::min(login.Version, kTdsVersion74);
+  if (version_ < kTdsVersion70) throw ProtocolError("a version too old");
+  const std::string database = login.Database.empty() ? std::string(kMasterName) : login.Database;
   ReplyWriter reply = NewReply();
   try {
     if (login.Integrated) throw SqlFailure(message::UntrustedLogin());
@@ -197,19 +197,19 @@ void Connection::AnswerLogin(const Message& message) {
   }
   parts_.Log.LoggedIn(number_, login.User, database, {});
   const std::string& name = session_->DatabaseName();
-  const std::size_t wanted = login.PacketSize == 0 ? firstPacketSize : login.PacketSize;
-  const std::size_t agreed = std::clamp(wanted, smallestPacketSize, largestPacketSize);
-  reply.DatabaseChanged(name, masterName);
+  const std::size_t wanted = login.PacketSize == 0 ? kFirstPacketSize : login.PacketSize;
+  const std::size_t agreed = std::clamp(wanted, kSmallestPacketSize, kLargestPacketSize);
+  reply.DatabaseChanged(name, kMasterName);
   reply.Tell(message::DatabaseContext(name, 2), 1);
   reply.CollationChanged();
-  reply.LanguageChanged(language);
-  reply.Tell(message::LanguageSetting(language), 1);
+  reply.LanguageChanged(kLanguage);
+  reply.Tell(message::LanguageSetting(kLanguage), 1);
   reply.LoginAccepted();
-  reply.PacketSizeChanged(agreed, firstPacketSize);
+  reply.PacketSizeChanged(agreed, kFirstPacketSize);
   reply.Done(DoneCommand::None, {});
   reply.Finish();
   packetSize_ = agreed;
-  reader_.SetLimit(batchLimit);
+  reader_.SetLimit(kBatchLimit);
 }
 
 void Connection::AnswerBatch(const Message& message) {

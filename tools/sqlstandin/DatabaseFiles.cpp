@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view placeholder =
+constexpr std::string_view kPlaceholder =
     "This file only holds the place of a file of the real server. It is not used.\n";
 
 [[noreturn]] void Fail(SqlMessage reason) {
@@ -22,7 +22,7 @@ constexpr std::string_view placeholder =
 }
 
 /// What SQLite puts beside a database while it is in use.
-constexpr std::array<const char*, 2> sides = {"-wal", "-shm"};
+constexpr std::array<const char*, 2> kSides = {"-wal", "-shm"};
 
 /// A file name for any database name.
 std::string FileNameOf(std::string_view database) {
@@ -92,7 +92,7 @@ DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& d
     errno = 0;
     std::ofstream file(other, std::ios::binary);
     if (file) made.push_back(other);
-    file << placeholder;
+    file << kPlaceholder;
     file.close();
     if (!file) giveUp(other);
   }
@@ -108,7 +108,7 @@ bool IsFileOf(const DatabaseEntry& entry, const fs::path& file) {
     return own == file || fs::equivalent(own, file, ignored);
   };
   return isSame(entry.File) ||
-         std::any_of(sides.begin(), sides.end(),
+         std::any_of(kSides.begin(), kSides.end(),
                      [&](const char* side) { return isSame(entry.File.string() + side); }) ||
          std::any_of(entry.OtherFiles.begin(), entry.OtherFiles.end(), isSame);
 }
@@ -116,7 +116,7 @@ bool IsFileOf(const DatabaseEntry& entry, const fs::path& file) {
 void RemoveDatabaseFiles(const DatabaseEntry& entry) {
   std::error_code ignored;
   fs::remove(entry.File, ignored);
-  for (const char* side : sides) fs::remove(entry.File.string() + side, ignored);
+  for (const char* side : kSides) fs::remove(entry.File.string() + side, ignored);
   for (const fs::path& other : entry.OtherFiles) fs::remove(other, ignored);
 }
 

@@ -12,10 +12,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view pathNotFound = "3(The system cannot find the path specified.)";
-constexpr std::string_view nameIsWrong =
+constexpr std::string_view kPathNotFound = "3(The system cannot find the path specified.)";
+constexpr std::string_view kNameIsWrong =
     "123(The filename, directory name, or volume label syntax is incorrect.)";
-constexpr std::string_view accessDenied = "5(Access is denied.)";
+constexpr std::string_view kAccessDenied = "5(Access is denied.)";
 
 char UpperLetter(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
@@ -61,15 +61,15 @@ FoundPath Drives::Find(std::string_view windowsPath) const {
     return found;
   };
   if (windowsPath.size() < 3 || windowsPath[1] != ':' || !IsLetter(windowsPath[0])) {
-    return fail(nameIsWrong);
+    return fail(kNameIsWrong);
   }
   const auto drive = folders_.find(UpperLetter(windowsPath[0]));
-  if (drive == folders_.end()) return fail(pathNotFound);
+  if (drive == folders_.end()) return fail(kPathNotFound);
   const bool isWrong = std::any_of(windowsPath.begin() + 2, windowsPath.end(), [](char c) {
     return static_cast<unsigned char>(c) < ' ' ||
            std::string_view("<>:\"|?*").find(c) != std::string_view::npos;
   });
-  if (isWrong || (windowsPath[2] != '\\' && windowsPath[2] != '/')) return fail(nameIsWrong);
+  if (isWrong || (windowsPath[2] != '\\' && windowsPath[2] != '/')) return fail(kNameIsWrong);
 
   std::vector<std::string> parts;
   for (std::size_t at = 2; at < windowsPath.size();) {
@@ -83,19 +83,19 @@ FoundPath Drives::Find(std::string_view windowsPath) const {
     while (!part.empty() && (part.back() == ' ' || part.back() == '.')) part.pop_back();
     if (!part.empty()) parts.push_back(std::move(part));
   }
-  if (parts.empty()) return fail(accessDenied);  // the root is no file
+  if (parts.empty()) return fail(kAccessDenied);  // the root is no file
   fs::path folder = drive->second;
   std::error_code error;
   for (std::size_t i = 0; i + 1 < parts.size(); ++i) {
     bool exists = false;
     folder = FindEntry(folder, parts[i], exists);
-    if (!exists || !fs::is_directory(folder, error)) return fail(pathNotFound);
+    if (!exists || !fs::is_directory(folder, error)) return fail(kPathNotFound);
   }
   found.File = FindEntry(folder, parts.back(), found.Exists);
   found.FolderExists = true;
   if (found.Exists && fs::is_directory(found.File, error)) {
     found.FolderExists = false;
-    return fail(accessDenied);
+    return fail(kAccessDenied);
   }
   return found;
 }

@@ -27,19 +27,19 @@ SqlMessage Error(std::int32_t number, std::uint8_t severity, std::uint8_t state,
 }
 
 /// How much of a long word the server quotes.
-constexpr std::size_t quotedUnits = 128;
+constexpr std::size_t kQuotedUnits = 128;
 
 }  // namespace
 
 SqlMessage Own(std::string_view text) {
-  return Error(ownMessageNumber, 16, 1, "sqlstandin: %", {text});
+  return Error(kOwnMessageNumber, 16, 1, "sqlstandin: %", {text});
 }
 SqlMessage SyntaxNear(std::string_view word) {
-  return Error(102, 15, 1, "Incorrect syntax near '%'.", {FirstUnits(word, quotedUnits)});
+  return Error(102, 15, 1, "Incorrect syntax near '%'.", {FirstUnits(word, kQuotedUnits)});
 }
 SqlMessage UnclosedQuote(std::string_view text) {
   return Error(105, 15, 1, "Unclosed quotation mark after the character string '%'.",
-               {FirstUnits(text, quotedUnits)});
+               {FirstUnits(text, kQuotedUnits)});
 }
 SqlMessage UnclosedComment() {
   return Error(113, 15, 1, "Missing end comment mark '*/'.");
@@ -47,7 +47,7 @@ SqlMessage UnclosedComment() {
 SqlMessage IdentifierTooLong(std::string_view name) {
   return Error(103, 15, 4,
                "The identifier that starts with '%' is too long. Maximum length is 128.",
-               {FirstUnits(name, quotedUnits)});
+               {FirstUnits(name, kQuotedUnits)});
 }
 SqlMessage TooDeep() {
   return Error(

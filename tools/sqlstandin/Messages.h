@@ -40,7 +40,7 @@ class SqlFailure : public std::exception {
 class Cancelled : public std::exception {};
 
 /// The number of messages that are this program's own; the real server leaves it to the user.
-inline constexpr std::int32_t ownMessageNumber = 50000;
+inline constexpr std::int32_t kOwnMessageNumber = 50000;
 
 /// The messages, each with the real server's number, class and wording. Source: the public
 /// reference "Database Engine events and errors", which prints the server's own table sys.messages;

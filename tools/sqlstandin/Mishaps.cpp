@@ -16,7 +16,7 @@ Value ToNumber(std::string_view digits) {
   return number;
 }
 
-constexpr std::string_view defaultFailure = "this statement was told to fail";
+constexpr std::string_view kDefaultFailure = "this statement was told to fail";
 
 struct Parts {
   std::string_view Key;
@@ -35,7 +35,7 @@ Parts ParseFailure(std::string_view rule) {
       return {rule.substr(0, equals), {number, 16, 1, std::string(rule.substr(colon + 1))}};
     }
   }
-  return {rule, message::Own(defaultFailure)};
+  return {rule, message::Own(kDefaultFailure)};
 }
 
 }  // namespace

@@ -6,10 +6,10 @@
 namespace talu::standin {
 namespace {
 
-constexpr unsigned statusEndOfMessage = 0x01;
-constexpr unsigned statusIgnore = 0x02;
-constexpr unsigned statusReset = 0x08;
-constexpr unsigned statusResetKeepTransaction = 0x10;
+constexpr unsigned kStatusEndOfMessage = 0x01;
+constexpr unsigned kStatusIgnore = 0x02;
+constexpr unsigned kStatusReset = 0x08;
+constexpr unsigned kStatusResetKeepTransaction = 0x10;
 
 bool IsKnown(unsigned type) {
   switch (static_cast<MessageType>(type)) {
@@ -38,9 +38,9 @@ void MessageReader::Feed(std::string_view bytes) {
       message_.Payload.append(bytes.substr(0, taken));
       bodyLeft_ -= taken;
     } else {
-      taken = std::min(packetHeaderSize - header_.size(), bytes.size());
+      taken = std::min(kPacketHeaderSize - header_.size(), bytes.size());
       header_.append(bytes.substr(0, taken));
-      if (header_.size() == packetHeaderSize) BeginPacket();
+      if (header_.size() == kPacketHeaderSize) BeginPacket();
     }
     bytes.remove_prefix(taken);
     if (inBody_ && bodyLeft_ == 0) EndPacket();
@@ -52,15 +52,15 @@ void MessageReader::BeginPacket() {
   if (!IsKnown(byte(0))) throw ProtocolError("a packet of a type that no client sends");
   const auto type = static_cast<MessageType>(byte(0));
   const std::size_t length = (static_cast<std::size_t>(byte(2)) << 8) | byte(3);
-  if (length < packetHeaderSize) throw ProtocolError("a packet shorter than its header");
+  if (length < kPacketHeaderSize) throw ProtocolError("a packet shorter than its header");
   if (inMessage_ && type != message_.Type) {
     if (type != MessageType::Attention) throw ProtocolError("one message within another");
     inMessage_ = false;  // the client gives up the message that it was sending
   }
   if (!inMessage_) message_ = Message{type, false, {}};
   inMessage_ = true;
-  if ((byte(1) & (statusReset | statusResetKeepTransaction)) != 0) message_.ResetsSession = true;
-  bodyLeft_ = length - packetHeaderSize;
+  if ((byte(1) & (kStatusReset | kStatusResetKeepTransaction)) != 0) message_.ResetsSession = true;
+  bodyLeft_ = length - kPacketHeaderSize;
   if (message_.Payload.size() + bodyLeft_ > limit_) throw ProtocolError("a message too long");
   inBody_ = true;
 }
@@ -69,9 +69,9 @@ void MessageReader::EndPacket() {
   const auto status = static_cast<unsigned char>(header_[1]);
   header_.clear();
   inBody_ = false;
-  if ((status & statusEndOfMessage) == 0) return;
+  if ((status & kStatusEndOfMessage) == 0) return;
   inMessage_ = false;
-  if ((status & statusIgnore) == 0) complete_.push_back(std::move(message_));
+  if ((status & kStatusIgnore) == 0) complete_.push_back(std::move(message_));
   message_ = Message{};
 }
 

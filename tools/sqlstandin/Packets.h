@@ -30,7 +30,7 @@ enum class MessageType : std::uint8_t {
   PreLogin = 18,
 };
 
-inline constexpr std::size_t packetHeaderSize = 8;
+inline constexpr std::size_t kPacketHeaderSize = 8;
 
 /// A whole message: the payloads of its packets, joined.
 struct Message {

@@ -8,8 +8,8 @@ namespace talu::standin {
 namespace {
 
 /// IF within IF, block within block: as deep as the real server goes.
-constexpr int deepestNesting = 32;
-constexpr std::size_t longestName = 128;
+constexpr int kDeepestNesting = 32;
+constexpr std::size_t kLongestName = 128;
 
 /// Words that can only begin a statement or end one, outside parentheses.
 bool IsBoundary(const Token& token) {
@@ -57,7 +57,7 @@ std::string Parser::TakeName() {
   if (!next_.IsName() || IsBoundary(next_)) FailAt(next_);
   std::string name = Take().Value();
   if (name.empty()) FailAt(last_);
-  if (name.size() > longestName && CountUnits(name) > longestName) {
+  if (name.size() > kLongestName && CountUnits(name) > kLongestName) {
     throw SqlFailure(message::IdentifierTooLong(name), true);
   }
   return name;
@@ -84,7 +84,7 @@ std::vector<Statement> Parser::ParseAll() {
 }
 
 Statement Parser::ParseOne() {
-  if (++depth_ > deepestNesting) throw SqlFailure(message::TooDeep(), true);
+  if (++depth_ > kDeepestNesting) throw SqlFailure(message::TooDeep(), true);
   Statement statement;
   statement.At = next_.At;
   const Token head = Take();

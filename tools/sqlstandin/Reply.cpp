@@ -12,48 +12,48 @@ namespace talu::standin {
 namespace {
 
 enum Token : std::uint8_t {
-  tokenColumns = 0x81,
-  tokenError = 0xAA,
-  tokenInfo = 0xAB,
-  tokenLoginAck = 0xAD,
-  tokenRow = 0xD1,
-  tokenChange = 0xE3,
-  tokenDone = 0xFD,
+  TokenColumns = 0x81,
+  TokenError = 0xAA,
+  TokenInfo = 0xAB,
+  TokenLoginAck = 0xAD,
+  TokenRow = 0xD1,
+  TokenChange = 0xE3,
+  TokenDone = 0xFD,
 };
 
 enum Type : std::uint8_t {
-  typeImage = 0x22,
-  typeIntN = 0x26,
-  typeNText = 0x63,
-  typeFloatN = 0x6D,
-  typeVarBinary = 0xA5,
-  typeNVarChar = 0xE7,
+  TypeImage = 0x22,
+  TypeIntN = 0x26,
+  TypeNText = 0x63,
+  TypeFloatN = 0x6D,
+  TypeVarBinary = 0xA5,
+  TypeNVarChar = 0xE7,
 };
 
 enum Change : std::uint8_t {
-  changeDatabase = 1,
-  changeLanguage = 2,
-  changePacketSize = 4,
-  changeCollation = 7,
-  changeBegin = 8,
-  changeCommit = 9,
-  changeRollback = 10,
-  changeReset = 18,
+  ChangeDatabase = 1,
+  ChangeLanguage = 2,
+  ChangePacketSize = 4,
+  ChangeCollation = 7,
+  ChangeBegin = 8,
+  ChangeCommit = 9,
+  ChangeRollback = 10,
+  ChangeReset = 18,
 };
 
-constexpr unsigned doneMore = 0x01;
-constexpr unsigned doneError = 0x02;
-constexpr unsigned doneCount = 0x10;
-constexpr unsigned doneAttention = 0x20;
+constexpr unsigned kDoneMore = 0x01;
+constexpr unsigned kDoneError = 0x02;
+constexpr unsigned kDoneCount = 0x10;
+constexpr unsigned kDoneAttention = 0x20;
 
 /// Latin1_General, ignoring case: locale 1033, sort order 52.
-constexpr std::string_view collation{"\x09\x04\xD0\x00\x34", 5};
-constexpr std::string_view serverName = "SQLSTANDIN";
+constexpr std::string_view kCollation{"\x09\x04\xD0\x00\x34", 5};
+constexpr std::string_view kServerName = "SQLSTANDIN";
 /// Characters of a message that the real server sends at most.
-constexpr std::size_t longestMessage = 2047;
-constexpr std::size_t longestColumnName = 128;
+constexpr std::size_t kLongestMessage = 2047;
+constexpr std::size_t kLongestColumnName = 128;
 /// Bytes gathered before anything is sent.
-constexpr std::size_t flushSize = std::size_t{128} * 1024;
+constexpr std::size_t kFlushSize = std::size_t{128} * 1024;
 
 std::string Utf16(std::string_view utf8) {
   std::string bytes;
@@ -64,7 +64,7 @@ std::string Utf16(std::string_view utf8) {
 }  // namespace
 
 bool ReplyWriter::HasLongTypes() const {
-  return version_ >= tdsVersion72;
+  return version_ >= kTdsVersion72;
 }
 
 void ReplyWriter::Number(std::uint64_t value, std::size_t size) {
@@ -81,14 +81,14 @@ void ReplyWriter::ShortText(std::string_view utf8) {
 }
 
 void ReplyWriter::BeginToken() {
-  if (pending_) PutDone(pending_->Status | doneMore);
+  if (pending_) PutDone(pending_->Status | kDoneMore);
   Flush(false);
 }
 
 void ReplyWriter::LoginAccepted() {
   BeginToken();
   const std::string name = Utf16("sqlstandin");
-  Number(tokenLoginAck, 1);
+  Number(TokenLoginAck, 1);
   Number(1 + 4 + 1 + name.size() + 4, 2);
   Number(1, 1);  // the SQL dialect
   for (int shift = 24; shift >= 0; shift -= 8) Number(version_ >> shift, 1);
@@ -99,10 +99,10 @@ void ReplyWriter::LoginAccepted() {
 
 void ReplyWriter::Change(std::uint8_t type, std::string_view newValue, std::string_view oldValue) {
   BeginToken();
-  const bool isText = type <= changePacketSize;
+  const bool isText = type <= ChangePacketSize;
   const std::string newBytes = isText ? Utf16(newValue) : std::string(newValue);
   const std::string oldBytes = isText ? Utf16(oldValue) : std::string(oldValue);
-  Number(tokenChange, 1);
+  Number(TokenChange, 1);
   Number(1 + 1 + newBytes.size() + 1 + oldBytes.size(), 2);
   Number(type, 1);
   Number(isText ? newBytes.size() / 2 : newBytes.size(), 1);
@@ -112,56 +112,56 @@ void ReplyWriter::Change(std::uint8_t type, std::string_view newValue, std::stri
 }
 
 void ReplyWriter::DatabaseChanged(std::string_view newName, std::string_view oldName) {
-  Change(changeDatabase, newName, oldName);
+  Change(ChangeDatabase, newName, oldName);
 }
 void ReplyWriter::LanguageChanged(std::string_view language) {
-  Change(changeLanguage, language, "");
+  Change(ChangeLanguage, language, "");
 }
 void ReplyWriter::PacketSizeChanged(std::size_t newSize, std::size_t oldSize) {
-  Change(changePacketSize, std::to_string(newSize), std::to_string(oldSize));
+  Change(ChangePacketSize, std::to_string(newSize), std::to_string(oldSize));
 }
 void ReplyWriter::CollationChanged() {
-  Change(changeCollation, collation, "");
+  Change(ChangeCollation, kCollation, "");
 }
 void ReplyWriter::SessionReset() {
-  Change(changeReset, "", "");
+  Change(ChangeReset, "", "");
 }
 
 void ReplyWriter::TransactionBegan(std::uint64_t transaction) {
   if (!HasLongTypes()) return;  // older clients know no transaction numbers
-  Change(changeBegin, {reinterpret_cast<const char*>(&transaction), sizeof transaction}, "");
+  Change(ChangeBegin, {reinterpret_cast<const char*>(&transaction), sizeof transaction}, "");
 }
 
 void ReplyWriter::TransactionEnded(std::uint64_t transaction, bool committed) {
   if (!HasLongTypes()) return;
-  Change(committed ? changeCommit : changeRollback, "",
+  Change(committed ? ChangeCommit : ChangeRollback, "",
          {reinterpret_cast<const char*>(&transaction), sizeof transaction});
 }
 
 void ReplyWriter::Tell(const SqlMessage& message, std::size_t line) {
   BeginToken();
-  const std::string text = Utf16(FirstUnits(message.Text, longestMessage));
-  const std::string server = Utf16(serverName);
+  const std::string text = Utf16(FirstUnits(message.Text, kLongestMessage));
+  const std::string server = Utf16(kServerName);
   const std::size_t lineSize = HasLongTypes() ? 4 : 2;
-  Number(message.Severity > 10 ? tokenError : tokenInfo, 1);
+  Number(message.Severity > 10 ? TokenError : TokenInfo, 1);
   Number(4 + 1 + 1 + 2 + text.size() + 1 + server.size() + 1 + lineSize, 2);
   Number(static_cast<std::uint32_t>(message.Number), 4);
   Number(message.State, 1);
   Number(message.Severity, 1);
   Number(text.size() / 2, 2);
   body_ += text;
-  ShortText(serverName);
+  ShortText(kServerName);
   ShortText("");  // no procedure
   Number(line, lineSize);
 }
 
 void ReplyWriter::Collation() {
-  if (version_ >= tdsVersion71) body_ += collation;
+  if (version_ >= kTdsVersion71) body_ += kCollation;
 }
 
 void ReplyWriter::Columns(const std::vector<ResultColumn>& columns) {
   BeginToken();
-  Number(tokenColumns, 1);
+  Number(TokenColumns, 1);
   Number(columns.size(), 2);
   for (const ResultColumn& column : columns) {
     Number(0, HasLongTypes() ? 4 : 2);  // no user type
@@ -169,43 +169,43 @@ void ReplyWriter::Columns(const std::vector<ResultColumn>& columns) {
     switch (column.Type) {
       case ValueType::Int:
       case ValueType::BigInt:
-        Number(typeIntN, 1);
+        Number(TypeIntN, 1);
         Number(column.Type == ValueType::Int ? 4 : 8, 1);
         break;
       case ValueType::Float:
-        Number(typeFloatN, 1);
+        Number(TypeFloatN, 1);
         Number(8, 1);
         break;
       case ValueType::Text:
         if (column.Length == 0 && !HasLongTypes()) {
-          Number(typeNText, 1);
+          Number(TypeNText, 1);
           Number(0x7FFFFFFE, 4);
           Collation();
           Number(0, 2);  // of no table
         } else {
-          Number(typeNVarChar, 1);
+          Number(TypeNVarChar, 1);
           Number(column.Length == 0 ? 0xFFFF : column.Length * 2, 2);
           Collation();
         }
         break;
       case ValueType::Bytes:
         if (HasLongTypes()) {
-          Number(typeVarBinary, 1);
+          Number(TypeVarBinary, 1);
           Number(0xFFFF, 2);
         } else {
-          Number(typeImage, 1);
+          Number(TypeImage, 1);
           Number(0x7FFFFFFF, 4);
           Number(0, 2);
         }
         break;
     }
-    ShortText(FirstUnits(column.Name, longestColumnName));
+    ShortText(FirstUnits(column.Name, kLongestColumnName));
   }
 }
 
 void ReplyWriter::BeginRow() {
   BeginToken();
-  Number(tokenRow, 1);
+  Number(TokenRow, 1);
 }
 
 void ReplyWriter::Null(const ResultColumn& column) {
@@ -264,18 +264,18 @@ void ReplyWriter::LongValue(std::string_view bytes) {
 
 void ReplyWriter::Done(DoneCommand command, std::optional<std::uint64_t> rows, bool failed) {
   BeginToken();
-  pending_ = {(rows ? doneCount : 0) | (failed ? doneError : 0), command, rows.value_or(0)};
+  pending_ = {(rows ? kDoneCount : 0) | (failed ? kDoneError : 0), command, rows.value_or(0)};
 }
 
 void ReplyWriter::DoneAttention() {
   BeginToken();
-  pending_ = {doneAttention, DoneCommand::None, 0};
+  pending_ = {kDoneAttention, DoneCommand::None, 0};
 }
 
 void ReplyWriter::PutDone(unsigned status) {
   const PendingDone done = *pending_;
   pending_.reset();
-  Number(tokenDone, 1);
+  Number(TokenDone, 1);
   Number(status, 2);
   Number(static_cast<std::uint16_t>(done.Command), 2);
   Number(done.Rows, HasLongTypes() ? 8 : 4);
@@ -287,14 +287,14 @@ void ReplyWriter::Finish() {
 }
 
 void ReplyWriter::Flush(bool last) {
-  if (!last && body_.size() < flushSize) return;
-  const std::size_t room = packetSize_ - packetHeaderSize;
+  if (!last && body_.size() < kFlushSize) return;
+  const std::size_t room = packetSize_ - kPacketHeaderSize;
   std::size_t sent = 0;
   std::string packets;
   while (body_.size() - sent > room || (last && sent < body_.size())) {
     const std::size_t size = std::min(room, body_.size() - sent);
     const bool final = last && sent + size == body_.size();
-    const std::size_t total = size + packetHeaderSize;
+    const std::size_t total = size + kPacketHeaderSize;
     packets.push_back(static_cast<char>(MessageType::Reply));
     packets.push_back(final ? '\x01' : '\x00');
     packets.push_back(static_cast<char>(total >> 8));

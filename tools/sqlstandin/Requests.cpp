@@ -8,7 +8,7 @@ namespace talu::standin {
 namespace {
 
 /// Characters in one login field: the protocol's own limit.
-constexpr std::size_t longestLoginField = 128;
+constexpr std::size_t kLongestLoginField = 128;
 
 std::string LoginField(std::string_view payload, std::size_t directoryAt, bool isPassword = false) {
   ByteReader directory(payload);
@@ -16,7 +16,7 @@ std::string LoginField(std::string_view payload, std::size_t directoryAt, bool i
   const std::size_t offset = directory.Number(2);
   const std::size_t length = directory.Number(2);
   if (length == 0) return {};
-  if (length > longestLoginField) throw ProtocolError("a login field too long");
+  if (length > kLongestLoginField) throw ProtocolError("a login field too long");
   ByteReader field(payload);
   field.Take(offset);
   std::string bytes(field.Take(length * 2));
@@ -32,7 +32,7 @@ std::string LoginField(std::string_view payload, std::size_t directoryAt, bool i
 
 ByteReader AfterHeaders(std::string_view payload, std::uint32_t version) {
   ByteReader reader(payload);
-  if (version >= tdsVersion72) {
+  if (version >= kTdsVersion72) {
     const std::size_t total = reader.Number(4);
     if (total < 4) throw ProtocolError("a request with bad headers");
     reader.Take(total - 4);
@@ -62,27 +62,27 @@ std::string ParseBatch(std::string_view payload, std::uint32_t version) {
 
 std::string ParseProcedureName(std::string_view payload, std::uint32_t version) {
   // The procedures that have a number instead of a name on the wire, from 1.
-  static constexpr std::array<const char*, 16> numbered = {"",
-                                                           "sp_cursor",
-                                                           "sp_cursoropen",
-                                                           "sp_cursorprepare",
-                                                           "sp_cursorexecute",
-                                                           "sp_cursorprepexec",
-                                                           "sp_cursorunprepare",
-                                                           "sp_cursorfetch",
-                                                           "sp_cursoroption",
-                                                           "sp_cursorclose",
-                                                           "sp_executesql",
-                                                           "sp_prepare",
-                                                           "sp_execute",
-                                                           "sp_prepexec",
-                                                           "sp_prepexecrpc",
-                                                           "sp_unprepare"};
+  static constexpr std::array<const char*, 16> kNumbered = {"",
+                                                            "sp_cursor",
+                                                            "sp_cursoropen",
+                                                            "sp_cursorprepare",
+                                                            "sp_cursorexecute",
+                                                            "sp_cursorprepexec",
+                                                            "sp_cursorunprepare",
+                                                            "sp_cursorfetch",
+                                                            "sp_cursoroption",
+                                                            "sp_cursorclose",
+                                                            "sp_executesql",
+                                                            "sp_prepare",
+                                                            "sp_execute",
+                                                            "sp_prepexec",
+                                                            "sp_prepexecrpc",
+                                                            "sp_unprepare"};
   ByteReader reader = AfterHeaders(payload, version);
   const std::size_t length = reader.Number(2);
   if (length != 0xFFFF) return Utf8FromUtf16(reader.Take(length * 2));
   const std::size_t number = reader.Number(2);
-  return number < numbered.size() ? numbered.at(number) : std::to_string(number);
+  return number < kNumbered.size() ? kNumbered.at(number) : std::to_string(number);
 }
 
 TransactionRequest ParseTransaction(std::string_view payload, std::uint32_t version) {
@@ -115,7 +115,7 @@ std::string AnswerPreLogin(std::string_view payload) {
     value.Take(bigEndian());
   }
   // Five options of five bytes and the terminator, then their values.
-  static constexpr std::array<unsigned char, 35> answer = {
+  static constexpr std::array<unsigned char, 35> kAnswer = {
       0,    0,  26, 0,    6,           // version
       1,    0,  32, 0,    1,           // encryption
       2,    0,  33, 0,    1,           // instance
@@ -126,7 +126,7 @@ std::string AnswerPreLogin(std::string_view payload) {
       0,                               // the instance name was right
       0,                               // no multiple result sets
   };
-  return {answer.begin(), answer.end()};
+  return {kAnswer.begin(), kAnswer.end()};
 }
 
 }  // namespace talu::standin

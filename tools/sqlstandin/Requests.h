@@ -9,10 +9,10 @@
 namespace talu::standin {
 
 /// Protocol versions as a login names them.
-inline constexpr std::uint32_t tdsVersion70 = 0x70000000;
-inline constexpr std::uint32_t tdsVersion71 = 0x71000001;
-inline constexpr std::uint32_t tdsVersion72 = 0x72090002;
-inline constexpr std::uint32_t tdsVersion74 = 0x74000004;
+inline constexpr std::uint32_t kTdsVersion70 = 0x70000000;
+inline constexpr std::uint32_t kTdsVersion71 = 0x71000001;
+inline constexpr std::uint32_t kTdsVersion72 = 0x72090002;
+inline constexpr std::uint32_t kTdsVersion74 = 0x74000004;
 
 /// What a client says when it logs in.
 struct LoginRequest {

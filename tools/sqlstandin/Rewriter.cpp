@@ -30,12 +30,12 @@ std::string QuoteText(std::string_view text) {
     return quoted += '\'';
   }
   // SQLite's parser stops at a NUL, so a text with one is spelt as its bytes.
-  static constexpr std::string_view digits = "0123456789ABCDEF";
+  static constexpr std::string_view kDigits = "0123456789ABCDEF";
   quoted.reserve(text.size() * 2 + 20);
   quoted += "CAST(X'";
   for (const char c : text) {
-    quoted += digits[static_cast<unsigned char>(c) >> 4];
-    quoted += digits[static_cast<unsigned char>(c) & 0xF];
+    quoted += kDigits[static_cast<unsigned char>(c) >> 4];
+    quoted += kDigits[static_cast<unsigned char>(c) & 0xF];
   }
   return quoted += "' AS TEXT)";
 }

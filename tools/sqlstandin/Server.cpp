@@ -18,9 +18,9 @@
 namespace talu::standin {
 namespace {
 
-constexpr std::size_t mostClients = 256;
+constexpr std::size_t kMostClients = 256;
 /// How long clients wait when there is no descriptor for them, before the next look: 0.1 s.
-constexpr int pauseMilliseconds = 100;
+constexpr int kPauseMilliseconds = 100;
 
 /// A line for whoever runs the server, in one piece.
 void Tell(const std::string& line) {
@@ -60,7 +60,7 @@ void Server::Run(int stopDescriptor) {
                                   {listener_.Number(), POLLIN, 0}}};
   bool isShort = false;  // of descriptors: the listener stays ready, so it is not waited for
   while (true) {
-    const int count = poll(waits.data(), isShort ? 2 : 3, isShort ? pauseMilliseconds : -1);
+    const int count = poll(waits.data(), isShort ? 2 : 3, isShort ? kPauseMilliseconds : -1);
     if (count < 0) {
       if (errno == EINTR) continue;
       Check(false, "cannot wait for clients");
@@ -92,8 +92,8 @@ bool Server::Accept() {
 }
 
 void Server::Serve(std::unique_ptr<Descriptor> socket) {
-  if (clients_.size() >= mostClients) {
-    throw std::runtime_error("there are " + std::to_string(mostClients) + " already");
+  if (clients_.size() >= kMostClients) {
+    throw std::runtime_error("there are " + std::to_string(kMostClients) + " already");
   }
   const int on = 1;
   setsockopt(socket->Number(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);

@@ -20,8 +20,8 @@ struct ServerParts {
   Journal& Log;
   const Mishaps& Plan;
   /// How long a client may take to log in.
-  static constexpr std::chrono::milliseconds UsualLoginTime{30000};
-  std::chrono::milliseconds LoginTime = UsualLoginTime;
+  static constexpr std::chrono::milliseconds kUsualLoginTime{30000};
+  std::chrono::milliseconds LoginTime = kUsualLoginTime;
   /// Batches received, over all sessions.
   std::atomic<std::uint64_t> Batches{0};
   /// The real server's first session that is not its own is 51.

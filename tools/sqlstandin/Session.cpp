@@ -63,9 +63,9 @@ bool Session::CarryLeaf(const Statement& statement) {
     std::visit(
         [this](const auto& what) {
           using What = std::decay_t<decltype(what)>;
-          constexpr bool isCompound =
+          constexpr bool kIsCompound =
               std::is_same_v<What, Block> || std::is_same_v<What, IfStatement>;
-          if constexpr (!isCompound) Do(what);
+          if constexpr (!kIsCompound) Do(what);
         },
         statement.What);
     lastError_ = 0;

@@ -35,7 +35,7 @@ void Session::Do(const AlterDatabase& statement) {
   if (statement.What == AlterDatabase::Action::Offline) {
     if (SameName(statement.Name, facts_.Current.Name)) {
       const std::string before = facts_.Current.Name;
-      SwitchTo(std::string(masterName));
+      SwitchTo(std::string(kMasterName));
       reply_->DatabaseChanged(facts_.Current.Name, before);
     }
   }

@@ -9,14 +9,14 @@
 namespace talu::standin {
 namespace {
 
-constexpr std::chrono::milliseconds busyPause{5};
+constexpr std::chrono::milliseconds kBusyPause{5};
 /// How long a statement waits for another session's transaction: 30 s.
-constexpr int busyTries = 6000;
+constexpr int kBusyTries = 6000;
 /// Steps of SQLite's machine between two looks at whether to stop.
-constexpr int stepsBetweenTests = 20000;
-constexpr int pagesAtOnce = 2000;
+constexpr int kStepsBetweenTests = 20000;
+constexpr int kPagesAtOnce = 2000;
 /// Marks a file as ours: "TALU".
-constexpr std::string_view markFile = "PRAGMA application_id = 0x54414C55";
+constexpr std::string_view kMarkFile = "PRAGMA application_id = 0x54414C55";
 
 }  // namespace
 
@@ -26,7 +26,7 @@ bool SqliteDatabase::MakeFile(const std::filesystem::path& file) {
       sqlite3_open_v2(file.c_str(), &raw,
                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
   const std::unique_ptr<sqlite3, Closer> handle(raw);
-  if (code == SQLITE_OK) code = sqlite3_exec(raw, markFile.data(), nullptr, nullptr, nullptr);
+  if (code == SQLITE_OK) code = sqlite3_exec(raw, kMarkFile.data(), nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) errno = raw == nullptr ? ENOMEM : sqlite3_system_errno(raw);
   return code == SQLITE_OK;
 }
@@ -44,7 +44,7 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::string na
   sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   sqlite3_busy_handler(raw, OnBusy, this);
-  sqlite3_progress_handler(raw, stepsBetweenTests, OnProgress, this);
+  sqlite3_progress_handler(raw, kStepsBetweenTests, OnProgress, this);
   // Write-ahead, without waiting for the disk: a commit is one write, and a killed process loses
   // nothing; only a power cut could.
   Execute(
@@ -53,8 +53,8 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::string na
 }
 
 int SqliteDatabase::OnBusy(void* self, int tries) {
-  if (tries >= busyTries || static_cast<SqliteDatabase*>(self)->isCancelled_()) return 0;
-  std::this_thread::sleep_for(busyPause);
+  if (tries >= kBusyTries || static_cast<SqliteDatabase*>(self)->isCancelled_()) return 0;
+  std::this_thread::sleep_for(kBusyPause);
   return 1;
 }
 
@@ -122,9 +122,9 @@ std::int64_t SqliteDatabase::CopyTo(const std::filesystem::path& file,
   int busy = 0;
   while (code != SQLITE_DONE) {
     if (isCancelled_()) throw Cancelled();
-    code = sqlite3_backup_step(backup, pagesAtOnce);
-    if ((code & 0xFF) == SQLITE_BUSY && ++busy < busyTries) {
-      std::this_thread::sleep_for(busyPause);
+    code = sqlite3_backup_step(backup, kPagesAtOnce);
+    if ((code & 0xFF) == SQLITE_BUSY && ++busy < kBusyTries) {
+      std::this_thread::sleep_for(kBusyPause);
     } else if (code != SQLITE_OK && code != SQLITE_DONE) {
       Fail(code, "BACKUP");
     }

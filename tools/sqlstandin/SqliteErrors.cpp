@@ -39,9 +39,9 @@ SqlMessage OfConstraint(int code, std::string_view text, std::string_view verb,
     case SQLITE_CONSTRAINT_FOREIGNKEY:
       return message::Conflict(verb, verb == "DELETE" ? "REFERENCE" : "FOREIGN KEY", database);
     case SQLITE_CONSTRAINT_CHECK:
-      if (what == lengthConstraint) return message::Truncated();
-      if (what.starts_with(typeConstraint)) {
-        return message::ConversionError("nvarchar", what.substr(typeConstraint.size()));
+      if (what == kLengthConstraint) return message::Truncated();
+      if (what.starts_with(kTypeConstraint)) {
+        return message::ConversionError("nvarchar", what.substr(kTypeConstraint.size()));
       }
       return message::Conflict(verb, "CHECK", database);
     default:

@@ -64,10 +64,10 @@ void CharIndex(sqlite3_context* context, int /*count*/, sqlite3_value** values) 
 
 void NewId(sqlite3_context* context, int /*count*/, sqlite3_value** /*values*/) {
   static thread_local std::mt19937_64 random{std::random_device{}()};
-  static constexpr std::string_view digits = "0123456789ABCDEF";
+  static constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string id = "xxxxxxxx-xxxx-4xxx-8xxx-xxxxxxxxxxxx";
   for (char& c : id) {
-    if (c == 'x') c = digits[random() % 16];
+    if (c == 'x') c = kDigits[random() % 16];
   }
   Return(context, id);
 }
@@ -186,7 +186,7 @@ void AddFunctions(SqliteDatabase& database, const SessionFacts& facts) {
     int Arguments;
     Function* Call;
   };
-  static constexpr Entry entries[] = {
+  static constexpr Entry kEntries[] = {
       {"sqlstandin_databases", 0, Databases},
       {"sqlstandin_logins", 0, Logins},
       {"sqlstandin_users", 1, Users},
@@ -202,7 +202,7 @@ void AddFunctions(SqliteDatabase& database, const SessionFacts& facts) {
       {"object_id", 1, ObjectId},
       {"object_id", 2, ObjectId},
   };
-  for (const Entry& entry : entries) {
+  for (const Entry& entry : kEntries) {
     // SQLite only hands the pointer back, to functions that take it as constant.
     sqlite3_create_function(database.Handle(), entry.Name, entry.Arguments, SQLITE_UTF8,
                             const_cast<SessionFacts*>(&facts), entry.Call, nullptr, nullptr);

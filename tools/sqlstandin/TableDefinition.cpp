@@ -286,12 +286,12 @@ std::string TableDefinition::Declare(const Column& column, bool isRowNumber) con
   if (column.Type.What == Kind::Text && !column.IsBinary) sql += " COLLATE NOCASE";
   sql += column.Rest;
   if (column.Type.Length > 0) {
-    sql += " CONSTRAINT " + QuoteName(lengthConstraint) + " CHECK (length(" + name +
+    sql += " CONSTRAINT " + QuoteName(kLengthConstraint) + " CHECK (length(" + name +
            ") <= " + std::to_string(column.Type.Length) + ")";
   }
   if (column.Type.What == Kind::Integer || column.Type.What == Kind::Real ||
       column.Type.What == Kind::Numeric) {
-    const std::string constraint = std::string(typeConstraint) + column.Type.Name;
+    const std::string constraint = std::string(kTypeConstraint) + column.Type.Name;
     sql += " CONSTRAINT " + QuoteName(constraint) + " CHECK (typeof(" + name + ") IN (" +
            (column.Type.What == Kind::Integer ? "" : "'real', ") + "'integer', 'null')";
     if (!column.Type.Range.empty()) {

@@ -13,8 +13,8 @@ namespace talu::standin {
 
 /// The names of the constraints that keep a column to its type and length; the real server has no
 /// constraints for that, but errors of its own, which these stand for.
-inline constexpr std::string_view lengthConstraint = "sqlstandin:length";
-inline constexpr std::string_view typeConstraint = "sqlstandin:type:";
+inline constexpr std::string_view kLengthConstraint = "sqlstandin:length";
+inline constexpr std::string_view kTypeConstraint = "sqlstandin:type:";
 
 /// Puts CREATE TABLE and ALTER TABLE into SQLite's dialect. An identity column becomes SQLite's
 /// automatic row number, so a primary key on other columns becomes a unique constraint beside it.

@@ -7,7 +7,7 @@
 namespace talu::standin {
 namespace {
 
-constexpr char32_t replacement = 0xFFFD;
+constexpr char32_t kReplacement = 0xFFFD;
 
 void AppendUtf8(std::string& text, char32_t point) {
   const auto put = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
@@ -44,23 +44,23 @@ char32_t NextPoint(std::string_view text, std::size_t& at) {
     more = 3;
     point = first & 0x07U;
   } else {
-    return replacement;
+    return kReplacement;
   }
   std::size_t next = at;
   for (; more > 0; --more, ++next) {
     if (next >= text.size() || (static_cast<unsigned char>(text[next]) & 0xC0) != 0x80) {
-      return replacement;
+      return kReplacement;
     }
     point = (point << 6) | (static_cast<unsigned char>(text[next]) & 0x3FU);
   }
   at = next;
-  return point > 0x10FFFF ? replacement : point;
+  return point > 0x10FFFF ? kReplacement : point;
 }
 
 /// The letter tables of Unicode, whatever locale the process runs in.
 locale_t UnicodeLocale() {
-  static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  return unicode;
+  static const locale_t kUnicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  return kUnicode;
 }
 
 }  // namespace

@@ -11,16 +11,16 @@ namespace talu::standin {
 namespace {
 
 /// Parentheses in parentheses. Newer versions of SQLite know no end of their own.
-constexpr std::size_t deepestParentheses = 1000;
+constexpr std::size_t kDeepestParentheses = 1000;
 
-constexpr std::string_view localTime = "strftime('%Y-%m-%d %H:%M:%f','now','localtime')";
-constexpr std::string_view utcTime = "strftime('%Y-%m-%d %H:%M:%f','now')";
+constexpr std::string_view kLocalTime = "strftime('%Y-%m-%d %H:%M:%f','now','localtime')";
+constexpr std::string_view kUtcTime = "strftime('%Y-%m-%d %H:%M:%f','now')";
 
 struct RenamedFunction {
   std::string_view Name;
   std::string_view Sqlite;
 };
-constexpr std::array<RenamedFunction, 2> renamedFunctions = {{
+constexpr std::array<RenamedFunction, 2> kRenamedFunctions = {{
     {"ISNULL", "ifnull"},
     {"SCOPE_IDENTITY", "last_insert_rowid"},
 }};
@@ -31,7 +31,7 @@ struct SystemView {
   bool IsServerWide;
 };
 /// System views by their T-SQL names, with the schema where they have one.
-constexpr std::array<SystemView, 14> systemViews = {{
+constexpr std::array<SystemView, 14> kSystemViews = {{
     {"sys.databases", true},
     {"sys.sql_logins", true},
     {"sys.server_principals", true},
@@ -49,9 +49,9 @@ constexpr std::array<SystemView, 14> systemViews = {{
 }};
 
 const SystemView* FindSystemView(std::string_view name) {
-  const auto* found = std::find_if(systemViews.begin(), systemViews.end(),
+  const auto* found = std::find_if(kSystemViews.begin(), kSystemViews.end(),
                                    [name](const auto& view) { return SameWord(view.Name, name); });
-  return found == systemViews.end() ? nullptr : found;
+  return found == kSystemViews.end() ? nullptr : found;
 }
 
 /// Keywords of SQLite that are ordinary names in T-SQL.
@@ -127,7 +127,7 @@ void TokenCopier::CopySymbol(const Token& token) {
     Frame frame;
     frame.IsCast = last_.Is("CAST");
     frames_.push_back(frame);
-    if (frames_.size() > deepestParentheses) throw SqlFailure(message::TooDeep(), true);
+    if (frames_.size() > kDeepestParentheses) throw SqlFailure(message::TooDeep(), true);
   } else if (token.IsSymbol(")")) {
     if (frames_.size() == 1) Rewriter::FailAt(token, token);
     if (!frames_.back().Closing.empty()) Put(frames_.back().Closing);
@@ -142,13 +142,13 @@ void TokenCopier::CopySymbol(const Token& token) {
     }
     Put(frame.JoinsTexts ? "||" : "+");
   } else {
-    static constexpr std::array<std::string_view, 16> known = {
+    static constexpr std::array<std::string_view, 16> kKnown = {
         ",", ".", "=", "<", ">", "<=", ">=", "<>", "!=", "-", "*", "/", "%", "&", "|", "~"};
-    if (std::find(known.begin(), known.end(), token.Raw) == known.end()) {
+    if (std::find(kKnown.begin(), kKnown.end(), token.Raw) == kKnown.end()) {
       Rewriter::FailAt(token, token);
     }
-    static constexpr std::string_view ends = ",=<>!";
-    if (ends.find(token.Raw.front()) != std::string_view::npos) frames_.back().JoinsTexts = false;
+    static constexpr std::string_view kEnds = ",=<>!";
+    if (kEnds.find(token.Raw.front()) != std::string_view::npos) frames_.back().JoinsTexts = false;
     Put(token.Raw);
   }
 }
@@ -164,7 +164,7 @@ void TokenCopier::CopyWord(const Token& token) {
              next.Kind == TokenKind::Number) {
     CopyTop();
   } else if (token.Is("CURRENT_TIMESTAMP")) {
-    Put(localTime);
+    Put(kLocalTime);
   } else if (token.Is("AS") && frames_.back().IsCast) {
     const auto type = TakeType(lexer_);
     if (!type) throw SqlFailure(message::UnknownType(1, next.Value()), true);
@@ -193,7 +193,7 @@ void TokenCopier::CopyFunction(const Token& token) {
     lexer_.Next();
     const Token close = lexer_.Next();
     if (!close.IsSymbol(")")) Rewriter::FailAt(close, token);
-    Put(isLocal ? localTime : utcTime);
+    Put(isLocal ? kLocalTime : kUtcTime);
   } else if (token.Is("CONVERT")) {
     CopyConvert();
   } else if (token.Is("TOP") && last_.IsOneOf({"SELECT", "DISTINCT", "ALL"})) {
@@ -201,7 +201,7 @@ void TokenCopier::CopyFunction(const Token& token) {
   } else if (token.Is("WITH") && last_.Kind != TokenKind::End) {
     TakeGroup(lexer_);  // a lock hint
   } else {
-    for (const auto& renamed : renamedFunctions) {
+    for (const auto& renamed : kRenamedFunctions) {
       if (token.Is(renamed.Name)) {
         Put(renamed.Sqlite);
         return;

@@ -21,7 +21,7 @@ namespace {
 
 using namespace talu::standin;
 
-constexpr const char* description =
+constexpr const char* kDescription =
     "A small server that speaks SQL Server's wire protocol (TDS 7.x) and keeps its databases with\n"
     "SQLite, for trying and testing an installation on a machine without SQL Server.\n"
     "It is NOT a SQL Server: it knows the statements that installation scripts use, checks no\n"
@@ -29,17 +29,17 @@ constexpr const char* description =
     "on\n"
     "127.0.0.1 only. Never keep data in it that you need.";
 
-constexpr const char* passwordVariable = "SQLSTANDIN_PASSWORD";
+constexpr const char* kPasswordVariable = "SQLSTANDIN_PASSWORD";
 
 /// The password comes from a file or the environment, never from the command line, which every user
 /// of the machine can read.
 std::string ReadPassword(const std::string& file) {
   std::string password;
   if (file.empty()) {
-    const char* value = std::getenv(passwordVariable);
+    const char* value = std::getenv(kPasswordVariable);
     if (value == nullptr) {
       throw std::runtime_error(std::string("no password: give --password-file or set ") +
-                               passwordVariable);
+                               kPasswordVariable);
     }
     password = value;
   } else {
@@ -77,7 +77,7 @@ void Declare(CLI::App& app, Options& options) {
   app.add_option("--user", options.User, "The administrator's login")->capture_default_str();
   app.add_option("--password-file", options.PasswordFile,
                  "File with the administrator's password; without it the environment variable " +
-                     std::string(passwordVariable) + " is read");
+                     std::string(kPasswordVariable) + " is read");
   app.add_option(
       "--journal", options.Journal,
       "File to which every batch received is appended, one JSON object a line, passwords "
@@ -136,7 +136,7 @@ int Run(const Options& options) {
 
 int main(int argc, char** argv) {
   Options options;
-  CLI::App app{description, "sqlstandin"};
+  CLI::App app{kDescription, "sqlstandin"};
   Declare(app, options);
   CLI11_PARSE(app, argc, argv);
   try {

@@ -13,11 +13,11 @@
 
 namespace {
 
-const std::string componentName = COMPONENT_NAME;
-const std::string classKey = "CLSID\\" COMPONENT_CLASS;
-const std::string componentKey = "Software\\SalesDesk\\Components\\" + componentName;
-constexpr char registeredAt[] = "RegisteredAt";
-constexpr DWORD longestWaitMilliseconds = 10'000;
+const std::string kComponentName = COMPONENT_NAME;
+const std::string kClassKey = "CLSID\\" COMPONENT_CLASS;
+const std::string kComponentKey = "Software\\SalesDesk\\Components\\" + kComponentName;
+constexpr char kRegisteredAt[] = "RegisteredAt";
+constexpr DWORD kLongestWaitMilliseconds = 10'000;
 
 HINSTANCE ownModule = nullptr;
 
@@ -25,7 +25,7 @@ HINSTANCE ownModule = nullptr;
 class RegistrationLock {
  public:
   RegistrationLock() : mutex_(CreateMutexA(nullptr, FALSE, "SalesDesk component registration")) {
-    if (mutex_ != nullptr) WaitForSingleObject(mutex_, longestWaitMilliseconds);
+    if (mutex_ != nullptr) WaitForSingleObject(mutex_, kLongestWaitMilliseconds);
   }
   ~RegistrationLock() {
     if (mutex_ == nullptr) return;
@@ -59,7 +59,7 @@ bool RemoveTree(HKEY root, const std::string& key) {
 bool RegisteredSinceProcessStart() {
   FILETIME registered;
   DWORD size = sizeof registered;
-  if (RegGetValueA(HKEY_LOCAL_MACHINE, componentKey.c_str(), registeredAt, RRF_RT_REG_BINARY,
+  if (RegGetValueA(HKEY_LOCAL_MACHINE, kComponentKey.c_str(), kRegisteredAt, RRF_RT_REG_BINARY,
                    nullptr, &registered, &size) != ERROR_SUCCESS ||
       size != sizeof registered) {
     return false;
@@ -80,20 +80,20 @@ STDAPI DllRegisterServer() {
   FILETIME now;
   GetSystemTimeAsFileTime(&now);
   const bool done =
-      SetText(HKEY_CLASSES_ROOT, classKey, nullptr, componentName) &&
-      SetText(HKEY_CLASSES_ROOT, classKey + "\\InprocServer32", nullptr, path) &&
-      SetText(HKEY_CLASSES_ROOT, classKey + "\\InprocServer32", "ThreadingModel", "Apartment") &&
-      SetText(HKEY_LOCAL_MACHINE, componentKey, "Path", path) &&
-      SetText(HKEY_LOCAL_MACHINE, componentKey, "Class", COMPONENT_CLASS) &&
-      SetTime(HKEY_LOCAL_MACHINE, componentKey, registeredAt, now);
+      SetText(HKEY_CLASSES_ROOT, kClassKey, nullptr, kComponentName) &&
+      SetText(HKEY_CLASSES_ROOT, kClassKey + "\\InprocServer32", nullptr, path) &&
+      SetText(HKEY_CLASSES_ROOT, kClassKey + "\\InprocServer32", "ThreadingModel", "Apartment") &&
+      SetText(HKEY_LOCAL_MACHINE, kComponentKey, "Path", path) &&
+      SetText(HKEY_LOCAL_MACHINE, kComponentKey, "Class", COMPONENT_CLASS) &&
+      SetTime(HKEY_LOCAL_MACHINE, kComponentKey, kRegisteredAt, now);
   return done ? S_OK : SELFREG_E_CLASS;
 }
 
 STDAPI DllUnregisterServer() {
   const RegistrationLock lock;
   if (RegisteredSinceProcessStart()) return S_OK;
-  const bool classGone = RemoveTree(HKEY_CLASSES_ROOT, classKey);
-  const bool componentGone = RemoveTree(HKEY_LOCAL_MACHINE, componentKey);
+  const bool classGone = RemoveTree(HKEY_CLASSES_ROOT, kClassKey);
+  const bool componentGone = RemoveTree(HKEY_LOCAL_MACHINE, kComponentKey);
   return classGone && componentGone ? S_OK : SELFREG_E_CLASS;
 }
 

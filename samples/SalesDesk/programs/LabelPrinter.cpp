@@ -3,8 +3,8 @@
 
 namespace {
 
-constexpr DWORD searchMilliseconds = 1500;
-constexpr int noPrinterFound = 7;
+constexpr DWORD kSearchMilliseconds = 1500;
+constexpr int kNoPrinterFound = 7;
 
 void ShowMessagesUntil(ULONGLONG end) {
   for (ULONGLONG now = GetTickCount64(); now < end; now = GetTickCount64()) {
@@ -17,11 +17,11 @@ void ShowMessagesUntil(ULONGLONG end) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
-  const ULONGLONG end = GetTickCount64() + searchMilliseconds;
+  const ULONGLONG end = GetTickCount64() + kSearchMilliseconds;
   // A static control stands by itself as a window; it needs no class of its own.
   CreateWindowExA(WS_EX_DLGMODALFRAME, "STATIC", "Looking for a label printer ...",
                   WS_POPUP | WS_CAPTION | WS_VISIBLE | SS_CENTER | SS_CENTERIMAGE, 300, 300, 320,
                   110, nullptr, nullptr, nullptr, nullptr);
   ShowMessagesUntil(end);
-  return noPrinterFound;
+  return kNoPrinterFound;
 }

@@ -75,7 +75,7 @@ void Journal::Count(const char* request) {
   if (OnRequest) OnRequest(requests_, request);
   if (requests_ != failAt_) return;
   failedRequest_ = request;
-  if (failure_->Number == error::OutOfMemory) throw std::bad_alloc();
+  if (failure_->Number == error::kOutOfMemory) throw std::bad_alloc();
   throw RuntimeError(*failure_);
 }
 

@@ -35,7 +35,7 @@ std::size_t FileContent::Read(std::uint64_t at, char* buffer, std::size_t size) 
 
 std::string FileContent::All() const {
   if (HostFile.empty()) return Bytes;
-  if (Size > kLongestText) throw RuntimeError(error::OutOfMemory);
+  if (Size > kLongestText) throw RuntimeError(error::kOutOfMemory);
   std::string bytes(static_cast<std::size_t>(Size), '\0');
   bytes.resize(Read(0, bytes.data(), bytes.size()));
   return bytes;
@@ -108,14 +108,15 @@ bool SimulatedDisk::FolderExists(const std::string& path) {
 }
 
 void SimulatedDisk::CreateFolder(const std::string& path) {
-  if (path.empty()) throw RuntimeError(error::InvalidProcedureCall);
-  if (Find(path) != nullptr) throw RuntimeError(error::FileAlreadyExists);
+  if (path.empty()) throw RuntimeError(error::kInvalidProcedureCall);
+  if (Find(path) != nullptr) throw RuntimeError(error::kFileAlreadyExists);
   const std::string full = FullPath(path);
   std::string name;
   Node* parent = full.size() < kMaxFolderPath ? Parent(full, name) : nullptr;
-  if (parent == nullptr) throw RuntimeError(error::PathNotFound);
-  if (name.find_first_of(":*?\"<>|") != std::string::npos) throw RuntimeError(error::BadFileNumber);
-  if (parent->Denied) throw RuntimeError(error::PermissionDenied);
+  if (parent == nullptr) throw RuntimeError(error::kPathNotFound);
+  if (name.find_first_of(":*?\"<>|") != std::string::npos)
+    throw RuntimeError(error::kBadFileNumber);
+  if (parent->Denied) throw RuntimeError(error::kPermissionDenied);
   auto node = std::make_unique<Node>();
   node->Name = name;
   node->IsFolder = true;
@@ -138,25 +139,26 @@ SimulatedDisk::Node& SimulatedDisk::MakeFolders(const std::string& path) {
 
 SimulatedDisk::Node& SimulatedDisk::FolderAt(const std::string& path) {
   Node* node = Find(path);
-  if (node == nullptr || !node->IsFolder) throw RuntimeError(error::PathNotFound);
-  if (node->Denied) throw RuntimeError(error::PermissionDenied);
+  if (node == nullptr || !node->IsFolder) throw RuntimeError(error::kPathNotFound);
+  if (node->Denied) throw RuntimeError(error::kPermissionDenied);
   return *node;
 }
 
 SimulatedDisk::Node& SimulatedDisk::FileForWriting(const std::string& path) {
-  if (path.empty()) throw RuntimeError(error::PathFileAccess);
+  if (path.empty()) throw RuntimeError(error::kPathFileAccess);
   Node* node = Find(path);
   if (node != nullptr) {
-    if (node->IsFolder || node->ReadOnly) throw RuntimeError(error::PathFileAccess);
-    if (node->Denied || node->Writers > 0) throw RuntimeError(error::PermissionDenied);
+    if (node->IsFolder || node->ReadOnly) throw RuntimeError(error::kPathFileAccess);
+    if (node->Denied || node->Writers > 0) throw RuntimeError(error::kPermissionDenied);
     return *node;
   }
   const std::string full = FullPath(path);
   std::string name;
   Node* parent = full.size() < kMaxPath ? Parent(full, name) : nullptr;
-  if (parent == nullptr) throw RuntimeError(error::PathNotFound);
-  if (name.find_first_of(":*?\"<>|") != std::string::npos) throw RuntimeError(error::BadFileNumber);
-  if (parent->Denied) throw RuntimeError(error::PathFileAccess);
+  if (parent == nullptr) throw RuntimeError(error::kPathNotFound);
+  if (name.find_first_of(":*?\"<>|") != std::string::npos)
+    throw RuntimeError(error::kBadFileNumber);
+  if (parent->Denied) throw RuntimeError(error::kPathFileAccess);
   auto made = std::make_unique<Node>();
   made->Name = name;
   made->Content = std::make_shared<FileContent>();
@@ -165,9 +167,9 @@ SimulatedDisk::Node& SimulatedDisk::FileForWriting(const std::string& path) {
 
 void SimulatedDisk::DeleteFile(const std::string& path, bool force) {
   Node* node = Find(path);
-  if (node == nullptr || node->IsFolder) throw RuntimeError(error::FileNotFound);
+  if (node == nullptr || node->IsFolder) throw RuntimeError(error::kFileNotFound);
   if (node->Denied || node->Writers > 0 || (node->ReadOnly && !force)) {
-    throw RuntimeError(error::PermissionDenied);
+    throw RuntimeError(error::kPermissionDenied);
   }
   std::string name;
   Node* parent = Parent(FullPath(path), name);
@@ -204,7 +206,7 @@ std::optional<std::string> SimulatedDisk::ReadFile(const std::string& path) {
 
 void SimulatedDisk::Use(std::uint64_t bytes) {
   if (freeSpace_ == UINT64_MAX) return;
-  if (bytes > freeSpace_) throw RuntimeError(error::DiskFull);
+  if (bytes > freeSpace_) throw RuntimeError(error::kDiskFull);
   freeSpace_ -= bytes;
 }
 

@@ -47,7 +47,7 @@ class SimulatedInput : public TextFile {
     at_ += got;
     return got;
   }
-  void Write(std::string_view) override { throw RuntimeError(error::BadFileMode); }
+  void Write(std::string_view) override { throw RuntimeError(error::kBadFileMode); }
 
  private:
   Journal& journal_;
@@ -69,7 +69,7 @@ class SimulatedOutput : public TextFile {
   }
 
   std::uint64_t Size() const override { return node_.Content->Size; }
-  std::size_t Read(char*, std::size_t) override { throw RuntimeError(error::BadFileMode); }
+  std::size_t Read(char*, std::size_t) override { throw RuntimeError(error::kBadFileMode); }
   void Write(std::string_view bytes) override {
     journal_.Request({"print", {{"path", path_}, {"text", std::string(bytes)}}}, false, [&] {
       disk_.Use(bytes.size());
@@ -117,7 +117,7 @@ std::string SimulatedFiles::GetSpecialFolder(int number) {
     case 2:
       return disk_.OwnSpelling("C:\\Windows\\Temp");
     default:
-      throw RuntimeError(error::InvalidProcedureCall);
+      throw RuntimeError(error::kInvalidProcedureCall);
   }
 }
 
@@ -129,9 +129,9 @@ std::unique_ptr<TextFile> SimulatedFiles::OpenTextFile(const std::string& path, 
       const std::string full = disk_.FullPath(path);
       const std::size_t at = full.rfind('\\');
       const bool folderThere = at != std::string::npos && disk_.FolderExists(full.substr(0, at));
-      throw RuntimeError(folderThere ? error::FileNotFound : error::PathNotFound);
+      throw RuntimeError(folderThere ? error::kFileNotFound : error::kPathNotFound);
     }
-    if (node->IsFolder || node->Denied) throw RuntimeError(error::PathFileAccess);
+    if (node->IsFolder || node->Denied) throw RuntimeError(error::kPathFileAccess);
     return std::make_unique<SimulatedInput>(journal_, node->Content, path);
   }
   SimulatedDisk::Node& node = disk_.FileForWriting(path);
@@ -152,7 +152,7 @@ int SimulatedFiles::FileOperation(int operation, const std::string& from, const 
                          "The path in the source or destination or both was invalid.");
     });
   } catch (const RuntimeError& error) {
-    if (error.Number == error::OutOfMemory) throw;  // nothing that the service returns
+    if (error.Number == error::kOutOfMemory) throw;  // nothing that the service returns
     return error.Number == 0 ? kInvalidFiles : error.Number;
   }
 }

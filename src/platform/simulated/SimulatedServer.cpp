@@ -119,7 +119,7 @@ void SimulatedServer::FailStatements(const std::string& text, const RuntimeError
 void SimulatedServer::Connect(const std::string& text) {
   const std::string dsn = ValueOf(text, "DSN");
   if (!dsn.empty() && !odbc_.HasSource(dsn)) {
-    throw RuntimeError(error::Unspecified,
+    throw RuntimeError(error::kUnspecified,
                        "[Microsoft][ODBC Driver Manager] Data source name not found and no default "
                        "driver specified",
                        kProvider);
@@ -127,7 +127,7 @@ void SimulatedServer::Connect(const std::string& text) {
   const bool ofServer = dsn.empty() || odbc_.IsOfServer(dsn);
   if ((!Reachable && ofServer) || (dsn.empty() && ValueOf(text, "SERVER").empty())) {
     throw RuntimeError(
-        error::Unspecified,
+        error::kUnspecified,
         "[Microsoft][ODBC SQL Server Driver][DBNETLIB]SQL Server does not exist or access denied.",
         kProvider);
   }
@@ -144,7 +144,7 @@ void SimulatedServer::Run(const std::string& statement, int timeout) {
   if (timeout != 0) event.Fields.emplace_back("timeout", std::int64_t{timeout});
   journal_.Request(std::move(event), true, [&] {
     if (!Reachable) {
-      throw RuntimeError(error::Unspecified,
+      throw RuntimeError(error::kUnspecified,
                          "[Microsoft][ODBC SQL Server Driver]Communication link failure",
                          kProvider);
     }

@@ -107,7 +107,7 @@ bool SimulatedOdbc::SQLConfigDataSource(int, const std::string& driver,
         if (pair.starts_with("DSN=")) name = pair.substr(4);
       }
       if (name.empty() || std::ranges::find(Drivers, driver) == Drivers.end()) {
-        throw RuntimeError(error::InvalidProcedureCall, "Driver or data source name is not valid");
+        throw RuntimeError(error::kInvalidProcedureCall, "Driver or data source name is not valid");
       }
       sources_[UCase(name)] = attributes;
     });
@@ -169,7 +169,7 @@ void SimulatedProcesses::Start(const std::string& commandLine, int windowStyle) 
   const JournalEvent event{
       "start", {{"command", commandLine}, {"window", static_cast<std::int64_t>(windowStyle)}}};
   journal_.Request(event, false, [&] {
-    if (ProgramOf(commandLine).empty()) throw RuntimeError(error::FileNotFound);
+    if (ProgramOf(commandLine).empty()) throw RuntimeError(error::kFileNotFound);
   });
 }
 

@@ -96,12 +96,12 @@ std::shared_ptr<Picture> SimulatedWindows::LoadPicture(const std::string& path) 
   if (path.empty()) return nullptr;
   journal_.Count("picture", path);
   SimulatedDisk::Node* node = disk_.Find(path);
-  if (node == nullptr || node->IsFolder) throw RuntimeError(error::FileNotFound);
+  if (node == nullptr || node->IsFolder) throw RuntimeError(error::kFileNotFound);
   std::array<char, 2> start{};
   node->Content->Read(0, start.data(), start.size());
   const std::string_view magic(start.data(), start.size());
   if (magic != "\xFF\xD8" && magic != "BM" && magic != "GI") {
-    throw RuntimeError(error::InvalidPicture);
+    throw RuntimeError(error::kInvalidPicture);
   }
   return std::make_shared<SimulatedPicture>(path);
 }

@@ -6,9 +6,9 @@
 namespace talu {
 namespace {
 
-constexpr int twipsAnInch = 1440;
-constexpr int pointsAnInch = 72;
-constexpr int plainDpi = 96;
+constexpr int kTwipsAnInch = 1440;
+constexpr int kPointsAnInch = 72;
+constexpr int kPlainDpi = 96;
 
 int ScreenDpi() {
   const HDC screen = GetDC(nullptr);
@@ -42,20 +42,20 @@ struct Face {
 /// "MS Sans Serif" has bitmaps for plain displays only; above that its outline twin is sharp. The
 /// others are for machines that have neither.
 Face ChooseFace(int dpi) {
-  constexpr Face bitmapped = {"MS Sans Serif", 100};
-  if (dpi == plainDpi && IsInstalled(bitmapped.Name)) return bitmapped;
-  constexpr Face outlined[] = {{"Microsoft Sans Serif", 100},
-                               {"Tahoma", 100},
-                               {"DejaVu Sans", 92},
-                               {"Liberation Sans", 100}};
-  for (const Face& face : outlined) {
+  constexpr Face kBitmapped = {"MS Sans Serif", 100};
+  if (dpi == kPlainDpi && IsInstalled(kBitmapped.Name)) return kBitmapped;
+  constexpr Face kOutlined[] = {{"Microsoft Sans Serif", 100},
+                                {"Tahoma", 100},
+                                {"DejaVu Sans", 92},
+                                {"Liberation Sans", 100}};
+  for (const Face& face : kOutlined) {
     if (IsInstalled(face.Name)) return face;
   }
   return {"MS Shell Dlg", 100};
 }
 
 HFONT MakeFont(const Face& face, int dpi, int points, int weight) {
-  const int height = MulDiv(points * face.Percent, dpi, pointsAnInch * 100);
+  const int height = MulDiv(points * face.Percent, dpi, kPointsAnInch * 100);
   return CreateFontA(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                      OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY,
                      VARIABLE_PITCH | FF_SWISS, face.Name);
@@ -84,11 +84,11 @@ Appearance::~Appearance() {
 }
 
 int Appearance::Pixels(int twips) const {
-  return MulDiv(twips, dpi_, twipsAnInch);
+  return MulDiv(twips, dpi_, kTwipsAnInch);
 }
 
 int Appearance::Scaled(int pixels) const {
-  return std::max(1, MulDiv(pixels, dpi_, plainDpi));
+  return std::max(1, MulDiv(pixels, dpi_, kPlainDpi));
 }
 
 }  // namespace talu

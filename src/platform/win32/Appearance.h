@@ -11,32 +11,32 @@ namespace talu {
 /// 1, and every edge that can be clicked one of 3 to 1, to the page's card, even where the picture
 /// below it is black.
 namespace colour {
-inline constexpr Colour Page = 0xE8ECF1;
-inline constexpr Colour Card = 0xFFFFFF;
-inline constexpr Colour CardEdge = 0xC9D1DA;
-inline constexpr Colour Text = 0x1F2933;
-inline constexpr Colour Title = 0x14324F;
-inline constexpr Colour Note = 0x555C64;
-inline constexpr Colour Disabled = 0x636A72;
-inline constexpr Colour Accent = 0x1F6AA5;
-inline constexpr Colour AccentHot = 0x2A7ABA;
-inline constexpr Colour AccentDown = 0x17527F;
-inline constexpr Colour OnAccent = 0xFFFFFF;
-inline constexpr Colour Face = 0xFDFDFE;
-inline constexpr Colour FaceHot = 0xF0F6FB;
-inline constexpr Colour FaceDown = 0xDCE9F4;
-inline constexpr Colour FaceDisabled = 0xEDEFF2;
-inline constexpr Colour Edge = 0x6F7B87;
-inline constexpr Colour EdgeDisabled = 0xC4CAD1;
-inline constexpr Colour Track = 0xC3CCD6;
+inline constexpr Colour kPage = 0xE8ECF1;
+inline constexpr Colour kCard = 0xFFFFFF;
+inline constexpr Colour kCardEdge = 0xC9D1DA;
+inline constexpr Colour kText = 0x1F2933;
+inline constexpr Colour kTitle = 0x14324F;
+inline constexpr Colour kNote = 0x555C64;
+inline constexpr Colour kDisabled = 0x636A72;
+inline constexpr Colour kAccent = 0x1F6AA5;
+inline constexpr Colour kAccentHot = 0x2A7ABA;
+inline constexpr Colour kAccentDown = 0x17527F;
+inline constexpr Colour kOnAccent = 0xFFFFFF;
+inline constexpr Colour kFace = 0xFDFDFE;
+inline constexpr Colour kFaceHot = 0xF0F6FB;
+inline constexpr Colour kFaceDown = 0xDCE9F4;
+inline constexpr Colour kFaceDisabled = 0xEDEFF2;
+inline constexpr Colour kEdge = 0x6F7B87;
+inline constexpr Colour kEdgeDisabled = 0xC4CAD1;
+inline constexpr Colour kTrack = 0xC3CCD6;
 }  // namespace colour
 
 COLORREF ToColorref(Colour colour);
 
 /// The opacity of the card that lies over the picture and under the texts.
-inline constexpr double CardOpacity = 0.92;
+inline constexpr double kCardOpacity = 0.92;
 /// Its distance from the edges of the client area, in twips.
-inline constexpr int CardInset = 240;
+inline constexpr int kCardInset = 240;
 
 /// Sizes on this display, and the fonts.
 class Appearance {

@@ -5,14 +5,14 @@ namespace talu {
 std::unique_ptr<Canvas> MakeBackdrop(int width, int height, const PictureFile* picture,
                                      const Appearance& appearance) {
   auto backdrop = std::make_unique<Canvas>(width, height);
-  backdrop->Fill(colour::Page);
+  backdrop->Fill(colour::kPage);
   if (picture != nullptr) picture->Cover(backdrop->Dc(), {0, 0, width, height});
 
-  const int inset = appearance.Pixels(CardInset);
+  const int inset = appearance.Pixels(kCardInset);
   const RECT card = {inset, inset, width - inset, height - inset};
   const double radius = appearance.Scaled(6);
-  backdrop->FillRound(card, radius, colour::Card, CardOpacity);
-  backdrop->FrameRound(card, radius, 1, colour::CardEdge);
+  backdrop->FillRound(card, radius, colour::kCard, kCardOpacity);
+  backdrop->FrameRound(card, radius, 1, colour::kCardEdge);
   return backdrop;
 }
 

@@ -128,19 +128,19 @@ void ButtonWindow::DrawCommand(Canvas& canvas) const {
   const bool enabled = View().Enabled;
   const bool filled = View().Default && enabled;
   const bool down = IsPushed();
-  Colour face = hot_ ? colour::FaceHot : colour::Face;
-  Colour edge = hot_ ? colour::Accent : colour::Edge;
-  Colour text = colour::Text;
+  Colour face = hot_ ? colour::kFaceHot : colour::kFace;
+  Colour edge = hot_ ? colour::kAccent : colour::kEdge;
+  Colour text = colour::kText;
   if (filled) {
-    face = down ? colour::AccentDown : hot_ ? colour::AccentHot : colour::Accent;
-    edge = colour::AccentDown;
-    text = colour::OnAccent;
+    face = down ? colour::kAccentDown : hot_ ? colour::kAccentHot : colour::kAccent;
+    edge = colour::kAccentDown;
+    text = colour::kOnAccent;
   } else if (!enabled) {
-    face = colour::FaceDisabled;
-    edge = colour::EdgeDisabled;
-    text = colour::Disabled;
+    face = colour::kFaceDisabled;
+    edge = colour::kEdgeDisabled;
+    text = colour::kDisabled;
   } else if (down) {
-    face = colour::FaceDown;
+    face = colour::kFaceDown;
   }
 
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
@@ -150,7 +150,7 @@ void ButtonWindow::DrawCommand(Canvas& canvas) const {
   if (GetFocus() == Window()) {
     RECT ring = area;
     InflateRect(&ring, -2 * line, -2 * line);
-    canvas.FrameRound(ring, 2.5 * line, line, filled ? colour::OnAccent : colour::Accent);
+    canvas.FrameRound(ring, 2.5 * line, line, filled ? colour::kOnAccent : colour::kAccent);
   }
 
   const TextLayout layout = LayOut(canvas.Dc(), Wide(View().Text), canvas.Width(), true);
@@ -176,12 +176,12 @@ void ButtonWindow::DrawChoice(Canvas& canvas) const {
   const RECT box = {ring, top, ring + size, top + size};
   const double radius = round ? size / 2.0 : 3.0 * line;
 
-  Colour edge = !enabled ? colour::EdgeDisabled : hot_ || marked ? colour::Accent : colour::Edge;
-  Colour face = !enabled ? colour::FaceDisabled : IsPushed() ? colour::FaceDown : colour::Face;
-  Colour mark = enabled ? colour::Accent : colour::Disabled;
+  Colour edge = !enabled ? colour::kEdgeDisabled : hot_ || marked ? colour::kAccent : colour::kEdge;
+  Colour face = !enabled ? colour::kFaceDisabled : IsPushed() ? colour::kFaceDown : colour::kFace;
+  Colour mark = enabled ? colour::kAccent : colour::kDisabled;
   if (marked && !round && enabled) {
-    face = colour::Accent;
-    mark = colour::OnAccent;
+    face = colour::kAccent;
+    mark = colour::kOnAccent;
   }
   canvas.FillRound(box, radius, face);
   canvas.FrameRound(box, radius, line, edge);
@@ -198,14 +198,14 @@ void ButtonWindow::DrawChoice(Canvas& canvas) const {
   if (GetFocus() == Window()) {
     RECT halo = box;
     InflateRect(&halo, ring, ring);
-    canvas.FrameRound(halo, radius + ring, line, colour::Accent);
+    canvas.FrameRound(halo, radius + ring, line, colour::kAccent);
   }
 
   if (!View().LabelledBy.empty()) return;
   const int indent = box.right + look.Scaled(6);
   TextLayout layout = LayOut(canvas.Dc(), Wide(View().Text), canvas.Width() - indent, true);
   CutToFit(canvas.Dc(), layout, canvas.Width() - indent, canvas.Height());
-  SetTextColor(canvas.Dc(), ToColorref(enabled ? colour::Text : colour::Disabled));
+  SetTextColor(canvas.Dc(), ToColorref(enabled ? colour::kText : colour::kDisabled));
   const RECT area = {indent, (canvas.Height() - layout.Height()) / 2, canvas.Width(),
                      canvas.Height()};
   DrawLines(canvas.Dc(), layout, area);

@@ -24,11 +24,11 @@ ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* wi
   DWORD all = style | WS_CHILD | WS_CLIPSIBLINGS;
   if (view.Visible) all |= WS_VISIBLE;
   if (!view.Enabled) all |= WS_DISABLED;
-  const auto id = reinterpret_cast<HMENU>(FormFrame::FirstControlId + index);
+  const auto id = reinterpret_cast<HMENU>(FormFrame::kFirstControlId + index);
   window_ = CreateWindowExA(0, windowClass, "", all, area.left, area.top, area.right - area.left,
                             area.bottom - area.top, frame.Window(), id, GetModuleHandleA(nullptr),
                             nullptr);
-  if (window_ == nullptr) throw RuntimeError(error::OutOfMemory);
+  if (window_ == nullptr) throw RuntimeError(error::kOutOfMemory);
   SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
   // SetWindowSubclass would look for a window property at each message, under Wine in another
   // process.

@@ -13,9 +13,9 @@
 namespace talu {
 namespace {
 
-constexpr DWORD frameStyle =
+constexpr DWORD kFrameStyle =
     WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN;
-constexpr const char* frameClass = "TaLuForm";
+constexpr const char* kFrameClass = "TaLuForm";
 
 void RegisterFrameClass(WNDPROC receive) {
   static bool done = false;
@@ -28,7 +28,7 @@ void RegisterFrameClass(WNDPROC receive) {
   frame.hInstance = GetModuleHandleA(nullptr);
   frame.hIcon = LoadIconA(frame.hInstance, MAKEINTRESOURCEA(1));
   frame.hCursor = LoadCursorA(nullptr, IDC_ARROW);
-  frame.lpszClassName = frameClass;
+  frame.lpszClassName = kFrameClass;
   RegisterClassExA(&frame);
 }
 
@@ -38,15 +38,15 @@ FormFrame::FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& wat
     : form_(form),
       look_(look),
       watch_(watch),
-      enabledBrush_(CreateSolidBrush(ToColorref(colour::Card))),
-      disabledBrush_(CreateSolidBrush(ToColorref(colour::FaceDisabled))) {
+      enabledBrush_(CreateSolidBrush(ToColorref(colour::kCard))),
+      disabledBrush_(CreateSolidBrush(ToColorref(colour::kFaceDisabled))) {
   RegisterFrameClass(Receive);
   RECT size = {0, 0, look.Pixels(form.WindowWidth()), look.Pixels(form.WindowHeight())};
-  AdjustWindowRectEx(&size, frameStyle, FALSE, 0);
-  window_ = CreateWindowExA(0, frameClass, form.WindowCaption().c_str(), frameStyle, 0, 0,
+  AdjustWindowRectEx(&size, kFrameStyle, FALSE, 0);
+  window_ = CreateWindowExA(0, kFrameClass, form.WindowCaption().c_str(), kFrameStyle, 0, 0,
                             size.right - size.left, size.bottom - size.top, nullptr, nullptr,
                             GetModuleHandleA(nullptr), this);
-  if (window_ == nullptr) throw RuntimeError(error::OutOfMemory);
+  if (window_ == nullptr) throw RuntimeError(error::kOutOfMemory);
   SetPropA(window_, form.WindowName().c_str(), reinterpret_cast<HANDLE>(1));
   MakeControls();
   OrderControls();
@@ -91,11 +91,11 @@ void FormFrame::MakeControls() {
 }
 
 void FormFrame::OrderControls() {
-  constexpr UINT orderOnly = SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOREDRAW;
+  constexpr UINT kOrderOnly = SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOREDRAW;
   for (std::size_t i = controls_.size(); i-- > 0;) {
     const ControlView& view = controls_[i]->View();
     if (view.Kind == ControlKind::Image || view.Kind == ControlKind::Shape) {
-      SetWindowPos(controls_[i]->Window(), HWND_BOTTOM, 0, 0, 0, 0, orderOnly);
+      SetWindowPos(controls_[i]->Window(), HWND_BOTTOM, 0, 0, 0, 0, kOrderOnly);
     }
   }
   const auto title = std::find_if(controls_.begin(), controls_.end(), [](const auto& control) {
@@ -104,14 +104,14 @@ void FormFrame::OrderControls() {
   for (const auto& control : controls_) {
     const ControlView& view = control->View();
     if (view.Bar && title != controls_.end()) {
-      SetWindowPos(control->Window(), (*title)->Window(), 0, 0, 0, 0, orderOnly);
+      SetWindowPos(control->Window(), (*title)->Window(), 0, 0, 0, 0, kOrderOnly);
     }
     if (view.Kind != ControlKind::TextBox || view.LabelledBy.empty()) continue;
     for (const auto& label : controls_) {
       if (label->View().Name != view.LabelledBy) continue;
       const HWND former = GetWindow(control->Window(), GW_HWNDPREV);
       if (former == label->Window()) continue;
-      SetWindowPos(label->Window(), former != nullptr ? former : HWND_TOP, 0, 0, 0, 0, orderOnly);
+      SetWindowPos(label->Window(), former != nullptr ? former : HWND_TOP, 0, 0, 0, 0, kOrderOnly);
     }
   }
 }
@@ -285,8 +285,8 @@ LRESULT FormFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT FormFrame::OnCommand(WPARAM wParam) {
-  const std::size_t index = LOWORD(wParam) - FirstControlId;
-  if (LOWORD(wParam) >= FirstControlId && index < controls_.size()) {
+  const std::size_t index = LOWORD(wParam) - kFirstControlId;
+  if (LOWORD(wParam) >= kFirstControlId && index < controls_.size()) {
     controls_[index]->OnNotification(HIWORD(wParam));
   }
   return 0;
@@ -294,8 +294,8 @@ LRESULT FormFrame::OnCommand(WPARAM wParam) {
 
 HBRUSH FormFrame::TextBoxBrush(HDC dc, HWND control) const {
   const bool enabled = IsWindowEnabled(control) != FALSE;
-  SetTextColor(dc, ToColorref(enabled ? colour::Text : colour::Disabled));
-  SetBkColor(dc, ToColorref(enabled ? colour::Card : colour::FaceDisabled));
+  SetTextColor(dc, ToColorref(enabled ? colour::kText : colour::kDisabled));
+  SetBkColor(dc, ToColorref(enabled ? colour::kCard : colour::kFaceDisabled));
   return enabled ? enabledBrush_ : disabledBrush_;
 }
 

@@ -27,7 +27,7 @@ class HandlerWatch {
 class FormFrame {
  public:
   /// Window identifier of the control at index 0; the others follow.
-  static constexpr std::size_t FirstControlId = 100;
+  static constexpr std::size_t kFirstControlId = 100;
 
   /// Makes the windows, still hidden. Raises 7 when Windows gives none.
   FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& watch);

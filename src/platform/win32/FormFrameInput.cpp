@@ -27,8 +27,8 @@ bool IsOption(const ControlWindow& control) {
 bool FormFrame::HandleKey(const MSG& message) {
   if (message.message == WM_KEYDOWN && message.wParam == VK_RETURN) {
     // A key that is held down must not run through pages that are filled in already.
-    constexpr LPARAM repeated = 1L << 30;
-    if ((message.lParam & repeated) != 0) return true;
+    constexpr LPARAM kRepeated = 1L << 30;
+    if ((message.lParam & kRepeated) != 0) return true;
     std::size_t chosen = controls_.size();
     for (std::size_t i = 0; i < controls_.size(); ++i) {
       const ControlView& view = controls_[i]->View();

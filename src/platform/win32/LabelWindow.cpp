@@ -9,19 +9,19 @@ namespace talu {
 namespace {
 
 Colour TextColour(const ControlView& view) {
-  if (!view.Enabled) return colour::Disabled;
+  if (!view.Enabled) return colour::kDisabled;
   switch (view.Style) {
     case TextStyle::Title:
-      return colour::Title;
+      return colour::kTitle;
     case TextStyle::Note:
-      return colour::Note;
+      return colour::kNote;
     default:
-      return colour::Text;
+      return colour::kText;
   }
 }
 
 /// Lines that one notch of the wheel scrolls.
-constexpr int wheelLines = 3;
+constexpr int kWheelLines = 3;
 
 int ClientWidth(HWND window) {
   RECT client;
@@ -99,7 +99,7 @@ void LabelWindow::Draw(Canvas& canvas) {
   if (!scrolling_) CutToFit(dc, layout, width, inner.bottom - inner.top);
   DrawLines(dc, layout, inner, firstLine_);
   SelectObject(dc, former);
-  if (GetFocus() == Window()) canvas.FrameRound(area, 2, frame_.Look().Scaled(1), colour::Accent);
+  if (GetFocus() == Window()) canvas.FrameRound(area, 2, frame_.Look().Scaled(1), colour::kAccent);
 }
 
 void LabelWindow::FitScrollBar() {
@@ -166,9 +166,9 @@ bool LabelWindow::OnKey(WPARAM key) {
   static constexpr struct {
     WPARAM Key;
     int Command;
-  } keys[] = {{VK_UP, SB_LINEUP},     {VK_DOWN, SB_LINEDOWN}, {VK_PRIOR, SB_PAGEUP},
-              {VK_NEXT, SB_PAGEDOWN}, {VK_HOME, SB_TOP},      {VK_END, SB_BOTTOM}};
-  for (const auto& entry : keys) {
+  } kKeys[] = {{VK_UP, SB_LINEUP},     {VK_DOWN, SB_LINEDOWN}, {VK_PRIOR, SB_PAGEUP},
+               {VK_NEXT, SB_PAGEDOWN}, {VK_HOME, SB_TOP},      {VK_END, SB_BOTTOM}};
+  for (const auto& entry : kKeys) {
     if (entry.Key != key) continue;
     OnScroll(entry.Command);
     return true;
@@ -201,7 +201,7 @@ LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       OnScroll(LOWORD(wParam));
       return 0;
     case WM_MOUSEWHEEL:
-      ScrollTo(firstLine_ - wheelLines * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA);
+      ScrollTo(firstLine_ - kWheelLines * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA);
       return 0;
     case WM_KEYDOWN:
       if (scrolling_ && OnKey(wParam)) return 0;

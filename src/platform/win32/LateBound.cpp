@@ -6,8 +6,8 @@
 namespace talu {
 namespace {
 
-constexpr std::int32_t typeMismatch = 13;
-constexpr std::int32_t noSuchMember = 438;
+constexpr std::int32_t kTypeMismatch = 13;
+constexpr std::int32_t kNoSuchMember = 438;
 
 std::string TakeText(BSTR text) {
   if (text == nullptr) return {};
@@ -18,17 +18,17 @@ std::string TakeText(BSTR text) {
 
 std::int32_t ShortNumber(HRESULT code) {
   if (HRESULT_FACILITY(code) == FACILITY_CONTROL) return HRESULT_CODE(code);
-  if (code == DISP_E_UNKNOWNNAME || code == DISP_E_MEMBERNOTFOUND) return noSuchMember;
-  if (code == DISP_E_TYPEMISMATCH) return typeMismatch;
+  if (code == DISP_E_UNKNOWNNAME || code == DISP_E_MEMBERNOTFOUND) return kNoSuchMember;
+  if (code == DISP_E_TYPEMISMATCH) return kTypeMismatch;
   return code;
 }
 
 [[noreturn]] void Raise(HRESULT code, std::string description = "", std::string source = "") {
   const std::int32_t number = ShortNumber(code);
   if (description.empty()) {
-    if (number == noSuchMember) {
+    if (number == kNoSuchMember) {
       description = "Object doesn't support this property or method";
-    } else if (number == typeMismatch) {
+    } else if (number == kTypeMismatch) {
       description = "Type mismatch";
     } else if (number != code) {
       description = StandardDescription(number);
@@ -59,7 +59,7 @@ IDispatch* Create(const char* className) {
   if (FAILED(CLSIDFromProgID(Wide(className).c_str(), &id)) ||
       FAILED(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
                               IID_IDispatch, &object))) {
-    throw RuntimeError(error::CannotCreateObject);
+    throw RuntimeError(error::kCannotCreateObject);
   }
   return static_cast<IDispatch*>(object);
 }
@@ -79,7 +79,7 @@ Variant::Variant(const std::string& text) : Variant() {
   const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
   value_.vt = VT_BSTR;
   value_.bstrVal = SysAllocStringLen(nullptr, static_cast<UINT>(wideLength));
-  if (value_.bstrVal == nullptr) throw RuntimeError(error::OutOfMemory);
+  if (value_.bstrVal == nullptr) throw RuntimeError(error::kOutOfMemory);
   MultiByteToWideChar(CP_ACP, 0, text.data(), length, value_.bstrVal, wideLength);
 }
 
@@ -124,7 +124,7 @@ IDispatch* Variant::AsObject() const {
 LateBound::LateBound(const char* className) : object_(Create(className)) {}
 
 LateBound::LateBound(const Variant& object) : object_(object.AsObject()) {
-  if (!object_) throw RuntimeError(error::ObjectNotSet);
+  if (!object_) throw RuntimeError(error::kObjectNotSet);
   object_->AddRef();
 }
 

@@ -8,17 +8,17 @@ namespace talu {
 PictureFile::PictureFile(const std::string& path) {
   const DWORD attributes = GetFileAttributesA(path.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-    throw RuntimeError(error::FileNotFound);
+    throw RuntimeError(error::kFileNotFound);
   }
   void* object = nullptr;
   std::wstring file = Wide(path);
   if (FAILED(OleLoadPicturePath(file.data(), nullptr, 0, 0, IID_IPicture, &object)) ||
       object == nullptr) {
-    throw RuntimeError(error::InvalidPicture);
+    throw RuntimeError(error::kInvalidPicture);
   }
   picture_.reset(static_cast<IPicture*>(object));
   OLE_XSIZE_HIMETRIC width = 0;
-  if (FAILED(picture_->get_Width(&width)) || width <= 0) throw RuntimeError(error::InvalidPicture);
+  if (FAILED(picture_->get_Width(&width)) || width <= 0) throw RuntimeError(error::kInvalidPicture);
 }
 
 void PictureFile::Cover(HDC target, const RECT& area) const {

@@ -30,10 +30,10 @@ void ShapeWindow::DrawAt(Canvas& canvas, int left, int top) const {
   // A bar that has hardly begun is the left part of a round one.
   RECT shape = area;
   shape.right = std::max(area.right, area.left + height);
-  const Colour filling = View().Bar ? colour::Accent : colour::Track;
+  const Colour filling = View().Bar ? colour::kAccent : colour::kTrack;
   const double radius = static_cast<double>(height) / 2;
   canvas.FillRoundWithin(area, shape, radius, filling);
-  if (!View().Bar) canvas.FrameRound(area, radius, frame_.Look().Scaled(1), colour::Edge);
+  if (!View().Bar) canvas.FrameRound(area, radius, frame_.Look().Scaled(1), colour::kEdge);
 }
 
 void ShapeWindow::Draw(Canvas& canvas) {

@@ -18,7 +18,7 @@ ShellShortcut::ShellShortcut(std::string path) : path_(std::move(path)) {
   void* object = nullptr;
   if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
                               &object))) {
-    throw RuntimeError(error::CannotCreateObject);
+    throw RuntimeError(error::kCannotCreateObject);
   }
   link_.reset(static_cast<IShellLinkA*>(object));
 }

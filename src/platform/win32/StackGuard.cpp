@@ -9,7 +9,7 @@
 
 #include "platform/win32/Windows.h"
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the compiler's names
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the compiler's names
 extern "C" {
 
 std::uintptr_t __stack_chk_guard = 0xBB40E64E;
@@ -45,6 +45,6 @@ namespace {
 }
 
 }  // namespace
-// NOLINTEND(bugprone-reserved-identifier)
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 #endif

@@ -7,7 +7,7 @@
 namespace talu {
 namespace {
 
-constexpr WPARAM bullet = 0x2022;
+constexpr WPARAM kBullet = 0x2022;
 
 }  // namespace
 
@@ -17,7 +17,7 @@ TextBoxWindow::TextBoxWindow(FormFrame& frame, std::size_t index)
                         (frame.Form().ControlAt(index).Password ? DWORD{ES_PASSWORD} : 0)) {
   SetWindowPos(Window(), nullptr, 0, 0, 0, 0,
                SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-  if (View().Password) SendMessageW(Window(), EM_SETPASSWORDCHAR, bullet, 0);
+  if (View().Password) SendMessageW(Window(), EM_SETPASSWORDCHAR, kBullet, 0);
   TextBoxWindow::Update(Property::Text);
 }
 
@@ -113,11 +113,11 @@ void TextBoxWindow::Draw(Canvas& canvas) {
   const bool enabled = View().Enabled;
   const bool focused = GetFocus() == Window();
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
-  canvas.FillRound(area, 3 * line, enabled ? colour::Card : colour::FaceDisabled);
+  canvas.FillRound(area, 3 * line, enabled ? colour::kCard : colour::kFaceDisabled);
   canvas.FrameRound(area, 3 * line, focused ? 2 * line : line,
-                    !enabled  ? colour::EdgeDisabled
-                    : focused ? colour::Accent
-                              : colour::Edge);
+                    !enabled  ? colour::kEdgeDisabled
+                    : focused ? colour::kAccent
+                              : colour::kEdge);
 }
 
 }  // namespace talu

@@ -8,7 +8,7 @@ namespace talu {
 namespace {
 
 /// The options argument "unspecified" of `Open` and `Execute`.
-constexpr std::int32_t unspecified = -1;
+constexpr std::int32_t kUnspecified = -1;
 
 class Win32Connection : public Connection {
  public:
@@ -22,7 +22,7 @@ class Win32Connection : public Connection {
 
   void Open(const std::string& text) override {
     beforeWaiting_();
-    object_.Call("Open", {text.empty() ? text_ : text, "", "", unspecified});
+    object_.Call("Open", {text.empty() ? text_ : text, "", "", kUnspecified});
   }
 
   void Close() override { object_.Call("Close"); }
@@ -50,7 +50,7 @@ class Win32Command : public Command {
 
   void Execute() override {
     beforeWaiting_();
-    object_.Call("Execute", {Variant::Missing(), Variant::Missing(), unspecified});
+    object_.Call("Execute", {Variant::Missing(), Variant::Missing(), kUnspecified});
   }
 
  private:

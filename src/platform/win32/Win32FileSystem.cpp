@@ -16,7 +16,7 @@ bool IsFolder(DWORD attributes) {
 std::string FullPath(const std::string& path) {
   char buffer[MAX_PATH];
   const DWORD length = GetFullPathNameA(path.c_str(), MAX_PATH, buffer, nullptr);
-  if (length == 0 || length >= MAX_PATH) throw RuntimeError(error::PathNotFound);
+  if (length == 0 || length >= MAX_PATH) throw RuntimeError(error::kPathNotFound);
   std::string full(buffer, length);
   // Only a root ("C:\") keeps its backslash.
   if (full.size() > 3 && full.back() == '\\') full.pop_back();
@@ -47,15 +47,15 @@ class Win32Folder : public Folder {
     } while (FindNextFileA(search, &found));
     const DWORD end = GetLastError();
     FindClose(search);
-    if (end != ERROR_NO_MORE_FILES) throw RuntimeError(error::PermissionDenied);
+    if (end != ERROR_NO_MORE_FILES) throw RuntimeError(error::kPermissionDenied);
     return items;
   }
 
   /// An empty root has no entries at all; anything else is a folder that cannot be listed.
   static std::vector<FolderItem> NoItems(DWORD reason) {
     if (reason == ERROR_FILE_NOT_FOUND || reason == ERROR_NO_MORE_FILES) return {};
-    throw RuntimeError(reason == ERROR_PATH_NOT_FOUND ? error::PathNotFound
-                                                      : error::PermissionDenied);
+    throw RuntimeError(reason == ERROR_PATH_NOT_FOUND ? error::kPathNotFound
+                                                      : error::kPermissionDenied);
   }
 
   std::string path_;
@@ -73,12 +73,12 @@ bool Win32FileSystem::FolderExists(const std::string& path) {
 }
 
 void Win32FileSystem::CreateFolder(const std::string& path) {
-  if (path.empty()) throw RuntimeError(error::InvalidProcedureCall);
+  if (path.empty()) throw RuntimeError(error::kInvalidProcedureCall);
   if (CreateDirectoryA(path.c_str(), nullptr)) return;
   switch (GetLastError()) {
     case ERROR_ALREADY_EXISTS:
     case ERROR_FILE_EXISTS:
-      throw RuntimeError(error::FileAlreadyExists);
+      throw RuntimeError(error::kFileAlreadyExists);
     case ERROR_PATH_NOT_FOUND:
     case ERROR_FILE_NOT_FOUND:
     case ERROR_BAD_PATHNAME:
@@ -86,33 +86,33 @@ void Win32FileSystem::CreateFolder(const std::string& path) {
     case ERROR_BAD_NET_NAME:
     case ERROR_FILENAME_EXCED_RANGE:
     case ERROR_NOT_READY:
-      throw RuntimeError(error::PathNotFound);
+      throw RuntimeError(error::kPathNotFound);
     case ERROR_INVALID_NAME:
-      throw RuntimeError(error::BadFileNumber);
+      throw RuntimeError(error::kBadFileNumber);
     case ERROR_DISK_FULL:
-      throw RuntimeError(error::DiskFull);
+      throw RuntimeError(error::kDiskFull);
     default:
       // A root that is there answers "access denied" too.
-      throw RuntimeError(FolderExists(path) ? error::FileAlreadyExists : error::PermissionDenied);
+      throw RuntimeError(FolderExists(path) ? error::kFileAlreadyExists : error::kPermissionDenied);
   }
 }
 
 void Win32FileSystem::DeleteFile(const std::string& path, bool force) {
   const DWORD attributes = GetFileAttributesA(path.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || IsFolder(attributes)) {
-    throw RuntimeError(error::FileNotFound);
+    throw RuntimeError(error::kFileNotFound);
   }
   const bool unlock = force && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
   if (unlock) SetFileAttributesA(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
   if (DeleteFileA(path.c_str())) return;
   const DWORD reason = GetLastError();
   if (unlock) SetFileAttributesA(path.c_str(), attributes);
-  throw RuntimeError(reason == ERROR_FILE_NOT_FOUND ? error::FileNotFound
-                                                    : error::PermissionDenied);
+  throw RuntimeError(reason == ERROR_FILE_NOT_FOUND ? error::kFileNotFound
+                                                    : error::kPermissionDenied);
 }
 
 std::unique_ptr<Folder> Win32FileSystem::GetFolder(const std::string& path) {
-  if (path.empty() || !FolderExists(path)) throw RuntimeError(error::PathNotFound);
+  if (path.empty() || !FolderExists(path)) throw RuntimeError(error::kPathNotFound);
   return std::make_unique<Win32Folder>(FullPath(path));
 }
 
@@ -130,9 +130,9 @@ std::string Win32FileSystem::GetSpecialFolder(int number) {
       length = static_cast<UINT>(GetTempPathA(sizeof buffer, buffer));
       break;
     default:
-      throw RuntimeError(error::InvalidProcedureCall);
+      throw RuntimeError(error::kInvalidProcedureCall);
   }
-  if (length == 0 || length > MAX_PATH) throw RuntimeError(error::PathNotFound);
+  if (length == 0 || length > MAX_PATH) throw RuntimeError(error::kPathNotFound);
   return FullPath(std::string(buffer, length));
 }
 

@@ -8,11 +8,11 @@ namespace talu {
 bool Win32OdbcInstaller::SQLConfigDataSource(int request, const std::string& driver,
                                              const std::string& attributes) {
   using Function = BOOL(WINAPI*)(HWND, WORD, LPCSTR, LPCSTR);
-  static const auto configure = SystemFunction<Function>("odbccp32.dll", "SQLConfigDataSource");
-  if (configure == nullptr) throw RuntimeError(error::FileNotFound);
+  static const auto kConfigure = SystemFunction<Function>("odbccp32.dll", "SQLConfigDataSource");
+  if (kConfigure == nullptr) throw RuntimeError(error::kFileNotFound);
   // c_str() gives one NUL, the list needs two.
   const std::string list = attributes + '\0';
-  return configure(nullptr, static_cast<WORD>(request), driver.c_str(), list.c_str()) != FALSE;
+  return kConfigure(nullptr, static_cast<WORD>(request), driver.c_str(), list.c_str()) != FALSE;
 }
 
 }  // namespace talu

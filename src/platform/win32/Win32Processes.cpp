@@ -42,7 +42,7 @@ void Win32Processes::Start(const std::string& commandLine, int windowStyle) {
     const DWORD reason = GetLastError();
     const bool missing = reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND ||
                          reason == ERROR_INVALID_NAME;
-    throw RuntimeError(missing ? error::FileNotFound : error::InvalidProcedureCall);
+    throw RuntimeError(missing ? error::kFileNotFound : error::kInvalidProcedureCall);
   }
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);

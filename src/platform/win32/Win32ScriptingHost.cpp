@@ -10,7 +10,7 @@ namespace talu {
 namespace {
 
 /// The folders of the host's collection, in the order in which it lists them.
-constexpr int specialFolders[] = {
+constexpr int kSpecialFolders[] = {
     CSIDL_COMMON_DESKTOPDIRECTORY,
     CSIDL_COMMON_STARTMENU,
     CSIDL_COMMON_PROGRAMS,
@@ -33,7 +33,7 @@ constexpr int specialFolders[] = {
 
 std::vector<std::string> FoldersOfShell() {
   std::vector<std::string> paths;
-  for (const int folder : specialFolders) {
+  for (const int folder : kSpecialFolders) {
     char path[MAX_PATH];
     if (SUCCEEDED(SHGetFolderPathA(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, path)) &&
         path[0] != '\0') {

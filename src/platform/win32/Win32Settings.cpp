@@ -10,7 +10,7 @@ void Win32Settings::SaveSetting(const std::string& application, const std::strin
   const std::string path = "Software\\" + application + "\\" + section;
   const LSTATUS status = RegSetKeyValueA(HKEY_CURRENT_USER, path.c_str(), key.c_str(), REG_SZ,
                                          value.c_str(), static_cast<DWORD>(value.size()) + 1);
-  if (status != ERROR_SUCCESS) throw RuntimeError(error::InvalidProcedureCall);
+  if (status != ERROR_SUCCESS) throw RuntimeError(error::kInvalidProcedureCall);
 }
 
 }  // namespace talu

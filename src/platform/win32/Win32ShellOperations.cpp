@@ -18,22 +18,23 @@ bool IsPlainName(const std::string& path) {
 
 bool IsPlainFile(const std::string& path) {
   const DWORD attributes = GetFileAttributesA(path.c_str());
-  constexpr DWORD special = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & special) == 0;
+  constexpr DWORD kSpecial = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kSpecial) == 0;
 }
 
 /// A plain file: not a folder, into which the shell copies under the file's own name, and not a
 /// protected file, whose protection the shell takes off.
 bool IsPlainTarget(const std::string& path) {
   const DWORD attributes = GetFileAttributesA(path.c_str());
-  constexpr DWORD special = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT |
-                            FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & special) == 0;
+  constexpr DWORD kSpecial = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT |
+                             FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
+                             FILE_ATTRIBUTE_SYSTEM;
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kSpecial) == 0;
 }
 
 bool CopyOneFile(const std::string& from, const std::string& to, int flags) {
-  constexpr int unlike = FOF_MULTIDESTFILES | FOF_RENAMEONCOLLISION | FOF_ALLOWUNDO;
-  if ((flags & FOF_NOCONFIRMATION) == 0 || (flags & unlike) != 0) return false;
+  constexpr int kUnlike = FOF_MULTIDESTFILES | FOF_RENAMEONCOLLISION | FOF_ALLOWUNDO;
+  if ((flags & FOF_NOCONFIRMATION) == 0 || (flags & kUnlike) != 0) return false;
   if (!IsPlainName(from) || !IsPlainName(to) || !IsPlainFile(from)) return false;
   // Most targets are not there yet, which the copy itself finds out.
   if (CopyFileA(from.c_str(), to.c_str(), TRUE)) return true;

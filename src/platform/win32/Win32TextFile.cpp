@@ -10,27 +10,27 @@ namespace {
 std::int32_t OpenError(DWORD reason) {
   switch (reason) {
     case ERROR_FILE_NOT_FOUND:
-      return error::FileNotFound;
+      return error::kFileNotFound;
     case ERROR_PATH_NOT_FOUND:
     case ERROR_BAD_PATHNAME:
     case ERROR_BAD_NETPATH:
     case ERROR_BAD_NET_NAME:
     case ERROR_NOT_READY:
     case ERROR_FILENAME_EXCED_RANGE:
-      return error::PathNotFound;
+      return error::kPathNotFound;
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
-      return error::PermissionDenied;
+      return error::kPermissionDenied;
     case ERROR_INVALID_NAME:
     case ERROR_INVALID_PARAMETER:
-      return error::BadFileNumber;
+      return error::kBadFileNumber;
     case ERROR_TOO_MANY_OPEN_FILES:
-      return error::TooManyFiles;
+      return error::kTooManyFiles;
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
-      return error::DiskFull;
+      return error::kDiskFull;
     default:
-      return error::PathFileAccess;
+      return error::kPathFileAccess;
   }
 }
 
@@ -65,10 +65,10 @@ bool Win32TextFile::GoToEnd() {
 }
 
 std::size_t Win32TextFile::Read(char* buffer, std::size_t size) {
-  constexpr std::size_t largest = 1U << 30;
+  constexpr std::size_t kLargest = 1U << 30;
   DWORD done = 0;
-  if (!ReadFile(file_, buffer, static_cast<DWORD>(std::min(size, largest)), &done, nullptr)) {
-    throw RuntimeError(error::DeviceIO);
+  if (!ReadFile(file_, buffer, static_cast<DWORD>(std::min(size, kLargest)), &done, nullptr)) {
+    throw RuntimeError(error::kDeviceIO);
   }
   return done;
 }
@@ -80,7 +80,7 @@ void Win32TextFile::Write(std::string_view bytes) {
   if (accepted && done == bytes.size()) return;
   const DWORD reason = accepted ? ERROR_DISK_FULL : GetLastError();
   const bool full = reason == ERROR_DISK_FULL || reason == ERROR_HANDLE_DISK_FULL;
-  throw RuntimeError(full ? error::DiskFull : error::DeviceIO);
+  throw RuntimeError(full ? error::kDiskFull : error::kDeviceIO);
 }
 
 }  // namespace talu

@@ -9,23 +9,23 @@
 namespace talu {
 namespace {
 
-constexpr const char* defaultTitle = "TA-LU Setup";
+constexpr const char* kDefaultTitle = "TA-LU Setup";
 
 /// Asking Windows for events costs far more than a small file's copy, so it is asked this often at
 /// most; in microseconds.
-constexpr std::int64_t pumpInterval = 10000;
+constexpr std::int64_t kPumpInterval = 10000;
 /// And this often the pages are painted while work goes on.
-constexpr std::int64_t paintInterval = 50000;
+constexpr std::int64_t kPaintInterval = 50000;
 
 std::int64_t Microseconds() {
-  static const std::int64_t frequency = [] {
+  static const std::int64_t kFrequency = [] {
     LARGE_INTEGER value;
     QueryPerformanceFrequency(&value);
     return value.QuadPart;
   }();
   LARGE_INTEGER now;
   QueryPerformanceCounter(&now);
-  return now.QuadPart / frequency * 1000000 + now.QuadPart % frequency * 1000000 / frequency;
+  return now.QuadPart / kFrequency * 1000000 + now.QuadPart % kFrequency * 1000000 / kFrequency;
 }
 
 }  // namespace
@@ -83,7 +83,7 @@ void Win32WindowSystem::MessageBox(const std::string& text, const std::string& t
   FinishHiding();
   BringUpToDate();
   MessageBoxA(shown_ != nullptr ? shown_->Window() : nullptr, text.c_str(),
-              title.empty() ? defaultTitle : title.c_str(), MB_OK);
+              title.empty() ? kDefaultTitle : title.c_str(), MB_OK);
 }
 
 std::optional<std::string> Win32WindowSystem::BrowseForFolder(FormWindow& owner,
@@ -117,7 +117,7 @@ void Win32WindowSystem::BringUpToDate() {
 void Win32WindowSystem::ShowProgress() {
   FinishHiding();
   if (shown_ == nullptr || !shown_->IsStale()) return;
-  if (!shown_->HasStaleText() && Microseconds() - lastPaint_ < paintInterval) return;
+  if (!shown_->HasStaleText() && Microseconds() - lastPaint_ < kPaintInterval) return;
   BringUpToDate();
   RedrawWindow(shown_->Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
   lastPaint_ = Microseconds();
@@ -125,10 +125,10 @@ void Win32WindowSystem::ShowProgress() {
 
 void Win32WindowSystem::DoEvents() {
   const std::int64_t now = Microseconds();
-  if (now - lastPump_ < pumpInterval) return;
+  if (now - lastPump_ < kPumpInterval) return;
   FinishHiding();
   UINT kinds = PM_REMOVE | PM_QS_INPUT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE;
-  if (now - lastPaint_ >= paintInterval) {
+  if (now - lastPaint_ >= kPaintInterval) {
     lastPaint_ = now;
     BringUpToDate();
     kinds = PM_REMOVE;

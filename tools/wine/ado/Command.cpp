@@ -7,7 +7,7 @@ namespace talu::bench {
 
 namespace {
 
-constexpr wchar_t className[] = L"ADODB.Command";
+constexpr wchar_t kClassName[] = L"ADODB.Command";
 
 }  // namespace
 
@@ -43,26 +43,26 @@ void Command::PutActiveConnection(const Arguments& arguments) {
   Connection* connection = nullptr;
   IUnknown* object = arguments.Object(0);
   if (object == nullptr ||
-      FAILED(object->QueryInterface(connectionIdentity, reinterpret_cast<void**>(&connection)))) {
-    throw InvalidArgument(className);
+      FAILED(object->QueryInterface(kConnectionIdentity, reinterpret_cast<void**>(&connection)))) {
+    throw InvalidArgument(kClassName);
   }
   const std::shared_ptr<OdbcSession> session = connection->Session();
   connection->Release();
-  if (!session) throw InvalidConnection(className);
+  if (!session) throw InvalidConnection(kClassName);
   session_ = session;
 }
 
 void Command::PutTimeout(const Arguments& arguments) {
   const long seconds = arguments.Number(0);
-  if (seconds < 0) throw InvalidArgument(className);
+  if (seconds < 0) throw InvalidArgument(kClassName);
   timeout_ = seconds;
 }
 
 void Command::Execute(const Arguments& arguments) const {
-  if (!session_ || !session_->IsOpen()) throw InvalidConnection(className);
+  if (!session_ || !session_->IsOpen()) throw InvalidConnection(kClassName);
   const bool wantsMore = arguments.Has(0) || arguments.Has(1) || arguments.Number(2, -1) != -1;
-  if (wantsMore) throw FeatureNotAvailable(className);
-  if (text_.empty()) throw NoCommandText(className);
+  if (wantsMore) throw FeatureNotAvailable(kClassName);
+  if (text_.empty()) throw NoCommandText(kClassName);
   session_->Execute(text_, timeout_);
 }
 

@@ -6,11 +6,11 @@ namespace talu::bench {
 
 namespace {
 
-constexpr wchar_t className[] = L"ADODB.Connection";
+constexpr wchar_t kClassName[] = L"ADODB.Connection";
 
 }  // namespace
 
-const IID connectionIdentity = {
+const IID kConnectionIdentity = {
     0x6b0a3c52, 0x8f1d, 0x4c6e, {0x9a, 0x57, 0x21, 0xd4, 0x7e, 0x0c, 0x93, 0xb8}};
 
 Connection::Connection()
@@ -35,7 +35,7 @@ Connection::Connection()
       }) {}
 
 STDMETHODIMP Connection::QueryInterface(REFIID id, void** object) {
-  if (object == nullptr || !IsEqualIID(id, connectionIdentity)) {
+  if (object == nullptr || !IsEqualIID(id, kConnectionIdentity)) {
     return DispatchObject::QueryInterface(id, object);
   }
   *object = this;
@@ -44,7 +44,7 @@ STDMETHODIMP Connection::QueryInterface(REFIID id, void** object) {
 }
 
 void Connection::RefuseWhenOpen() const {
-  if (session_) throw NotAllowedWhenOpen(className);
+  if (session_) throw NotAllowedWhenOpen(kClassName);
 }
 
 void Connection::PutConnectionString(const Arguments& arguments) {
@@ -54,7 +54,7 @@ void Connection::PutConnectionString(const Arguments& arguments) {
 
 void Connection::Open(const Arguments& arguments) {
   RefuseWhenOpen();
-  if (arguments.Number(3, -1) != -1) throw FeatureNotAvailable(className);
+  if (arguments.Number(3, -1) != -1) throw FeatureNotAvailable(kClassName);
   if (const std::wstring given = arguments.Text(0); !given.empty()) connectionString_ = given;
   std::wstring text = connectionString_;
   if (const std::wstring user = arguments.Text(1); !user.empty()) text += L";UID=" + user;
@@ -63,7 +63,7 @@ void Connection::Open(const Arguments& arguments) {
 }
 
 void Connection::Close() {
-  if (!session_) throw NotAllowedWhenClosed(className);
+  if (!session_) throw NotAllowedWhenClosed(kClassName);
   // Commands may hold the session still: it ends for them too.
   session_->Close();
   session_.reset();

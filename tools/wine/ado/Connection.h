@@ -9,14 +9,14 @@
 namespace talu::bench {
 
 /// Asks an object whether it is a `Connection` of this library; no interface of its own.
-extern const IID connectionIdentity;
+extern const IID kConnectionIdentity;
 
 /// "ADODB.Connection": ConnectionString, Open, Close, State.
 class Connection : public DispatchObject {
  public:
   Connection();
 
-  /// Answers `connectionIdentity` with the `Connection` itself.
+  /// Answers `kConnectionIdentity` with the `Connection` itself.
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
 
   /// The session with the server; null while the connection is closed.

@@ -11,9 +11,9 @@ namespace talu::bench {
 namespace {
 
 // The class ids under which the data-access library itself is known.
-constexpr CLSID connectionClass = {
+constexpr CLSID kConnectionClass = {
     0x00000514, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
-constexpr CLSID commandClass = {
+constexpr CLSID kCommandClass = {
     0x00000507, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
 
 /// Makes objects of one class; one factory a class lives as long as the library.
@@ -53,8 +53,8 @@ STDAPI DllGetClassObject(REFCLSID wanted, REFIID id, void** object) {
   using namespace talu::bench;
   static ClassFactory<Connection> connections;
   static ClassFactory<Command> commands;
-  if (IsEqualCLSID(wanted, connectionClass)) return connections.QueryInterface(id, object);
-  if (IsEqualCLSID(wanted, commandClass)) return commands.QueryInterface(id, object);
+  if (IsEqualCLSID(wanted, kConnectionClass)) return connections.QueryInterface(id, object);
+  if (IsEqualCLSID(wanted, kCommandClass)) return commands.QueryInterface(id, object);
   if (object != nullptr) *object = nullptr;
   return CLASS_E_CLASSNOTAVAILABLE;
 }

@@ -14,15 +14,15 @@ namespace talu::bench {
 
 namespace {
 
-constexpr auto unspecifiedFailure = static_cast<HRESULT>(0x80004005);  // E_FAIL
-constexpr auto loginRefused = static_cast<HRESULT>(0x80040E4D);        // DB_SEC_E_AUTH_FAILED
-constexpr auto statementErrors = static_cast<HRESULT>(0x80040E14);     // DB_E_ERRORSINCOMMAND
-constexpr auto integrityBroken = static_cast<HRESULT>(0x80040E2F);     // DB_E_INTEGRITYVIOLATION
-constexpr auto tableMissing = static_cast<HRESULT>(0x80040E37);        // DB_E_NOTABLE
-constexpr auto timeoutReached = static_cast<HRESULT>(0x80040E31);      // DB_E_ABORTLIMITREACHED
+constexpr auto kUnspecifiedFailure = static_cast<HRESULT>(0x80004005);  // E_FAIL
+constexpr auto kLoginRefused = static_cast<HRESULT>(0x80040E4D);        // DB_SEC_E_AUTH_FAILED
+constexpr auto kStatementErrors = static_cast<HRESULT>(0x80040E14);     // DB_E_ERRORSINCOMMAND
+constexpr auto kIntegrityBroken = static_cast<HRESULT>(0x80040E2F);     // DB_E_INTEGRITYVIOLATION
+constexpr auto kTableMissing = static_cast<HRESULT>(0x80040E37);        // DB_E_NOTABLE
+constexpr auto kTimeoutReached = static_cast<HRESULT>(0x80040E31);      // DB_E_ABORTLIMITREACHED
 
-constexpr SQLINTEGER loginFailedForUser = 18456;  // the server's own number
-constexpr int connectionTimeout = 15;             // seconds: the data-access library's default
+constexpr SQLINTEGER kLoginFailedForUser = 18456;  // the server's own number
+constexpr int kConnectionTimeout = 15;             // seconds: the data-access library's default
 
 /// One record of what went wrong, as the driver reports it.
 struct Diagnostic {
@@ -34,7 +34,7 @@ struct Diagnostic {
   /// The driver's own errors, a broken link first of all, have no number or one of its library's.
   bool IsDriversOwn() const { return ServerNumber == 0 || ServerNumber / 100 == 200; }
   bool IsTimeout() const { return State.starts_with(L"HYT"); }
-  bool IsLoginRefused() const { return State == L"28000" || ServerNumber == loginFailedForUser; }
+  bool IsLoginRefused() const { return State == L"28000" || ServerNumber == kLoginFailedForUser; }
 };
 
 std::vector<Diagnostic> Diagnostics(SQLSMALLINT type, SQLHANDLE handle) {
@@ -58,15 +58,15 @@ std::vector<Diagnostic> Diagnostics(SQLSMALLINT type, SQLHANDLE handle) {
 }
 
 HRESULT ConnectNumber(const Diagnostic& record) {
-  return record.IsLoginRefused() ? loginRefused : unspecifiedFailure;
+  return record.IsLoginRefused() ? kLoginRefused : kUnspecifiedFailure;
 }
 
 HRESULT StatementNumber(const Diagnostic& record) {
-  if (record.IsTimeout()) return timeoutReached;
-  if (record.IsDriversOwn()) return unspecifiedFailure;
-  if (record.State == L"23000") return integrityBroken;
-  if (record.State == L"42S02") return tableMissing;
-  return statementErrors;
+  if (record.IsTimeout()) return kTimeoutReached;
+  if (record.IsDriversOwn()) return kUnspecifiedFailure;
+  if (record.State == L"23000") return kIntegrityBroken;
+  if (record.State == L"42S02") return kTableMissing;
+  return kStatementErrors;
 }
 
 /// The record that speaks for the failure: the refused login before the driver's word that it could
@@ -141,9 +141,9 @@ OdbcSession::OdbcSession(const std::wstring& connectionString) {
   SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, AsPointer(SQL_OV_ODBC3), 0);
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_))) {
     SQLFreeHandle(SQL_HANDLE_ENV, environment_);
-    throw ProviderError(unspecifiedFailure, L"The ODBC driver manager cannot be loaded");
+    throw ProviderError(kUnspecifiedFailure, L"The ODBC driver manager cannot be loaded");
   }
-  SQLSetConnectAttrW(connection_, SQL_ATTR_LOGIN_TIMEOUT, AsPointer(connectionTimeout), 0);
+  SQLSetConnectAttrW(connection_, SQL_ATTR_LOGIN_TIMEOUT, AsPointer(kConnectionTimeout), 0);
   std::wstring text = Tidied(connectionString);
   const SQLRETURN code = SQLDriverConnectW(connection_, nullptr, text.data(), SQL_NTS, nullptr, 0,
                                            nullptr, SQL_DRIVER_NOPROMPT);
