@@ -58,7 +58,7 @@ void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
   script_.Read(step, install_.TextFiles,
                install_.Machine.AppPath + BackupScriptFolder + BackupScriptName, take);
   BackupScriptName.clear();
-  // The build that follows must not carry the room of the longest batch along.
+  // The build that follows must not keep the room of the longest batch.
   BackupBatchText.shrink_to_fit();
 }
 

@@ -1,4 +1,4 @@
-// The driver of the last page: every deployment step, in order. A failing step is logged and never
+// What the last page runs: every deployment step, in order. A failing step is logged and never
 // stops the later ones.
 
 #include "deploy/Deployment.h"

@@ -14,8 +14,8 @@ Control::Control(Form& form, ControlKind kind, const std::string& name, Place pl
   view_.Height = place.Height;
 }
 
-void Control::Raise(const Handler& handler) {
-  if (handler) form_.Raise(handler);
+void Control::Run(const Handler& handler) {
+  if (handler) form_.RunProcedure(handler);
 }
 
 void Control::Notify(Property property) {
@@ -53,11 +53,11 @@ TextBox& TextBox::HidingText() {
 void TextBox::OperatorTyped(const std::string& text) {
   if (view_.Text == text) return;
   view_.Text = text;  // the window shows it already
-  Raise(Change);
+  Run(Change);
 }
 
 void TextBox::Changed(Property property) {
-  if (property == Property::Text) Raise(Change);
+  if (property == Property::Text) Run(Change);
 }
 
 CommandButton::CommandButton(Form& form, const std::string& name, const std::string& caption,
@@ -86,7 +86,7 @@ OptionButton::OptionButton(Form& form, const std::string& name, const std::strin
 void OptionButton::Changed(Property property) {
   if (property != Property::Value) return;
   if (Value) form_.ClearOtherOptions(*this);
-  Raise(Click);
+  Run(Click);
 }
 
 CheckBox::CheckBox(Form& form, const std::string& name, const std::string& caption,
@@ -97,7 +97,7 @@ CheckBox::CheckBox(Form& form, const std::string& name, const std::string& capti
 }
 
 void CheckBox::Changed(Property property) {
-  if (property == Property::Value) Raise(Click);
+  if (property == Property::Value) Run(Click);
 }
 
 Image::Image(Form& form, const std::string& name, Place place)

@@ -39,7 +39,7 @@ class Control {
  protected:
   Control(Form& form, ControlKind kind, const std::string& name, Place place);
 
-  void Raise(const Handler& handler);
+  void Run(const Handler& handler);
   /// Called after a property got another value, before its form hears of it.
   virtual void Changed(Property) {}
 
@@ -111,7 +111,7 @@ class TextBox : public VisibleControl {
  public:
   TextBox(Form& form, const std::string& name, const std::string& labelledBy, Place place);
 
-  /// Another value raises `Change`, whoever gives it.
+  /// Another value runs `Change`, whoever gives it.
   ControlProperty<std::string> Text{*this, &ControlView::Text, Property::Text};
   ControlProperty<std::string> ToolTipText{*this, &ControlView::ToolTipText, Property::ToolTipText};
   ControlProperty<int> SelStart{*this, &ControlView::SelStart, Property::Selection};
@@ -124,8 +124,8 @@ class TextBox : public VisibleControl {
   TextBox& HidingText();
 
   void OperatorTyped(const std::string& text) override;
-  void OperatorFocused() override { Raise(GotFocus); }
-  void OperatorHovered() override { Raise(MouseMove); }
+  void OperatorFocused() override { Run(GotFocus); }
+  void OperatorHovered() override { Run(MouseMove); }
 
  protected:
   void Changed(Property property) override;
@@ -143,10 +143,10 @@ class CommandButton : public VisibleControl {
   /// Its caption alone does not say what it is for: assistive software reads this label with it.
   CommandButton& LabelledBy(const std::string& label);
 
-  void OperatorClicked() override { Raise(Click); }
+  void OperatorClicked() override { Run(Click); }
 };
 
-/// One choice of several: selecting it clears the form's other option buttons. Another value raises
+/// One choice of several: selecting it clears the form's other option buttons. Another value runs
 /// `Click`, whoever gives it; being cleared by another button's selection does not.
 class OptionButton : public VisibleControl {
  public:
@@ -161,7 +161,7 @@ class OptionButton : public VisibleControl {
   void Changed(Property property) override;
 };
 
-/// Another value raises `Click`, whoever gives it.
+/// Another value runs `Click`, whoever gives it.
 class CheckBox : public VisibleControl {
  public:
   CheckBox(Form& form, const std::string& name, const std::string& caption,

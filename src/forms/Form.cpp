@@ -12,11 +12,11 @@ Form::Form(WindowSystem& windows, std::string name, int width, int height)
 void Form::Show() {
   if (!loaded_) {
     loaded_ = true;
-    Raise([this] { Form_Load(); });
+    RunProcedure([this] { Form_Load(); });
   }
   // The page before is hidden by now: without this one nothing would be left on the screen.
-  Raise([this] { windows_.ShowForm(*this); });
-  Raise([this] { Form_Activate(); });
+  RunProcedure([this] { windows_.ShowForm(*this); });
+  RunProcedure([this] { Form_Activate(); });
 }
 
 void Form::Hide() {
@@ -35,7 +35,7 @@ void Form::MousePointer(int pointer) {
   windows_.UpdateForm(*this, Property::MousePointer);
 }
 
-void Form::Raise(const std::function<void()>& procedure) {
+void Form::RunProcedure(const std::function<void()>& procedure) {
   RunToTheEnd(windows_, procedure);
 }
 
@@ -64,7 +64,7 @@ void Form::OperatorHovered(std::size_t index) {
 }
 
 void Form::OperatorClosed() {
-  Raise([this] { Form_QueryUnload(); });
+  RunProcedure([this] { Form_QueryUnload(); });
 }
 
 std::size_t Form::Add(Control& control) {

@@ -26,7 +26,7 @@ class Form : public FormWindow {
   Form(const Form&) = delete;
   Form& operator=(const Form&) = delete;
 
-  /// Raises Load at the first showing, shows the window, then raises Activate.
+  /// Runs Form_Load at the first showing, shows the window, then runs Form_Activate.
   void Show();
   void Hide();
 
@@ -36,7 +36,7 @@ class Form : public FormWindow {
   void MousePointer(int pointer);
 
   /// Runs an event procedure.
-  void Raise(const std::function<void()>& procedure);
+  void RunProcedure(const std::function<void()>& procedure);
 
   const std::string& WindowName() const override { return name_; }
   const std::string& WindowCaption() const override { return caption_; }

@@ -7,8 +7,8 @@
 #   Pack
 #   Play '@install Client; @finish'
 
-# shellcheck source=tools/bench.sh
-source "$(dirname "${BASH_SOURCE[0]}")/../../tools/bench.sh"
+# shellcheck source=tools/common.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../../tools/common.sh"
 Texts=$Root/tests/e2e/Texts.py
 Sample=$Root/build/win32/samples/SalesDesk/pack
 CaseName='' CaseBegin='' Problems=()

@@ -99,7 +99,7 @@ std::string Differences(const Lines& whole, std::size_t at, const Lines& lines,
     instead.insert(instead.end(), one->Instead.begin(), one->Instead.end());
   std::size_t next = 0;
   int entries = 0;
-  std::string account;
+  std::string differences;
   bool begun = false;
   for (std::size_t line = at; line < lines.size(); ++line) {
     const std::string& text = lines[line].Text;
@@ -109,7 +109,7 @@ std::string Differences(const Lines& whole, std::size_t at, const Lines& lines,
     } else if (told == Told::Log && entries == 0 && text.starts_with("log //~") &&
                Contains(text, fault)) {
       // The entry is the next thing that happens.
-      if (begun) account += "  late: " + text + "\n";
+      if (begun) differences += "  late: " + text + "\n";
       ++entries;
     } else {
       const auto named = std::ranges::find_if(
@@ -119,16 +119,17 @@ std::string Differences(const Lines& whole, std::size_t at, const Lines& lines,
       } else if (std::ranges::none_of(consequences, [&](const Consequence* one) {
                    return IsOneOf(text, one->Maybe);
                  })) {
-        account += "  instead: " + text + "\n";
+        differences += "  instead: " + text + "\n";
       }
     }
     begun = true;
   }
-  for (const std::string_view pattern : instead) account += "  not: " + std::string(pattern) + "\n";
-  for (; next < kept.size(); ++next) account += "  lost: " + kept[next] + "\n";
+  for (const std::string_view pattern : instead)
+    differences += "  not: " + std::string(pattern) + "\n";
+  for (; next < kept.size(); ++next) differences += "  lost: " + kept[next] + "\n";
   if (entries != (told == Told::Log ? 1 : 0))
-    account += "  entries: " + std::to_string(entries) + "\n";
-  return account.substr(0, 2000);
+    differences += "  entries: " + std::to_string(entries) + "\n";
+  return differences.substr(0, 2000);
 }
 
 }  // namespace talu

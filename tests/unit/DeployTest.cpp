@@ -18,7 +18,7 @@ class DeployTest : public PackTest {
     const auto start = std::ranges::find(entries, "DSN creation started...");
     return {start, entries.end()};
   }
-  /// The log's entries between two of the driver's own.
+  /// The log's entries between two of `RunDeployment`'s own.
   std::vector<std::string> Between(const std::string& first, const std::string& last) {
     return Between(LogEntries(), first, last);
   }

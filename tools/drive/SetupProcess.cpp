@@ -40,13 +40,13 @@ int PropertyOf(HWND window, const std::string& name) {
   return static_cast<int>(reinterpret_cast<INT_PTR>(GetPropW(window, Wide(name).c_str())));
 }
 
-bool Carries(HWND window, const std::string& name) {
+bool HasProperty(HWND window, const std::string& name) {
   return PropertyOf(window, name) != 0;
 }
 
 std::string FormOf(HWND window) {
   for (const std::string& form : FormNames()) {
-    if (Carries(window, form)) return form;
+    if (HasProperty(window, form)) return form;
   }
   return {};
 }
@@ -166,7 +166,7 @@ HWND SetupProcess::Page() const {
 
 HWND SetupProcess::Page(const std::string& form) const {
   for (HWND window : TopWindows()) {
-    if (Carries(window, form)) return window;
+    if (HasProperty(window, form)) return window;
   }
   return nullptr;
 }
@@ -183,7 +183,7 @@ std::string SetupProcess::PagesShown() const {
 int SetupProcess::Showing(const std::string& form) const {
   int number = 0;
   ForEachTopWindow([&](HWND window) {
-    if (OwnerOf(window) == id_ && Carries(window, form)) number = PropertyOf(window, kShown);
+    if (OwnerOf(window) == id_ && HasProperty(window, form)) number = PropertyOf(window, kShown);
   });
   return number;
 }
@@ -198,12 +198,12 @@ int SetupProcess::LastShowing() const {
 
 HWND SetupProcess::StuckPage() const {
   const HWND page = Page();
-  if (page == nullptr || !Carries(page, kShown) || Dialog() != nullptr) return nullptr;
+  if (page == nullptr || !HasProperty(page, kShown) || Dialog() != nullptr) return nullptr;
   const HWND next = ControlOn(page, "CmdNext");
   const HWND back = ControlOn(page, "CmdPrev");
   if (IsWindowEnabled(next) || IsWindowEnabled(back)) return nullptr;
   // Looked at after the buttons: a procedure that disables them for its time only is still running.
-  const bool busy = Carries(page, kBusy);
+  const bool busy = HasProperty(page, kBusy);
   // And last, whether it was a page all the time: one that is being closed has nothing of all that.
   const bool whole = IsWindow(next) && (back == nullptr || IsWindow(back)) && IsWindow(page);
   return whole && !busy ? page : nullptr;
@@ -220,7 +220,7 @@ HWND SetupProcess::Control(const std::string& name) const {
 HWND SetupProcess::ControlOn(HWND page, const std::string& name) {
   HWND found = nullptr;
   ForEachChild(page, [&](HWND child) {
-    if (found == nullptr && Carries(child, name)) found = child;
+    if (found == nullptr && HasProperty(child, name)) found = child;
   });
   return found;
 }

@@ -29,7 +29,7 @@ std::optional<SqlMessage> Session::Run(std::string_view batch, ReplyWriter& repl
   line_ = 1;
   try {
     for (const Statement& statement : ParseStatements(batch)) {
-      if (!Carry(statement)) break;
+      if (!Execute(statement)) break;
     }
   } catch (const SqlFailure& failure) {
     Report(failure, 0);
@@ -39,11 +39,11 @@ std::optional<SqlMessage> Session::Run(std::string_view batch, ReplyWriter& repl
 }
 
 /// False when the rest of the batch is not to be carried out.
-bool Session::Carry(const Statement& statement) {
+bool Session::Execute(const Statement& statement) {
   if (isCancelled_()) throw Cancelled();
   if (const auto* block = std::get_if<Block>(&statement.What)) {
     return std::all_of(block->Statements.begin(), block->Statements.end(),
-                       [this](const Statement& each) { return Carry(each); });
+                       [this](const Statement& each) { return Execute(each); });
   }
   if (const auto* choice = std::get_if<IfStatement>(&statement.What)) {
     bool isTrue = false;
@@ -53,12 +53,12 @@ bool Session::Carry(const Statement& statement) {
       return Report(failure, statement.At);
     }
     const std::size_t branch = isTrue ? 0 : 1;
-    return branch >= choice->Branches.size() || Carry(choice->Branches[branch]);
+    return branch >= choice->Branches.size() || Execute(choice->Branches[branch]);
   }
-  return CarryLeaf(statement);
+  return ExecuteLeaf(statement);
 }
 
-bool Session::CarryLeaf(const Statement& statement) {
+bool Session::ExecuteLeaf(const Statement& statement) {
   try {
     std::visit(
         [this](const auto& what) {

@@ -39,11 +39,11 @@ class Session : private RewriteEnvironment {
   const std::string& DatabaseName() const { return facts_.Current.Name; }
 
  private:
-  bool Carry(const Statement& statement);
+  bool Execute(const Statement& statement);
   bool Report(const SqlFailure& failure, std::size_t at);
   std::size_t LineOf(std::size_t at);
 
-  bool CarryLeaf(const Statement& statement);
+  bool ExecuteLeaf(const Statement& statement);
   void Do(const UseDatabase& statement);
   void Do(const CreateDatabase& statement);
   void Do(const AlterDatabase& statement);

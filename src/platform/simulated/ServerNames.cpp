@@ -63,9 +63,9 @@ bool SimulatedServer::Has(const std::string& name, bool login) const {
          std::ranges::find(kSystemDatabases, name) != kSystemDatabases.end();
 }
 
-// Carries out what changes the names; the first refusal ends the statement. Where the statement
+// Applies what changes the names; the first refusal ends the statement. Where the statement
 // asks first (IF), it is taken to have asked the right thing: nothing fails.
-void SimulatedServer::Carry(std::string_view statement) {
+void SimulatedServer::ApplyNames(std::string_view statement) {
   if (!MayNameAny(statement)) return;
   bool asked = false;
   sql::Lexer lexer(statement);
@@ -92,14 +92,14 @@ void SimulatedServer::Carry(std::string_view statement) {
         advance();
         advance();
       }
-      CarryOne(statementVerb, name, login, asked || ifExists);
+      ApplyName(statementVerb, name, login, asked || ifExists);
     } else if (verb.Is("USE")) {
-      CarryOne(verb, kind, false, asked);
+      ApplyName(verb, kind, false, asked);
     }
   }
 }
 
-void SimulatedServer::CarryOne(const Token& verb, const Token& named, bool login, bool asked) {
+void SimulatedServer::ApplyName(const Token& verb, const Token& named, bool login, bool asked) {
   // Not a name: the current database, and statements about its parts.
   if (!login && named.IsOneOf({"CURRENT", "SCOPED", "AUDIT", "ENCRYPTION", "HINT"})) return;
   const std::string name = named.Value();

@@ -151,7 +151,7 @@ void SimulatedServer::Run(const std::string& statement, int timeout) {
     for (const auto& [text, failure] : failures_) {
       if (Contains(statement, text)) throw RuntimeError(failure);
     }
-    if (!AcceptAll) Carry(statement);
+    if (!AcceptAll) ApplyNames(statement);
   });
 }
 

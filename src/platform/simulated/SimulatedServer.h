@@ -42,8 +42,8 @@ class SimulatedServer : public Ado {
 
   void Connect(const std::string& text);
   void Run(const std::string& statement, int timeout);
-  void Carry(std::string_view statement);
-  void CarryOne(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
+  void ApplyNames(std::string_view statement);
+  void ApplyName(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
   /// Whether the upper-cased name is there.
   bool Has(const std::string& name, bool login) const;
 

@@ -6,7 +6,7 @@
 #include <cwchar>
 #include <new>
 
-namespace talu::bench {
+namespace talu::wine {
 
 namespace {
 
@@ -194,4 +194,4 @@ VARIANT NumberResult(long number) {
   return result;
 }
 
-}  // namespace talu::bench
+}  // namespace talu::wine

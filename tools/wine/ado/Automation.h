@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace talu::bench {
+namespace talu::wine {
 
 /// A failure with its own number and text: the caller of `Invoke` receives it as error information.
 struct AutomationError {
@@ -86,4 +86,4 @@ VARIANT TextResult(const std::wstring& text);
 /// A whole number as a result.
 VARIANT NumberResult(long number);
 
-}  // namespace talu::bench
+}  // namespace talu::wine

@@ -3,7 +3,7 @@
 #include "Connection.h"
 #include "Errors.h"
 
-namespace talu::bench {
+namespace talu::wine {
 
 namespace {
 
@@ -66,4 +66,4 @@ void Command::Execute(const Arguments& arguments) const {
   session_->Execute(text_, timeout_);
 }
 
-}  // namespace talu::bench
+}  // namespace talu::wine

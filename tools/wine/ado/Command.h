@@ -6,7 +6,7 @@
 #include "Automation.h"
 #include "OdbcSession.h"
 
-namespace talu::bench {
+namespace talu::wine {
 
 /// "ADODB.Command": ActiveConnection, CommandTimeout, CommandText, Execute. It keeps the session of
 /// the connection that it was bound to: closing the connection unbinds it, opening that again does
@@ -25,4 +25,4 @@ class Command : public DispatchObject {
   std::wstring text_;
 };
 
-}  // namespace talu::bench
+}  // namespace talu::wine

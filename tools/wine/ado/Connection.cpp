@@ -2,7 +2,7 @@
 
 #include "Errors.h"
 
-namespace talu::bench {
+namespace talu::wine {
 
 namespace {
 
@@ -69,4 +69,4 @@ void Connection::Close() {
   session_.reset();
 }
 
-}  // namespace talu::bench
+}  // namespace talu::wine

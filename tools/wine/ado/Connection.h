@@ -6,7 +6,7 @@
 #include "Automation.h"
 #include "OdbcSession.h"
 
-namespace talu::bench {
+namespace talu::wine {
 
 /// Asks an object whether it is a `Connection` of this library; no interface of its own.
 extern const IID kConnectionIdentity;
@@ -32,4 +32,4 @@ class Connection : public DispatchObject {
   std::shared_ptr<OdbcSession> session_;
 };
 
-}  // namespace talu::bench
+}  // namespace talu::wine

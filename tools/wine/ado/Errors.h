@@ -2,7 +2,7 @@
 
 #include "Automation.h"
 
-namespace talu::bench {
+namespace talu::wine {
 
 /// The data-access library's own errors, in their published numbers (`ErrorValueEnum`) and wording;
 /// 0x800A0000 marks them as run-time errors. `source` is the name of the class that fails.
@@ -40,4 +40,4 @@ inline AutomationError NoCommandText(const wchar_t* source) {
           L"Command text was not set for the command object."};
 }
 
-}  // namespace talu::bench
+}  // namespace talu::wine

@@ -6,7 +6,7 @@
 #include "Command.h"
 #include "Connection.h"
 
-namespace talu::bench {
+namespace talu::wine {
 
 namespace {
 
@@ -47,10 +47,10 @@ class ClassFactory : public IClassFactory {
 
 }  // namespace
 
-}  // namespace talu::bench
+}  // namespace talu::wine
 
 STDAPI DllGetClassObject(REFCLSID wanted, REFIID id, void** object) {
-  using namespace talu::bench;
+  using namespace talu::wine;
   static ClassFactory<Connection> connections;
   static ClassFactory<Command> commands;
   if (IsEqualCLSID(wanted, kConnectionClass)) return connections.QueryInterface(id, object);

@@ -10,7 +10,7 @@
 
 #include "Automation.h"
 
-namespace talu::bench {
+namespace talu::wine {
 
 namespace {
 
@@ -188,4 +188,4 @@ void OdbcSession::Execute(const std::wstring& batch, int timeout) {
   throw ProviderError(StatementNumber(cause), cause.Text);
 }
 
-}  // namespace talu::bench
+}  // namespace talu::wine

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace talu::bench {
+namespace talu::wine {
 
 /// One session with a server through the platform's ODBC driver manager. Each failure is raised as
 /// an `AutomationError` with the number that the OLE DB provider for ODBC drivers gives it and the
@@ -32,4 +32,4 @@ class OdbcSession {
   HANDLE connection_ = nullptr;
 };
 
-}  // namespace talu::bench
+}  // namespace talu::wine

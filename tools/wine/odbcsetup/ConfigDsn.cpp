@@ -15,7 +15,7 @@
 
 namespace {
 
-using talu::bench::OdbcIni;
+using talu::wine::OdbcIni;
 
 /// From the ANSI code page to what the driver reads.
 std::string Utf8(const std::string& ansi) {

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <stdexcept>
 
-namespace talu::bench {
+namespace talu::wine {
 
 namespace {
 
@@ -79,4 +79,4 @@ void OdbcIni::Write(const std::string& text) const {
   std::filesystem::rename(fresh, path_);
 }
 
-}  // namespace talu::bench
+}  // namespace talu::wine

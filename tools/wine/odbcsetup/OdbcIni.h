@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace talu::bench {
+namespace talu::wine {
 
 /// The system data sources of the driver manager underneath: `odbc.ini` in the folder that the
 /// environment variable ODBCSYSINI names, with a Unix path. Texts are bytes as they come. Each call
@@ -30,4 +30,4 @@ class OdbcIni {
   std::filesystem::path path_;
 };
 
-}  // namespace talu::bench
+}  // namespace talu::wine

@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034
-# Sourced by demo, test, bench, tools/contact-sheet and the end-to-end tests: builds what they need and makes machines to
+# Sourced by the commands and the end-to-end tests: builds what they need and makes machines to
 # install on. Everything lies under build/; whatever is started here ends with the caller.
 #
 # A machine is a folder: wine/ is its prefix (wine/drive_c its C:), media/ its D:, shots/ what was
@@ -48,7 +48,7 @@ esac
 # Wine reads file names by the locale; builds and tools must not depend on it.
 export LC_ALL=C.UTF-8
 
-# Every program that is started from here on carries this mark in its environment, and so do those that
+# Every program that is started from here on has this mark in its environment, and so do those that
 # it starts and those that leave it and go on by themselves, as Wine's server does. A command within
 # another one adds to its mark, so that each can end its own.
 Mark=${TALU_RUN:-}/$$-${EPOCHREALTIME//[.,]/}
@@ -71,7 +71,7 @@ Occupy() {
   Occupied=1
 }
 
-# MarkedProcesses: the numbers of the processes that carry our mark.
+# MarkedProcesses: the numbers of the processes that have our mark.
 MarkedProcesses() {
   local -x TALU_RUN= # those that look are not meant
   { grep -lzE "^TALU_RUN=$Mark(/|\$)" /proc/[0-9]*/environ || true; } 2>/dev/null | cut -d/ -f3
@@ -96,7 +96,7 @@ EndAll() {
   for machine in "${Machines[@]}"; do
     [[ ! -d $machine/wine ]] || WINEPREFIX=$machine/wine timeout 10 wineserver -k 2>/dev/null || true
   done
-  # Shells of our own that run in the background carry no mark.
+  # Shells of our own that run in the background have no mark.
   for process in $(jobs -p); do kill "$process" 2>/dev/null || true; done
   EndMarked
   rm -rf "$TMPDIR" "${Leavings[@]}"
@@ -139,7 +139,7 @@ Build() {
   export CCACHE_DIR=${CCACHE_DIR:-$Root/build/ccache} CCACHE_BASEDIR=$Root CCACHE_NOHASHDIR=1
   : >"$log"
   # Later the build itself sees whether it has to be configured anew, but not for these files.
-  [[ -f $ninja && $ninja -nt $Root/CMakePresets.json && $ninja -nt $Root/tools/bench.sh ]] ||
+  [[ -f $ninja && $ninja -nt $Root/CMakePresets.json && $ninja -nt $Root/tools/common.sh ]] ||
     Attend env -C "$Root" cmake --preset "$preset" "${ccache[@]}" >"$log" 2>&1 ||
     Fail "configuring $preset failed: $(grep -m1 -A2 'CMake Error' "$log" | tr '\n' ' ')(see $log)"
   Attend env -C "$Root" cmake --build --preset "$preset" ${1:+--target "$@"} >>"$log" 2>&1 ||

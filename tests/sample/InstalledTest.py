@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What tools/account prints of a machine has no password in it: AccountTest.py ACCOUNT."""
+"""What tools/installed prints of a machine has no password in it: InstalledTest.py COMMAND."""
 
 import os
 import pathlib
