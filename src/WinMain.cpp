@@ -6,8 +6,8 @@
 namespace {
 
 #ifndef _MSC_VER
-// Ahead of other constructors, the run-time library's among them: what they ask of the system may
-// load libraries by name.
+// Runs before all other constructors, even those of the run-time library: what they call may load
+// libraries by name.
 [[gnu::constructor(101)]] void BeforeAnythingElse() {
   talu::TrustSystemFolderOnly();
 }

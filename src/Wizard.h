@@ -10,7 +10,7 @@ class Wizard : public InstallContext {
  public:
   explicit Wizard(const talu::Machine& machine) : InstallContext(machine), pages_(*this) {}
 
-  /// The one page of its type, made at first use.
+  /// The page of this type, made at first use.
   template <class PageType>
   PageType& Page() {
     return pages_.Page<PageType>();

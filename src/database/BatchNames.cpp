@@ -21,7 +21,7 @@ std::optional<std::string> CreatedName(const ErrorTrap& step, std::string_view b
 
 std::optional<std::string> NamedDatabase(std::string_view batch, std::string_view statement) {
   if (!Contains(batch, statement)) return {};
-  // Without the blank behind USE, so that an earlier word with these letters is found first.
+  // Without the blank after USE, so that an earlier word with these letters is found first.
   const std::string_view words = TrimView(statement);
   const Int16 at = InStr(batch, words);
   const Int16 keyword = InStr(at, batch, words.substr(words.find(' ') + 1));

@@ -29,7 +29,7 @@ void DatabaseBuild::BuildDatabase() {
   back_.Enabled = false;
   DBCount = 0;
   LoginCount = 0;
-  // Of an earlier build; what was gathered, the line mode and the lists stay.
+  // From an earlier build. What was gathered, the line mode and the lists stay.
   LastError.clear();
   ScriptName.clear();
   KeyFound = false;
@@ -44,7 +44,7 @@ void DatabaseBuild::BuildDatabase() {
   }
   OpenForReading(step, files, install_.Machine.AppPath + "\\AppCfg.txt", ConfigFile);
   step([&] { TheConnection().Open(); });
-  bool closed = true;  // also when the question itself fails
+  bool closed = true;  // also when the query itself fails
   step.Assign(closed, [&] { return TheConnection().State() == 0; });
   if (closed) {
     const std::string failed = "Database authentication failed, Can not continue ...";
@@ -65,13 +65,13 @@ void DatabaseBuild::BuildDatabase() {
   }
 }
 
-// The build's own reader of the configuration. Returns false when a script is malformed.
+// The build's own reader of the configuration. Returns false for a malformed script.
 bool DatabaseBuild::RunScripts(const ErrorTrap& step, const TypeScripts& scripts) {
   TextFiles& files = install_.TextFiles;
   while (MoreToRead(step, files, ConfigFile)) {
     std::string_view CurrentLine;
     if (!step.Assign(CurrentLine, [&] { return files.LineInput(ConfigFile); })) continue;
-    // The key begins with the whole line: an empty line stands for the key too.
+    // A line matches when the key begins with it, so an empty line matches too.
     if (scripts.Key.starts_with(CurrentLine)) KeyFound = true;
     if (!KeyFound) continue;
     if (InBlock) ScriptName = CurrentLine;
@@ -118,7 +118,7 @@ void DatabaseBuild::Fail(const ErrorTrap& step) {
   install_.Machine.Windows.MessageBox(LastError, "");
 }
 
-// The connection and the two files are left open.
+// Leaves the connection and the two files open.
 void DatabaseBuild::FailForFormat(const ErrorTrap& step) {
   step([&] { DropCreatedDatabases(); });
   step([&] { DropCreatedLogins(); });

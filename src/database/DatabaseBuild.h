@@ -16,24 +16,24 @@ class InstallContext;
 class RuntimeError;
 struct TypeScripts;
 
-/// Builds the databases from the pack's scripts, after a backup of those that exist; a build that
-/// fails is rolled back. Its state lives as long as the program.
+/// Builds the databases from the pack's scripts, after a backup of those that exist. A build that
+/// fails is rolled back. The state lives as long as the program.
 class DatabaseBuild : private AdoObjects {
  public:
   DatabaseBuild(InstallContext& install, const WorkView& view, CommandButton& back);
 
-  /// One build. Errors are logged and shown, none is raised but what a message box raises.
+  /// Runs one build. Logs and shows errors; raises only what a message box raises.
   void BuildDatabase();
 
-  /// Whether the last build came to its end without an error.
+  /// Whether the last build ended without an error.
   bool BuildSucceeded = false;
 
-  /// Where a batch begins: script file name and line, from 1.
+  /// Where a batch begins: script file name, and line from 1.
   struct BatchOrigin {
     std::string Script;
     int Line = 0;
   };
-  /// The batch that is being executed, for whoever watches a build; nothing in between.
+  /// The batch that is being executed, for observers of a build; nothing between batches.
   const std::optional<BatchOrigin>& Executing() const { return executing_; }
 
  private:

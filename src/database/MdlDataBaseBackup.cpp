@@ -37,7 +37,7 @@ void MdlDataBaseBackup::BackupDatabases() {
   BackupListed(step);
 }
 
-// What stands before any directive is passed over.
+// Lines before the first directive are skipped.
 void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
   WindowSystem& windows = install_.Machine.Windows;
   const auto take = [&](std::string_view BackupCurrentLine, ScriptLine what,
@@ -58,7 +58,7 @@ void MdlDataBaseBackup::ScanScript(const ErrorTrap& step) {
   script_.Read(step, install_.TextFiles,
                install_.Machine.AppPath + BackupScriptFolder + BackupScriptName, take);
   BackupScriptName.clear();
-  // The build that follows must not keep the room of the longest batch.
+  // The build that follows does not need the memory of the longest batch.
   BackupBatchText.shrink_to_fit();
 }
 

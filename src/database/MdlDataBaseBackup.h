@@ -14,15 +14,15 @@ class InstallContext;
 class Shape;
 
 /// The backup before a build: collects the databases that the scripts name and backs up those that
-/// exist on the server. Its state lives as long as the program: names found by an earlier build
+/// exist on the server. The state lives as long as the program, so names found by an earlier build
 /// stay.
 class MdlDataBaseBackup : private AdoObjects {
  public:
-  /// `bar` moves while the scripts are scanned.
+  /// `bar` advances while the scripts are scanned.
   MdlDataBaseBackup(InstallContext& install, Shape& bar);
 
-  /// Scans the scripts of the installation type, then backs up every name found. Logs each error
-  /// and goes on with the next statement.
+  /// Scans the scripts of the installation type, then backs up every database found. Logs each
+  /// error and continues with the next statement.
   void BackupDatabases();
 
  private:
@@ -33,7 +33,7 @@ class MdlDataBaseBackup : private AdoObjects {
   std::string BackupStatement(const std::string& name) const;
 
   /// Adds the names in the batch text to the list. Raises 5 when a name has no end, 6 when a
-  /// position passes 32767.
+  /// position exceeds 32767.
   void CollectDatabaseName();
   void AddCandidate(const std::string& CandidateName);
   void AdvanceProgress();

@@ -1,6 +1,6 @@
-// The rollback of a failed build. It walks as many entries as this build counted, from the oldest
-// of the lists on, which hold the entries of every build since the program started. The first
-// statement that fails ends its list; the build's trap takes the error.
+// The rollback of a failed build. It drops as many entries as this build counted, starting with the
+// oldest of the lists, which hold the entries of every build since the program started. The first
+// failing statement ends its list; the build's trap gets the error.
 
 #include "database/DatabaseBuild.h"
 #include "platform/Ado.h"

@@ -1,4 +1,4 @@
-// One script: gathers its lines into batches, or takes them one by one, and sends them.
+// Runs one script: gathers its lines into batches, or takes them one by one, and sends them.
 
 #include "database/BatchNames.h"
 #include "database/DatabaseBuild.h"
@@ -13,7 +13,7 @@ constexpr int kCommandTimeout = 300;  // seconds
 
 }  // namespace
 
-// Returns false when the script is malformed; it then stays open.
+// Returns false for a malformed script, which then stays open.
 bool DatabaseBuild::RunScript(const ErrorTrap& step, std::string_view folder) {
   step([&] { TheCommand().ActiveConnection(TheConnection()); });
   step([&] { TheCommand().CommandTimeout(kCommandTimeout); });
@@ -51,7 +51,7 @@ void DatabaseBuild::FinishBatch(const ErrorTrap& step) {
   ExecuteBatch(step);
 }
 
-// Puts the database folder in the place of the folder that the first data file stands in.
+// Replaces the folder of the first data file by the database folder.
 void DatabaseBuild::MoveDataFiles(const ErrorTrap& step) {
   Position drive = 0;
   Position ending = 0;

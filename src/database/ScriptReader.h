@@ -9,27 +9,27 @@
 
 namespace talu {
 
-/// The directives of a script, upper-cased. A line that contains one anywhere, in any case, is one.
+/// The directives of a script, upper-cased. They count anywhere in a line, in any case.
 inline constexpr std::string_view kBatchDirective = "--TALUGO";
 inline constexpr std::string_view kLineDirective = "--TALULINEBYLINE";
 
-/// Whether there is more to read under `number`: the condition of a reading loop. An error of the
-/// test goes to the trap and ends the loop; a file that could not be opened has nothing to read.
+/// Whether there is more to read from `number`: the condition of a reading loop. If the test fails,
+/// the trap gets the error and the loop ends; a file that could not be opened has nothing to read.
 bool MoreToRead(const ErrorTrap& step, TextFiles& files, int number);
 
-/// Opens `path` for input under a free number and puts that into `number`; 0 stays when it cannot
-/// be opened, after one error for the trap.
+/// Opens `path` for input under a free number and sets `number` to it. If it cannot be opened, the
+/// trap gets one error and `number` stays 0.
 void OpenForReading(const ErrorTrap& step, TextFiles& files, const std::string& path, int& number);
 
-/// What a line is: `Gathered` goes into the batch, `Batch` ends it, a `Statement` stands alone.
+/// The kind of a line: `Gathered` is part of the batch, `Batch` ends it, `Statement` is one alone.
 enum class ScriptLine { BatchDirective, LineDirective, Gathered, Batch, Statement, Malformed };
 
-/// Reads scripts, one after the other: the batch mode ends with its script, the line mode stays.
+/// Reads scripts in turn: the batch mode ends with its script, the line mode stays.
 class ScriptReader {
  public:
   void Begin() { batchMode_ = false; }
   bool BatchMode() const { return batchMode_; }
-  /// Takes a line that is not blank; the first rule that applies decides.
+  /// Classifies a line that is not blank; the first matching rule decides.
   ScriptLine Take(std::string_view line, std::string_view trimmed) {
     if (ContainsUpper(line, kBatchDirective)) {
       batchMode_ = true;
@@ -43,8 +43,8 @@ class ScriptReader {
     return lineMode_ ? ScriptLine::Statement : ScriptLine::Malformed;
   }
 
-  /// Reads a script: `take` gets each line that is not blank, what it is, and the line trimmed.
-  /// Where it returns false the reading ends, and the script stays open; returns what it did.
+  /// Reads a script: `take` gets each line that is not blank, its kind, and the line trimmed. When
+  /// it returns false, reading ends and the script stays open. Returns the last result of `take`.
   template <class TakeLine>
   bool Read(const ErrorTrap& step, TextFiles& files, const std::string& path, TakeLine&& take) {
     OpenForReading(step, files, path, file_);
@@ -60,7 +60,7 @@ class ScriptReader {
     files.Close(file_);
     return true;
   }
-  /// Of the line that `Read` has read last, from 1.
+  /// Number of the last line that `Read` read, from 1.
   int LineNumber = 0;
 
  private:

@@ -6,7 +6,7 @@
 
 namespace talu {
 
-/// The scripts of one installation type: the type's word, alone and as a sentence begins with it,
+/// The scripts of one installation type: the type's word, alone and at the start of a sentence,
 /// their folder in the pack, between backslashes, and the key that lists them.
 struct TypeScripts {
   std::string_view Type;
@@ -15,14 +15,14 @@ struct TypeScripts {
   std::string_view Key;
 };
 
-/// By `InstallState::SetupType`.
+/// Indexed by `InstallState::SetupType`.
 inline constexpr std::array<TypeScripts, 3> kTypeScripts = {
     {{"fresh", "A fresh", "\\SQLScript\\Fresh\\", "FreshDBSript"},
      {"demo", "A demo", "\\SQLScript\\Demo\\", "DemoDBSript"},
      {"upgrade", "An upgrade", "\\SQLScript\\Upgrade\\", "UpgradeDBSript"}}};
 
 /// The type whose scripts the backup before a build of `setupType` scans: demo and upgrade are
-/// crossed. Packs rely on it.
+/// swapped. Packs rely on it.
 constexpr std::size_t ScannedType(std::size_t setupType) {
   return (kTypeScripts.size() - setupType) % kTypeScripts.size();
 }

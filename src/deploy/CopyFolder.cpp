@@ -11,7 +11,7 @@ namespace {
 /// Where the bar stops while files are copied, in twips.
 constexpr int kCopyLimit = 6700;
 
-/// Raises 5 for a name of less than four characters.
+/// Raises 5 for a name shorter than four characters.
 bool IsDatabaseFile(const std::string& name) {
   const std::string ending = Mid(name, std::ssize(name) - 3, 4);
   return ending == ".mdf" || ending == ".ldf";

@@ -54,7 +54,7 @@ void Deployment::CreateSystemDSNs() {
     step.Assign(line, [&] { return install_.GetCfgValue("SystemDSN", n); });
     step([&] { install_.WriteErrLog("creating - " + line); });
     step.Assign(fields, [&] { return Split(line, ','); });
-    // A test that fails goes on with what it guards; any other driver gets the text of the line
+    // A test that fails continues with what it guards; any other driver gets the text of the line
     // before.
     bool sqlServer = true;
     bool access = false;

@@ -10,14 +10,14 @@ namespace talu {
 class ErrorTrap;
 class InstallContext;
 
-/// Puts the application on the machine, step by step; each step is a file of this folder.
+/// Installs the application, step by step; each step is a file in this folder.
 class Deployment {
  public:
-  /// `closing` shows the last words.
+  /// `closing` shows the closing instructions.
   Deployment(InstallContext& install, const WorkView& view, Label& closing)
       : install_(install), view_(view), closing_(closing) {}
 
-  /// Every step, in order. A failing step is logged and never stops the later ones.
+  /// Runs every step, in order. A failing step is logged and never stops the later ones.
   void RunDeployment();
 
   /// Registers a system data source. Attributes are separated by NUL characters, none after the

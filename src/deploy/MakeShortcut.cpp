@@ -6,7 +6,7 @@
 namespace talu {
 namespace {
 
-/// The object behind a variable. Raises 91 when it was never set.
+/// The object of a variable. Raises 91 when the variable was never set.
 template <class Object>
 Object& Set(const std::unique_ptr<Object>& variable) {
   if (!variable) throw RuntimeError(error::kObjectNotSet);

@@ -8,18 +8,18 @@ class InstallContext;
 struct WorkView;
 
 /// Copies the tree under `source` into `target`, which must exist: otherwise nothing is copied. An
-/// error while listing or creating a folder ends the copy of that folder's subtree, silently.
+/// error in listing or creating a folder silently ends the copy of that subtree.
 void CopyFolderTree(InstallContext& install, const WorkView& view, const std::string& source,
                     const std::string& target);
 
-/// Copies the files of one folder, but for database files, and shows each. A file
-/// that cannot be copied is logged; the rest goes on. Raises 91 when `source` cannot be listed.
+/// Copies the files of one folder except database files, and shows each name. A file that cannot be
+/// copied is logged and skipped. Raises 91 when `source` cannot be listed.
 void CopyFolderFiles(InstallContext& install, const WorkView& view, const std::string& source,
                      const std::string& target);
 
-/// Makes a shortcut in the first special folder whose last path component, without blanks, is
-/// `selector` in any case. The start menu and its programs folder get the product's sub-folder. The
-/// outcome stands in the log and the uninstall record only.
+/// Makes a shortcut in the first special folder whose last path component, without blanks, equals
+/// `selector` in any case. In the start menu and its programs folder it goes into the product's
+/// sub-folder. Only the log and the uninstall record report the outcome.
 void MakeShortcut(InstallContext& install, const std::string& target, const std::string& selector,
                   const std::string& name, const std::string& workingDir);
 

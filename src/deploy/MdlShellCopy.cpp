@@ -8,8 +8,8 @@ namespace {
 constexpr int kCopy = 2;
 constexpr int kAllowUndo = 64;
 // "64" and "16" joined as texts, not added: no confirmation, simple progress, no security
-// attributes, no descent into folders (shellapi.h), and no longer allow-undo. Installations depend
-// on exactly these flags.
+// attributes, no recursion into folders (shellapi.h), and no longer allow-undo. Installations
+// depend on exactly these flags.
 constexpr int kAllowUndoThenNoConfirmation = 6416;
 
 }  // namespace

@@ -6,7 +6,7 @@ namespace talu {
 
 class InstallContext;
 
-/// Copies with the shell's file operation; with `noConfirm` without asking. Returns whether the
+/// Copies with the shell's file operation; with `noConfirm` it asks nothing. Returns whether the
 /// shell reported success.
 bool ShellCopy(InstallContext& install, const std::string& from, const std::string& to,
                bool noConfirm);

@@ -7,7 +7,7 @@ namespace talu {
 
 class InstallContext;
 
-/// Runs a command line and waits for its end, however long that takes. Returns its exit code, -1
+/// Runs a command line and waits until it ends, however long that takes. Returns its exit code, -1
 /// when it cannot be started.
 std::int32_t ExecCmd(InstallContext& install, const std::string& commandLine);
 

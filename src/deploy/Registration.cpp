@@ -1,4 +1,4 @@
-// The two registration steps. The registration tool is started and never waited for.
+// The two registration steps. They start the registration tool and never wait for it.
 
 #include "deploy/Deployment.h"
 #include "deploy/MdlShellCopy.h"
@@ -44,7 +44,7 @@ void Deployment::RegisterFolderFiles(const std::string& folderPath) {
   step.Assign(files, [&] { return folder->Files(); });
   for (const FolderItem& file : files) {
     install_.Machine.Windows.DoEvents();
-    // Anywhere in the name; a name that holds both is taken twice.
+    // Anywhere in the name; a name that contains both is handled twice.
     const std::string path = folder->Path() + "\\" + file.Name;
     if (ContainsUpper(file.Name, ".OCX")) ReRegister(step, path);
     if (ContainsUpper(file.Name, ".DLL")) ReRegister(step, path);

@@ -1,4 +1,4 @@
-// The add-on packs step: one after the other, each waited for. It has no trap of its own.
+// The add-on packs step: runs them one by one and waits for each. It has no trap of its own.
 
 #include "deploy/Deployment.h"
 #include "deploy/MdlShellExec.h"
@@ -27,7 +27,7 @@ void Deployment::RunAddOns() {
     if (Contains(line, ".msi")) {
       view_.Status.Caption = packStarted + ".Please wait...";
       install_.WriteErrLog(packStarted);
-      // Logged as an administrative installation, run as a plain one.
+      // Logged as an administrative installation, run as an ordinary one.
       install_.WriteErrLog("msiexec /a \"" + path + "\" /quiet");
       exitCode = ExecCmd(install_, "msiexec /i \"" + path + "\" /quiet");
     }

@@ -39,7 +39,7 @@ void Deployment::WriteSettings() {
       files.Close(file);
     }
   }
-  // "not Finished" also after a complete run: the log's readers know it so.
+  // "not Finished" even after a complete run: readers of the log know it so.
   const std::string closing = "Writing Settings not Finished";
   view_.Status.Caption = closing;
   install_.WriteErrLog(closing);

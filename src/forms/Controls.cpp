@@ -52,7 +52,7 @@ TextBox& TextBox::HidingText() {
 
 void TextBox::OperatorTyped(const std::string& text) {
   if (view_.Text == text) return;
-  view_.Text = text;  // the window shows it already
+  view_.Text = text;  // the window already shows it
   Run(Change);
 }
 
@@ -73,7 +73,7 @@ CommandButton& CommandButton::AsDefault() {
 
 CommandButton& CommandButton::LabelledBy(const std::string& label) {
   view_.LabelledBy = label;
-  view_.Style = TextStyle::Label;  // a mere sign, such as three dots, is faint in a lighter one
+  view_.Style = TextStyle::Label;  // a short caption such as three dots is faint in a lighter style
   return *this;
 }
 

@@ -19,8 +19,8 @@ struct Place {
   int Height = 0;
 };
 
-/// What every control has: a view that the window system shows, and the form it stands on. A
-/// control knows nothing of windows; when a property changes it notifies its form.
+/// The base of every control: a view that the window system shows, and the form it belongs to. A
+/// control knows nothing of windows; it notifies its form when a property changes.
 class Control {
  public:
   using Handler = std::function<void()>;
@@ -30,7 +30,7 @@ class Control {
   virtual ~Control() = default;
 
   const ControlView& View() const { return view_; }
-  /// Window events, as the form passes them on.
+  /// Window events, passed on by the form.
   virtual void OperatorClicked() {}
   virtual void OperatorTyped(const std::string&) {}
   virtual void OperatorFocused() {}
@@ -40,7 +40,7 @@ class Control {
   Control(Form& form, ControlKind kind, const std::string& name, Place place);
 
   void Run(const Handler& handler);
-  /// Called after a property got another value, before its form hears of it.
+  /// Called after a property has changed, before the form is notified.
   virtual void Changed(Property) {}
 
   ControlView view_;
@@ -56,7 +56,7 @@ class Control {
   std::size_t index_;
 };
 
-/// One property of a control: reads like a value; giving it another value notifies the form.
+/// One property of a control: reads like a value; assigning another value notifies the form.
 template <class T>
 class ControlProperty {
  public:
@@ -70,7 +70,7 @@ class ControlProperty {
   operator const T&() const { return Get(); }  // NOLINT(google-explicit-constructor)
 
   ControlProperty& operator=(T value) {
-    // The window does not report its own selection back, so the same one may have to be made again.
+    // The window does not report its own selection, so the same one may have to be set again.
     if (Get() == value && property_ != Property::Selection) return *this;
     owner_.view_.*field_ = std::move(value);
     owner_.Notify(property_);
@@ -101,9 +101,9 @@ class Label : public VisibleControl {
 
   ControlProperty<std::string> Caption{*this, &ControlView::Text, Property::Caption};
 
-  /// "&" marks a mnemonic, which leads to the next control in tab order.
+  /// "&" marks a mnemonic, which moves to the next control in tab order.
   Label& WithMnemonic();
-  /// Can be scrolled when its text does not fit.
+  /// Scrolls when its text does not fit.
   Label& Scrolling();
 };
 
@@ -111,7 +111,7 @@ class TextBox : public VisibleControl {
  public:
   TextBox(Form& form, const std::string& name, const std::string& labelledBy, Place place);
 
-  /// Another value runs `Change`, whoever gives it.
+  /// Another value runs `Change`, whoever sets it.
   ControlProperty<std::string> Text{*this, &ControlView::Text, Property::Text};
   ControlProperty<std::string> ToolTipText{*this, &ControlView::ToolTipText, Property::ToolTipText};
   ControlProperty<int> SelStart{*this, &ControlView::SelStart, Property::Selection};
@@ -140,14 +140,14 @@ class CommandButton : public VisibleControl {
 
   /// Enter clicks it wherever the focus is.
   CommandButton& AsDefault();
-  /// Its caption alone does not say what it is for: assistive software reads this label with it.
+  /// The caption alone does not say what it is for: assistive software reads this label with it.
   CommandButton& LabelledBy(const std::string& label);
 
   void OperatorClicked() override { Run(Click); }
 };
 
 /// One choice of several: selecting it clears the form's other option buttons. Another value runs
-/// `Click`, whoever gives it; being cleared by another button's selection does not.
+/// `Click`, whoever sets it; being cleared by another button's selection does not.
 class OptionButton : public VisibleControl {
  public:
   OptionButton(Form& form, const std::string& name, const std::string& labelledBy, Place place);
@@ -161,7 +161,7 @@ class OptionButton : public VisibleControl {
   void Changed(Property property) override;
 };
 
-/// Another value runs `Click`, whoever gives it.
+/// Another value runs `Click`, whoever sets it.
 class CheckBox : public VisibleControl {
  public:
   CheckBox(Form& form, const std::string& name, const std::string& caption,

@@ -14,7 +14,7 @@ void Form::Show() {
     loaded_ = true;
     RunProcedure([this] { Form_Load(); });
   }
-  // The page before is hidden by now: without this one nothing would be left on the screen.
+  // The page before is already hidden: without this one the screen would be empty.
   RunProcedure([this] { windows_.ShowForm(*this); });
   RunProcedure([this] { Form_Activate(); });
 }

@@ -13,12 +13,12 @@ namespace talu {
 /// A page: a window with controls and event procedures. It is made once and then only hidden and
 /// shown again, so its controls keep their contents.
 ///
-/// Every event procedure stands on its own: a run-time error that it does not catch ends the
-/// program (`EndWithErrorBox`) and never reaches the procedure that caused the event.
+/// Every event procedure is independent: a run-time error that it does not catch ends the program
+/// (`EndWithErrorBox`) and never reaches the procedure that caused the event.
 ///
 /// While the procedure of a click runs and lets window events through, further clicks on the same
-/// page are refused: its work is never started twice and its page is never left under it. Closing
-/// it is not refused.
+/// page are refused, so that its work is never started twice and the page is never left in the
+/// middle. Closing it is not refused.
 class Form : public FormWindow {
  public:
   /// Sizes are those of the client area, in twips.
@@ -76,7 +76,7 @@ class Form : public FormWindow {
   std::vector<Control*> controls_;
 };
 
-/// Shows the platform's error box for an error that nobody caught, and ends the program.
+/// Shows the platform's error box for an uncaught error and ends the program.
 void EndWithErrorBox(WindowSystem& windows, const RuntimeError& error);
 
 /// Runs `procedure`; an error that it does not catch ends the program.

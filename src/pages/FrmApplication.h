@@ -7,7 +7,7 @@
 
 namespace talu {
 
-/// The last page: as soon as it is shown it puts the application on the machine.
+/// The last page: installs the application as soon as it is shown.
 class FrmApplication : public WizardPage {
  public:
   explicit FrmApplication(Pages& pages);
@@ -31,7 +31,7 @@ class FrmApplication : public WizardPage {
                     {layout::kLeft - kScrollMargin, 960, layout::kWidth + kScrollMargin, 3120}};
   CommandButton CmdNext{*this, "CmdNext", "&Finish", layout::kNext};
 
-  /// What a copy that another page makes shows here too.
+  /// A copy made by another page is shown here too.
   const WorkView View{Lblmsg, ShpProgBar, LblNotRes, CmdNext};
 
  protected:

@@ -29,7 +29,7 @@ void FrmAuthentication::Form_Load() {
   TxtServer.Text = state.ServerName;
   wentBack_ = false;
   SetUpFrame();
-  // The server's name is not looked at here.
+  // The server's name is not checked here.
   CmdNext.Enabled = !state.SqlPassword.empty() && !state.SqlUser.empty();
   ShpProgBar.Width = ProgressShare(3);
 }
@@ -53,7 +53,7 @@ void FrmAuthentication::CmdNext_Click() {
     pages_.Page<FrmLocation>().Show();
   } catch (...) {
     CaughtError();
-    ForgetConnection();  // one that would not close refuses every further try
+    ForgetConnection();  // a connection that would not close refuses every further attempt
     LblMsg.Caption = "Authentication failed...";
     CmdNext.Enabled = false;
   }

@@ -5,7 +5,7 @@
 
 namespace talu {
 
-/// SQL Server login name, password and server, proved by opening a connection.
+/// SQL Server login name, password and server, verified by opening a connection.
 class FrmAuthentication : public WizardPage, private AdoObjects {
  public:
   explicit FrmAuthentication(Pages& pages);

@@ -57,7 +57,7 @@ void FrmLocation::ReadFolderNames() {
   install_.State.AppFolderName = install_.GetCfgValue("AppFolder", 1);
 }
 
-// Whether the folder occurs anywhere in the path, not whether the path ends with it.
+// Tests whether the folder occurs anywhere in the path, not whether the path ends with it.
 void FrmLocation::AddProductFolder() {
   std::string& path = install_.State.InstallPath;
   if (Right(path, 1) == "\\") {
@@ -115,7 +115,7 @@ void FrmLocation::TxtServer_GotFocus() {
   TxtServer.SelLength = static_cast<int>(TxtServer.Text.Get().size());
 }
 
-// Never disables the button: an emptied box leaves it as it was.
+// Never disables the button: clearing the box leaves it as it was.
 void FrmLocation::EnableNextWhenFilled() {
   if (!TrimView(TxtInstaPath.Text.Get()).empty() && !install_.State.ServerName.empty()) {
     CmdNext.Enabled = true;
@@ -193,8 +193,8 @@ void FrmLocation::BackUpApplicationFolder() {
   MousePointer(11);
   state.BackupFolderPath = BackupFolderFor(state.AppFolderPath, state.AppFolderName);
   if (!files.FolderExists(state.BackupFolderPath)) files.CreateFolder(state.BackupFolderPath);
-  // The name is built anew each time: when the minute changes before the copy, the copy's target
-  // is not there and nothing is copied.
+  // The name is made anew each time: when the minute changes before the copy, the copy's target
+  // does not exist and nothing is copied.
   if (!files.FolderExists(DatedBackupFolder())) files.CreateFolder(DatedBackupFolder());
   CopyFolderTree(install_, pages_.Page<FrmApplication>().View,
                  state.UseOldLocation ? state.OldInstallPath : state.AppFolderPath,

@@ -6,7 +6,7 @@
 
 namespace talu {
 
-/// The installation folder and, in client mode, the server. Its Next makes the folders, backs up an
+/// The installation folder and, in client mode, the server. Next creates the folders, backs up an
 /// existing installation, and starts the log and the uninstall record.
 class FrmLocation : public WizardPage {
  public:
@@ -42,7 +42,7 @@ class FrmLocation : public WizardPage {
   void Form_Load() override;
 
  private:
-  /// Too narrow for the whole of `Label3`, whose gap is a line break then.
+  /// Too narrow for the whole of `Label3`, whose gap then becomes a line break.
   static constexpr int kBrokenWidth = 6000;
   static constexpr Place Line(int top, int lines = 1) {
     return {layout::kLeft, top, layout::kWidth, lines * layout::kLine};

@@ -64,7 +64,7 @@ void FrmType::ShowOldLocationPath(bool visible) {
   CmdLocation.Visible = visible;
 }
 
-// The tick and `UseOldLocation` stay as they were.
+// The tick and `UseOldLocation` stay unchanged.
 void FrmType::OptFresh_Click() {
   ShowOldLocationBox(false);
   ShowOldLocationPath(false);

@@ -23,7 +23,7 @@ class Pages {
 
   InstallContext& Install;
 
-  /// The one page of its type, made at first use.
+  /// The page of this type, made at first use.
   template <class PageType>
   PageType& Page();
 

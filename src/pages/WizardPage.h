@@ -10,9 +10,9 @@ namespace talu {
 class InstallContext;
 class Pages;
 
-/// The frame that every page shares: picture and title above, then the page's own controls, then
-/// status line, progress bar, note and buttons, which each page declares last because the order of
-/// declaration is the tab order.
+/// The frame that every page shares: picture and title at the top, then the page's own controls,
+/// then status line, progress bar, note and buttons. Each page declares those last because the
+/// order of declaration is the tab order.
 class WizardPage : public Form {
  public:
   WizardPage(Pages& pages, const std::string& name, const std::string& title);
@@ -21,7 +21,7 @@ class WizardPage : public Form {
   Label LblTitleMsg;
 
  protected:
-  /// Caption and background picture, at load. Raises what loading the picture raises.
+  /// Sets caption and background picture, at load. Raises what loading the picture raises.
   void SetUpFrame();
   /// Closing any page ends the program at once.
   void Form_QueryUnload() override;
@@ -33,7 +33,7 @@ class WizardPage : public Form {
 inline constexpr const char* kNotResponding =
     "Note: During installation wizard may appear as not responding, Please wait ...";
 
-/// One layout for all pages, in twips on a grid of 120: a content column as wide as the progress
+/// The layout of all pages, in twips on a grid of 120: a content column as wide as the progress
 /// track, the choices indented by one step, the buttons at the lower right.
 namespace layout {
 inline constexpr int kPageWidth = 9000;
@@ -52,12 +52,12 @@ inline constexpr Place kNote{kLeft, 5040, kWidth, 360};
 inline constexpr Place kNext{kLeft + kWidth - 1320, 5520, 1320, 420};
 inline constexpr Place kBack{kLeft + kWidth - 2760, 5520, 1320, 420};
 
-/// The progress bar with a width, in twips.
+/// The progress bar at a width, in twips.
 constexpr Place Bar(int width) {
   return {kTrack.Left, kTrack.Top, width, kTrack.Height};
 }
-/// An option button or check box, level with the capitals of its label, which stands at `indent` +
-/// 360 and `top`.
+/// An option button or check box, level with the capitals of its label, which is at `indent` + 360
+/// and `top`.
 constexpr Place Mark(int indent, int top) {
   return {indent, top - 60, 300, 300};
 }
@@ -65,7 +65,7 @@ constexpr Place Mark(int indent, int top) {
 constexpr Place Text(int top, int lines = 1) {
   return {kIndent, top, kIndentWidth, lines * kLine};
 }
-/// A text box as far as the right edge of the column.
+/// A text box that ends at the right edge of the column.
 constexpr Place Box(int left, int top) {
   return {left, top, kLeft + kWidth - left, kBoxHeight};
 }

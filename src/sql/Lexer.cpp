@@ -133,7 +133,7 @@ Token Lexer::NextOrComment() {
   return {kind, true, 0, text_.substr(start, at_ - start), start};
 }
 
-// Goes on to the end of what is open, or of the text.
+// Continues to the end of what is open, or of the text.
 Token Lexer::TakeOpen(std::size_t opening) {
   const std::size_t start = std::exchange(at_, at_ + opening);
   const TokenKind kind = open_.Kind;

@@ -15,20 +15,20 @@ enum class TokenKind {
   Number,    ///< 12, 1.5, 1e3
   Binary,    ///< 0x0AFF
   Variable,  ///< @name or @@name
-  Comment,   ///< -- up to the line feed, or between the marks, which nest
+  Comment,   ///< -- up to the line feed, or between its marks, which nest
   Symbol,
 };
 
-/// Whether a word or a name without quotes may hold the byte.
+/// Whether a word or a name without quotes may contain the byte.
 bool IsWordPart(char c);
 
 struct Token {
   TokenKind Kind = TokenKind::End;
-  /// False where the text ends before the closing quote, bracket or comment mark.
+  /// False when the text ends before the closing quote, bracket or comment mark.
   bool IsClosed = true;
-  /// The length of what opens it: 2 for N'; 0 for what an earlier piece began.
+  /// The length of the opening mark: 2 for N'; 0 when an earlier piece began the token.
   unsigned char Opening = 0;
-  /// The token as it stands in the text.
+  /// The token as written in the text.
   std::string_view Raw;
   /// Where it begins in the text, in bytes.
   std::size_t At = 0;
@@ -40,37 +40,37 @@ struct Token {
     return Kind == TokenKind::Symbol && Raw == symbol;
   }
   bool IsName() const { return Kind == TokenKind::Word || Kind == TokenKind::Name; }
-  /// What stands between the brackets or quotes of a name or a text, as it is written.
+  /// What is between the brackets or quotes of a name or a text, as written.
   std::string_view Inside() const {
     return Raw.substr(Opening, Raw.size() - Opening - (IsClosed ? 1 : 0));
   }
-  /// The name without its brackets, or the text without its quotes: doubled ones are single.
+  /// The name without its brackets, or the text without its quotes; doubled ones become single.
   std::string Value() const;
 };
 
-/// What a text ends in the middle of: a text, a quoted name or a comment; End for none.
+/// What is still open at the end of a text: a text, a quoted name or a comment; End for nothing.
 struct Unclosed {
   TokenKind Kind = TokenKind::End;
   char Mark = 0;          ///< what closes a text or a name
   std::size_t Depth = 0;  ///< comments within comments
 };
 
-/// Walks the tokens of T-SQL, one at a time; it takes any text and raises nothing. Copying one
-/// keeps the place, which is how to look ahead.
+/// Reads the tokens of T-SQL, one at a time. Accepts any text and raises nothing. To look ahead,
+/// use a copy: it keeps its own position.
 class Lexer {
  public:
   explicit Lexer(std::string_view text) : text_(text) {}
   /// The tokens of `text` from byte `at` up to byte `end`.
   Lexer(std::string_view text, std::size_t at, std::size_t end)
       : text_(text.substr(0, end)), at_(at) {}
-  /// Goes on with what the piece in front of `text` ended in; the first token is the rest of it.
+  /// Continues what the piece before `text` left open; the first token is the rest of it.
   Lexer(std::string_view text, const Unclosed& open) : text_(text), open_(open) {}
 
   /// The next token, or End.
   Token NextOrComment();
-  /// The same, but comments that are closed are passed over.
+  /// The next token, without closed comments.
   Token Next();
-  /// What the tokens taken so far leave open.
+  /// What the tokens read so far leave open.
   const Unclosed& Open() const { return open_; }
 
  private:

@@ -13,11 +13,11 @@ namespace {
 constexpr std::string_view kStars = "***";
 constexpr std::string_view kQuotedStars = "'***'";
 constexpr const char* kBlanks = " \t\r\n";
-/// Texts within texts: beyond this depth a text that may hold a password is hidden whole.
+/// Texts within texts: below this depth a text that may contain a password is hidden whole.
 constexpr int kDeepest = 8;
 
-/// A part of the words that a password stands after, with the place of the letter in it that texts
-/// have least of: that one is hunted.
+/// A part of the words that precede a password, with the position of its rarest letter, which is
+/// what the search looks for.
 struct Mark {
   std::string_view Upper;
   std::size_t Rare;
@@ -32,7 +32,7 @@ constexpr std::array<Mark, 9> kMarks = {{{"PASS", 0},
                                          {"OPENROWSET", 1},
                                          {"OPENDATASOURCE", 1}}};
 
-/// Whether a text has anything of such a word. Most have not, and a large pack has millions.
+/// Whether a text contains such a part. Most do not, and a large pack has millions.
 bool MayHoldPassword(std::string_view text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
     const int hunted = text[at] | 0x20;
@@ -56,7 +56,7 @@ bool NamesPassword(const Token& token) {
   });
 }
 
-/// A procedure or function that is told a password.
+/// A procedure or function that takes a password.
 bool TakesPassword(const Token& token) {
   static constexpr std::array<std::string_view, 12> kNames = {
       "SP_ADDLOGIN",        "SP_PASSWORD",          "SP_SETAPPROLE",         "SP_ADDAPPROLE",
@@ -70,13 +70,13 @@ bool IsText(const Token& token) {
          (token.Kind == TokenKind::Name && token.Raw.front() == '"');
 }
 
-/// Walks a batch, and the texts and comments in it, and notes the passwords.
+/// Reads a batch, and the texts and comments in it, and collects the passwords.
 class Walk {
  public:
   Walk(std::vector<std::string>& passwords, bool& isDoubtful)
       : passwords_(passwords), isDoubtful_(isDoubtful) {}
 
-  /// The text masked. What it ends in the middle of ("PASSWORD = " within quotes) goes on behind
+  /// The text masked. What is still open at its end ("PASSWORD = " within quotes) continues after
   /// it.
   std::string Mask(std::string_view text, int depth);
 
@@ -89,13 +89,13 @@ class Walk {
   std::vector<std::string>& passwords_;
   bool& isDoubtful_;
   Awaits awaits_ = Awaits::Nothing;
-  /// Among the arguments of a procedure that takes a password; and at the place of one.
+  /// In the arguments of a procedure that takes a password; and in the place of one.
   bool inArguments_ = false;
   bool atArgument_ = false;
   bool afterSemicolon_ = false;
 };
 
-/// Whether a token stands where a password does.
+/// Whether a token is where a password is.
 bool Walk::IsPassword(const Token& token) {
   if (token.Kind == TokenKind::Symbol || token.Kind == TokenKind::Variable || token.Is("NULL")) {
     return false;
@@ -105,7 +105,7 @@ bool Walk::IsPassword(const Token& token) {
   return IsText(token) && (awaits_ == Awaits::Equals || inArguments_ || afterSemicolon_);
 }
 
-/// What a token that is no password says of those that follow.
+/// Updates what the following tokens mean, after a token that is not a password.
 void Walk::Follow(const Token& token) {
   afterSemicolon_ = token.IsSymbol(";");
   const bool opens = token.IsSymbol("(") || token.IsSymbol("{");
@@ -145,13 +145,13 @@ std::string Walk::Mask(std::string_view text, int depth) {
     masked.append(text.substr(copied, from - copied)).append(with);
     copied = to;
   };
-  std::optional<std::size_t> beforeFirst;  // bytes of `masked` in front of the first password
+  std::optional<std::size_t> beforeFirst;  // bytes of `masked` before the first password
   const auto hide = [&](std::size_t from, std::size_t to, std::string_view with) {
     put(from, from, "");
     if (!beforeFirst) beforeFirst = masked.size();
     put(from, to, with);
   };
-  // From the first password on nothing is certain.
+  // Nothing is certain after the first password.
   const auto hideRest = [&](std::size_t from) {
     isDoubtful_ = true;
     if (!beforeFirst) hide(from, from, "");
@@ -160,7 +160,7 @@ std::string Walk::Mask(std::string_view text, int depth) {
     copied = text.size();
     awaits_ = Awaits::Plus;
   };
-  // A password without quotes ends where its statement goes on, in a connection text at the next
+  // A password without quotes ends where its statement continues; in a connection text, at the next
   // part.
   const auto endOfBare = [&](std::size_t at) {
     return std::min(text.find_first_of(depth == 0 ? " \t\r\n,;)" : ";\r\n", at), text.size());
@@ -239,7 +239,7 @@ std::string Walk::Mask(std::string_view text, int depth) {
     }
     Follow(token);
     if (awaits_ == Awaits::Value && token.IsSymbol("=")) {
-      // PWD=!a b; in a connection text, or what no statement can go on with.
+      // PWD=!a b; in a connection text, or what cannot continue a statement.
       const std::size_t from = std::min(text.find_first_not_of(kBlanks, end), text.size());
       const std::string_view next = text.substr(from, 2);
       const bool isQuoted = next.find_first_of("'\"") != std::string_view::npos;

@@ -6,8 +6,8 @@
 
 namespace talu::sql {
 
-/// What a text holds of passwords, and what others may be shown of it. Takes any text, malformed
-/// ones above all: what cannot be told from a password is hidden with it.
+/// The passwords in a text, and what of it may be shown. Accepts any text, even a malformed one:
+/// what cannot be told from a password is hidden too.
 class PasswordMask {
  public:
   enum class Form { Statements, ConnectionText };
@@ -16,12 +16,12 @@ class PasswordMask {
 
   /// The text with '***' in place of every password; in a connection text without the quotes.
   const std::string& Text() const { return text_; }
-  /// Whether what an error quotes of the text may be a password, or part of one.
+  /// Whether the part of the text that an error quotes may be a password, or part of one.
   bool Hides(std::string_view quoted) const;
 
  private:
   std::vector<std::string> passwords_;
-  /// The quotes of the text do not match: what is a password in it is not known for certain.
+  /// The quotes of the text do not match, so it is not certain what is a password in it.
   bool isDoubtful_ = false;
   std::string text_;
 };

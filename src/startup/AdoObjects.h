@@ -6,7 +6,7 @@
 
 namespace talu {
 
-/// The connection and the command of a class that talks to the server: made at first use and kept.
+/// The connection and the command of a class that uses the server: made at first use and kept.
 class AdoObjects {
  protected:
   explicit AdoObjects(Ado& dataAccess) : dataAccess_(dataAccess) {}
@@ -21,7 +21,7 @@ class AdoObjects {
     if (!command_) command_ = dataAccess_.CreateCommand();
     return *command_;
   }
-  /// The next use makes a new one.
+  /// The next use makes a new connection.
   void ForgetConnection() { connection_.reset(); }
 
  private:

@@ -6,7 +6,7 @@
 
 namespace talu {
 
-/// The folder for backups: beside the application folder, named after it. Raises 5 when
+/// The folder for backups: next to the application folder and named after it. Raises 5 when
 /// `appFolderPath` has no backslash.
 std::string BackupFolderFor(const std::string& appFolderPath, const std::string& appFolderName);
 

@@ -6,8 +6,8 @@
 namespace talu {
 namespace {
 
-/// Whether the key begins with the whole line. So a line that is only the key's beginning, an empty
-/// one too, stands for the key.
+/// Whether the key begins with the line. So a line with only the beginning of the key, even an
+/// empty one, counts as the key.
 bool IsKeyLine(std::string_view key, std::string_view line) {
   return !key.empty() && key.starts_with(line);
 }
@@ -44,7 +44,7 @@ std::string InstallContext::GetCfgValue(const std::string& key, Int16 index) {
   return std::string(result);
 }
 
-// Unlike `GetCfgValue`, passes over blank lines. Packs rely on the difference.
+// Unlike `GetCfgValue`, skips blank lines. Packs rely on the difference.
 Int16 InstallContext::GetCfgCount(const std::string& key) {
   const std::string text = ReadCfg();
   LineScanner lines(text);

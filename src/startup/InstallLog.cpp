@@ -3,10 +3,10 @@
 
 namespace talu {
 
-// Both files stay open between calls and are reopened at the start of the next, so that the file
-// number is never given back.
+// Both files stay open between calls and are reopened at the start of the next, so that their
+// numbers are never released.
 
-// Absent when it existed, present and empty when it did not.
+// Leaves no file when there was one, an empty file when there was none.
 void InstallContext::ResetErrorLog() {
   const std::string path = State.AppFolderPath + "\\Ta-luErrLog.txt";
   TextFiles.Close(State.LogFileNumber);

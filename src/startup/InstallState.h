@@ -6,8 +6,8 @@
 
 namespace talu {
 
-/// The shared state of one installation, filled in page order and read and written directly by
-/// every page and module. Going back through the pages leaves every field as it was.
+/// The shared state of one installation, filled in page order and accessed directly by every page
+/// and module. Going back through the pages leaves every field unchanged.
 struct InstallState {
   /// 0 server installation, 1 client installation.
   std::uint8_t Mode = 0;
@@ -30,19 +30,19 @@ struct InstallState {
   std::string AppTitle;
   std::string AppFolderName;
   std::string DBFolderName;
-  /// Holds the log and the uninstall record.
+  /// Contains the log and the uninstall record.
   std::string AppFolderPath;
   std::string DBFolderPath;
   std::string BackupFolderPath;
 
-  /// "," and a name for every database that a build created, oldest first; only ever appended to.
+  /// "," and a name for every database that a build created, oldest first; never shortened.
   std::string CreatedDatabaseList;
   std::string CreatedLoginList;
   /// The lists split at ",", for the rollback; element 0 is empty.
   std::vector<std::string> CreatedDatabases;
   std::vector<std::string> CreatedLogins;
 
-  /// Empty: pages show no picture.
+  /// Empty when pages show no picture.
   std::string BackgroundPicturePath;
   /// File numbers of the log and of the uninstall record; 0 until they are started.
   int LogFileNumber = 0;

@@ -5,7 +5,7 @@
 
 namespace talu {
 
-/// What a page shows of the work that is done on it. The steps know no page.
+/// What a page shows of the work done on it. The steps know no page.
 struct WorkView {
   Label& Status;
   Shape& Bar;
@@ -16,7 +16,7 @@ struct WorkView {
 /// The progress bar's full width in twips.
 inline constexpr int kProgressWidth = 7325;
 
-/// The width in twips that stands for `percent` of the wizard's work, halves rounded to even.
+/// The width in twips for `percent` of the wizard's work, halves rounded to even.
 inline Int16 ProgressShare(double percent) {
   return RoundToInt16(kProgressWidth / 100.0 * percent);
 }
