@@ -7,7 +7,7 @@ namespace {
 
 const std::string kFile = "packcheck.ignore";
 
-/// Marks what a line accepts. Returns why it accepts nothing; empty when it does.
+/// Marks what a line accepts. Returns why it accepts nothing; empty when it accepts something.
 std::string Accept(std::string_view line, Findings& findings) {
   std::vector<std::string> parts = Split(line, '|');
   for (std::string& part : parts) part = Stripped(part);
@@ -30,7 +30,7 @@ std::string Accept(std::string_view line, Findings& findings) {
 void AcceptFindings(CheckedPack& pack) {
   const std::string text = pack.Read(kFile).value_or("");
   int number = 0;
-  // Any line ends will do here.
+  // Line ends may be CR LF or LF.
   for (const std::string& whole : Split(Replace(text, "\r\n", "\n"), '\n')) {
     ++number;
     const std::string_view line = Stripped(whole);

@@ -4,9 +4,9 @@
 
 namespace talu::packcheck {
 
-/// Marks the findings that the author accepts in the pack's file packcheck.ignore. Each line of it
-/// is "CODE | FILE | TEXT | REASON": TEXT is part of the line that the finding stands in, or
-/// nothing. Empty lines and those that begin with "#" are passed over.
+/// Marks the findings that the author accepts in the pack's file packcheck.ignore. Each of its
+/// lines is "CODE | FILE | TEXT | REASON", where TEXT is part of the finding's line, or empty.
+/// Empty lines and lines that begin with "#" are skipped.
 void AcceptFindings(CheckedPack& pack);
 
 }  // namespace talu::packcheck

@@ -18,7 +18,7 @@ const char* Thing(bool login) {
   return login ? "login" : "database";
 }
 
-/// The name as the build cuts it out.
+/// The name as the build extracts it.
 std::optional<std::string> RecordedName(const std::string& text, bool login) {
   const ErrorTrap pass([](const RuntimeError&) {});
   return CreatedName(pass, text, Keyword(login));
@@ -36,7 +36,7 @@ void CheckName(const SqlBatch& batch, const SqlStatement& created, Findings& fin
   findings.Add("SQL-CREATE-NAME", created.Place, {Shown(name), thing, Shown(created.Name)});
 }
 
-/// Checks where the database files go, as the build moves them.
+/// Checks where the build moves the database files.
 void CheckFiles(const SqlBatch& batch, const SqlStatement& created, const SqlFacts& facts,
                 Findings& findings) {
   const Position drive = InStr(batch.Text, ":\\") - 1;
@@ -78,7 +78,7 @@ void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Finding
   const bool recorded = login ? CreatesLogin(batch.Text) : CreatesDatabase(batch.Text);
   if (first == nullptr) {
     if (!recorded || !(login ? facts.CommentCreatesLogin : facts.CommentCreatesDatabase)) return;
-    // Where nothing can be cut out, the error of that fails the build too.
+    // When nothing can be extracted, that error also fails the build.
     const std::optional<std::string> name = RecordedName(batch.Text, login);
     findings.Add("SQL-CREATE-COMMENT", batch.Start,
                  {name ? Shown(Trim(*name)) : "nothing", Keyword(login)});
@@ -92,8 +92,8 @@ void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Finding
   if (!login) CheckFiles(batch, *first, facts, findings);
 }
 
-/// The statement of the batch that names this database; the first one for an empty name. A null
-/// pointer without one.
+/// The statement of the batch that names this database; the first statement for an empty name. A
+/// null pointer when there is none.
 const SqlStatement* Naming(const SqlFacts& facts, const std::string& bareName) {
   for (const SqlStatement& statement : facts.Statements) {
     if (statement.Login) continue;

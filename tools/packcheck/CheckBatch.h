@@ -9,7 +9,7 @@
 
 namespace talu::packcheck {
 
-/// What a script sends to the server at once: a batch, or a line.
+/// What a script sends to the server in one go: a batch, or a line.
 struct SqlBatch {
   std::string Text;
   /// Where it begins.
@@ -24,10 +24,9 @@ class BackupNames {
  public:
   explicit BackupNames(Findings& findings) : findings_(findings) {}
 
-  /// Takes the names out of a batch as the backup does, and checks them against those that are
-  /// really there.
+  /// Extracts the names from a batch as the backup does, and compares them with the actual ones.
   void Collect(const SqlBatch& batch, const SqlFacts& facts);
-  /// Whether a database is backed up, or why it is not was told already.
+  /// Whether a database is backed up, or the reason why not has been reported.
   bool Covers(const std::string& bareName) const;
 
  private:
@@ -35,7 +34,7 @@ class BackupNames {
 
   Findings& findings_;
   std::string list_;
-  // As they are compared (without brackets, upper-cased), and as they are written.
+  // The names as they are compared (without brackets, upper-cased), and as written.
   std::map<std::string, std::string> names_;
   std::set<std::string> merged_;
 };

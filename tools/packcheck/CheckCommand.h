@@ -9,16 +9,16 @@ namespace talu::packcheck {
 struct CheckOptions {
   /// The pack folder.
   std::filesystem::path Pack;
-  /// One JSON object a line instead of text for a person.
+  /// One JSON object per line instead of text for people.
   bool Json = false;
 };
 
-/// Checks a pack and writes what was found to `out`, in UTF-8. Returns the exit status: 0 when it
-/// is clean (notes and accepted findings aside), 1 with warnings, 2 with errors. Raises
+/// Checks a pack and writes the findings to `out`, in UTF-8. Returns the exit status: 0 when the
+/// pack is clean (apart from notes and accepted findings), 1 with warnings, 2 with errors. Raises
 /// std::exception, with a line for the user, when the pack cannot be read.
 int CheckCommand(const CheckOptions& options, std::ostream& out);
 
-/// Writes what the finding `code` means, in Markdown; every one for "all". Raises
+/// Writes what the finding `code` means, in Markdown; all of them for "all". Raises
 /// std::runtime_error with a line for the user when there is no such code.
 void ExplainCommand(const std::string& code, std::ostream& out);
 

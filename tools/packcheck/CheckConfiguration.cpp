@@ -23,7 +23,7 @@ bool IsScriptKey(std::string_view key) {
   return std::ranges::find(kTypeScripts, key, &TypeScripts::Key) != kTypeScripts.end();
 }
 
-/// The keys, but for `own`, that begin with `line`, for a sentence; empty when there are none.
+/// The keys except `own` that begin with `line`, as part of a sentence; empty when there are none.
 std::string KeysBegunBy(std::string_view line, std::string_view own) {
   std::string keys;
   for (const std::string_view key : kKeys) {
@@ -34,7 +34,7 @@ std::string KeysBegunBy(std::string_view line, std::string_view own) {
   return keys;
 }
 
-/// How many letters must be put in, taken out or changed to make one word of the other.
+/// The number of letters to insert, remove or change to turn one word into the other.
 std::size_t Distance(std::string_view one, std::string_view other) {
   std::vector<std::size_t> row(other.size() + 1);
   for (std::size_t j = 0; j < row.size(); ++j) row[j] = j;
@@ -50,7 +50,7 @@ std::size_t Distance(std::string_view one, std::string_view other) {
   return row.back();
 }
 
-/// What to do about a key that nobody knows.
+/// What to do about an unknown key.
 std::string Suggestion(std::string_view name) {
   for (const std::string_view key : kKeys) {
     if (Distance(UCase(name), UCase(key)) <= 2) return "Write " + std::string(key) + ".";
@@ -89,7 +89,7 @@ Place Configuration::PlaceOf(std::string_view key) const {
   return {"AppCfg.txt", 0, ""};
 }
 
-// Returns false when no line can be made out.
+// Returns false when the text has no usable lines.
 bool Configuration::CheckText() {
   const TextMark mark = MarkOf(text_);
   if (mark.Utf16) {
@@ -108,7 +108,7 @@ bool Configuration::CheckText() {
     if (!Contains(line.Text, "\n")) continue;
     line.Text = line.Text.substr(0, line.Text.find('\n'));
     pack_.Findings.Add("CFG-LINE-ENDS", line.Place());
-    // For the rest of the checks each line feed counts as what was meant.
+    // For the other checks each line feed counts as CR LF, which is what was meant.
     text_ = Replace(Replace(text_, "\r\n", "\n"), "\n", "\r\n");
     break;
   }
@@ -251,7 +251,7 @@ void Configuration::TakeInside(const CfgLine& line, std::string_view next) {
   if (!line.Text.empty()) pack_.Findings.Add("CFG-VALUE-KEY", line.Place(), {begun});
 }
 
-// Asks the wizard's own readers.
+// Uses the wizard's own readers.
 void Configuration::CheckLimits() {
   Wizard wizard(pack_.Machine.Parts);
   for (const std::string_view key : kKeys) {

@@ -16,8 +16,8 @@ struct CfgLine {
   packcheck::Place Place() const { return {"AppCfg.txt", Number, std::string(Text)}; }
 };
 
-/// AppCfg.txt as its author means it: with every misspelled key and lost brace put right. What the
-/// wizard makes of it instead is among the pack's findings.
+/// AppCfg.txt as its author means it: misspelled keys and missing braces are corrected. The pack's
+/// findings say what the wizard does with it instead.
 class Configuration {
  public:
   /// Reads and checks the file.
@@ -25,9 +25,9 @@ class Configuration {
   Configuration(const Configuration&) = delete;
   Configuration& operator=(const Configuration&) = delete;
 
-  /// All values of a key, empty lines left out.
+  /// All values of a key, without empty lines.
   std::vector<CfgLine> Values(std::string_view key) const;
-  /// The key's own line; the file as a whole when it has no block.
+  /// The key's own line; the whole file when the key has no block.
   Place PlaceOf(std::string_view key) const;
 
  private:
@@ -35,9 +35,9 @@ class Configuration {
     std::string Key;
     int Line = 0;
     std::vector<CfgLine> Values;
-    /// Lines of any kind so far: the number of the last value.
+    /// Number of lines of any kind so far, which is the index of the last value.
     int Lines = 0;
-    /// A value that is the beginning of keys, and those keys; empty without one.
+    /// A value that is the beginning of keys, and those keys; empty when there is none.
     std::string Beginning;
     std::string BegunKeys;
   };
@@ -58,8 +58,8 @@ class Configuration {
   std::vector<Block> blocks_;
   // While reading:
   bool inBlock_ = false;
-  CfgLine keyLine_;    // a key's own line that waits for its "{"; number 0: none
-  CfgLine candidate_;  // the last line outside a block; number 0: none
+  CfgLine keyLine_;    // a key's own line that waits for its "{"; number 0 for none
+  CfgLine candidate_;  // the last line outside a block; number 0 for none
   std::vector<CfgLine> emptyLines_;
 };
 

@@ -14,7 +14,7 @@ bool IsComponent(const std::string& upperName) {
   return Contains(upperName, ".OCX") || Contains(upperName, ".DLL");
 }
 
-/// The first component in a folder or below, as a path below it; empty without one.
+/// The first component in or below a folder, as a path relative to it; empty when there is none.
 std::string FirstComponent(const SimulatedDisk::Node& folder) {
   for (const auto& [upper, node] : folder.Children) {
     if (!node->IsFolder && IsComponent(upper)) return node->Name;
@@ -47,7 +47,7 @@ void CheckApplication(CheckedPack& pack) {
   CheckShortNames(pack, *pack.Find(kApplication), kApplication);
 }
 
-/// Whether a special folder's path ends in the word that a shortcut names.
+/// Whether a special folder's path ends with the word that a shortcut names.
 bool IsSpecialFolder(const std::vector<std::string>& folders, std::string_view word) {
   for (const std::string& folder : folders) {
     const std::string last = Replace(Mid(folder, InStrRev(folder, "\\") + 1), " ", "");
@@ -119,7 +119,7 @@ void CheckSpecialFile(CheckedPack& pack, const CfgLine& line) {
   pack.Findings.Add("SPC-FILE", line.Place(), {Shown(name)});
 }
 
-/// Whether Windows finds a program for a command line without quotes: each blank may end its path.
+/// Whether Windows finds a program for a command line without quotes: a path may end at each blank.
 bool HasProgram(CheckedPack& pack, const std::string& line) {
   for (std::size_t blank = line.find(' ');; blank = line.find(' ', blank + 1)) {
     const std::string path = "AddOns\\" + line.substr(0, blank);

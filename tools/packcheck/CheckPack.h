@@ -14,8 +14,8 @@
 
 namespace talu::packcheck {
 
-/// A pack as Windows would see it, and what was found in it. Paths are below the pack folder, with
-/// backslashes, in any case.
+/// A pack as Windows would see it, and the findings in it. Paths are relative to the pack folder,
+/// with backslashes, in any case.
 class CheckedPack {
  public:
   /// Reads the folder's tree, not the files. Raises std::filesystem::filesystem_error.
@@ -25,10 +25,10 @@ class CheckedPack {
 
   bool HasFile(const std::string& path) { return Machine.Disk.FileExists(Full(path)); }
   bool HasFolder(const std::string& path) { return Machine.Disk.FolderExists(Full(path)); }
-  /// The folder or file; a null pointer when there is none.
+  /// The folder or file, or a null pointer.
   const SimulatedDisk::Node* Find(const std::string& path) { return Machine.Disk.Find(Full(path)); }
-  /// The bytes of a file; nothing when there is none. Raises std::runtime_error with a line for the
-  /// user, which names the file.
+  /// The bytes of a file, or nothing when it does not exist. Raises std::runtime_error with a line
+  /// for the user that names the file.
   std::optional<std::string> Read(const std::string& path) {
     try {
       return Machine.Disk.ReadFile(Full(path));
@@ -46,12 +46,12 @@ class CheckedPack {
   std::string Full(const std::string& path) const { return Machine.Parts.AppPath + "\\" + path; }
 };
 
-/// The lines of a text as the wizard reads them, with the numbers that an editor shows.
+/// The lines of a text as the wizard reads them, numbered as in an editor.
 class NumberedLines {
  public:
   explicit NumberedLines(std::string_view text) : lines_(text) {}
 
-  /// Puts the next line and its number into `line` and `number`; false when there is none left.
+  /// Sets `line` and `number` to the next line; returns false when there is none.
   bool Next(std::string_view& line, int& number) {
     if (!lines_.Next(line)) return false;
     number = next_;
@@ -64,14 +64,14 @@ class NumberedLines {
   int next_ = 1;
 };
 
-/// Without blanks and tabs at its ends, as an author sees a line.
+/// The text without blanks and tabs at both ends, as an author sees a line.
 inline std::string_view Stripped(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/// How many bytes a byte-order mark takes at the beginning of `text`, and whether it is UTF-16.
+/// The length in bytes of a byte-order mark at the start of `text`, and whether it is UTF-16.
 struct TextMark {
   bool Utf8 = false;
   bool Utf16 = false;

@@ -16,7 +16,7 @@ using sql::TokenKind;
 
 constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
 
-/// Words with which no statement begins, but the rest of one does.
+/// Words that begin no statement, but do begin the rest of one.
 constexpr std::array<std::string_view, 23> kGoesOn = {
     "AND",   "AS",     "CROSS", "ELSE", "END",   "FOR",    "FROM", "FULL",
     "GROUP", "HAVING", "INNER", "INTO", "JOIN",  "LEFT",   "ON",   "OR",
@@ -33,7 +33,7 @@ bool GoesOn(std::string_view statement) {
                              [&](std::string_view upper) { return EqualsUpper(word, upper); });
 }
 
-/// The position of the first byte outside ASCII at or behind `at`; the size without one.
+/// The position of the first byte outside ASCII from `at` on; the size when there is none.
 std::size_t FirstHighByte(std::string_view text, std::size_t at) {
   std::uint64_t eight = 0;
   for (; at + sizeof eight <= text.size(); at += sizeof eight) {
@@ -56,7 +56,7 @@ std::size_t Utf8Length(std::string_view text, std::size_t at) {
   return length;
 }
 
-/// Whether the text is UTF-8 with letters outside ASCII; the line of the first one.
+/// Whether the text is UTF-8 with letters outside ASCII; sets `line` to that of the first one.
 bool IsUtf8(std::string_view text, int& line) {
   const std::size_t first = FirstHighByte(text, 0);
   for (std::size_t at = first; at < text.size(); at = FirstHighByte(text, at)) {
@@ -68,7 +68,7 @@ bool IsUtf8(std::string_view text, int& line) {
   return first < text.size();
 }
 
-/// Whether an author meant the line to be GO, although it is not.
+/// Whether the author meant the line as GO, although it is not.
 bool IsMeantAsGo(std::string_view line) {
   const std::string_view stripped = Stripped(line);
   if (!EqualsUpper(stripped.substr(0, 2), "GO")) return false;
@@ -172,7 +172,7 @@ void ScriptSet::TellMalformed(std::string_view line, int number) {
   findings_.Add("SQL-NO-DIRECTIVE", At(number, line));
 }
 
-// At the top of a script the directive may have a comment with it.
+// At the top of a script, a comment may follow the directive.
 void ScriptSet::TakeDirective(std::string_view line, int number, std::string_view directive) {
   const bool alone = Stripped(line).size() == directive.size();
   const bool onTop = !std::exchange(hasDirective_, true) && Stripped(line).starts_with("--");
@@ -200,7 +200,7 @@ void ScriptSet::CheckBatchLine(std::string_view line, int number) {
   }
 }
 
-// Inside a text blanks and empty lines may matter.
+// Blanks and empty lines within a text may matter.
 void ScriptSet::CheckTextLine(std::string_view line) {
   const bool changed = line.empty() || TrimView(line).size() != line.size();
   if (sql_.Inside() != TokenKind::String || !changed) return;
@@ -257,7 +257,7 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
   NoteUses();
 }
 
-// Takes over the names of the databases and forgets the batch's facts.
+// Keeps the database names and clears the batch's facts.
 void ScriptSet::NoteUses() {
   for (const SqlStatement& statement : sql_.Facts.Statements) {
     const std::string name = BareName(statement.Name);

@@ -14,24 +14,24 @@
 
 namespace talu::packcheck {
 
-/// The scripts of one type of installation, read in their order as the build reads them.
+/// The scripts of one installation type, read in order as the build reads them.
 class ScriptSet {
  public:
-  /// `backedUp` is how many of the scripts the backup searches.
+  /// `backedUp` is the number of scripts that the backup searches.
   ScriptSet(CheckedPack& pack, const TypeScripts& scripts, std::size_t backedUp);
 
   /// Reads and checks the scripts that `configuration` lists.
   void Check(const Configuration& configuration);
 
   const std::string& Key() const { return key_; }
-  /// The databases that the scripts use before they create them, as written, each with the
-  /// first place.
+  /// The databases that the scripts use before they create them, as written, each with its first
+  /// place.
   const std::vector<SqlText>& Used() const { return used_; }
   const BackupNames& Backup() const { return backup_; }
 
  private:
   void CheckFile(const CfgLine& listed);
-  /// Returns false when no line of the script can be made out.
+  /// Returns false when the script has no usable lines.
   bool CheckText(const std::string& text);
   void TakeText(const std::string& text);
   /// Returns false when the build stops at the line.
@@ -55,7 +55,7 @@ class ScriptSet {
   std::string key_;
   std::size_t backedUp_;
 
-  // The build's state: the line mode and the text go on from script to script.
+  // The build's state: the line mode and the text continue from script to script.
   ScriptReader reader_;
   std::string lineModeFrom_;
   SqlBatch batch_;
@@ -65,7 +65,7 @@ class ScriptSet {
   std::vector<SqlText> used_;
   std::set<std::string> known_;  // created or used, bare names
 
-  // Of the script being read:
+  // About the script being read:
   std::string file_;
   std::string_view text_;
   std::size_t index_ = 0;

@@ -7,7 +7,7 @@
 namespace talu::packcheck {
 namespace {
 
-/// Tells which databases an installation changes that the backup before it does not know.
+/// Reports the databases that an installation changes and the backup before it misses.
 void CheckBackedUp(std::string_view installation, const ScriptSet& built, const ScriptSet& searched,
                    Findings& findings) {
   for (const SqlText& used : built.Used()) {

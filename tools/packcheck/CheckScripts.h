@@ -5,7 +5,7 @@
 
 namespace talu::packcheck {
 
-/// Checks the three sets of scripts, one file in memory at a time.
+/// Checks the three sets of scripts, with one file in memory at a time.
 void CheckScripts(CheckedPack& pack, const Configuration& configuration);
 
 }  // namespace talu::packcheck

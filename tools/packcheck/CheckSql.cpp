@@ -40,7 +40,7 @@ void SqlFollower::Take(const sql::Token& token) {
       return;
     case TokenKind::Symbol:
       if (token.Raw != "=") TakeSymbol(token.Raw.front());
-      return;  // "=" stands between FILENAME or PASSWORD and its text
+      return;  // "=" is between FILENAME or PASSWORD and its text
     case TokenKind::Name:
     case TokenKind::String:
       if (!token.IsClosed) return;
@@ -73,7 +73,7 @@ void SqlFollower::TakeWord(const sql::Token& word) {
     return;
   }
   waiting_ = Waiting::Nothing;
-  // Most words are none of those looked for; few tests tell.
+  // Most words are not of interest; a few comparisons show it.
   constexpr std::string_view kFirst = "CADULFPcadulfp";
   if (word.Raw.size() < 3 || word.Raw.size() > 8 ||
       kFirst.find(word.Raw[0]) == std::string_view::npos) {
@@ -123,7 +123,7 @@ void SqlFollower::TakeText(std::string_view text) {
 
 void SqlFollower::TakeName(const sql::Token& name) {
   waiting_ = Waiting::Nothing;
-  // These go on as other statements: USE HINT, ALTER DATABASE SCOPED ..., GRANT CREATE DATABASE TO.
+  // Continue as other statements: USE HINT, ALTER DATABASE SCOPED ..., GRANT CREATE DATABASE TO.
   if (name.IsOneOf({"HINT", "PLAN", "SCOPED", "AUDIT", "ENCRYPTION", "TO", "CURRENT"})) return;
   if (statement_.Login && statement_.Verb != SqlStatement::Kind::Create) return;
   statement_.Name = name.Raw;

@@ -15,25 +15,25 @@ struct SqlStatement {
 
   Kind Verb = Kind::Use;
   bool Login = false;
-  /// The keywords as they are written; a line end among them counts as CR LF.
+  /// The keywords as written; a line end among them counts as CR LF.
   std::string Spelled;
-  /// The name as it is written, with its brackets; empty when it is none.
+  /// The name as written, with its brackets; empty when it is not a name.
   std::string Name;
   packcheck::Place Place;
 };
 
-/// A text, with where it stands.
+/// A text and its place.
 struct SqlText {
   std::string Text;
   packcheck::Place Place;
 };
 
-/// What was found in the lines of a batch.
+/// What the lines of a batch contain.
 struct SqlFacts {
   std::vector<SqlStatement> Statements;
-  /// The texts behind FILENAME.
+  /// The texts after FILENAME.
   std::vector<SqlText> FileNames;
-  /// The texts behind PASSWORD in a statement about a login.
+  /// The texts after PASSWORD in a statement about a login.
   std::vector<SqlText> Passwords;
   bool CommentCreatesDatabase = false;
   bool CommentCreatesLogin = false;
@@ -41,19 +41,19 @@ struct SqlFacts {
   void Clear() { *this = {}; }
 };
 
-/// Follows T-SQL from line to line and picks out what `SqlFacts` holds.
+/// Reads T-SQL line by line and collects `SqlFacts`.
 class SqlFollower {
  public:
-  /// Takes the next line of `file`.
+  /// Processes the next line of `file`.
   void TakeLine(const std::string& file, int number, std::string_view line);
-  /// As at the beginning of a file. The facts stay.
+  /// Starts afresh, as for a new file. The facts stay.
   void Restart();
 
-  /// What the next line begins in (String, Name, Comment; End for code), and the number of the line
-  /// in which that began.
+  /// What the next line continues (String, Name, Comment; End for code), and the line number where
+  /// that began.
   sql::TokenKind Inside() const { return open_.Kind; }
   int OpenedLine() const { return openedLine_; }
-  /// Parentheses that are open.
+  /// The number of open parentheses.
   int Depth() const { return depth_; }
 
   SqlFacts Facts;
@@ -77,7 +77,7 @@ class SqlFollower {
   int openedLine_ = 0;
   int depth_ = 0;
   Waiting waiting_ = Waiting::Nothing;
-  // CREATE, ALTER or DROP was the last word: as it is written, and where.
+  // The last word was CREATE, ALTER or DROP: as written, and its place.
   std::string verb_;
   std::size_t verbAt_ = 0;
   int verbLine_ = 0;
@@ -85,7 +85,7 @@ class SqlFollower {
   SqlStatement statement_;
 };
 
-/// A name without its brackets or quotes, upper-cased, for comparing.
+/// A name without its brackets or quotes, upper-cased, for comparison.
 std::string BareName(std::string_view name);
 
 }  // namespace talu::packcheck

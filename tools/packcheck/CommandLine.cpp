@@ -2,7 +2,7 @@
 
 #ifdef _WIN32
 #include <windows.h>
-// After windows.h.
+// Needs windows.h before it.
 #include <shellapi.h>
 
 #include <filesystem>
@@ -29,13 +29,13 @@ std::vector<std::string> Utf8Arguments(int, char**) {
   return result;
 }
 
-// A closed one has no number there that another file could take.
+// A closed standard file has no number here that another file could get.
 void HoldStandardFiles() {}
 #else
 void HoldStandardFiles() {
   for (int number = 0; number <= 2; ++number) {
     if (fcntl(number, F_GETFD) >= 0) continue;
-    open("/dev/null", O_RDONLY);  // takes the lowest free number
+    open("/dev/null", O_RDONLY);  // gets the lowest free number
     if (number == STDOUT_FILENO) std::cout.setstate(std::ios::badbit);
   }
 }

@@ -5,12 +5,12 @@
 
 namespace talu::packcheck {
 
-/// The program's arguments in UTF-8, last one first, as CLI11 takes them. Sees to it, too, that a
-/// console shows UTF-8.
+/// The program's arguments in UTF-8, in reverse order, as CLI11 takes them. Also makes a console
+/// show UTF-8.
 std::vector<std::string> Utf8Arguments(int count, char** arguments);
 
-/// Keeps the numbers of standard input, output and error from files that are opened later, where
-/// one of the three is closed. What is written there then fails; std::cout has failed already.
+/// If standard input, output or error is closed, keeps its number from files that are opened later.
+/// Writing to it then fails; std::cout has failed already.
 void HoldStandardFiles();
 
 }  // namespace talu::packcheck

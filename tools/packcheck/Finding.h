@@ -13,25 +13,25 @@
 
 namespace talu::packcheck {
 
-/// Where a finding stands. Texts are in the ANSI code page, as in the pack.
+/// The place of a finding. Texts are in the ANSI code page, as in the pack.
 struct Place {
-  /// The file, below the pack folder, with backslashes.
+  /// The file, relative to the pack folder, with backslashes.
   std::string File;
   /// From 1; 0 for the file as a whole.
   int Line = 0;
-  /// The line itself, or what else an author may name it by.
+  /// The line itself, or another text by which an author may name it.
   std::string Text;
 };
 
-/// One thing in a pack that is likely not meant.
+/// Something in a pack that is probably not intended.
 struct Finding {
   const packcheck::Rule* Rule = nullptr;
   packcheck::Place Place;
   std::string Will;
   std::string Do;
-  /// How many more of its kind the file has, which are not listed one by one.
+  /// How many more of its kind the file has that are not listed.
   int More = 0;
-  /// The author's reason for leaving it so; empty when it is not accepted.
+  /// The author's reason to leave it so; empty when it is not accepted.
   std::string Accepted;
 
   /// The finding for a terminal, in UTF-8.
@@ -40,16 +40,16 @@ struct Finding {
   std::string ToJson() const;
 };
 
-/// The findings of a pack. Of each kind a file has at most twenty listed; the last one tells how
+/// The findings of a pack. At most twenty of a kind are listed for a file; the last one says how
 /// many more there are.
 class Findings {
  public:
-  /// Adds a finding of the rule with this code. `arguments` take the places of the rule's texts;
-  /// they are shown as they are, so pack texts go through `Shown` first. The same kind twice at the
-  /// same place counts once.
+  /// Adds a finding of the rule with this code. `arguments` fill the places in the rule's texts and
+  /// are shown unchanged, so pass pack texts through `Shown` first. A second finding of the same
+  /// kind at the same place is ignored.
   void Add(KnownRule code, const Place& place, std::initializer_list<std::string> arguments = {});
 
-  /// In the order of files and lines once `Sort` was called.
+  /// In order of files and lines after `Sort`.
   std::vector<Finding>& All() { return findings_; }
   const std::vector<Finding>& All() const { return findings_; }
   void Sort();
@@ -60,7 +60,7 @@ class Findings {
   std::set<std::tuple<std::string, int, std::string_view, std::string>> seen_;
 };
 
-/// A text of the pack as a finding shows it: in quotes, line ends visible, long ones cut.
+/// A text of the pack as shown in a finding: in quotes, line ends visible, long texts cut.
 std::string Shown(std::string_view text);
 
 }  // namespace talu::packcheck

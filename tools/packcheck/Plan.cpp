@@ -10,7 +10,7 @@
 namespace talu::packcheck {
 namespace {
 
-/// A folder that is chosen in a browser is there.
+/// Creates the folder, since one that is chosen in a browser exists.
 void MakeChosenFolder(SimulatedDisk& disk, const std::string& path) {
   if (!path.empty()) disk.MakeFolders(path);
 }
@@ -25,8 +25,7 @@ PlannedRun::PlannedRun(const PlanOptions& options, const Watcher& watcher)
       try {
         watcher(*this, event);
       } catch (const std::bad_alloc&) {
-        // Not the simulated machine's memory: the wizard must not go on with it as an error of its
-        // own.
+        // This program is out of memory, not the simulated machine: the wizard must not handle it.
         throw std::runtime_error(StandardDescription(error::kOutOfMemory));
       }
     });

@@ -23,62 +23,62 @@ struct StatementFailure {
   RuntimeError Error = StatementError("The statement was told to fail.");
 };
 
-/// What the operator chooses and types, and what the machine and its server are like before. Texts
+/// What the operator chooses and types, and the initial state of the machine and its server. Texts
 /// are in the Windows-1252 code page.
 struct PlanOptions {
-  /// The host folder that is the pack.
+  /// The host folder with the pack.
   std::filesystem::path Pack;
   InstallType Type = InstallType::Fresh;
   InstallMode Mode = InstallMode::Server;
   std::string Server = "SERVER";
   std::string User = "sa";
   std::string Password = "password";
-  /// Chosen in the location page's folder browser. Empty: what the page shows; C:\Program Files
-  /// where it shows nothing.
+  /// Chosen in the location page's folder browser. Empty: what the page shows, or C:\Program Files
+  /// when it shows nothing.
   std::string InstallPath;
-  /// Chosen as the existing application folder, whose box is ticked. Empty: the box stays clear.
+  /// Chosen as the existing application folder, with its box ticked. Empty: the box stays clear.
   std::string OldPath;
-  /// Where the machine has the pack.
+  /// The path of the pack on the machine.
   std::string PackPath = "D:\\Pack";
   /// The clock stands still.
   DateTime Now{2012, 3, 7, 9, 5};
-  /// A host folder that is the machine's C: at the start. Empty: a new machine's.
+  /// A host folder with the initial contents of C:. Empty: those of a new machine.
   std::filesystem::path Disk;
 
-  /// On the server already.
+  /// What is on the server already.
   std::vector<std::string> Databases;
   std::vector<std::string> Logins;
   std::vector<StatementFailure> FailSql;
-  /// The server keeps nothing and accepts every statement but those of `FailSql`.
+  /// The server keeps nothing and accepts every statement except those of `FailSql`.
   bool AcceptAll = false;
-  /// The request (from 1) that fails, with this run-time error; 0: none does.
+  /// The request (from 1) that fails with this run-time error; 0 for none.
   int FailRequest = 0;
   std::int32_t FailRequestError = error::kDeviceIO;
-  /// How add-ons end, by file name; 0 where none is given.
+  /// The exit codes of add-ons, by file name; 0 for others.
   std::map<std::string, std::int32_t> ExitCodes;
-  /// The scripting host's collection, in order. Empty: a new machine's.
+  /// The scripting host's collection, in order. Empty: that of a new machine.
   std::vector<std::string> SpecialFolders;
-  /// On every page with a Back button the operator goes back once and comes again.
+  /// On every page with a Back button the operator goes back once and forward again.
   bool Twice = false;
 };
 
-/// One installation, planned from the start to where it ends: the real pages, build and deployment
-/// on a simulated machine, with an operator who chooses, types and clicks as a person would.
+/// One planned installation, from the start to its end: the real pages, build and deployment on a
+/// simulated machine, with an operator who chooses, types and clicks as a person would.
 class PlannedRun {
  public:
-  /// Takes each event of the journal as it happens, in place of the journal.
+  /// Gets each journal event as it happens; the journal then stays empty.
   using Watcher = std::function<void(PlannedRun& run, const JournalEvent& event)>;
 
   /// Runs the plan. Raises std::runtime_error with a line for the user when the pack or the disk
-  /// cannot be put on a Windows machine, std::filesystem::filesystem_error when it cannot be read.
+  /// cannot exist on Windows, std::filesystem::filesystem_error when it cannot be read.
   explicit PlannedRun(const PlanOptions& options, const Watcher& watcher = {});
 
-  /// Whether the operator came to Finish.
+  /// Whether the operator reached Finish.
   bool Finished() const { return stop_.empty(); }
-  /// Why it went no further; empty when it finished.
+  /// Why it stopped before; empty when it finished.
   const std::string& Stop() const { return stop_; }
 
-  /// As the installation left it. Its journal is empty when a watcher took the events.
+  /// The machine after the installation. Its journal is empty when there is a watcher.
   SimulatedMachine Machine;
   talu::Wizard Wizard;
 

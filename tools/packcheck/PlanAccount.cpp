@@ -20,7 +20,7 @@ constexpr int kLabelWidth = 12;
 constexpr const char* kTextIndent = "               ";
 constexpr const char* kStatementIndent = "      ";
 
-/// The text in UTF-8, its lines below each other, without the line end that batches begin with.
+/// The text in UTF-8, one line below the other, without the line end that batches begin with.
 std::string Lines(std::string_view text, const char* indent) {
   std::string lines;
   LineScanner scanner(text);
@@ -74,7 +74,7 @@ void PlanAccount::Take(PlannedRun& run, const JournalEvent& event) {
   } else if (kind == "print") {
     TakePrint(event);
   } else if (kind == "copy") {
-    // A component is copied to a folder, under its own name.
+    // A component is copied into a folder, under its own name.
     const std::string from = text("from");
     const std::string name = from.substr(from.rfind('\\') + 1);
     const std::string to = text("to");
@@ -109,7 +109,7 @@ void PlanAccount::TakePage(const PlannedRun& run, const JournalEvent& event) {
 
 void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
   out_ << "  statement " << counts_["sql"];
-  // What no script sends is the backup's before the build connects, the rollback's after.
+  // Statements of no script come from the backup before the build connects, or the rollback.
   if (const auto& origin = run.Wizard.Page<FrmSQLNonQuery>().Build.Executing()) {
     out_ << ", " << Utf8FromAnsi(origin->Script) << " line " << origin->Line;
   } else {
@@ -137,8 +137,8 @@ void PlanAccount::TakePrint(const JournalEvent& event) {
   }
 }
 
-// Only errors are told. Their entries have a second "//" line before the text and a second line end
-// behind it; no other entry has both.
+// Reports errors only. Their entries have a second "//" line before the text and a second line end
+// after it; no other entry has both.
 void PlanAccount::TakeLogEntry(const std::string& entry) {
   constexpr std::string_view kHead = "//\r\n//\r\n";
   if (!entry.starts_with(kHead) || !entry.ends_with("\r\n\r\n\r\n")) return;
@@ -146,8 +146,8 @@ void PlanAccount::TakeLogEntry(const std::string& entry) {
       entry.substr(kHead.size(), entry.find('\r', kHead.size()) - kHead.size());
   if (error == std::exchange(lastError_, "")) return;
   Tell("error", error);
-  // The wizard tries every data source over one connection: each after the first has this entry,
-  // and is none the worse for it.
+  // The wizard tests every data source over one connection: each after the first gets this entry,
+  // which does no harm.
   if (error != "Operation is not allowed when the object is open.") ++failures_;
 }
 

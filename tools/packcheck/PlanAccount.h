@@ -8,16 +8,16 @@
 
 namespace talu::packcheck {
 
-/// Tells a planned run to a person, event by event, in UTF-8; passwords are hidden.
+/// Describes a planned run to people, event by event, in UTF-8; passwords are hidden.
 class PlanAccount {
  public:
   PlanAccount(const PlanOptions& options, std::ostream& out) : options_(options), out_(out) {}
 
-  /// Before the first event it tells what is planned.
+  /// Before the first event it writes what is planned.
   void Take(PlannedRun& run, const JournalEvent& event);
-  /// Ends with where the run ended.
+  /// Writes how the run ended.
   void End(const PlannedRun& run);
-  /// How many requests and entries were told as failed.
+  /// How many requests and log entries were reported as failed.
   int Failures() const { return failures_; }
 
  private:
@@ -31,13 +31,13 @@ class PlanAccount {
 
   const PlanOptions& options_;
   std::ostream& out_;
-  /// How many events of each kind came.
+  /// The number of events of each kind.
   std::map<std::string, int> counts_;
   int failures_ = 0;
-  /// Connections that were tried on the page on the screen.
+  /// Connections tried on the current page.
   int connections_ = 0;
   std::string finalMessage_;
-  /// Of the last request that failed: its log entry tells nothing new.
+  /// The error of the last failed request: its log entry adds nothing.
   std::string lastError_;
 };
 

@@ -65,7 +65,7 @@ DateTime TimeOf(const std::string& text) {
   return now;
 }
 
-/// A path with a drive letter; without a backslash at its end but for a drive's root.
+/// A path with a drive letter, without a backslash at its end except for the root of a drive.
 std::string MachinePath(const std::string& option, const std::string& text) {
   std::string path = AnsiFromUtf8(text);
   const bool drive = path.size() >= 3 && path[1] == ':' && path[2] == '\\' &&
@@ -146,7 +146,7 @@ PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments) {
   if (!arguments.OldPath.empty()) run.OldPath = MachinePath("--old-path", arguments.OldPath);
   if (!arguments.PackPath.empty()) {
     run.PackPath = MachinePath("--pack-path", arguments.PackPath);
-    // A program in a drive's root has the drive alone for its folder.
+    // A program in the root of a drive has the drive alone as its folder.
     if (run.PackPath.ends_with('\\')) run.PackPath.pop_back();
   }
   if (!arguments.Now.empty()) run.Now = TimeOf(arguments.Now);

@@ -8,8 +8,7 @@
 
 namespace talu::packcheck {
 
-/// The arguments of `packcheck plan` as they are given, in UTF-8. An empty text is an option that
-/// is not there.
+/// The arguments of `packcheck plan` as given, in UTF-8. An empty text is a missing option.
 struct PlanArguments {
   std::string Pack;
   std::string Type;
@@ -28,8 +27,8 @@ struct PlanArguments {
   std::string Save;
 };
 
-/// What the arguments ask for. Raises std::runtime_error with a line for the user that names the
-/// option.
+/// The options that the arguments mean. Raises std::runtime_error with a line for the user that
+/// names the option.
 PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments);
 
 }  // namespace talu::packcheck

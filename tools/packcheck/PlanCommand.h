@@ -9,15 +9,15 @@ namespace talu::packcheck {
 
 struct PlanCommandOptions {
   PlanOptions Run;
-  /// The journal, one JSON object a line, in place of the account.
+  /// The journal, one JSON object per line, instead of the account.
   bool Json = false;
-  /// A new or empty host folder for the machine's drives at the end, one folder a drive, without
+  /// A new or empty host folder for the machine's drives at the end, one folder per drive, without
   /// the pack. Empty: they are not saved.
   std::filesystem::path Save;
 };
 
-/// Plans an installation and tells about it on `out`, in UTF-8, as it goes. Returns 0 when it came
-/// to Finish and nothing failed, 1 when the wizard stopped before or something is told as failed.
+/// Plans an installation and describes it on `out`, in UTF-8, as it runs. Returns 0 when it reached
+/// Finish and nothing failed, 1 when the wizard stopped before or something is reported as failed.
 /// Raises std::runtime_error with a line for the user when it cannot be planned or saved.
 int PlanCommand(const PlanCommandOptions& options, std::ostream& out);
 

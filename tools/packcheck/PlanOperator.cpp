@@ -44,7 +44,7 @@ std::string PlanOperator::FillIn(const std::string& page) {
 std::string PlanOperator::ChooseType() {
   const auto type = static_cast<std::size_t>(options_.Type);
   if (!windows_.Click(kTypeOptions.at(type))) {
-    // With nothing to choose from, Next goes on as it is.
+    // When there is nothing to choose, Next works as it is.
     for (const char* option : kTypeOptions) {
       if (windows_.Shown(option)->Enabled) {
         return std::string("the ").append(kTypeScripts.at(type).Type) +

@@ -7,19 +7,19 @@
 
 namespace talu::packcheck {
 
-/// The operator of a planned run: does on each page what a person would who wants the installation
+/// The operator of a planned run: does on each page what a person would do to get the installation
 /// of the options.
 class PlanOperator {
  public:
   PlanOperator(const PlanOptions& options, SimulatedWindows& windows)
       : options_(options), windows_(windows) {}
 
-  /// Goes on from the page on the screen to Finish, or to where the wizard goes no further. Returns
-  /// why it does not; empty after Finish.
+  /// Continues from the current page to Finish, or until the wizard stops. Returns why it stopped;
+  /// empty after Finish.
   std::string Play();
 
  private:
-  /// Fills in the page on the screen. Returns what hinders.
+  /// Fills in the current page. Returns what prevents it; empty when nothing does.
   std::string FillIn(const std::string& page);
   std::string ChooseType();
   void FillInAuthentication();

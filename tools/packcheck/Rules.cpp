@@ -5,7 +5,7 @@
 namespace talu::packcheck {
 namespace {
 
-/// The places of a text, shown as dots.
+/// The text with dots for its placeholders.
 std::string WithoutPlaces(std::string_view text) {
   std::string shown(text);
   for (const char* place : {"{0}", "{1}", "{2}"}) shown = Replace(shown, place, "…");

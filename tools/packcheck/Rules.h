@@ -9,7 +9,7 @@
 
 namespace talu::packcheck {
 
-/// The rules about one part of a pack, under a heading of the manual.
+/// The rules for one part of a pack, under a heading of the manual.
 struct RuleGroup {
   std::string_view Heading;
   std::span<const Rule> Rules;
@@ -22,7 +22,7 @@ inline constexpr RuleGroup kRuleGroups[] = {
     {"In the files and what is done with them", kContentRules},
 };
 
-/// The rule with this code, in capitals; a null pointer when there is none.
+/// The rule with this code, in capitals, or a null pointer.
 constexpr const Rule* FindRule(std::string_view code) {
   for (const RuleGroup& group : kRuleGroups) {
     for (const Rule& rule : group.Rules) {
@@ -32,7 +32,7 @@ constexpr const Rule* FindRule(std::string_view code) {
   return nullptr;
 }
 
-/// A rule by its code: one that is not in the tables does not compile.
+/// A rule by its code: an unknown code does not compile.
 class KnownRule {
  public:
   consteval KnownRule(const char* code) : rule_(*FindRule(code)) {}

@@ -1,4 +1,4 @@
-// packcheck: what Setup.exe would do with a pack, told to its author.
+// packcheck: tells the author of a pack what Setup.exe would do with it.
 
 #include <CLI/CLI.hpp>
 #include <exception>
@@ -29,7 +29,7 @@ CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
   const auto add = [&](const char* name, auto& value, const char* valueName, const char* help) {
     CLI::Option* const option = plan.add_option(name, value, help)->type_name(valueName);
     if (!group.empty()) option->group(group);
-    return option->allow_extra_args(false);  // one value each time, or PACK would be taken for more
+    return option->allow_extra_args(false);  // one value each time, or it would take PACK too
   };
   add("PACK", given.Pack, "", "The pack folder")->required();
   add("--type", given.Type, "TYPE", "fresh, demo or upgrade")->required();

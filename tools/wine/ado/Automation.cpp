@@ -46,7 +46,7 @@ void Report(const AutomationError& failure, EXCEPINFO& error) {
 
 Arguments::Arguments(const DISPPARAMS& given, std::size_t parameterCount)
     : values_(parameterCount) {
-  // Named arguments come first; the others follow from the last to the first.
+  // Named arguments come first; the others follow in reverse order.
   if (given.cArgs > parameterCount) throw BadCall{DISP_E_BADPARAMCOUNT};
   for (UINT i = 0; i < given.cArgs; ++i) {
     std::size_t position = given.cArgs - 1 - i;
@@ -67,7 +67,7 @@ bool Arguments::Has(std::size_t position) const {
 std::wstring Arguments::Text(std::size_t position) const {
   if (!Has(position)) return {};
   VARIANT& value = *values_[position];
-  // A script's batch may have 100 MB: no copy more than needed.
+  // A batch of a script may have 100 MB, so it is copied no more than needed.
   if (V_VT(&value) == VT_BSTR) return TextOf(value);
   return TextOf(Converted(value, VT_BSTR).Value());
 }
@@ -128,7 +128,7 @@ STDMETHODIMP DispatchObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, 
     return SameName(candidate.Name, names[0]);
   });
   if (member == members_.end()) return DISP_E_UNKNOWNNAME;
-  // Identifiers count from 1: 0 is the default member's.
+  // Identifiers start at 1: 0 is the default member.
   ids[0] = static_cast<DISPID>(member - members_.begin()) + 1;
 
   HRESULT code = S_OK;

@@ -10,20 +10,20 @@
 
 namespace talu::wine {
 
-/// A failure with its own number and text: the caller of `Invoke` receives it as error information.
+/// A failure with its own number and text; the caller of `Invoke` gets it as error information.
 struct AutomationError {
   HRESULT Number;
   std::wstring Source;
   std::wstring Description;
 };
 
-/// A call that does not fit the member: `Invoke` answers with this code and nothing else.
+/// A call that does not fit the member: `Invoke` returns this code and nothing else.
 struct BadCall {
   HRESULT Code;
 };
 
-/// The arguments of one call, by the position of the member's parameters, given by place or by
-/// name.
+/// The arguments of one call, by the position of the member's parameters, whether given by position
+/// or by name.
 class Arguments {
  public:
   /// Raises `BadCall` when `given` names or counts more than `parameterCount` parameters.
@@ -31,29 +31,29 @@ class Arguments {
 
   /// Whether the caller gave this argument: an optional one may be left out in two ways.
   bool Has(std::size_t position) const;
-  /// Empty when left out. Raises `BadCall` when the value has no text.
+  /// Empty when omitted. Raises `BadCall` when the value has no text.
   std::wstring Text(std::size_t position) const;
-  /// `otherwise` when left out. Raises `BadCall` when the value is no number.
+  /// `otherwise` when omitted. Raises `BadCall` when the value is not a number.
   long Number(std::size_t position, long otherwise = 0) const;
-  /// Null when the argument is no object, or no object stands in it.
+  /// Null when the argument is not an object or contains none.
   IUnknown* Object(std::size_t position) const;
 
  private:
   std::vector<VARIANT*> values_;
 };
 
-/// One thing that can be asked of an object, by name.
+/// One member of an object, by name.
 struct Member {
   const wchar_t* Name;
   /// `DISPATCH_METHOD`, `DISPATCH_PROPERTYGET`, `..PUT`, `..PUTREF`; more than one may be set.
   WORD Kinds;
-  /// A property's new value is a parameter too.
+  /// Includes a property's new value.
   std::vector<const wchar_t*> Parameters;
-  /// Carries the call out; the result starts empty.
+  /// Executes the call; the result starts empty.
   std::function<void(const Arguments& arguments, VARIANT& result)> Run;
 };
 
-/// A late-bound object: everything goes by name. It counts its references and deletes itself.
+/// A late-bound object: all members are used by name. It counts its references and deletes itself.
 class DispatchObject : public IDispatch {
  public:
   DispatchObject(const DispatchObject&) = delete;
@@ -70,7 +70,7 @@ class DispatchObject : public IDispatch {
                       VARIANT* result, EXCEPINFO* error, UINT* badArgument) override;
 
  protected:
-  /// Members that share a name (a property's get and put) are distinguished by their kinds.
+  /// Members with the same name (a property's get and put) differ in their kinds.
   explicit DispatchObject(std::vector<Member> members) : members_(std::move(members)) {}
   virtual ~DispatchObject() = default;
 

@@ -9,8 +9,8 @@
 namespace talu::wine {
 
 /// "ADODB.Command": ActiveConnection, CommandTimeout, CommandText, Execute. It keeps the session of
-/// the connection that it was bound to: closing the connection unbinds it, opening that again does
-/// not bind it anew.
+/// the connection that it was bound to: closing the connection unbinds it, opening it again does
+/// not bind it again.
 class Command : public DispatchObject {
  public:
   Command();

@@ -64,7 +64,7 @@ void Connection::Open(const Arguments& arguments) {
 
 void Connection::Close() {
   if (!session_) throw NotAllowedWhenClosed(kClassName);
-  // Commands may hold the session still: it ends for them too.
+  // Commands may still hold the session: it ends for them too.
   session_->Close();
   session_.reset();
 }

@@ -8,7 +8,7 @@
 
 namespace talu::wine {
 
-/// Asks an object whether it is a `Connection` of this library; no interface of its own.
+/// Identifies a `Connection` of this library; it is not an interface of its own.
 extern const IID kConnectionIdentity;
 
 /// "ADODB.Connection": ConnectionString, Open, Close, State.

@@ -4,8 +4,8 @@
 
 namespace talu::wine {
 
-/// The data-access library's own errors, in their published numbers (`ErrorValueEnum`) and wording;
-/// 0x800A0000 marks them as run-time errors. `source` is the name of the class that fails.
+/// The data-access library's own errors, with their published numbers (`ErrorValueEnum`) and texts;
+/// 0x800A0000 marks them as run-time errors. `source` is the name of the failing class.
 
 inline AutomationError NotAllowedWhenClosed(const wchar_t* source) {
   return {static_cast<HRESULT>(0x800A0E78), source,

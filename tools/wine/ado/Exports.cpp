@@ -10,13 +10,13 @@ namespace talu::wine {
 
 namespace {
 
-// The class ids under which the data-access library itself is known.
+// The class ids of the data-access library itself.
 constexpr CLSID kConnectionClass = {
     0x00000514, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
 constexpr CLSID kCommandClass = {
     0x00000507, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
 
-/// Makes objects of one class; one factory a class lives as long as the library.
+/// Makes objects of one class; there is one factory per class, which lives as long as the library.
 template <class T>
 class ClassFactory : public IClassFactory {
  public:

@@ -24,14 +24,14 @@ constexpr auto kTimeoutReached = static_cast<HRESULT>(0x80040E31);      // DB_E_
 constexpr SQLINTEGER kLoginFailedForUser = 18456;  // the server's own number
 constexpr int kConnectionTimeout = 15;             // seconds: the data-access library's default
 
-/// One record of what went wrong, as the driver reports it.
+/// One diagnostic record, as the driver reports it.
 struct Diagnostic {
   std::wstring State;
   SQLINTEGER ServerNumber = 0;
   std::wstring Text;
 
   bool IsWarning() const { return State.starts_with(L"01"); }
-  /// The driver's own errors, a broken link first of all, have no number or one of its library's.
+  /// The driver's own errors, above all a broken link, have no number or one of its library's.
   bool IsDriversOwn() const { return ServerNumber == 0 || ServerNumber / 100 == 200; }
   bool IsTimeout() const { return State.starts_with(L"HYT"); }
   bool IsLoginRefused() const { return State == L"28000" || ServerNumber == kLoginFailedForUser; }
@@ -48,7 +48,7 @@ std::vector<Diagnostic> Diagnostics(SQLSMALLINT type, SQLHANDLE handle) {
                                           static_cast<SQLSMALLINT>(text.size()), &length);
     if (!SQL_SUCCEEDED(code)) return records;
     const std::size_t whole = static_cast<std::size_t>(length);
-    if (whole >= text.size()) {  // cut short: ask for this record again
+    if (whole >= text.size()) {  // cut short: get this record again
       text.resize(whole + 1);
       --number;
       continue;
@@ -69,8 +69,8 @@ HRESULT StatementNumber(const Diagnostic& record) {
   return kStatementErrors;
 }
 
-/// The record that speaks for the failure: the refused login before the driver's word that it could
-/// not connect, else the first that is more than a warning; `unsaid` where there is none.
+/// The record that explains the failure: the refused login rather than the driver's note that it
+/// could not connect, else the first that is more than a warning; `unsaid` when there is none.
 Diagnostic Cause(SQLSMALLINT type, SQLHANDLE handle, const wchar_t* unsaid = L"Unspecified error") {
   const std::vector<Diagnostic> records = Diagnostics(type, handle);
   for (const Diagnostic& record : records) {
@@ -79,7 +79,7 @@ Diagnostic Cause(SQLSMALLINT type, SQLHANDLE handle, const wchar_t* unsaid = L"U
   for (const Diagnostic& record : records) {
     if (!record.IsWarning()) return record;
   }
-  // A driver that cannot be loaded is reported as a warning only, a link cut in the middle not at
+  // A driver that cannot be loaded is only reported as a warning, a link that breaks midway not at
   // all.
   return records.empty() ? Diagnostic{L"HY000", 0, unsaid} : records.front();
 }
@@ -94,8 +94,8 @@ std::wstring Trimmed(const std::wstring& text) {
   return text.substr(first, text.find_last_not_of(L" \t") - first + 1);
 }
 
-/// The same string without blanks around names and values: the driver manager underneath takes
-/// them for part of the name.
+/// The same string without blanks around names and values: the driver manager below would take them
+/// as part of the name.
 std::wstring Tidied(const std::wstring& connectionString) {
   std::wstring tidy;
   std::size_t start = 0;
@@ -110,12 +110,12 @@ std::wstring Tidied(const std::wstring& connectionString) {
   return tidy;
 }
 
-/// A number where the interface wants a pointer.
+/// A number where the interface expects a pointer.
 SQLPOINTER AsPointer(std::uintptr_t number) {
   return reinterpret_cast<SQLPOINTER>(number);  // NOLINT(performance-no-int-to-ptr)
 }
 
-/// A statement handle, freed at the end of its scope, whatever is still to be read.
+/// A statement handle, freed at the end of its scope, even with results unread.
 class Statement {
  public:
   explicit Statement(SQLHANDLE connection) {
@@ -148,7 +148,7 @@ OdbcSession::OdbcSession(const std::wstring& connectionString) {
   const SQLRETURN code = SQLDriverConnectW(connection_, nullptr, text.data(), SQL_NTS, nullptr, 0,
                                            nullptr, SQL_DRIVER_NOPROMPT);
   if (SQL_SUCCEEDED(code)) return;
-  // Wine's newer driver manager gives up without a word where it knows neither source nor driver.
+  // Wine's newer driver manager fails without a message when it knows neither source nor driver.
   const Diagnostic cause =
       Cause(SQL_HANDLE_DBC, connection_,
             L"[Microsoft][ODBC Driver Manager] Data source name not found and no default driver "
@@ -174,14 +174,14 @@ void OdbcSession::Execute(const std::wstring& batch, int timeout) {
   SQLSetStmtAttrW(statement.Handle(), SQL_ATTR_QUERY_TIMEOUT,
                   AsPointer(static_cast<std::uintptr_t>(timeout)), 0);
   // A text ends at its first NUL, as with OLE DB, whose commands take no length. The interface is
-  // not const-correct: the text is only read.
+  // not const-correct: it only reads the text.
   SQLRETURN code =
       SQLExecDirectW(statement.Handle(), const_cast<SQLWCHAR*>(batch.c_str()), SQL_NTS);
 
-  // A first statement that touched no row says "no data"; others may follow it.
+  // A first statement that changed no row returns "no data"; others may follow it.
   if (code == SQL_NO_DATA) code = SQL_SUCCESS;
-  // A statement after the first fails when its turn to answer comes. The driver manager ends the
-  // batch's answers with its first error.
+  // The error of a later statement arrives with its own result. The driver manager ends the results
+  // with the first error.
   while (SQL_SUCCEEDED(code)) code = SQLMoreResults(statement.Handle());
   if (code == SQL_NO_DATA) return;
   const Diagnostic cause = Cause(SQL_HANDLE_STMT, statement.Handle());

@@ -11,8 +11,8 @@ namespace talu::wine {
 /// driver's own text.
 class OdbcSession {
  public:
-  /// Connects without asking anybody. Blanks around names and values in `connectionString` do not
-  /// count. Raises 0x80040E4D for a refused login, 0x80004005 for everything else.
+  /// Connects without asking the user. Blanks around names and values in `connectionString` are
+  /// ignored. Raises 0x80040E4D for a refused login, 0x80004005 for everything else.
   explicit OdbcSession(const std::wstring& connectionString);
   ~OdbcSession();
   OdbcSession(const OdbcSession&) = delete;
@@ -22,8 +22,8 @@ class OdbcSession {
   void Close();
   bool IsOpen() const { return connection_ != nullptr; }
 
-  /// Runs a batch to its end, rows thrown away, and raises its first error: 0x80040E14, or the more
-  /// particular number where the provider has one; 0x80040E31 past `timeout` (seconds, 0 for
+  /// Runs a batch to its end, discards its rows, and raises its first error: 0x80040E14, or the
+  /// more specific number where the provider has one; 0x80040E31 after `timeout` (seconds, 0 for
   /// none); 0x80004005 when the server is gone.
   void Execute(const std::wstring& batch, int timeout);
 

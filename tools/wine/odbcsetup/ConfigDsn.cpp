@@ -17,7 +17,7 @@ namespace {
 
 using talu::wine::OdbcIni;
 
-/// From the ANSI code page to what the driver reads.
+/// Converts the ANSI code page to what the driver reads.
 std::string Utf8(const std::string& ansi) {
   std::wstring wide(ansi.size(), L'\0');
   wide.resize(static_cast<std::size_t>(
@@ -30,7 +30,7 @@ std::string Utf8(const std::string& ansi) {
   return utf8;
 }
 
-/// What one call asks for: the name of the data source and what to note of it.
+/// The request of one call: the name of the data source and its entries.
 struct DataSource {
   std::string Name;
   OdbcIni::Entries Entries;
@@ -41,8 +41,8 @@ bool IsOneOf(const std::string& key, std::initializer_list<const char*> names) {
                      [&](const char* name) { return _stricmp(key.c_str(), name) == 0; });
 }
 
-/// Reads "KEY=value" pairs, each ended by a NUL, the list by one more. A user and a password are
-/// given at each connection and not kept. Raises `std::runtime_error` for what would break the
+/// Reads "KEY=value" pairs, each ended by a NUL, the list by one more. User and password are given
+/// with each connection and not stored. Raises `std::runtime_error` for what would corrupt the
 /// file.
 DataSource Read(const char* driver, const char* attributes) {
   DataSource source;
@@ -69,9 +69,9 @@ DataSource Read(const char* driver, const char* attributes) {
   return source;
 }
 
-/// Tells the registry which driver the data source has; `nullptr` removes it. Wine's newer driver
-/// manager looks there; what stands in odbc.ini it takes over once, when it is loaded. The older
-/// one never looks. Raises `std::runtime_error`.
+/// Records in the registry which driver the data source has; `nullptr` removes it. Wine's newer
+/// driver manager looks there and reads odbc.ini only once, when it is loaded; the older one never
+/// looks. Raises `std::runtime_error`.
 void Register(const std::string& name, const char* driver) {
   const BOOL done = driver == nullptr ? SQLRemoveDSNFromIni(name.c_str())
                                       : SQLWriteDSNToIni(name.c_str(), driver);
@@ -80,14 +80,13 @@ void Register(const std::string& name, const char* driver) {
 
 }  // namespace
 
-/// Adds, changes or removes a data source for `SQLConfigDataSource`, which has set the system mode
-/// apart already. Asks nothing: what is missing is an error, reported as the installer library
-/// does.
+/// Adds, changes or removes a data source for `SQLConfigDataSource`, which has already removed the
+/// system mode. Asks nothing: a missing value is an error, reported as the installer library does.
 BOOL INSTAPI ConfigDSN(HWND, WORD request, LPCSTR driver, LPCSTR attributes) {
   try {
     const DataSource source = Read(driver, attributes);
     const OdbcIni ini;
-    // The driver manager looks for the name in 8-bit characters, the driver in UTF-8.
+    // The driver manager looks up the name in 8-bit characters, the driver in UTF-8.
     for (const std::string& name : std::set{source.Name, Utf8(source.Name)}) {
       switch (request) {
         case ODBC_ADD_DSN:

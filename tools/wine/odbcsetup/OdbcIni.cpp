@@ -10,8 +10,8 @@ namespace talu::wine {
 
 namespace {
 
-/// The folder as Windows programs write it. Wine's own translation is asked, so that it does not
-/// matter which drive letter, if any, shows the folder.
+/// The folder as Windows programs write it. Wine itself translates the path, so it does not matter
+/// which drive letter, if any, shows the folder.
 std::filesystem::path SettingsFolder() {
   char unixPath[MAX_PATH] = {};
   const DWORD length = GetEnvironmentVariableA("ODBCSYSINI", unixPath, sizeof unixPath);
