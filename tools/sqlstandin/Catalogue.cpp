@@ -132,7 +132,7 @@ void Catalogue::Alter(int session, const AlterDatabase& statement) {
   if (!statement.EndsOthers && !OthersIn(entry.Id, session).empty()) {
     throw SqlFailure({message::AlterLockFailed(entry.Name), message::AlterDatabaseFailed()});
   }
-  ById(entry.Id).IsOnline = false;  // from here on nobody can enter
+  ById(entry.Id).IsOnline = false;  // from now on no session can enter
   Save();
   EndOthers(lock, entry, session);
 }

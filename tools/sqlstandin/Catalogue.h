@@ -18,9 +18,9 @@ namespace talu::standin {
 struct DatabaseEntry {
   int Id = 0;
   std::string Name;
-  /// Its SQLite file, which stands at the path of the primary data file.
+  /// Its SQLite file, at the path of the primary data file.
   std::filesystem::path File;
-  /// The same as the client wrote it.
+  /// The same path as the client wrote it.
   std::string WindowsFile;
   /// Log and secondary data files: placeholders.
   std::vector<std::filesystem::path> OtherFiles;
@@ -31,9 +31,9 @@ struct DatabaseEntry {
 
 inline constexpr std::string_view kMasterName = "master";
 
-/// The server's databases, logins and sessions. It is kept in a file in the data folder, so it
-/// outlives the process. Safe to use from several threads; everything that a client can do wrong
-/// raises SqlFailure.
+/// The server's databases, logins and sessions. It is stored in a file in the data folder, so it
+/// outlives the process. Safe to use from several threads; whatever a client can do wrong raises
+/// SqlFailure.
 class Catalogue {
  public:
   /// Raises std::runtime_error when the data folder cannot be used or another server uses it.
@@ -45,10 +45,10 @@ class Catalogue {
 
   const Drives& AllDrives() const { return drives_; }
 
-  /// Whether the name and password may log in.
+  /// Whether the login exists and the password is right.
   bool MayLogIn(const std::string& name, const std::string& password) const;
 
-  /// A session begins; `end` is called, from another session's thread, when that one ends its use.
+  /// Registers a session; `end` is called, on another session's thread, when that ends its use.
   void Join(int session, std::function<void()> end);
   void Leave(int session);
 
@@ -57,13 +57,13 @@ class Catalogue {
   /// A database that is online (911, 942).
   DatabaseEntry Find(const std::string& name) const;
   bool Exists(const std::string& name) const;
-  /// Whether a file is one of a database's own.
+  /// Whether a file belongs to a database.
   bool IsDatabaseFile(const std::filesystem::path& file) const;
 
   void Create(const CreateDatabase& statement);
-  /// Waits until the other sessions have let go where the statement ends their use.
+  /// If the statement ends the other sessions' use, waits until they have let go.
   void Alter(int session, const AlterDatabase& statement);
-  /// Deletes the files too, except of a database that is offline, as the real server does.
+  /// Also deletes the files, except those of an offline database, as the real server does.
   void Drop(const std::string& name);
 
   void CreateLogin(const standin::CreateLogin& statement);
@@ -79,7 +79,7 @@ class Catalogue {
  private:
   struct LoginEntry {
     std::string Name;
-    /// The password's hash, as crypt(3) makes it; empty when nobody can log in.
+    /// The password's hash from crypt(3); empty when nobody can log in.
     std::string Hash;
   };
   struct SessionEntry {
@@ -109,7 +109,7 @@ class Catalogue {
   std::map<int, SessionEntry> sessions_;
 };
 
-/// This moment, local time, as the server prints it: 2012-03-07 09:05:00.
+/// The current local time as the server prints it: 2012-03-07 09:05:00.
 std::string LocalTimeText();
 
 }  // namespace talu::standin

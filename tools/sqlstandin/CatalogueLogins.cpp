@@ -22,12 +22,12 @@ namespace {
 
 using nlohmann::json;
 
-/// JSON text of what may hold any bytes.
+/// JSON text of a value that may contain any bytes.
 std::string Dump(const json& value, int indent = -1) {
   return value.dump(indent, ' ', false, json::error_handler_t::replace);
 }
 
-/// Hashes a password as the hash in `setting` was made; empty when that cannot be done.
+/// Hashes a password with the method and salt of the hash in `setting`; empty when that fails.
 std::string HashPassword(const std::string& password, const char* setting) {
   const auto work = std::make_unique<crypt_data>();
   const char* hash = crypt_r(password.c_str(), setting, work.get());

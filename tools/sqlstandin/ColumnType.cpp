@@ -14,7 +14,7 @@ using Kind = ColumnType::Kind;
 struct KnownType {
   std::string_view Name;
   Kind What;
-  /// The name in SQLite. Dates and the like have TEXT in it: they are kept as they were written.
+  /// The name in SQLite. Dates and similar types contain TEXT: they are stored as written.
   std::string_view Declared;
   bool HasLength;
   std::string_view Range = {};
@@ -86,7 +86,7 @@ std::optional<ColumnType> TakeType(Lexer& lexer) {
     while (!lexer.Peek().IsSymbol(")") && lexer.Peek().Kind != TokenKind::End) lexer.Next();
     lexer.Next();
   } else if (known->HasLength) {
-    type.Length = 1;  // a length that is left out is 1
+    type.Length = 1;  // an omitted length is 1
   }
   if (known->Name == "sysname") type.Length = 128;
   if (type.Length > 0) type.Declared.append("(").append(std::to_string(type.Length)).append(")");
@@ -112,7 +112,7 @@ std::string_view CastType(ColumnType::Kind kind) {
 std::optional<ResultColumn> ResultTypeOf(std::string_view declared) {
   const std::size_t parenthesis = declared.find('(');
   const std::string_view name = declared.substr(0, parenthesis);
-  // The identity column is SQLite's own row number, whose type has just this name.
+  // The identity column is SQLite's own row number, whose type has exactly this name.
   if (name == "INTEGER" || name == "BIGINT") return ResultColumn{"", ValueType::BigInt, 0};
   const auto* known = std::find_if(kKnownTypes.begin(), kKnownTypes.end(),
                                    [&name](const auto& type) { return type.Declared == name; });

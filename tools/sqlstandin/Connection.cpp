@@ -21,7 +21,7 @@ constexpr std::size_t kBatchLimit = std::size_t{1000} * 1000 * 1000;
 constexpr std::size_t kReceiveSize = std::size_t{64} * 1024;
 constexpr std::string_view kLanguage = "us_english";
 
-/// The client has gone, or does not want to hear more.
+/// The client has gone, or refuses to receive more.
 class Gone : public std::exception {};
 
 }  // namespace
@@ -44,7 +44,7 @@ void Connection::Serve() {
     parts_.Server.Join(number_, [this] { End(); });
     while (auto message = Receive()) Answer(*message);
   } catch (const std::exception&) {
-    // Gone, a broken protocol, no memory: for this client all of them are the end.
+    // The client is gone, the protocol broken, or memory exhausted: each ends this connection.
   }
   const bool wasLoggedIn = session_ != nullptr;
   session_.reset();
@@ -52,13 +52,13 @@ void Connection::Serve() {
   try {
     if (wasLoggedIn) parts_.Log.LoggedOut(number_);
   } catch (const std::exception&) {
-    // The server ends with what the journal has to say.
+    // The server itself stops with the journal's error.
   }
   shutdown(socket_->Number(), SHUT_RDWR);
 }
 
-/// Reads what has come; false at the end of the connection or, without waiting, when there is
-/// nothing.
+/// Reads what has arrived. Returns false at the end of the connection or, without waiting, when
+/// there is nothing.
 bool Connection::ReceiveMore(bool waits) {
   std::array<char, kReceiveSize> bytes;
   const ssize_t size =
@@ -73,8 +73,8 @@ bool Connection::ReceiveMore(bool waits) {
   return false;
 }
 
-/// Waits for the next bytes of a client that has not logged in yet. However it spaces them, its
-/// time does not begin again.
+/// Waits for the next bytes of a client that has not logged in yet. Its time limit never starts
+/// again.
 void Connection::WaitForLogin() {
   pollfd wait{socket_->Number(), POLLIN, 0};
   const auto left =
@@ -104,7 +104,7 @@ ReplyWriter Connection::NewReply() {
   return {[this](std::string_view packets) { Send(packets); }, version_, packetSize_};
 }
 
-/// Whether to give up what runs: the client has cancelled it or gone, or the server ends.
+/// Whether to stop what runs: the client has cancelled it or gone, or the server ends.
 bool Connection::IsCancelled() {
   if (!reader_.HasMessage()) ReceiveMore(false);
   return isEnded_ || reader_.HasAttention();
@@ -119,7 +119,7 @@ void Connection::Wait(std::chrono::milliseconds delay) {
     if (left.count() <= 0) return;
     pollfd wait{socket_->Number(), POLLIN, 0};
     const auto slice = std::min<std::chrono::milliseconds::rep>(left.count(), 100);
-    if (reader_.HasMessage()) wait.fd = -1;  // a message that waits its turn keeps the socket ready
+    if (reader_.HasMessage()) wait.fd = -1;  // a waiting message keeps the socket ready
     poll(&wait, 1, static_cast<int>(slice));
   }
 }
@@ -242,7 +242,7 @@ void Connection::AnswerBatch(const Message& message) {
     reply.Finish();
     return;
   }
-  // The record is there before the client hears the end of the answer.
+  // The record is written before the client gets the end of the answer.
   parts_.Log.Batch(number, number_, database, batch, outcome);
   if (mishap.Failure) {
     Refuse(SqlFailure(*mishap.Failure), reply);

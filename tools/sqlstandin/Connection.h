@@ -15,13 +15,12 @@
 
 namespace talu::standin {
 
-/// One client, from its first byte to its last. Whatever it sends, nothing leaves Serve but its
-/// end.
+/// One client, from its first byte to its last. Whatever it sends, Serve raises nothing.
 class Connection {
  public:
   Connection(ServerParts& parts, std::unique_ptr<Descriptor> socket);
 
-  /// Reads and answers until the client goes, breaks the protocol, or End is called.
+  /// Reads and answers until the client leaves, violates the protocol, or End is called.
   void Serve();
 
   /// Ends the connection; may be called from any thread.

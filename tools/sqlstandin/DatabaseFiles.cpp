@@ -21,7 +21,7 @@ constexpr std::string_view kPlaceholder =
   throw SqlFailure({std::move(reason), message::CreateDatabaseFailed()});
 }
 
-/// What SQLite puts beside a database while it is in use.
+/// The files that SQLite keeps next to a database in use.
 constexpr std::array<const char*, 2> kSides = {"-wal", "-shm"};
 
 /// A file name for any database name.

@@ -24,7 +24,7 @@ bool IsLetter(char c) {
   return UpperLetter(c) >= 'A' && UpperLetter(c) <= 'Z';
 }
 
-/// The entry of `folder` that Windows would take for `name`; a new name when there is none.
+/// The entry of `folder` that Windows would use for `name`; a new name when there is none.
 fs::path FindEntry(const fs::path& folder, const std::string& name, bool& exists) {
   std::error_code error;
   exists = fs::exists(fs::symlink_status(folder / name, error));
@@ -83,7 +83,7 @@ FoundPath Drives::Find(std::string_view windowsPath) const {
     while (!part.empty() && (part.back() == ' ' || part.back() == '.')) part.pop_back();
     if (!part.empty()) parts.push_back(std::move(part));
   }
-  if (parts.empty()) return fail(kAccessDenied);  // the root is no file
+  if (parts.empty()) return fail(kAccessDenied);  // the root is not a file
   fs::path folder = drive->second;
   std::error_code error;
   for (std::size_t i = 0; i + 1 < parts.size(); ++i) {

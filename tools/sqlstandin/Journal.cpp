@@ -12,7 +12,7 @@
 namespace talu::standin {
 namespace {
 
-/// Keeps the fields in the order in which they are written.
+/// Keeps the fields in the order of writing.
 using Json = nlohmann::ordered_json;
 
 void AddError(Json& record, const std::optional<SqlMessage>& error) {
@@ -20,7 +20,7 @@ void AddError(Json& record, const std::optional<SqlMessage>& error) {
   if (error) record["error"] = {{"number", error->Number}, {"description", error->Text}};
 }
 
-/// The error with *** in place of what it quotes of a password.
+/// The error with *** for what it quotes of a password.
 std::optional<SqlMessage> Masked(std::optional<SqlMessage> error, const sql::PasswordMask& mask) {
   if (!error) return error;
   for (auto argument = error->Arguments.rbegin(); argument != error->Arguments.rend(); ++argument) {

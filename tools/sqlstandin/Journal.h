@@ -14,14 +14,13 @@
 
 namespace talu::standin {
 
-/// A file of what clients did: one JSON object a line, each on disk when the call returns. Batches
-/// are as they were received, but for passwords, which are masked, and surrogates without a
-/// partner, which become U+FFFD. Safe to use from several threads. Each writing call raises
-/// std::runtime_error, with a line for whoever runs the server, when the file cannot be written:
-/// from then on nothing is written.
+/// A file of what clients did: one JSON object per line, each on disk when the call returns.
+/// Batches are as received, except that passwords are masked and unpaired surrogates become U+FFFD.
+/// Safe to use from several threads. Each writing call raises std::runtime_error, with a line for
+/// the person who runs the server, when the file cannot be written; after that nothing is written.
 class Journal {
  public:
-  /// Without a file nothing is written. Raises std::runtime_error when the file cannot be opened.
+  /// Without a file it writes nothing. Raises std::runtime_error when the file cannot be opened.
   explicit Journal(const std::filesystem::path& file);
 
   void LoggedIn(int session, const std::string& user, const std::string& database,
@@ -30,16 +29,16 @@ class Journal {
 
   struct Outcome {
     std::optional<SqlMessage> Error;
-    /// "cut" or "cancelled"; empty when the batch came to its end.
+    /// "cut" or "cancelled"; empty when the batch ran to its end.
     std::string_view Ending;
   };
-  /// `number` counts the batches of all sessions in the order in which they came.
+  /// `number` counts the batches of all sessions in order of arrival.
   void Batch(std::uint64_t number, int session, const std::string& database, std::string_view batch,
              const Outcome& outcome);
 
-  /// Can be read from the moment when the file could not be written.
+  /// Becomes readable when the file could not be written.
   int FailureDescriptor() const { return failureDescriptor_.Number(); }
-  /// Raises what the writing call that failed has raised; nothing when none has.
+  /// Raises again what the failed writing call raised; does nothing when none failed.
   void Check();
 
  private:

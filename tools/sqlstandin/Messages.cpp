@@ -9,7 +9,7 @@
 namespace talu::standin::message {
 namespace {
 
-/// The message with the arguments in place of the "%" marks of `pattern`, in order.
+/// The message with the arguments for the "%" marks of `pattern`, in order.
 SqlMessage Error(std::int32_t number, std::uint8_t severity, std::uint8_t state,
                  std::string_view pattern, std::initializer_list<std::string_view> arguments = {}) {
   SqlMessage message{number, severity, state, {}};

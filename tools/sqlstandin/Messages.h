@@ -12,18 +12,18 @@ namespace talu::standin {
 /// An error or an informational message as the client sees it.
 struct SqlMessage {
   std::int32_t Number = 0;
-  /// The class: up to 10 informs, from 11 on it is an error, from 20 on it ends the connection.
+  /// The class: up to 10 is informational, from 11 an error, from 20 it ends the connection.
   std::uint8_t Severity = 0;
   std::uint8_t State = 1;
   std::string Text;
-  /// The parts of `Text` that are not the message's own words: where each begins and ends.
+  /// The parts of `Text` that come from arguments: begin and end of each.
   std::vector<std::pair<std::size_t, std::size_t>> Arguments = {};
 };
 
 /// A statement failed. The client gets every message, in order.
 class SqlFailure : public std::exception {
  public:
-  /// `endsBatch`: the statements that follow in the batch are not carried out.
+  /// `endsBatch`: the rest of the batch is not executed.
   explicit SqlFailure(SqlMessage message, bool endsBatch = false)
       : Messages{std::move(message)}, EndsBatch(endsBatch) {}
 
@@ -36,15 +36,15 @@ class SqlFailure : public std::exception {
   bool EndsBatch;
 };
 
-/// The client cancelled, went away, or the server is to end: whatever runs is given up.
+/// The client cancelled or left, or the server stops: what runs is abandoned.
 class Cancelled : public std::exception {};
 
-/// The number of messages that are this program's own; the real server leaves it to the user.
+/// The number of this program's own messages; the real server leaves it to the user.
 inline constexpr std::int32_t kOwnMessageNumber = 50000;
 
 /// The messages, each with the real server's number, class and wording. Source: the public
-/// reference "Database Engine events and errors", which prints the server's own table sys.messages;
-/// states, which that table does not have, are as commonly reported.
+/// reference "Database Engine events and errors", which prints the server's table sys.messages; the
+/// states, which that table lacks, are as commonly reported.
 namespace message {
 
 SqlMessage Own(std::string_view text);

@@ -23,7 +23,7 @@ struct Parts {
   SqlMessage Failure;
 };
 
-/// "KEY" or "KEY=NUMBER:MESSAGE". A "=" that no NUMBER: follows belongs to the key.
+/// "KEY" or "KEY=NUMBER:MESSAGE". A "=" without NUMBER: after it belongs to the key.
 Parts ParseFailure(std::string_view rule) {
   const std::size_t equals = rule.rfind('=');
   const std::size_t colon = equals == std::string_view::npos ? equals : rule.find(':', equals);

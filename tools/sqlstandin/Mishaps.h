@@ -11,17 +11,17 @@
 
 namespace talu::standin {
 
-/// What the server was told to do to a batch.
+/// What the server is to do to a batch.
 struct Mishap {
   std::chrono::milliseconds Delay{0};
-  /// The connection is cut, the batch not carried out.
+  /// Cuts the connection; the batch is not executed.
   bool Cuts = false;
-  /// The batch is answered with this, and not carried out.
+  /// The answer to the batch, which is not executed.
   std::optional<SqlMessage> Failure;
 };
 
-/// The failures, delays and cuts that the server was told of on its command line. A rule is for the
-/// batch of a number, counted from 1 over all sessions, or for every batch that contains a text.
+/// The failures, delays and cuts requested on the server's command line. A rule applies to the
+/// batch with a number, counted from 1 over all sessions, or to every batch that contains a text.
 class Mishaps {
  public:
   // Each raises std::invalid_argument, with the reason, when the rule is malformed.
@@ -36,7 +36,7 @@ class Mishaps {
   /// "TEXT=MILLISECONDS".
   void DelayText(std::string_view rule);
 
-  /// What befalls this batch.
+  /// What to do to this batch.
   Mishap For(std::uint64_t number, std::string_view batch) const;
 
  private:

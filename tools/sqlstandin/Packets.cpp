@@ -55,7 +55,7 @@ void MessageReader::BeginPacket() {
   if (length < kPacketHeaderSize) throw ProtocolError("a packet shorter than its header");
   if (inMessage_ && type != message_.Type) {
     if (type != MessageType::Attention) throw ProtocolError("one message within another");
-    inMessage_ = false;  // the client gives up the message that it was sending
+    inMessage_ = false;  // the client abandons the message that it was sending
   }
   if (!inMessage_) message_ = Message{type, false, {}};
   inMessage_ = true;

@@ -8,11 +8,11 @@
 #include <string>
 #include <string_view>
 
-/// The framing of the wire protocol (TDS 7.x): figures here and in Requests and Reply are those of
+/// The framing of the wire protocol (TDS 7.x). The numbers here and in Requests and Reply are from
 /// the public protocol description MS-TDS, "Tabular Data Stream Protocol".
 namespace talu::standin {
 
-/// The client did not keep to the protocol; its connection is closed.
+/// The client violated the protocol; its connection is closed.
 class ProtocolError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -35,18 +35,18 @@ inline constexpr std::size_t kPacketHeaderSize = 8;
 /// A whole message: the payloads of its packets, joined.
 struct Message {
   MessageType Type{};
-  /// The client asks for a session as good as new before this message is carried out.
+  /// The client wants a session as good as new before this message is executed.
   bool ResetsSession = false;
   std::string Payload;
 };
 
-/// Puts messages together from the bytes of a connection, however they arrive. Touches nothing
-/// outside itself; its memory is the message in hand, and `limit` bounds that.
+/// Assembles messages from the bytes of a connection, however they arrive. It touches nothing
+/// outside itself, and keeps at most one message in memory, of up to `limit` bytes.
 class MessageReader {
  public:
   explicit MessageReader(std::size_t limit) : limit_(limit) {}
 
-  /// Takes the next bytes. Raises ProtocolError for a malformed packet or a message over the limit.
+  /// Adds the next bytes. Raises ProtocolError for a malformed packet or a message over the limit.
   void Feed(std::string_view bytes);
 
   /// The oldest complete message, or nothing when more bytes are needed.
@@ -54,10 +54,10 @@ class MessageReader {
 
   /// Whether Next would return a message.
   bool HasMessage() const { return !complete_.empty(); }
-  /// Whether the client has asked to cancel what is running.
+  /// Whether the client has cancelled what is running.
   bool HasAttention() const;
 
-  /// Bytes a message may have from now on.
+  /// The maximum size of a message in bytes from now on.
   void SetLimit(std::size_t limit) { limit_ = limit; }
 
  private:
@@ -73,7 +73,7 @@ class MessageReader {
   std::deque<Message> complete_;
 };
 
-/// Reads numbers and texts out of a payload; reading past its end raises ProtocolError.
+/// Reads numbers and texts from a payload; reading past its end raises ProtocolError.
 class ByteReader {
  public:
   explicit ByteReader(std::string_view bytes) : bytes_(bytes) {}

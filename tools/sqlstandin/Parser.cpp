@@ -7,11 +7,11 @@
 namespace talu::standin {
 namespace {
 
-/// IF within IF, block within block: as deep as the real server goes.
+/// IF within IF, block within block: the real server's limit.
 constexpr int kDeepestNesting = 32;
 constexpr std::size_t kLongestName = 128;
 
-/// Words that can only begin a statement or end one, outside parentheses.
+/// Words that can only begin or end a statement, outside parentheses.
 bool IsBoundary(const Token& token) {
   return token.IsOneOf({"SELECT",   "INSERT", "UPDATE",     "DELETE", "CREATE",     "ALTER",
                         "DROP",     "USE",    "IF",         "ELSE",   "BEGIN",      "END",
@@ -216,14 +216,14 @@ DataStatement Parser::TakeData(DataStatement::Verb verb, const Token& head) {
   return data;
 }
 
-/// Moves past the rest of a statement whose first word is `head`. A word that could begin a
-/// statement goes on with this one where the grammar asks for it here.
+/// Skips the rest of a statement whose first word is `head`. A word that could begin a statement
+/// continues this one where the grammar asks for it.
 void Parser::SkipToBoundary(const Token& head) {
   const bool isAlter = head.Is("ALTER");
   const bool isGrant = head.IsOneOf({"GRANT", "DENY", "REVOKE"});
   int parentheses = 0;
   int cases = 0;
-  bool hasSource = !head.Is("INSERT");  // of an INSERT: where its rows come from
+  bool hasSource = !head.Is("INSERT");  // for INSERT: where its rows come from
   bool hasSet = !head.Is("UPDATE");
   bool hasAction = !isAlter;        // ALTER TABLE … ADD, DROP or ALTER
   bool hasMain = !head.Is("WITH");  // after common table expressions

@@ -11,8 +11,8 @@
 
 namespace talu::standin {
 
-/// Reads the statements of one batch. The statements that the server itself carries out are read
-/// word by word; of those that SQLite carries out only the extent is found here.
+/// Reads the statements of one batch. Statements that the server itself executes are read word by
+/// word; for those that SQLite executes, only the extent is determined here.
 class Parser {
  public:
   explicit Parser(std::string_view batch) : batch_(batch), lexer_(batch), next_(lexer_.Next()) {}
@@ -53,7 +53,7 @@ class Parser {
   std::string_view batch_;
   Lexer lexer_;
   Token next_;
-  /// The last token taken: an error at the end of the batch names it.
+  /// The last token read: an error at the end of the batch names it.
   Token last_;
   int depth_ = 0;
 };

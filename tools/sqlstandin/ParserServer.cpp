@@ -1,4 +1,4 @@
-// The statements that the server itself carries out, read word by word.
+// The statements that the server itself executes, read word by word.
 #include <charconv>
 
 #include "Parser.h"
@@ -131,7 +131,7 @@ AlterDatabase Parser::ParseAlterDatabase() {
     } else if (TakeIf("SINGLE_USER")) {
       alter.What = AlterDatabase::Action::SingleUser;
     } else {
-      // Options that change nothing that this server has.
+      // Options that have no effect on this server.
       bool known = false;
       for (const char* option : {"MULTI_USER",
                                  "RECOVERY",

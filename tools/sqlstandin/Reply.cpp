@@ -49,10 +49,10 @@ constexpr unsigned kDoneAttention = 0x20;
 /// Latin1_General, ignoring case: locale 1033, sort order 52.
 constexpr std::string_view kCollation{"\x09\x04\xD0\x00\x34", 5};
 constexpr std::string_view kServerName = "SQLSTANDIN";
-/// Characters of a message that the real server sends at most.
+/// The most characters of a message that the real server sends.
 constexpr std::size_t kLongestMessage = 2047;
 constexpr std::size_t kLongestColumnName = 128;
-/// Bytes gathered before anything is sent.
+/// Bytes to collect before sending.
 constexpr std::size_t kFlushSize = std::size_t{128} * 1024;
 
 std::string Utf16(std::string_view utf8) {

@@ -11,17 +11,17 @@
 
 namespace talu::standin {
 
-/// The kinds of values that a result can have.
+/// The types of values in a result.
 enum class ValueType { Int, BigInt, Float, Text, Bytes };
 
 struct ResultColumn {
   std::string Name;
   ValueType Type = ValueType::Text;
-  /// Most characters (UTF-16 units) of a text, 1 to 4000; 0 for a text of any length.
+  /// The most characters (UTF-16 units) of a text, 1 to 4000; 0 for a text of any length.
   std::size_t Length = 0;
 };
 
-/// Statements as a "done" mark names them: the kind of statement whose row count it gives.
+/// Statements in a "done" mark: the kind of statement whose row count it gives.
 enum class DoneCommand : std::uint16_t {
   None = 0,
   Select = 0xC1,
@@ -30,7 +30,7 @@ enum class DoneCommand : std::uint16_t {
   Update = 0xC5
 };
 
-/// Writes the answer to one message, as packets, to a sink, which gets one or more whole packets.
+/// Writes the answer to one message to a sink, which gets one or more whole packets per call.
 class ReplyWriter {
  public:
   using Sink = std::function<void(std::string_view packets)>;
@@ -39,7 +39,7 @@ class ReplyWriter {
   ReplyWriter(Sink sink, std::uint32_t version, std::size_t packetSize)
       : sink_(std::move(sink)), version_(version), packetSize_(packetSize) {}
 
-  /// Bytes without a mark of their own: the answer to a pre-login.
+  /// Bytes without a token of their own: the answer to a pre-login.
   void Raw(std::string_view bytes) { body_.append(bytes); }
 
   void LoginAccepted();
@@ -54,21 +54,21 @@ class ReplyWriter {
   /// An error (severity above 10) or an informational message. `line` counts from 1.
   void Tell(const SqlMessage& message, std::size_t line);
 
-  // A result: its columns, then for each row BeginRow and one value a column, in order.
+  // A result: its columns, then for each row BeginRow and one value per column, in order.
   void Columns(const std::vector<ResultColumn>& columns);
   void BeginRow();
   void Null(const ResultColumn& column);
   void Int(const ResultColumn& column, std::int64_t value);
   void Float(double value);
-  /// What is longer than the column is cut: a column's length is a promise to the client.
+  /// Cuts a text that is longer than its column: the column's length is a promise to the client.
   void Text(const ResultColumn& column, std::string_view utf8);
   void Bytes(std::string_view bytes);
 
-  /// Ends one statement's answer; `rows` where the statement counts them.
+  /// Ends one statement's answer; `rows` when the statement counts them.
   void Done(DoneCommand command, std::optional<std::uint64_t> rows, bool failed = false);
-  /// Ends an answer that an attention cut short: the acknowledgement of the attention.
+  /// Ends an answer that an attention cut short, by acknowledging the attention.
   void DoneAttention();
-  /// Sends what is left, marked as the end.
+  /// Sends the rest, marked as the end.
   void Finish();
 
  private:
@@ -95,7 +95,7 @@ class ReplyWriter {
     DoneCommand Command;
     std::uint64_t Rows;
   };
-  /// The last "done": only when the next token comes is it known not to be the final one.
+  /// The last "done": only the next token shows that it was not the final one.
   std::optional<PendingDone> pending_;
 };
 

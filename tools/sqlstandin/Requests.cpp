@@ -7,7 +7,7 @@
 namespace talu::standin {
 namespace {
 
-/// Characters in one login field: the protocol's own limit.
+/// Characters per login field: the protocol's own limit.
 constexpr std::size_t kLongestLoginField = 128;
 
 std::string LoginField(std::string_view payload, std::size_t directoryAt, bool isPassword = false) {
@@ -21,7 +21,7 @@ std::string LoginField(std::string_view payload, std::size_t directoryAt, bool i
   field.Take(offset);
   std::string bytes(field.Take(length * 2));
   if (isPassword) {
-    // Each byte was sent with its halves swapped and then XORed with A5.
+    // The client swapped the halves of each byte and then XORed it with A5.
     for (char& byte : bytes) {
       const auto plain = static_cast<unsigned char>(static_cast<unsigned char>(byte) ^ 0xA5U);
       byte = static_cast<char>(((plain << 4) | (plain >> 4)) & 0xFF);
@@ -61,7 +61,7 @@ std::string ParseBatch(std::string_view payload, std::uint32_t version) {
 }
 
 std::string ParseProcedureName(std::string_view payload, std::uint32_t version) {
-  // The procedures that have a number instead of a name on the wire, from 1.
+  // The procedures that have a number instead of a name in the protocol, from 1.
   static constexpr std::array<const char*, 16> kNumbered = {"",
                                                             "sp_cursor",
                                                             "sp_cursoropen",

@@ -8,13 +8,13 @@
 
 namespace talu::standin {
 
-/// Protocol versions as a login names them.
+/// Protocol versions as in a login.
 inline constexpr std::uint32_t kTdsVersion70 = 0x70000000;
 inline constexpr std::uint32_t kTdsVersion71 = 0x71000001;
 inline constexpr std::uint32_t kTdsVersion72 = 0x72090002;
 inline constexpr std::uint32_t kTdsVersion74 = 0x74000004;
 
-/// What a client says when it logs in.
+/// What a client sends to log in.
 struct LoginRequest {
   std::uint32_t Version = 0;
   std::uint32_t PacketSize = 0;
@@ -24,7 +24,7 @@ struct LoginRequest {
   std::string Database;
 };
 
-/// What a transaction-manager message asks for.
+/// The request of a transaction-manager message.
 struct TransactionRequest {
   enum class Kind { Begin, Commit, Rollback, Other };
   Kind What = Kind::Other;
@@ -32,12 +32,12 @@ struct TransactionRequest {
   bool BeginsAnother = false;
 };
 
-// Each of these reads one message's payload and raises ProtocolError when it is malformed.
+// Each of these reads one message's payload and raises ProtocolError for a malformed one.
 
 LoginRequest ParseLogin(std::string_view payload);
-/// The text of a batch, as UTF-8. From TDS 7.2 on a batch has headers before its text.
+/// The text of a batch, in UTF-8. Since TDS 7.2 a batch has headers before its text.
 std::string ParseBatch(std::string_view payload, std::uint32_t version);
-/// The name of the procedure that a remote call asks for.
+/// The name of the procedure in a remote call.
 std::string ParseProcedureName(std::string_view payload, std::uint32_t version);
 TransactionRequest ParseTransaction(std::string_view payload, std::uint32_t version);
 /// Checks a pre-login message and returns the payload of the answer: no encryption, no MARS.

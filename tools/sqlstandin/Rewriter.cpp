@@ -29,7 +29,7 @@ std::string QuoteText(std::string_view text) {
     }
     return quoted += '\'';
   }
-  // SQLite's parser stops at a NUL, so a text with one is spelt as its bytes.
+  // SQLite's parser stops at a NUL, so a text with one is written as bytes.
   static constexpr std::string_view kDigits = "0123456789ABCDEF";
   quoted.reserve(text.size() * 2 + 20);
   quoted += "CAST(X'";
@@ -70,7 +70,7 @@ std::vector<std::string> Rewriter::Rewrite(const DataStatement& statement) {
     case Verb::DropView:
       return RewriteDrop(text, "VIEW");
     case Verb::Delete: {
-      // FROM may be left out.
+      // FROM may be omitted.
       Lexer lexer(batch_, text.Begin, text.End);
       const Token head = lexer.Next();
       if (!head.Is("DELETE") || lexer.Peek().Is("FROM")) return {RewriteExpression(text)};
@@ -144,7 +144,7 @@ std::string Rewriter::RewriteInsert(Range range) {
     next = lexer.Peek();
   } else if (!next.Is("DEFAULT") && std::any_of(columns.begin(), columns.end(),
                                                 [](const auto& each) { return each.IsIdentity; })) {
-    // Without a list the values are those of all columns but the identity.
+    // Without a list the values are for all columns except the identity.
     addedColumns_ = true;
     for (const TableColumn& column : columns) {
       if (!column.IsIdentity) list += (list.empty() ? "" : ", ") + QuoteName(column.Name);
@@ -220,7 +220,7 @@ std::string Rewriter::RewriteCreateIndex(Range range) {
   const Range columns = TakeGroup(lexer);
   sql += "INDEX " + IndexName(table, index.Value()) + " ON " + QuoteName(table.Table) +
          RewriteExpression(columns);
-  // What follows is about storage: INCLUDE (…), WITH (…), ON [PRIMARY].
+  // The rest concerns storage: INCLUDE (…), WITH (…), ON [PRIMARY].
   const Token next = lexer.Peek();
   if (next.Kind != TokenKind::End && !next.Is("INCLUDE") && !next.Is("WITH") && !next.Is("ON")) {
     FailAt(next, last);

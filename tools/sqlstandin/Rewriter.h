@@ -15,31 +15,31 @@ struct TableColumn {
   bool IsIdentity = false;
 };
 
-/// What the rewriter has to know of the session whose statement it rewrites.
+/// What the rewriter needs to know about the session whose statement it rewrites.
 class RewriteEnvironment {
  public:
   virtual ~RewriteEnvironment() = default;
   /// Makes another database reachable and returns the prefix of its tables ("other."); empty for
   /// the current database. Raises SqlFailure (911, 942) when it cannot be used.
   virtual std::string PrefixOf(const std::string& database) = 0;
-  /// A system variable's value ("@@TRANCOUNT") as SQL; nothing for a variable that is not known.
+  /// A system variable's value ("@@TRANCOUNT") as SQL; nothing for an unknown variable.
   virtual std::optional<std::string> Variable(std::string_view name) = 0;
   /// The columns of a table, in order; empty when there is no such table.
   virtual std::vector<TableColumn> Columns(const std::string& prefix, const std::string& table) = 0;
   /// Whether SET IDENTITY_INSERT is on for the table.
   virtual bool AllowsIdentityInsert(const std::string& table) = 0;
-  /// The statement reads a system view (sys.databases): they are to be there when it runs.
+  /// The statement reads a system view (sys.databases): they must exist when it runs.
   virtual void NeedSystemViews() = 0;
 };
 
-/// Puts statements into SQLite's dialect. Everything is copied token by token, in one pass; what
-/// has no counterpart is refused with 102 near the word, here or by SQLite.
+/// Translates statements into SQLite's dialect, token by token, in one pass. What has no
+/// counterpart is refused with 102 near the word, here or by SQLite.
 class Rewriter {
  public:
   Rewriter(std::string_view batch, RewriteEnvironment& environment)
       : batch_(batch), environment_(environment) {}
 
-  /// The statements to carry out instead of this one, in order.
+  /// The statements to execute instead of this one, in order.
   std::vector<std::string> Rewrite(const DataStatement& statement);
 
   /// Whether the last INSERT had no column list and was given one.
@@ -70,9 +70,9 @@ class Rewriter {
   bool addedColumns_ = false;
 };
 
-/// A name as SQLite takes it whatever is in it.
+/// A name in quotes for SQLite, whatever it contains.
 std::string QuoteName(std::string_view name);
-/// A text as SQLite takes it whatever is in it, NULs too.
+/// A text in quotes for SQLite, whatever it contains, even NULs.
 std::string QuoteText(std::string_view text);
 
 }  // namespace talu::standin

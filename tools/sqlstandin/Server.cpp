@@ -19,10 +19,10 @@ namespace talu::standin {
 namespace {
 
 constexpr std::size_t kMostClients = 256;
-/// How long clients wait when there is no descriptor for them, before the next look: 0.1 s.
+/// How long clients wait for the next attempt when there is no descriptor for them: 0.1 s.
 constexpr int kPauseMilliseconds = 100;
 
-/// A line for whoever runs the server, in one piece.
+/// Prints a line for the person who runs the server, in one piece.
 void Tell(const std::string& line) {
   std::fputs(("sqlstandin: " + line + "\n").c_str(), stderr);
 }
@@ -58,7 +58,7 @@ void Server::Run(int stopDescriptor) {
   std::array<pollfd, 3> waits = {{{stopDescriptor, POLLIN, 0},
                                   {parts_.Log.FailureDescriptor(), POLLIN, 0},
                                   {listener_.Number(), POLLIN, 0}}};
-  bool isShort = false;  // of descriptors: the listener stays ready, so it is not waited for
+  bool isShort = false;  // of descriptors: the listener stays ready, so it is not polled
   while (true) {
     const int count = poll(waits.data(), isShort ? 2 : 3, isShort ? kPauseMilliseconds : -1);
     if (count < 0) {
@@ -76,9 +76,9 @@ void Server::Run(int stopDescriptor) {
   parts_.Log.Check();
 }
 
-/// Takes the next client; false, with errno, when the machine has nothing left for one.
+/// Accepts the next client. Returns false, with errno, when the machine lacks resources for one.
 bool Server::Accept() {
-  Reap(false);  // a client that has gone still holds its descriptor
+  Reap(false);  // a client that has left still holds its descriptor
   const int number = accept4(listener_.Number(), nullptr, nullptr, SOCK_CLOEXEC);
   if (number < 0) {
     return errno != EMFILE && errno != ENFILE && errno != ENOBUFS && errno != ENOMEM;

@@ -24,23 +24,23 @@ struct ServerParts {
   std::chrono::milliseconds LoginTime = kUsualLoginTime;
   /// Batches received, over all sessions.
   std::atomic<std::uint64_t> Batches{0};
-  /// The real server's first session that is not its own is 51.
+  /// The real server's first session for a client is 51.
   std::atomic<int> NextSession{51};
 };
 
 class Connection;
 
-/// Listens on the loopback interface only, one thread a client.
+/// Listens on the loopback interface only, with one thread per client.
 class Server {
  public:
-  /// Port 0 takes any free one. Raises std::system_error when the port is taken.
+  /// Port 0 chooses a free one. Raises std::system_error when the port is taken.
   Server(ServerParts& parts, std::uint16_t port);
   ~Server();
 
   std::uint16_t Port() const { return port_; }
 
-  /// Serves until `stopDescriptor` can be read. Then every connection is closed. Raises
-  /// std::runtime_error, the connections closed as well, when the journal cannot be written.
+  /// Serves until `stopDescriptor` is readable, then closes every connection. Raises
+  /// std::runtime_error, also after closing them, when the journal cannot be written.
   void Run(int stopDescriptor);
 
  private:

@@ -38,7 +38,7 @@ std::optional<SqlMessage> Session::Run(std::string_view batch, ReplyWriter& repl
   return std::move(firstError_);
 }
 
-/// False when the rest of the batch is not to be carried out.
+/// Returns false when the rest of the batch is not to be executed.
 bool Session::Execute(const Statement& statement) {
   if (isCancelled_()) throw Cancelled();
   if (const auto* block = std::get_if<Block>(&statement.What)) {
@@ -92,7 +92,7 @@ bool Session::Report(const SqlFailure& failure, std::size_t at) {
   return !failure.EndsBatch;
 }
 
-/// The line of a byte of the batch. Statements come in order, so the whole batch is counted once.
+/// The line of a byte of the batch. Statements come in order, so the batch is counted only once.
 std::size_t Session::LineOf(std::size_t at) {
   if (at < countedTo_) return line_;
   line_ +=
@@ -141,7 +141,7 @@ void Session::SwitchTo(const std::string& name) {
   CloseOthers();
 }
 
-/// A session keeps only its current database's files open, but for an open transaction's.
+/// A session keeps only its current database's files open, and those of an open transaction.
 void Session::CloseOthers() {
   if (transactions_ > 0) return;
   std::erase_if(open_, [this](const auto& each) { return each.first != facts_.Current.Id; });
@@ -165,7 +165,7 @@ void Session::Do(const TransactionStatement& statement) {
 }
 
 void Session::Do(const CallProcedure& statement) {
-  // Permissions are not kept, so a member of a role is as good as any other user.
+  // Permissions are not stored, so a member of a role is like any other user.
   if (!SameWord(statement.Name, "sp_addrolemember") &&
       !SameWord(statement.Name, "sp_addsrvrolemember")) {
     throw SqlFailure(message::NoSuchProcedure(statement.Name));

@@ -17,23 +17,23 @@
 
 namespace talu::standin {
 
-/// One client's session after its login: its current database, its transaction, its options.
-/// Carries out batches. Used by one thread.
+/// One client's session after its login: its current database, transaction and options. Executes
+/// batches. Used by one thread.
 class Session : private RewriteEnvironment {
  public:
-  /// `isCancelled` is asked while statements run. Raises SqlFailure when the database cannot be
+  /// `isCancelled` is called while statements run. Raises SqlFailure when the database cannot be
   /// used.
   Session(Catalogue& catalogue, int number, const std::string& login, const std::string& database,
           CancelTest isCancelled);
 
-  /// Carries out a batch and writes its answer, all but the end mark. Returns the first error, for
-  /// the journal. Raises Cancelled.
+  /// Executes a batch and writes its answer, all but the end mark. Returns the first error, for the
+  /// journal. Raises Cancelled.
   std::optional<SqlMessage> Run(std::string_view batch, ReplyWriter& reply);
 
-  // What a client may ask for with messages of their own.
+  // What a client may request with separate messages.
   void BeginTransaction(ReplyWriter& reply);
   void EndTransaction(ReplyWriter& reply, bool commits);
-  /// Back to the state after the login.
+  /// Restores the state after the login.
   void Reset();
 
   const std::string& DatabaseName() const { return facts_.Current.Name; }
@@ -82,7 +82,7 @@ class Session : private RewriteEnvironment {
   std::string firstDatabase_;
   CancelTest isCancelled_;
   SessionFacts facts_;
-  /// By the database's id: a database that is made anew has another.
+  /// By the database's id: a database that is created again has another.
   std::map<int, std::unique_ptr<SqliteDatabase>> open_;
   bool noCount_ = false;
   std::string identityInsert_;
@@ -91,7 +91,7 @@ class Session : private RewriteEnvironment {
   std::int64_t rowCount_ = 0;
   std::int32_t lastError_ = 0;
 
-  // The batch in hand.
+  // The current batch.
   std::string_view batch_;
   ReplyWriter* reply_ = nullptr;
   std::optional<SqlMessage> firstError_;

@@ -1,4 +1,4 @@
-// The statements that SQLite carries out.
+// The statements that SQLite executes.
 #include <limits>
 
 #include "ColumnType.h"
@@ -42,7 +42,7 @@ std::string_view TextAt(sqlite3_stmt* row, int index) {
              : std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(row, index)));
 }
 
-/// What an expression without a declared type gives: its first value decides.
+/// The type of an expression without a declared type: its first value decides.
 ResultColumn TypeOfValue(sqlite3_stmt* row, int index) {
   switch (sqlite3_column_type(row, index)) {
     case SQLITE_INTEGER:
@@ -56,7 +56,7 @@ ResultColumn TypeOfValue(sqlite3_stmt* row, int index) {
   }
 }
 
-/// 109 and 110 speak of the column list; an INSERT to which the rewriter gave one has none.
+/// 109 and 110 mention the column list; an INSERT that got one from the rewriter has none.
 SqlFailure WithoutColumnList(const SqlFailure& failure) {
   const std::int32_t number = failure.Messages.front().Number;
   const bool isCount = number == message::MoreColumnsThanValues().Number ||
@@ -107,7 +107,7 @@ void Session::Do(const DataStatement& statement) {
   Rewriter rewriter(batch_, *this);
   const std::vector<std::string> statements = rewriter.Rewrite(statement);
   SqliteDatabase& database = Current();
-  // What is one statement to the client happens whole or not at all.
+  // What is one statement to the client is executed whole or not at all.
   const bool needsSavepoint = statements.size() > 1;
   if (needsSavepoint) database.Execute("SAVEPOINT whole");
   const auto undo = [&] {
@@ -169,7 +169,7 @@ void Session::SendRows(SqliteStatement& rows) {
   rowCount_ = 0;
   for (; hasRow; hasRow = rows.Step()) {
     if (rowCount_ % 256 == 255 && isCancelled_()) throw Cancelled();
-    // Nothing of a row is sent before the whole row can be.
+    // Nothing of a row is sent until the whole row is available.
     for (int i = 0; i < sqlite3_column_count(row); ++i) {
       const ResultColumn& column = columns[static_cast<std::size_t>(i)];
       const int stored = sqlite3_column_type(row, i);

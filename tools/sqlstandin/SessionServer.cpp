@@ -75,8 +75,8 @@ void Session::Do(const BackupDatabase& statement) {
     fail(message::Own("a second backup is not added to a file; say WITH INIT"));
   }
   const auto start = std::chrono::steady_clock::now();
-  // In a folder of its own, so that neither the copy nor what SQLite puts beside it meets a file
-  // that is there.
+  // In a folder of its own, so that neither the copy nor the files that SQLite keeps next to it
+  // meet an existing file.
   std::string folder = (target.File.parent_path() / "unfinished-backup-XXXXXX").string();
   if (mkdtemp(folder.data()) == nullptr) {
     fail(message::NoBackupDevice(statement.Path, SystemError(errno)));

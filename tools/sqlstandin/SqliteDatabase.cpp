@@ -12,10 +12,10 @@ namespace {
 constexpr std::chrono::milliseconds kBusyPause{5};
 /// How long a statement waits for another session's transaction: 30 s.
 constexpr int kBusyTries = 6000;
-/// Steps of SQLite's machine between two looks at whether to stop.
+/// Steps of SQLite's machine between two checks whether to stop.
 constexpr int kStepsBetweenTests = 20000;
 constexpr int kPagesAtOnce = 2000;
-/// Marks a file as ours: "TALU".
+/// Marks a file as this program's: "TALU".
 constexpr std::string_view kMarkFile = "PRAGMA application_id = 0x54414C55";
 
 }  // namespace
@@ -40,13 +40,13 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::string na
   handle_.reset(raw);
   if (code != SQLITE_OK) throw SqlFailure(message::DatabaseInaccessible(name_), true);
   sqlite3_extended_result_codes(raw, 1);
-  // A word in double quotes is a name and never a text.
+  // A word in double quotes is a name, never a text.
   sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   sqlite3_busy_handler(raw, OnBusy, this);
   sqlite3_progress_handler(raw, kStepsBetweenTests, OnProgress, this);
-  // Write-ahead, without waiting for the disk: a commit is one write, and a killed process loses
-  // nothing; only a power cut could.
+  // Write-ahead log, without waiting for the disk: a commit is one write, and a killed process
+  // loses nothing; only a power failure could.
   Execute(
       "PRAGMA synchronous = OFF; PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON; PRAGMA "
       "temp_store = MEMORY");
@@ -83,7 +83,7 @@ void SqliteDatabase::DetachAll() {
 void SqliteDatabase::AddSystemViews(int databaseId) {
   if (hasSystemViews_) return;
   Execute(SystemViewDefinitions(databaseId));
-  hasSystemViews_ = !InTransaction();  // a rollback takes them away
+  hasSystemViews_ = !InTransaction();  // a rollback removes them
 }
 
 std::vector<TableColumn> SqliteDatabase::Columns(const std::string& schema,
@@ -133,7 +133,7 @@ std::int64_t SqliteDatabase::CopyTo(const std::filesystem::path& file,
   }
   const std::int64_t pages = sqlite3_backup_pagecount(backup);
   finisher.reset();
-  // The copy is one plain file, also for a reader that may not write beside it.
+  // The copy is one plain file, even for a reader that may not write next to it.
   sqlite3_exec(raw, "PRAGMA journal_mode = DELETE", nullptr, nullptr, nullptr);
   return pages;
 }

@@ -15,13 +15,13 @@
 
 namespace talu::standin {
 
-/// Asked while something runs; true stops it.
+/// Called while something runs; true stops it.
 using CancelTest = std::function<bool()>;
 
-/// One session's connection to a database's file. Not for more than one thread.
+/// One session's connection to a database's file. For one thread only.
 class SqliteDatabase {
  public:
-  /// Makes an empty database file; false, with errno, when it cannot be made.
+  /// Creates an empty database file; false, with errno, when it cannot.
   static bool MakeFile(const std::filesystem::path& file);
 
   /// Opens an existing file. Raises SqlFailure (945) when it cannot be used.
@@ -29,22 +29,22 @@ class SqliteDatabase {
 
   sqlite3* Handle() const { return handle_.get(); }
 
-  /// Carries out statements without rows and without text from a client.
+  /// Executes statements without rows and without text from a client.
   void Execute(const std::string& sql);
-  /// Makes another database's tables reachable under a name of its own, until DetachAll.
+  /// Makes another database's tables available under a name of their own, until DetachAll.
   void Attach(const std::filesystem::path& file, const std::string& schema);
-  /// Lets go of the other databases; within a transaction they stay.
+  /// Releases the other databases; within a transaction they stay.
   void DetachAll();
-  /// Makes sys.databases and the others readable; they always show what is there now.
+  /// Makes sys.databases and the others available; they always show the current state.
   void AddSystemViews(int databaseId);
   bool InTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
   /// The columns of a table; empty when there is none. `schema` is "main" or an attached name.
   std::vector<TableColumn> Columns(const std::string& schema, const std::string& table) const;
-  /// Copies the whole database to a new file, which must not exist. `progress` gets per cent.
+  /// Copies the whole database to a new file, which must not exist. Reports per cent to `progress`.
   /// Returns the number of pages.
   std::int64_t CopyTo(const std::filesystem::path& file, const std::function<void(int)>& progress);
 
-  /// Turns SQLite's last error into the server's message; `verb` is the statement's first word.
+  /// Raises SQLite's last error as the server's message; `verb` is the statement's first word.
   /// Raises Cancelled when the statement was stopped.
   [[noreturn]] void Fail(int code, std::string_view verb) const;
 

@@ -1,4 +1,4 @@
-// SQLite's errors as the real server would put them.
+// SQLite's errors as the real server would report them.
 #include "SqliteDatabase.h"
 #include "TableDefinition.h"
 #include "Text.h"
@@ -32,7 +32,7 @@ SqlMessage OfConstraint(int code, std::string_view text, std::string_view verb,
       return message::NullNotAllowed(column, database + ".dbo." + table, verb);
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
-      // SQLite does not tell the constraint's name.
+      // SQLite does not name the constraint.
       return message::DuplicateKey("PRIMARY KEY", "PK_" + table, "dbo." + table);
     case SQLITE_CONSTRAINT_UNIQUE:
       return message::DuplicateKey("UNIQUE KEY", "UQ_" + table, "dbo." + table);

@@ -9,7 +9,7 @@
 
 namespace talu::standin {
 
-/// A stretch of the batch, in bytes.
+/// A part of the batch, in bytes.
 struct Range {
   std::size_t Begin = 0;
   std::size_t End = 0;
@@ -23,8 +23,7 @@ struct UseDatabase {
 
 struct CreateDatabase {
   std::string Name;
-  /// File paths as the statement has them; the first is the primary file. Empty: the server
-  /// chooses.
+  /// File paths as in the statement; the first is the primary file. Empty: the server chooses.
   std::vector<std::string> DataFiles;
   std::vector<std::string> LogFiles;
 };
@@ -45,9 +44,9 @@ struct DropDatabase {
 struct BackupDatabase {
   std::string Name;
   std::string Path;
-  /// INIT or FORMAT: overwrites what is there.
+  /// INIT or FORMAT: overwrites an existing backup.
   bool Overwrites = false;
-  /// A progress message each so many percent; 0 for none.
+  /// A progress message every so many percent; 0 for none.
   int Stats = 0;
 };
 
@@ -95,7 +94,7 @@ struct CallProcedure {
 /// Accepted, changes nothing: GRANT, DENY, REVOKE.
 struct NoEffect {};
 
-/// What SQLite carries out, after it has been put into its dialect.
+/// What SQLite executes, after translation into its dialect.
 struct DataStatement {
   enum class Verb {
     Select,
@@ -134,8 +133,8 @@ struct Statement {
       What;
 };
 
-/// Splits a batch into its statements, in time linear in its length. Raises SqlFailure, before
-/// anything has been carried out, when a statement is unknown or malformed (102 near the word).
+/// Splits a batch into statements, in time linear in its length. Raises SqlFailure, before anything
+/// is executed, for an unknown or malformed statement (102 near the word).
 std::vector<Statement> ParseStatements(std::string_view batch);
 
 }  // namespace talu::standin

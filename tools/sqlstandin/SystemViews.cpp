@@ -36,7 +36,7 @@ void Users(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   Return(context, FactsOf(context).Server->UsersAsJson(sqlite3_value_int(values[0])));
 }
 
-/// LEN counts UTF-16 units without the blanks at the end.
+/// LEN counts UTF-16 units without trailing blanks.
 void Len(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   if (sqlite3_value_type(values[0]) == SQLITE_NULL) return;
   std::string text = TextOf(values[0]);
@@ -53,7 +53,7 @@ void DataLength(sqlite3_context* context, int /*count*/, sqlite3_value** values)
                                : static_cast<sqlite3_int64>(2 * CountUnits(TextOf(values[0]))));
 }
 
-/// CHARINDEX(part, text): from 1, 0 when it is not there; the case does not count.
+/// CHARINDEX(part, text): from 1, 0 when not found; case is ignored.
 void CharIndex(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   const std::string text = FoldName(TextOf(values[1]));
   const std::size_t at = text.find(FoldName(TextOf(values[0])));
@@ -93,7 +93,7 @@ void DbId(sqlite3_context* context, int count, sqlite3_value** values) {
   }
 }
 
-/// OBJECT_ID('dbo.Customer'[, 'U']): of the current database's own tables and views.
+/// OBJECT_ID('dbo.Customer'[, 'U']): for the current database's own tables and views.
 void ObjectId(sqlite3_context* context, int count, sqlite3_value** values) {
   try {
     const std::string name = TextOf(values[0]);
@@ -115,11 +115,11 @@ void ObjectId(sqlite3_context* context, int count, sqlite3_value** values) {
       sqlite3_result_int64(context, sqlite3_column_int64(raw, 0));
     sqlite3_finalize(raw);
   } catch (const SqlFailure&) {
-    sqlite3_result_null(context);  // a name that is none
+    sqlite3_result_null(context);  // not a name
   }
 }
 
-/// A view of temp over a JSON array: its columns are the fields that are named.
+/// A temporary view of a JSON array: its columns are the named fields.
 std::string JsonView(std::string_view name, std::string_view source,
                      std::initializer_list<std::string_view> fields, std::string_view more = "") {
   std::string columns;
@@ -135,7 +135,7 @@ std::string JsonView(std::string_view name, std::string_view source,
          std::string(more) + " FROM json_each(" + std::string(source) + ");";
 }
 
-/// A view of temp over the tables and views of the current database.
+/// A temporary view of the tables and views of the current database.
 std::string ObjectView(std::string_view name, std::string_view columns, std::string_view types) {
   return "CREATE TEMP VIEW IF NOT EXISTS " + QuoteName(name) + " AS SELECT " +
          std::string(columns) + " FROM main.sqlite_schema AS o WHERE o.type IN (" +
@@ -203,7 +203,7 @@ void AddFunctions(SqliteDatabase& database, const SessionFacts& facts) {
       {"object_id", 2, ObjectId},
   };
   for (const Entry& entry : kEntries) {
-    // SQLite only hands the pointer back, to functions that take it as constant.
+    // SQLite only passes the pointer back, to functions that take it as constant.
     sqlite3_create_function(database.Handle(), entry.Name, entry.Arguments, SQLITE_UTF8,
                             const_cast<SessionFacts*>(&facts), entry.Call, nullptr, nullptr);
   }

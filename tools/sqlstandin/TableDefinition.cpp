@@ -37,7 +37,7 @@ void SkipGroup(Lexer& lexer) {
   TakeGroup(lexer);
 }
 
-/// About storage only: CLUSTERED, WITH (…), ON [PRIMARY].
+/// Skips what concerns storage: CLUSTERED, WITH (…), ON [PRIMARY].
 void SkipStorage(Lexer& lexer) {
   while (true) {
     const Token next = lexer.Peek();
@@ -190,7 +190,7 @@ void TableDefinition::TakeIdentity(Lexer& lexer, Column& column) {
     std::from_chars(seed.Raw.data(), seed.Raw.data() + seed.Raw.size(), column.Seed);
     if (isNegative) column.Seed = -column.Seed;
     if (!TakeSymbol(lexer, ",")) FailAt(lexer.Peek());
-    // SQLite's row numbers go up by one.
+    // SQLite's row numbers increase by one.
     const Token step = lexer.Next();
     if (step.Raw != "1") FailAt(step);
     if (!TakeSymbol(lexer, ")")) FailAt(lexer.Peek());
@@ -305,7 +305,7 @@ std::string TableDefinition::Declare(const Column& column, bool isRowNumber) con
 std::string TableDefinition::DeclareKey(const Key& key, const Column* identity) const {
   if (identity != nullptr && key.Columns.size() == 1 &&
       SameName(key.Columns.front(), identity->Name)) {
-    return {};  // the row number is unique as it is
+    return {};  // the row number is already unique
   }
   std::string columns;
   for (const std::string& name : key.Columns) {

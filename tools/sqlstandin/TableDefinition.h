@@ -11,19 +11,19 @@
 
 namespace talu::standin {
 
-/// The names of the constraints that keep a column to its type and length; the real server has no
-/// constraints for that, but errors of its own, which these stand for.
+/// The names of the constraints that enforce a column's type and length; the real server has no
+/// constraints for that, but errors of its own, which these represent.
 inline constexpr std::string_view kLengthConstraint = "sqlstandin:length";
 inline constexpr std::string_view kTypeConstraint = "sqlstandin:type:";
 
-/// Puts CREATE TABLE and ALTER TABLE into SQLite's dialect. An identity column becomes SQLite's
-/// automatic row number, so a primary key on other columns becomes a unique constraint beside it.
+/// Translates CREATE TABLE and ALTER TABLE into SQLite's dialect. An identity column becomes
+/// SQLite's automatic row number, so a primary key on other columns becomes a unique constraint.
 class TableDefinition {
  public:
   TableDefinition(std::string_view batch, Rewriter& rewriter)
       : batch_(batch), rewriter_(rewriter) {}
 
-  /// Raise SqlFailure for what SQLite has no counterpart of.
+  /// Both raise SqlFailure for what has no counterpart in SQLite.
   std::vector<std::string> Create(Range statement);
   /// ADD columns, DROP COLUMN.
   std::vector<std::string> Alter(Range statement);
@@ -36,9 +36,9 @@ class TableDefinition {
     long long Seed = 1;
     bool IsNotNull = false;
     bool IsBinary = false;
-    /// A computed column has this instead of a type.
+    /// The expression of a computed column, which has no type.
     std::string Computed;
-    /// Defaults, checks, references, as SQLite takes them.
+    /// Defaults, checks, references, in SQLite's syntax.
     std::string Rest;
   };
   struct Key {

@@ -28,7 +28,7 @@ void AppendUtf8(std::string& text, char32_t point) {
   }
 }
 
-/// Reads the code point at `at` and moves past it.
+/// Reads the code point at `at` and advances past it.
 char32_t NextPoint(std::string_view text, std::size_t& at) {
   const auto first = static_cast<unsigned char>(text[at++]);
   if (first < 0x80) return first;
@@ -57,7 +57,7 @@ char32_t NextPoint(std::string_view text, std::size_t& at) {
   return point > 0x10FFFF ? kReplacement : point;
 }
 
-/// The letter tables of Unicode, whatever locale the process runs in.
+/// The letter tables of Unicode, independent of the process's locale.
 locale_t UnicodeLocale() {
   static const locale_t kUnicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
   return kUnicode;

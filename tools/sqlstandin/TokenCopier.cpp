@@ -10,7 +10,7 @@
 namespace talu::standin {
 namespace {
 
-/// Parentheses in parentheses. Newer versions of SQLite know no end of their own.
+/// Parentheses in parentheses. Newer versions of SQLite have no limit of their own.
 constexpr std::size_t kDeepestParentheses = 1000;
 
 constexpr std::string_view kLocalTime = "strftime('%Y-%m-%d %H:%M:%f','now','localtime')";
@@ -54,7 +54,7 @@ const SystemView* FindSystemView(std::string_view name) {
   return found == kSystemViews.end() ? nullptr : found;
 }
 
-/// Keywords of SQLite that are ordinary names in T-SQL.
+/// SQLite's keywords that are ordinary names in T-SQL.
 bool IsNameHere(const Token& token) {
   return token.IsOneOf({"LIMIT", "AUTOINCREMENT", "DEFERRABLE", "NOTNULL", "NOTHING", "RETURNING",
                         "USING", "INDEXED"});
@@ -82,7 +82,7 @@ std::string TokenCopier::CopyAll() {
   while (true) {
     const Token token = lexer_.Next();
     switch (token.Kind) {
-      case TokenKind::Comment:  // the lexer passes over them
+      case TokenKind::Comment:  // the lexer skips them
       case TokenKind::End:
         if (!frames_.back().Closing.empty()) Put(frames_.back().Closing);
         return std::move(sql_);
@@ -180,7 +180,7 @@ void TokenCopier::CopyWord(const Token& token) {
   }
 }
 
-/// A word that SQLite would not take for a name is put in quotes.
+/// Quotes a word that SQLite would not take as a name.
 void TokenCopier::PutWord(const Token& token) {
   const bool needsQuotes =
       IsNameHere(token) || token.Raw.find_first_of("@$#") != std::string_view::npos;

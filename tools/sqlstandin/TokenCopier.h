@@ -19,14 +19,14 @@ class TokenCopier {
   std::string CopyAll();
 
  private:
-  /// What is special about the parentheses that are open.
+  /// What is special about the open parentheses.
   struct Frame {
     bool IsCast = false;
-    /// Comes before the closing parenthesis: the LIMIT of a TOP, the AS of a CONVERT.
+    /// Inserted before the closing parenthesis: the LIMIT of a TOP, the AS of a CONVERT.
     std::string Closing;
-    /// The arguments after the first are dropped: the style of a CONVERT.
+    /// The arguments after the first are dropped, such as the style of a CONVERT.
     bool DropsRest = false;
-    /// A text sum: from here on "+" joins texts.
+    /// A text sum: from now on "+" joins texts.
     bool JoinsTexts = false;
   };
 
@@ -48,8 +48,8 @@ class TokenCopier {
   Token last_;
 };
 
-/// Takes a group in parentheses from the lexer, which stands before it; the range has them too.
-/// Raises 102 when it is not closed.
+/// Reads a group in parentheses, at which the lexer is; the range includes them. Raises 102 when it
+/// is not closed.
 Range TakeGroup(Lexer& lexer);
 
 }  // namespace talu::standin

@@ -31,7 +31,7 @@ constexpr const char* kDescription =
 
 constexpr const char* kPasswordVariable = "SQLSTANDIN_PASSWORD";
 
-/// The password comes from a file or the environment, never from the command line, which every user
+/// Reads the password from a file or the environment, never from the command line, which every user
 /// of the machine can read.
 std::string ReadPassword(const std::string& file) {
   std::string password;
@@ -112,7 +112,7 @@ int Run(const Options& options) {
   Drives drives;
   for (const std::string& drive : options.Drives) drives.Add(drive);
 
-  // Every thread inherits this, so the signals arrive here only.
+  // Every thread inherits this, so that only this one gets the signals.
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGTERM);
@@ -120,7 +120,7 @@ int Run(const Options& options) {
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   const Descriptor stop(signalfd(-1, &signals, SFD_CLOEXEC));
 
-  // A journal that is a pipe: writing fails, and the server says so.
+  // For a journal that is a pipe: writing fails, and the server reports it.
   signal(SIGPIPE, SIG_IGN);
 
   Catalogue catalogue(options.Data, drives, options.User, ReadPassword(options.PasswordFile));
