@@ -8,7 +8,7 @@
 Root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 Machines=()
 Folder='C:\Program Files'
-# What lies outside of build/ and goes at the end.
+# Files outside build/ to remove at the end.
 Leavings=()
 
 Fail() {
@@ -77,7 +77,7 @@ MarkedProcesses() {
   { grep -lzE "^TALU_RUN=$Mark(/|\$)" /proc/[0-9]*/environ || true; } 2>/dev/null | cut -d/ -f3
 }
 
-# EndMarked: ends them, by force what has not gone two seconds later.
+# EndMarked: ends them, by force after two seconds.
 EndMarked() {
   local signal=TERM i processes
   for ((i = 0; i < 200; i++)); do
@@ -115,8 +115,8 @@ Attend() {
   wait $!
 }
 
-# WaitFor SECONDS COMMAND...: tries it again and again; false when it has not come true in that time, which
-# is for what will never come.
+# WaitFor SECONDS COMMAND...: repeats it until it succeeds; false after that time, a limit that only a failure
+# should reach.
 WaitFor() {
   local end=$((SECONDS + $1))
   until "${@:2}"; do
@@ -138,7 +138,7 @@ Build() {
   # A cache that several trees share finds what another one compiled.
   export CCACHE_DIR=${CCACHE_DIR:-$Root/build/ccache} CCACHE_BASEDIR=$Root CCACHE_NOHASHDIR=1
   : >"$log"
-  # Later the build itself sees whether it has to be configured anew, but not for these files.
+  # Later the build itself notices when it has to be configured again, except for these files.
   [[ -f $ninja && $ninja -nt $Root/CMakePresets.json && $ninja -nt $Root/tools/common.sh ]] ||
     Attend env -C "$Root" cmake --preset "$preset" "${ccache[@]}" >"$log" 2>&1 ||
     Fail "configuring $preset failed: $(grep -m1 -A2 'CMake Error' "$log" | tr '\n' ' ')(see $log)"
@@ -146,11 +146,11 @@ Build() {
     Fail "building $preset failed: $(grep -m1 -E 'error:|FAILED' "$log") (see $log)"
 }
 
-# StartDisplay: a screen of its own, in DISPLAY. It stays as it is when the last program leaves it: a reset
-# would turn away the next one that comes at that moment.
+# StartDisplay: a screen of its own, in DISPLAY. It is not reset when the last program leaves it: a reset
+# would refuse a program that connects at that moment.
 StartDisplay() {
   local number from
-  # The line comes when the screen is there, the end of the file when there will be none.
+  # The line arrives when the screen is ready, the end of the file when it has failed.
   exec {from}< <(exec Xvfb -displayfd 3 -screen 0 "${1:-1280x1024}x24" -noreset -nolisten tcp \
     3>&1 >/dev/null 2>"$TMPDIR/Xvfb")
   IFS= read -r -t 120 -u "$from" number || Fail "Xvfb did not start: $(tail -n1 "$TMPDIR/Xvfb" | tr -d '\n')"
@@ -158,8 +158,8 @@ StartDisplay() {
   export DISPLAY=:$number
 }
 
-# MakeBase [DPI]: the machine that others are copies of, in Base. It is made elsewhere and put there when it
-# is whole, so that nothing is left of one that was interrupted.
+# MakeBase [DPI]: the machine that others are copies of, in Base. It is made elsewhere and moved
+# when it is complete, so that an interrupted one leaves nothing.
 MakeBase() {
   local dpi=${1:-96} made wanted
   Base=$Root/build/machine-$dpi
@@ -168,7 +168,7 @@ MakeBase() {
     wine --version
     { cat "$Root"/{tools/wine/prefix,build/win32/tools/wine/*.dll,build/fonts/*} 2>/dev/null || true; } | sha256sum
   )
-  # Suites may come here at the same time.
+  # Suites may do this at the same time.
   exec {made}>"$Root/build/machine-$dpi.lock"
   flock "$made"
   # Machines share the base's libraries: it must be as it was made.
@@ -195,7 +195,7 @@ SetDesktop() {
 }
 
 # MakeMachine DIR [DPI]: a fresh machine; its environment is set for what follows. It shares with the base
-# what nobody writes to but by putting another file there: the system's programs, libraries and fonts.
+# the files that are replaced but never written to: the system's programs, libraries and fonts.
 MakeMachine() {
   local dir=$1 windows
   MakeBase "${2:-96}"
@@ -210,7 +210,7 @@ MakeMachine() {
   mkdir -p "$dir/media" "$dir/shots"
   ln -sfn "$dir/media" "$dir/wine/dosdevices/d:"
   rm -f "$dir/odbc/odbc.ini"
-  # The Wine of Debian 13 crashes as it starts where this is in its environment.
+  # Debian 13's Wine crashes at start-up with this in its environment.
   export -n TMPDIR
   export WINEPREFIX=$dir/wine WINEARCH=win32 WINEDEBUG=${WINEDEBUG:--all} \
     WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d' ODBCSYSINI=$dir/odbc ODBCINI=/dev/null TDSVER=7.3

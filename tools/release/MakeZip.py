@@ -15,7 +15,7 @@ LICENCES = {
     "mingw-w64 runtime": "mingw-w64-common",
     "CLI11": "libcli11-dev",
 }
-# No file has a time of its own: the first that a zip can hold.
+# All files get the earliest time that a zip can hold.
 TIME = (1980, 1, 1, 0, 0, 0)
 
 
@@ -44,7 +44,7 @@ def contents(root):
         "drive.exe": (built / "tools/drive/drive.exe").read_bytes(),
         "Pack/Setup.exe": (built / "src/platform/win32/Setup.exe").read_bytes(),
     }
-    # What somebody left lying in the folder is no part of the release.
+    # Other files in the folder are not part of the release.
     starter = root / "samples/Starter"
     tracked = subprocess.run(["git", "-C", starter, "ls-files", "-z"], capture_output=True, text=True, check=True)
     for name in filter(None, tracked.stdout.split("\0")):
