@@ -12,7 +12,7 @@ class Connection {
   virtual void ConnectionString(const std::string& text) = 0;
   /// Opens with `text`, or with the connection string set before when it is empty; user and
   /// password arguments empty, options -1 (unspecified). Raises -2147467259 when the server cannot
-  /// be reached, -2147217843 for a refused login, 3705 when the connection is open already.
+  /// be reached, -2147217843 for a refused login, 3705 when the connection is already open.
   virtual void Open(const std::string& text = "") = 0;
   /// Raises 3704 when the connection is not open.
   virtual void Close() = 0;
@@ -24,12 +24,12 @@ class Connection {
 class Command {
  public:
   virtual ~Command() = default;
-  /// Binds the command to a connection, by reference. Raises 3709 when that is not open.
+  /// Binds the command to a connection, by reference. Raises 3709 when it is not open.
   virtual void ActiveConnection(Connection& connection) = 0;
-  /// In seconds; 30 until it is set.
+  /// In seconds; 30 until set.
   virtual void CommandTimeout(int seconds) = 0;
   virtual void CommandText(const std::string& text) = 0;
-  /// Runs the command text; the optional arguments left out, options -1 (unspecified).
+  /// Runs the command text, without the optional arguments; options -1 (unspecified).
   virtual void Execute() = 0;
 };
 

@@ -16,9 +16,8 @@ struct FolderItem {
   std::string Path;
 };
 
-/// A folder that exists, as `GetFolder` found it. The lists are read anew at each call, in the
-/// order in which the file system gives them; both raise 76 when the folder has gone and 70 when
-/// it may not be read.
+/// An existing folder, from `GetFolder`. The lists are read again at each call, in the file
+/// system's order; both raise 76 when the folder no longer exists and 70 when it may not be read.
 class Folder {
  public:
   virtual ~Folder() = default;
@@ -39,7 +38,7 @@ class TextFile {
   /// Reads up to `size` bytes; returns how many, 0 at the end. Raises 57.
   virtual std::size_t Read(char* buffer, std::size_t size) = 0;
   /// Writes all bytes at the end of the file; they are on disk when the call returns. Raises 61
-  /// when the disk is full and 57 otherwise.
+  /// when the disk is full, 57 for any other failure.
   virtual void Write(std::string_view bytes) = 0;
 };
 
@@ -51,10 +50,10 @@ class FileSystemObject {
 
   virtual bool FileExists(const std::string& path) = 0;
   virtual bool FolderExists(const std::string& path) = 0;
-  /// Creates one level. Raises 5 for an empty path, 58 when it is there already, 76 when the parent
-  /// is not, 70 when it may not be written.
+  /// Creates one level. Raises 5 for an empty path, 58 when it already exists, 76 when the parent
+  /// does not, 70 when it may not be written.
   virtual void CreateFolder(const std::string& path) = 0;
-  /// Deletes one file. `force` deletes read-only files too. Raises 53 when it is not there, 70
+  /// Deletes one file. `force` deletes read-only files too. Raises 53 when it does not exist, 70
   /// when it is in use or protected.
   virtual void DeleteFile(const std::string& path, bool force) = 0;
   /// Raises 76 when there is no such folder.
@@ -63,9 +62,9 @@ class FileSystemObject {
   /// any other number.
   virtual std::string GetSpecialFolder(int number) = 0;
 
-  /// Opens a file: for input it must exist; for output it is made empty; for append it is made
-  /// when missing. Raises 53 when it is missing, 76 when its folder is, 70 when it is locked, 75
-  /// when it may not be accessed, 52 for a bad name.
+  /// Opens a file: for input it must exist; output empties it; output and append create it when
+  /// missing. Raises 53 when it is missing, 76 when its folder is, 70 when it is locked, 75 when
+  /// access is denied, 52 for a bad name.
   virtual std::unique_ptr<TextFile> OpenTextFile(const std::string& path, OpenMode mode) = 0;
   /// Closes `file`, which is open for append under `path`, and opens it for append again. Raises
   /// as `OpenTextFile` does; `file` is then a null pointer.

@@ -25,7 +25,7 @@ struct Machine {
   ScriptingHost& Scripting;
   SettingsStore& Settings;
   talu::Clock& Clock;
-  /// The pack folder (the folder that holds the program), without a trailing backslash.
+  /// The pack folder (the program's own folder), without a trailing backslash.
   std::string AppPath;
 };
 

@@ -9,9 +9,8 @@ class OdbcInstaller {
  public:
   virtual ~OdbcInstaller() = default;
   /// `SQLConfigDataSource` with no parent window. Request 4 adds a system data source. Pairs in
-  /// `attributes` are separated by NUL characters, none after the last; the call sees to the
-  /// list's termination. Returns whether the library accepted it; raises 53 when the library is
-  /// missing.
+  /// `attributes` are separated by NUL characters, none after the last; the call terminates the
+  /// list. Returns whether the library accepted it; raises 53 when the library is missing.
   virtual bool SQLConfigDataSource(int request, const std::string& driver,
                                    const std::string& attributes) = 0;
 };

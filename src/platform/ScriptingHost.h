@@ -6,7 +6,7 @@
 
 namespace talu {
 
-/// A shell shortcut being made. Nothing is written before `Save`. Every call raises the object's
+/// A shell shortcut to be made. Nothing is written before `Save`. Every call raises the object's
 /// error.
 class Shortcut {
  public:

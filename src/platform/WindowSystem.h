@@ -7,7 +7,7 @@
 
 namespace talu {
 
-/// A loaded picture. Only the window system that made it can look inside.
+/// A loaded picture. Only the window system that made it can read it.
 class Picture {
  public:
   virtual ~Picture() = default;
@@ -15,8 +15,8 @@ class Picture {
 
 enum class ControlKind { Label, TextBox, CommandButton, OptionButton, CheckBox, Image, Shape };
 
-/// How a text is set: the page's title, a control's own label, running text, the status line,
-/// the quiet note. The window system chooses sizes and colours.
+/// The role of a text: the page's title, a control's own label, running text, the status line, the
+/// quiet note. The window system chooses sizes and colours.
 enum class TextStyle { Title, Label, Body, Status, Note };
 
 /// The properties of a control or form that can change after the window is made.
@@ -33,8 +33,8 @@ enum class Property {
   MousePointer
 };
 
-/// What a label that scrolls leaves free to the left and right of its text, in twips: its focus
-/// shows at its edges.
+/// The margin to the left and right of the text of a label that scrolls, in twips: its focus is
+/// drawn there.
 inline constexpr int kScrollMargin = 90;
 
 /// A control as the window system sees it. Places and sizes are in twips (1440 an inch), measured
@@ -61,24 +61,24 @@ struct ControlView {
   std::shared_ptr<talu::Picture> Picture;
 
   TextStyle Style = TextStyle::Body;
-  /// The text box hides what is typed.
+  /// The text box hides its text.
   bool Password = false;
   /// Enter clicks this button wherever the focus is.
   bool Default = false;
-  /// "&" in a label's caption marks a mnemonic; elsewhere it is a plain character.
+  /// "&" in a label's caption marks a mnemonic; elsewhere it is an ordinary character.
   bool Mnemonic = false;
   /// A label that can be scrolled when its text does not fit; any other label that does not fit
   /// shows its whole text as a tool tip.
   bool Scrolls = false;
-  /// Of a shape: the filled part of the progress track.
+  /// For a shape: the filled part of the progress track.
   bool Bar = false;
-  /// Name of the label that says what this control is: a click on that label is a click on the
-  /// control, and assistive software reads its text as the control's name, for a command button
-  /// followed by the button's own text. Empty where the control's own text says it all.
+  /// Name of the label that describes this control: a click on that label is a click on the
+  /// control, and assistive software reads its text as the control's name, followed by the button's
+  /// own text for a command button. Empty when the control's own text is enough.
   std::string LabelledBy;
 };
 
-/// A form as the window system sees it: what to draw, and where the operator's doings go.
+/// A form as the window system sees it: what to draw, and who receives the operator's actions.
 class FormWindow {
  public:
   virtual ~FormWindow() = default;
@@ -109,26 +109,26 @@ class WindowSystem {
  public:
   virtual ~WindowSystem() = default;
 
-  /// Makes the window at the first call, shows it where the last one stood (at first: centred on
-  /// the screen) and paints it before returning. Raises 7 when no window can be made.
+  /// Makes the window at the first call, shows it in the place of the last one (the first one
+  /// centred on the screen) and paints it before returning. Raises 7 when no window can be made.
   virtual void ShowForm(FormWindow& form) = 0;
   virtual void HideForm(FormWindow& form) = 0;
-  /// A property of the control at `index` has a new value. Called for hidden and not yet shown
-  /// forms too.
+  /// A property of the control at `index` has a new value. Also called for forms that are hidden or
+  /// not yet shown.
   virtual void UpdateControl(FormWindow& form, std::size_t index, Property changed) = 0;
   /// The form's own caption or pointer has a new value.
   virtual void UpdateForm(FormWindow& form, Property changed) = 0;
 
-  /// A message box with an OK button; returns when it has been answered. An empty title stands for
-  /// the application's default title.
+  /// A message box with an OK button; returns when it is answered. An empty title means the
+  /// application's default title.
   virtual void MessageBox(const std::string& text, const std::string& title) = 0;
   /// The shell's folder browser (file-system folders only, no root given), owned by `owner`.
   /// Returns the full path of the chosen folder, nothing when the operator cancelled; raises the
   /// shell's error.
   virtual std::optional<std::string> BrowseForFolder(FormWindow& owner,
                                                      const std::string& title) = 0;
-  /// Loads a picture file. An empty path gives no picture (a null pointer). Raises 53 when the
-  /// file is missing, 481 when it is no picture.
+  /// Loads a picture file. An empty path gives no picture (a null pointer). Raises 53 when the file
+  /// is missing, 481 when it is not a picture.
   virtual std::shared_ptr<Picture> LoadPicture(const std::string& path) = 0;
   /// Handles the pending window events and returns.
   virtual void DoEvents() = 0;

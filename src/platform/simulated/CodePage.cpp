@@ -7,7 +7,7 @@ namespace talu {
 namespace {
 
 // Code page 1252, 0x80 to 0x9F, as Unicode. Source: the code page's published table (bestfit1252);
-// the five places that it leaves open map to the control characters of the same number.
+// its five undefined places map to the control characters of the same number.
 constexpr std::array<char32_t, 32> kHigh = {
     0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x8D,   0x017D, 0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,

@@ -1,4 +1,4 @@
-// What a simulated disk takes from folders of the host, and what it leaves in them.
+// Loads folders of the host into a simulated disk, and saves it to them.
 
 #include <fstream>
 #include <set>
@@ -22,7 +22,7 @@ fs::path FromUtf8(const std::string& text) {
   return std::u8string(text.begin(), text.end());
 }
 
-/// The name that a host file has on a Windows machine.
+/// The name of a host file on a Windows machine.
 std::string NameOnWindows(const fs::path& path) {
   const std::string name = Utf8(path.filename());
   std::string ansi = AnsiFromUtf8(name);

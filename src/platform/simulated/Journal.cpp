@@ -85,7 +85,7 @@ void Journal::AddFailed(JournalEvent event) {
   try {
     event.Error = CaughtError();
   } catch (...) {
-    Add(std::move(event));  // the end of the program is no failure
+    Add(std::move(event));  // the end of the program is not a failure
     throw;
   }
   Add(std::move(event));

@@ -15,8 +15,7 @@
 
 namespace talu {
 
-/// One request to the simulated machine, as a list of named values in the order in which they are
-/// written.
+/// One request to the simulated machine, as named values in the order of writing.
 struct JournalEvent {
   using Value = std::variant<std::string, std::int64_t, bool>;
   using Field = std::pair<std::string, Value>;
@@ -24,7 +23,7 @@ struct JournalEvent {
   JournalEvent(const char* kind, std::initializer_list<Field> fields)
       : Kind(kind), Fields(fields) {}
 
-  /// The text of a field; empty when there is none of that name.
+  /// The text of a field; empty when there is no such field.
   std::string Text(const std::string& field) const;
   /// One JSON object on one line; texts are read as Windows-1252.
   std::string ToJson() const;
@@ -35,32 +34,32 @@ struct JournalEvent {
   std::optional<RuntimeError> Error;
 };
 
-/// What the machine was asked, in order; and the place where a request can be made to fail.
+/// The requests to the machine, in order; any of them can be made to fail here.
 class Journal {
  public:
-  /// Counts a request that may fail. Raises the error that was asked for this request; out of
-  /// memory is raised as a failed allocation.
+  /// Counts a request that may fail. Raises the error set for this request; out of memory is raised
+  /// as a failed allocation.
   void Count(const char* request);
-  /// A request that may fail and is no event: noted, then counted.
+  /// A request that may fail and is not an event: noted, then counted.
   void Count(const char* request, const std::string& about) {
     Note(request, about);
     Count(request);
   }
-  /// Tells of something that is no event.
+  /// Reports something that is not an event.
   void Note(const char* what, const std::string& about = "") const {
     if (OnNote) OnNote(what, about);
   }
-  /// Told of what leaves no event: requests, with what they ask for, files closed, and pending
-  /// events let through.
+  /// Called for what leaves no event: requests, with their details, files closed, and pending
+  /// events handled.
   std::function<void(const char* what, const std::string& about)> OnNote;
-  /// Told of every such request before it is carried out, with its number (from 1); what it throws
-  /// comes out of the request.
+  /// Called before each such request is executed, with its number (from 1); the request passes on
+  /// what it throws.
   std::function<void(int number, const char* request)> OnRequest;
   /// Requests counted so far.
   int Requests() const { return requests_; }
   /// Makes request number `request` (from 1) fail once.
   void FailRequest(int request, const RuntimeError& error);
-  /// The name of the request that failed on demand; empty when none has.
+  /// The name of the request that was made to fail; empty when there was none.
   const std::string& FailedRequest() const { return failedRequest_; }
 
   void Add(JournalEvent event) {
@@ -70,14 +69,14 @@ class Journal {
       events_.push_back(std::move(event));
     }
   }
-  /// From now on hands each event to `watcher` as it happens and keeps none; keeps them again
-  /// without one. What the watcher throws comes out of the request.
+  /// Passes each event to `watcher` as it happens and keeps none; without a watcher it keeps them
+  /// again. The request passes on what the watcher throws.
   void Watch(std::function<void(const JournalEvent&)> watcher) { watcher_ = std::move(watcher); }
   const std::vector<JournalEvent>& Events() const { return events_; }
   /// One text per event of a kind: the value of `field`.
   std::vector<std::string> Texts(const std::string& kind, const std::string& field) const;
 
-  /// Counts a request, does its work and records the event, with the error when one was raised.
+  /// Counts a request, executes it and records the event, with the error if it raised one.
   /// `showOk`: a success is marked too.
   template <class Work>
   auto Request(JournalEvent event, bool showOk, Work work) -> decltype(work()) {
@@ -102,7 +101,7 @@ class Journal {
   }
 
  private:
-  /// For a `catch (...)`: records the event with the error that was caught.
+  /// For a `catch (...)`: records the event with the caught error.
   void AddFailed(JournalEvent event);
 
   std::vector<JournalEvent> events_;

@@ -1,4 +1,4 @@
-// What the simulated server does about the names that it keeps.
+// How the simulated server handles the names that it keeps.
 
 #include <algorithm>
 #include <array>
@@ -63,8 +63,8 @@ bool SimulatedServer::Has(const std::string& name, bool login) const {
          std::ranges::find(kSystemDatabases, name) != kSystemDatabases.end();
 }
 
-// Applies what changes the names; the first refusal ends the statement. Where the statement
-// asks first (IF), it is taken to have asked the right thing: nothing fails.
+// Applies changes of names; the first refusal ends the statement. A statement that asks first (IF)
+// is assumed to have asked the right thing: nothing fails.
 void SimulatedServer::ApplyNames(std::string_view statement) {
   if (!MayNameAny(statement)) return;
   bool asked = false;
@@ -78,7 +78,7 @@ void SimulatedServer::ApplyNames(std::string_view statement) {
   };
   for (; verb.Kind != sql::TokenKind::End; advance()) {
     if (verb.Is("IF")) asked = true;
-    // A body is not run now.
+    // A body is not executed now.
     if (kind.IsOneOf({"PROC", "PROCEDURE", "FUNCTION", "TRIGGER"}) &&
         verb.IsOneOf({"CREATE", "ALTER"})) {
       return;

@@ -152,7 +152,7 @@ int SimulatedFiles::FileOperation(int operation, const std::string& from, const 
                          "The path in the source or destination or both was invalid.");
     });
   } catch (const RuntimeError& error) {
-    if (error.Number == error::kOutOfMemory) throw;  // nothing that the service returns
+    if (error.Number == error::kOutOfMemory) throw;  // the service returns no such code
     return error.Number == 0 ? kInvalidFiles : error.Number;
   }
 }

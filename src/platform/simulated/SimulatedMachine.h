@@ -13,10 +13,10 @@
 namespace talu {
 
 /// A whole machine in memory: disk, server, data sources, programs, a clock and an operator. It
-/// journals what it is asked and can be told to fail any request once.
+/// journals requests and can fail any of them once.
 class SimulatedMachine {
  public:
-  /// The pack lies at `appPath`; C: has the system's folders and "Program Files".
+  /// The pack is at `appPath`; C: has the system's folders and "Program Files".
   explicit SimulatedMachine(const std::string& appPath = "D:\\Pack")
       : Disk(appPath),
         Parts{.Windows = Windows,
@@ -43,7 +43,7 @@ class SimulatedMachine {
   SimulatedSettings Settings{Journal};
   SimulatedClock Clock;
   SimulatedWindows Windows{Journal, Disk};
-  /// What the wizard works on.
+  /// The interfaces that the wizard works with.
   Machine Parts;
 };
 

@@ -22,7 +22,7 @@ RuntimeError AdoError(std::int32_t number, const char* text) {
   return RuntimeError(number, text, "ADODB");
 }
 
-/// The value of `key` in a connection text of pairs; empty without it.
+/// The value of `key` in a connection text of pairs; empty when there is none.
 std::string ValueOf(const std::string& text, const std::string& key) {
   for (const std::string& pair : Split(text, ';')) {
     const std::size_t equals = pair.find('=');

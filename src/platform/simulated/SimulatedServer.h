@@ -15,8 +15,8 @@ namespace talu {
 
 class SimulatedOdbc;
 
-/// A database server that keeps the names of databases and logins and records every statement. A
-/// statement that it need not understand succeeds.
+/// A database server that keeps the names of databases and logins and records every statement.
+/// Statements that it need not understand succeed.
 class SimulatedServer : public Ado {
  public:
   SimulatedServer(Journal& journal, SimulatedOdbc& odbc) : journal_(journal), odbc_(odbc) {}
@@ -27,13 +27,13 @@ class SimulatedServer : public Ado {
   /// Statements that contain `text` fail with this error.
   void FailStatements(const std::string& text, const RuntimeError& error);
 
-  /// Databases and logins that are there, upper-cased.
+  /// Existing databases and logins, upper-cased.
   std::set<std::string> Databases;
   std::set<std::string> Logins;
-  /// The only password that is accepted; empty: every login is.
+  /// The only password that is accepted; empty: every login is accepted.
   std::string Password;
   bool Reachable = true;
-  /// Keeps nothing and accepts every statement but those set to fail.
+  /// Keeps nothing and accepts every statement except those set to fail.
   bool AcceptAll = false;
 
  private:
@@ -44,7 +44,7 @@ class SimulatedServer : public Ado {
   void Run(const std::string& statement, int timeout);
   void ApplyNames(std::string_view statement);
   void ApplyName(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
-  /// Whether the upper-cased name is there.
+  /// Whether the upper-cased name exists.
   bool Has(const std::string& name, bool login) const;
 
   Journal& journal_;

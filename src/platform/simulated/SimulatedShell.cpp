@@ -131,7 +131,7 @@ std::string SimulatedProcesses::ProgramOf(const std::string& commandLine) const 
     const std::string path = commandLine.substr(1, commandLine.find('"', 1) - 1);
     return disk_.FileExists(path) ? path : "";
   }
-  // Without quotes each blank may end the path, the first one first.
+  // Without quotes the path may end at each blank, tried from the first one on.
   for (std::size_t blank = commandLine.find(' ');; blank = commandLine.find(' ', blank + 1)) {
     std::string path = commandLine.substr(0, blank);
     const std::string name = UCase(FileNameOf(path));

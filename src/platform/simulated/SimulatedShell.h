@@ -17,7 +17,7 @@
 
 namespace talu {
 
-/// Data sources by name. A driver that is not known is refused.
+/// Data sources by name. An unknown driver is refused.
 class SimulatedOdbc : public OdbcInstaller {
  public:
   explicit SimulatedOdbc(Journal& journal) : journal_(journal) {}
@@ -35,8 +35,8 @@ class SimulatedOdbc : public OdbcInstaller {
   std::map<std::string, std::string> sources_;  // upper-cased name, attributes
 };
 
-/// Programs that end at once. One that is not on the disk cannot be started; the system's own are
-/// always there.
+/// Programs that end at once. One that is not on the disk cannot be started; the system's own
+/// always exist.
 class SimulatedProcesses : public Processes {
  public:
   SimulatedProcesses(Journal& journal, SimulatedDisk& disk) : journal_(journal), disk_(disk) {}
@@ -47,14 +47,14 @@ class SimulatedProcesses : public Processes {
   std::map<std::string, std::int32_t> ExitCodes;
 
  private:
-  /// The file that the command line names, as the platform looks for it; empty when none is there.
+  /// The file that the command line names, found as the platform does; empty when there is none.
   std::string ProgramOf(const std::string& commandLine) const;
 
   Journal& journal_;
   SimulatedDisk& disk_;
 };
 
-/// Special folders in their order, and shortcuts as files of the disk.
+/// Special folders in order, and shortcuts as files on the disk.
 class SimulatedScripting : public ScriptingHost {
  public:
   SimulatedScripting(Journal& journal, SimulatedDisk& disk);
@@ -77,8 +77,8 @@ class SimulatedSettings : public SettingsStore {
   Journal& journal_;
 };
 
-/// Stands still at `Time`; the times in `Coming` are returned first, one for each question; the
-/// last one stays.
+/// Stands still at `Time`; the times in `Coming` are returned first, one per call; the last one
+/// stays.
 class SimulatedClock : public Clock {
  public:
   DateTime Now() override;

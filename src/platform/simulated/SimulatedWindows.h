@@ -13,10 +13,10 @@
 
 namespace talu {
 
-/// Thrown by the simulated end of the process, through everything.
+/// Thrown by the simulated end of the process, through all code.
 struct ProgramEnded {};
 
-/// Windows without a screen, and the operator before them. Message boxes are answered at once.
+/// Windows without a screen, and their operator. Message boxes are answered at once.
 class SimulatedWindows : public WindowSystem {
  public:
   SimulatedWindows(Journal& journal, SimulatedDisk& disk) : journal_(journal), disk_(disk) {}
@@ -35,8 +35,8 @@ class SimulatedWindows : public WindowSystem {
   [[noreturn]] void EndProgram() override;
 
   // The operator. What cannot be done (no such control, disabled, not visible) is refused: false.
-  // Every action returns when all that follows from it is done; `Ended` returns whether the program
-  // has ended on the way.
+  // Every action returns when all its consequences are done; `Ended` returns whether the program
+  // has ended meanwhile.
   bool Click(const std::string& control);
   bool Type(const std::string& control, const std::string& text);
   bool Hover(const std::string& control);
@@ -52,16 +52,16 @@ class SimulatedWindows : public WindowSystem {
     }
   }
 
-  /// The name of the page on the screen; empty when there is none.
+  /// The name of the visible page; empty when there is none.
   std::string VisibleForm() const;
-  /// A control of the page on the screen; a null pointer without it.
+  /// A control of the visible page, or a null pointer.
   const ControlView* Shown(const std::string& control) const;
   bool Ended() const { return ended_; }
   const std::vector<std::string>& Messages() const { return messages_; }
 
-  /// What the operator does at the next folder browsers; cancels when there is nothing left.
+  /// The operator's answers to the next folder browsers; without one the operator cancels.
   std::deque<std::optional<std::string>> BrowseAnswers;
-  /// What the operator does whenever the wizard lets window events through.
+  /// What the operator does whenever the wizard handles pending window events.
   std::function<void()> DuringEvents;
   /// Raised by the next folder browser.
   std::optional<RuntimeError> BrowseError;
