@@ -26,7 +26,7 @@ class Command {
   virtual ~Command() = default;
   /// Binds the command to a connection, by reference. Raises 3709 when it is not open.
   virtual void ActiveConnection(Connection& connection) = 0;
-  /// In seconds; 30 until set.
+  /// In seconds; 30 until it is set.
   virtual void CommandTimeout(int seconds) = 0;
   virtual void CommandText(const std::string& text) = 0;
   /// Runs the command text, without the optional arguments; options -1 (unspecified).

@@ -8,16 +8,16 @@
 
 namespace talu {
 
-/// Resume-next: runs one statement at a time, hands the run-time error of a failing one to the
-/// handler and goes on. A statement is the smallest unit that can fail on its own. What the handler
-/// itself raises goes to the caller of the procedure, as does everything that is no run-time error.
+/// Resume-next: runs one statement at a time, passes the run-time error of a failing one to the
+/// handler and continues. A statement is the smallest unit that can fail on its own. Errors of the
+/// handler itself, and all that is not a run-time error, go to the procedure's caller.
 class ErrorTrap {
  public:
   using Handler = std::function<void(const RuntimeError&)>;
 
   explicit ErrorTrap(Handler handler) : handler_(std::move(handler)) {}
 
-  /// Runs `statement`; returns whether it came to its end.
+  /// Runs `statement`; returns whether it succeeded.
   template <class Statement>
   bool operator()(Statement&& statement) const {
     try {
@@ -29,10 +29,10 @@ class ErrorTrap {
     return false;
   }
 
-  /// A statement that assigns: puts what `expression` returns into `variable`, which keeps its
-  /// value when the expression fails; returns whether the statement came to its end. An assignment
-  /// inside `operator()` is no substitute: GCC 12's optimiser drops the value that `number` had
-  /// before `number = Count();` although `Count` throws.
+  /// A statement that assigns: stores the result of `expression` in `variable`, which keeps its
+  /// value when the expression fails; returns whether it succeeded. Assigning inside `operator()`
+  /// is not the same: GCC 12's optimiser drops the value that `number` had before `number =
+  /// Count();` although `Count` throws.
   template <class Variable, class Expression>
   bool Assign(Variable& variable, Expression&& expression) const {
     return (*this)([&] {
@@ -41,8 +41,8 @@ class ErrorTrap {
     });
   }
 
-  /// A counted loop: `body` with 1 to `last`. The index is a 16-bit one and is incremented after
-  /// the last round too, so that 32767 rounds end with an error 6 for the handler.
+  /// A counted loop: `body` with 1 to `last`. The index is a 16-bit one and is also incremented
+  /// after the last round, so 32767 rounds end with an error 6 for the handler.
   template <class Body>
   void CountTo(Int16 last, Body&& body) const {
     for (Int16 index = 1; index <= last;) {

@@ -19,7 +19,7 @@ RuntimeError CaughtError() {
     return error;
   } catch (const std::bad_alloc&) {
     return RuntimeError(error::kOutOfMemory);
-  } catch (const std::length_error&) {  // a text longer than any can be
+  } catch (const std::length_error&) {  // a text longer than possible
     return RuntimeError(error::kOutOfMemory);
   }
 }

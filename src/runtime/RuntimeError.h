@@ -12,7 +12,7 @@ class RuntimeError : public std::exception {
  public:
   /// One of the platform's own errors, with its standard description.
   explicit RuntimeError(std::int32_t number);
-  /// An error with a description of its own; `source` names the object that raised it.
+  /// An error with its own description; `source` names the object that raised it.
   RuntimeError(std::int32_t number, std::string description, std::string source = "");
 
   const char* what() const noexcept override { return Description.c_str(); }
@@ -46,9 +46,8 @@ inline constexpr std::int32_t kInvalidPicture = 481;
 inline constexpr std::int32_t kUnspecified = -2147467259;
 }  // namespace error
 
-/// For a `catch (...)`: the run-time error that was caught; a failed allocation is "Out of memory",
-/// and so is a text that would be too long.
-/// Anything else, the end of the program for one, is raised again.
+/// For a `catch (...)`: the caught run-time error. A failed allocation and a text that would be too
+/// long are "Out of memory"; anything else, such as the end of the program, is raised again.
 RuntimeError CaughtError();
 
 /// The standard description of one of the platform's own errors;

@@ -67,7 +67,7 @@ void TextFiles::Close(int number) {
 
 std::string_view TextFiles::LineInput(int number) {
   OpenFile& file = Opened(number, true);
-  // Most lines are whole in the buffer, and what follows their end too.
+  // Most lines are entirely in the buffer, with what follows their end.
   const std::string_view left = std::string_view(file.Buffer).substr(file.At);
   const std::size_t found = left.find('\r');
   if (found != std::string_view::npos && found + 1 < left.size()) {

@@ -13,25 +13,25 @@
 
 namespace talu {
 
-/// The lines of a text that is in memory. A CR or a CR LF ends a line, a lone LF does not; the last
-/// line needs no end.
+/// The lines of a text in memory. A CR or a CR LF ends a line, a lone LF does not; the last line
+/// needs no end.
 class LineScanner {
  public:
   explicit LineScanner(std::string_view text) : rest_(text) {}
 
-  /// Puts the next line into `line`; false when there is none left.
+  /// Sets `line` to the next line; returns false when there is none.
   bool Next(std::string_view& line);
 
  private:
   std::string_view rest_;
 };
 
-/// The longest text in bytes. A 32-bit program has no room for a longer one, and the simulated
-/// machine has none either.
+/// The length limit of a text in bytes: a 32-bit program has no room for a longer one, and the
+/// simulated machine has none either.
 inline constexpr std::uint64_t kLongestText = 0x7FFFFFFE;
 
-/// Text files by number, as the run-time keeps them: a pool of 255 numbers, each free or open.
-/// Lines end as `LineScanner` says. What is printed is on disk when the call returns.
+/// Text files by number, as in the run-time: a pool of 255 numbers, each free or open. Lines end as
+/// in `LineScanner`. What is printed is on disk when the call returns.
 class TextFiles {
  public:
   explicit TextFiles(FileSystemObject& files) : files_(files) {}
@@ -49,14 +49,14 @@ class TextFiles {
   bool IsOpen(int number) const {
     return number >= 1 && number <= kNumbers && pool_[static_cast<std::size_t>(number)].File;
   }
-  /// Whether all has been read. Raises 52 when the number is not open, 54 when it is not open for
-  /// input.
+  /// Whether everything has been read. Raises 52 when the number is not open, 54 when it is not
+  /// open for input.
   bool EndOfFile(int number) {
     OpenFile& file = Opened(number, true);
     return file.At == file.Buffer.size() && !Fill(file);
   }
-  /// The next line, whole, without its end; it stays where it is until the number is used again.
-  /// Raises 52, 54, and 62 at the end of the file.
+  /// The next line, without its end, valid until the number is used again. Raises 52, 54, and 62 at
+  /// the end of the file.
   std::string_view LineInput(int number);
   /// Writes the pieces and a line end, as one record. Raises 52, 54, 57, 61.
   void Print(int number, std::initializer_list<std::string_view> pieces);
@@ -75,7 +75,7 @@ class TextFiles {
     std::string UpperPath;
     std::string Buffer;
     std::size_t At = 0;
-    /// A line that is in more than one buffer.
+    /// A line that spans buffers.
     std::string Line;
   };
 

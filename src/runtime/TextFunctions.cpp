@@ -54,7 +54,7 @@ bool Contains(std::string_view text, Sought find) {
   const char rarest = find.Text[find.Rarest];
   for (std::size_t at = text.find(rarest, find.Rarest); at != std::string_view::npos;
        at = text.find(rarest, at + 1)) {
-    // Most differ in the first characters, without a call.
+    // Most differ in the first characters, which needs no call.
     const std::string_view there = text.substr(at - find.Rarest);
     if (std::ranges::mismatch(find.Text, there).in1 == find.Text.end()) return true;
   }
@@ -109,7 +109,7 @@ std::string UCase(std::string_view text) {
 }
 
 bool ContainsUpper(std::string_view text, std::string_view upper) {
-  // The texts looked for begin with a character that has no case, so that it can be hunted first.
+  // The texts to find begin with a character that has no case, so it can be searched first.
   const char first = upper.front();
   for (std::size_t at = text.find(first); at != std::string_view::npos;
        at = text.find(first, at + 1)) {

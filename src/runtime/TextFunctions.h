@@ -10,7 +10,7 @@
 namespace talu {
 
 // Text functions of the run-time. Texts are 8-bit, in the ANSI code page; positions count from 1
-// and 0 means "not found"; a start below 1 and a negative length raise error 5. Comparison is
+// and 0 means "not found"; a start below 1 or a negative length raises error 5. Comparison is
 // binary.
 
 /// A position or a length in a text.
@@ -18,17 +18,17 @@ using Position = std::ptrdiff_t;
 
 inline constexpr std::string_view kCrLf = "\r\n";
 
-/// Position of the first `find` at or after `start`; `start` itself for an empty `find`; 0 when it
-/// does not occur or `text` is empty. Raises 5.
+/// Position of the first `find` at or after `start`; `start` itself for an empty `find`; 0 when not
+/// found or `text` is empty. Raises 5.
 Position InStr(Position start, std::string_view text, std::string_view find);
 Position InStr(std::string_view text, std::string_view find);
 
-/// A text that is no literal.
+/// A text that is not a literal.
 template <class Text>
 concept NoLiteral = std::convertible_to<Text, std::string_view> && !std::is_array_v<Text>;
 
-/// What `Contains` looks for. A text that stands in the source is hunted by that of its characters
-/// which scripts have least of; the compiler chooses it.
+/// What `Contains` looks for. For a literal the compiler chooses its rarest character in scripts,
+/// which is searched first.
 // NOLINTBEGIN(google-explicit-constructor): a text is meant
 struct Sought {
   template <std::size_t Size>
@@ -62,9 +62,9 @@ std::string Mid(std::string_view text, Position start);
 std::string Left(std::string_view text, Position length);
 std::string Right(std::string_view text, Position length);
 
-/// `text = text & CR LF & line`: all of it or, when memory fails, nothing.
+/// `text = text & CR LF & line`: the whole line or, when memory fails, nothing.
 inline void AppendLine(std::string& text, std::string_view line) {
-  text.reserve(text.size() + line.size() + 2);  // grows by more than it is asked for
+  text.reserve(text.size() + line.size() + 2);  // grows by more than requested
   text.push_back('\r');
   text.push_back('\n');
   text.append(line);
@@ -93,7 +93,7 @@ std::vector<std::string> Split(std::string_view text, char separator);
 /// Element `index` from 0. Raises 9 outside the array.
 const std::string& Element(const std::vector<std::string>& array, std::ptrdiff_t index);
 
-/// Every `find` replaced, from the left, not looking again at what was put in. An empty `find`
+/// Replaces every `find`, from the left, without looking at what was inserted. An empty `find`
 /// replaces nothing.
 std::string Replace(std::string_view text, std::string_view find, std::string_view replacement);
 
