@@ -1,6 +1,6 @@
 #include "FolderBrowser.h"
 
-// After windows.h.
+// Needs windows.h before it.
 #include <commctrl.h>
 #include <shellapi.h>
 #include <shlobj.h>
@@ -19,18 +19,18 @@ namespace talu::drive {
 
 namespace {
 
-/// An HTREEITEM, which is nothing but a number here; 0 is none.
+/// An HTREEITEM, used as a plain number here; 0 is none.
 using Node = LPARAM;
 
-/// Thrown where Setup does not answer; SelectFolder turns it into its empty result.
+/// Thrown when Setup does not answer; SelectFolder turns it into its empty result.
 struct Busy {};
 
 /// How many of a folder's names an error message lists.
 constexpr std::size_t kNamesTold = 20;
 
-/// The tree, seen from another process. It is asked by sent messages, which only look; whatever
-/// makes it work is posted, because the shell cannot call out to its other components while it
-/// handles a message sent by another process.
+/// The tree, seen from another process. Sent messages only read it; everything that makes it work
+/// is posted, because the shell cannot call its other components while it handles a message sent by
+/// another process.
 class Tree {
  public:
   explicit Tree(HWND window);
@@ -46,8 +46,8 @@ class Tree {
   void Select(Node node) { Do(TVM_SELECTITEM, TVGN_CARET, node); }
 
  private:
-  /// What TVM_GETITEM fills. It has to lie in the memory of the tree's process, where the tree
-  /// can reach it; drive and Setup are both 32-bit programs, so that it looks the same in both.
+  /// Filled by TVM_GETITEM. It must be in the memory of the tree's process; drive and Setup are
+  /// both 32-bit programs, so its layout is the same in both.
   struct Record {
     TVITEMW Item;
     wchar_t Text[MAX_PATH];
@@ -69,7 +69,7 @@ class Tree {
 
   HWND window_;
   std::unique_ptr<void, Closer> process_;
-  Record* record_ = nullptr;  // over there
+  Record* record_ = nullptr;  // in the other process
   bool recordLent_ = false;   // the tree may still write to it
 };
 
@@ -88,7 +88,7 @@ Tree::Tree(HWND window) : window_(window) {
 }
 
 Tree::~Tree() {
-  // A message that nobody waits for any longer is still carried out some time.
+  // A message that is no longer waited for is still handled some time.
   if (!recordLent_) VirtualFreeEx(process_.get(), record_, 0, MEM_RELEASE);
 }
 
@@ -124,8 +124,8 @@ std::string Tree::Text(Node node) {
   return Utf8(text);
 }
 
-/// What the shell calls a folder. Windows in other languages shows "Programme" for
-/// "C:\Program Files", and the user may have renamed the computer's own folder.
+/// The shell's name for a folder. Windows in other languages shows "Programme" for "C:\Program
+/// Files", and the user may have renamed the computer's own folder.
 std::string ShownName(const std::string& path) {
   SHFILEINFOW info = {};
   SHGetFileInfoW(Wide(path).c_str(), 0, &info, sizeof info, SHGFI_DISPLAYNAME);
@@ -146,12 +146,12 @@ bool SameName(const std::string& one, const std::string& other) {
   return CompareStringOrdinal(Wide(one).c_str(), -1, Wide(other).c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
-/// One step on the way down the tree.
+/// One level on the way down the tree.
 struct Stage {
   std::string Name;
-  /// What the shell shows for it, where that may differ.
+  /// The shell's name for it, where that may differ.
   std::string Shown;
-  /// The drive's letter stands somewhere in its text: "Local Disk (C:)", "(C:) Local Disk".
+  /// The drive's letter is somewhere in its text: "Local Disk (C:)", "(C:) Local Disk".
   bool IsDrive = false;
 
   bool Is(const std::string& text) const {

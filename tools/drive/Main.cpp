@@ -1,7 +1,7 @@
 // drive: plays a script of clicks against the real windows of Setup.exe.
 
 #include <windows.h>
-// After windows.h.
+// Needs windows.h before it.
 #include <objbase.h>
 #include <shellapi.h>
 
@@ -35,7 +35,7 @@ struct CommandLine {
   bool EndOnFailure = false;
 };
 
-/// The arguments, last one first, as CLI11 takes them.
+/// The arguments in reverse order, as CLI11 takes them.
 std::vector<std::string> Arguments() {
   int count = 0;
   wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
@@ -91,7 +91,7 @@ int Run(const CommandLine& line) {
 int Main() {
   // Without this the system scales coordinates and screenshots on a large display.
   SetProcessDPIAware();
-  // The shell names folders only to threads that have done this.
+  // The shell gives names of folders only to threads that have done this.
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   CommandLine line;
   CLI::App app("Plays a script of clicks against the real windows of Setup.exe.", "drive");

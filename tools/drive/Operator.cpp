@@ -19,7 +19,7 @@ INPUT KeyInput(unsigned short key, bool up) {
   input.type = INPUT_KEYBOARD;
   input.ki.wVk = key;
   input.ki.wScan = static_cast<WORD>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC));
-  // The keys of the block between letters and number pad, from page up to down arrow, and delete.
+  // The keys between letters and number pad: from page up to down arrow, and delete.
   const bool extended = (key >= VK_PRIOR && key <= VK_DOWN) || key == VK_DELETE;
   input.ki.dwFlags = (extended ? KEYEVENTF_EXTENDEDKEY : 0U) | (up ? KEYEVENTF_KEYUP : 0U);
   return input;
@@ -35,7 +35,7 @@ void Rest(HWND window) {
 void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (PostMessageW(window, message, wParam, lParam)) return;
   const DWORD error = GetLastError();
-  // The window may have closed this moment; the steps that follow will tell.
+  // The window may have just closed; the following steps will show it.
   if (error == ERROR_INVALID_WINDOW_HANDLE) return;
   throw std::runtime_error(error == ERROR_ACCESS_DENIED
                                ? "Setup runs as administrator, start drive as administrator too"
@@ -47,7 +47,7 @@ void Click(HWND control) {
   GetClientRect(control, &area);
   POINT middle = {area.right / 2, area.bottom / 2};
   HWND target = control;
-  // As with a real mouse, a label that does not want the click lets it through to the page.
+  // As with a real mouse, a label that ignores the click lets it through to the page.
   POINT onScreen = middle;
   ClientToScreen(control, &onScreen);
   if (Ask(control, WM_NCHITTEST, 0, AsParameter(onScreen)) == HTTRANSPARENT) {
@@ -88,8 +88,8 @@ void Press(const Chord& chord) {
 }
 
 void Settle(HWND window) {
-  // Setup takes sent messages before posted ones: the first answer says that it is at its message
-  // loop, where it gets the input next; the second, that it is through with it.
+  // Setup handles sent messages before posted ones: the first answer means that it is in its
+  // message loop, where it gets the input next; the second, that it has handled the input.
   Rest(window);
   Sleep(50);
   Rest(window);

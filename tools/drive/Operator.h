@@ -9,10 +9,10 @@
 namespace talu::drive {
 
 // What an operator does with mouse and keyboard. Clicks and typing are posted, so they work with
-// the screen locked or the window covered, and none of these waits for the work that it sets off.
-// All raise std::runtime_error when the system refuses.
+// the screen locked or the window covered, and none of them waits for the work that it starts. All
+// raise std::runtime_error when the system refuses.
 
-/// Leaves a message for `window`; no harm when it has just closed.
+/// Posts a message to `window`; a window that has just closed is no error.
 void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 /// Presses and releases the left button in the middle of `control`.
@@ -24,14 +24,14 @@ void TypeText(HWND box, const std::string& text);
 /// Asks a window to close, as its close box does.
 void CloseByFrame(HWND window);
 
-/// Brings `window` to the front; false while another program keeps it.
+/// Brings `window` to the front; false while another program prevents it.
 bool BringToFront(HWND window);
 
 /// Presses one key (with its modifiers) on the real keyboard, for the window in front.
 void Press(const Chord& chord);
 
-/// Waits until the process of `window` has taken in what was done and come to rest, or is busy
-/// with it for more than about two seconds.
+/// Waits until the process of `window` has handled the input and is idle, or for about two seconds
+/// while it is busy.
 void Settle(HWND window);
 
 }  // namespace talu::drive

@@ -19,10 +19,10 @@ namespace {
 using Time = std::chrono::steady_clock;
 
 constexpr DWORD kLookInterval = 50;  // milliseconds
-/// A dialog that stands this long without a step that answers it will stand for ever.
+/// A dialog open for this long without a step that answers it will stay open for ever.
 constexpr std::chrono::seconds kPatience{3};
 
-/// What holds up a step that does not deal with dialogs, or only with the folder browser.
+/// What blocks a step that does not handle dialogs, or only the folder browser.
 std::string OpenDialogs(const SetupProcess& setup, bool browses) {
   std::string texts;
   for (const MessageWindow& message : setup.MessageWindows()) {
@@ -117,10 +117,10 @@ void Player::Do(const Step& step) {
 
 void Player::Until(const std::function<std::string()>& attempt, bool browses) {
   const auto start = Time::now();
-  auto quiet = start;  // the last time that no dialog stood in the way
+  auto quiet = start;  // the last time without a dialog in the way
   for (;;) {
     const bool attached = Attach();
-    // Asked first: the attempt sees all that came before.
+    // Checked first, so that the attempt sees everything before it.
     const bool ended = setup_.Ended();
     const HWND stuck = attached ? setup_.StuckPage() : nullptr;
     std::string there = attached ? attempt() : "no page of the wizard is open";
@@ -157,7 +157,7 @@ bool Player::Attach() {
 
 void Player::Wait(const std::string& form) {
   Until([&]() -> std::string {
-    // A page has its number before it is seen: whoever sees it first knows the number of that.
+    // A page has its number before it is visible: once it is seen, the number is known.
     const bool shown = setup_.Page(form) != nullptr;
     const int showing = setup_.Showing(form);
     const bool left = showing > past_ && showing < setup_.LastShowing();
@@ -174,7 +174,7 @@ HWND Player::Usable(const std::string& name) {
     if (control == nullptr) return "there is no such control, " + setup_.PagesShown();
     if (!IsWindowVisible(control)) return "it is hidden";
     if (!IsWindowEnabled(control)) return "it is disabled";
-    // A page is disabled from the moment that a dialog of its own is made, before that is shown.
+    // A page is disabled as soon as a dialog of its own is made, before it is shown.
     if (setup_.Dialog() != nullptr || !IsWindowEnabled(GetAncestor(control, GA_ROOT))) {
       return "a dialog stands before the page";
     }

@@ -10,13 +10,13 @@
 namespace talu::drive {
 
 struct PlayOptions {
-  /// How the script is called in messages.
+  /// The script's name in messages.
   std::string ScriptName;
-  /// Where relative screenshot names and the screenshots of failures go.
+  /// Where relative screenshots and those of failures go.
   std::string ShotFolder;
-  /// How long a step may take to come true; `timeout` changes it.
+  /// How long a step may take; `timeout` changes it.
   std::chrono::seconds Timeout{60};
-  /// Print one line a step.
+  /// Print one line per step.
   bool Verbose = false;
 };
 
@@ -25,22 +25,21 @@ class Player {
  public:
   Player(SetupProcess& setup, PlayOptions options) : setup_(setup), options_(std::move(options)) {}
 
-  /// True when every step succeeded. The first that does not is reported on the error stream, with
-  /// a screenshot beside it; what follows it is not played.
+  /// Returns true when every step succeeded. The first failure is reported on the error stream,
+  /// with a screenshot; the rest is not played.
   bool Play(const Script& script, const Variables& variables);
 
  private:
   void Do(const Step& step);
-  /// Tries until `attempt` returns an empty text; what it returns otherwise tells what is there
-  /// instead. Raises std::runtime_error with that when the time is over, when Setup has ended, when
-  /// nothing can happen on its page any more, or when a dialog that the step does not deal with
-  /// holds everything up.
+  /// Repeats `attempt` until it returns an empty text; another text says what is there instead.
+  /// Raises std::runtime_error with that after the timeout, when Setup has ended, when nothing can
+  /// happen on its page any more, or when a dialog that the step does not handle blocks everything.
   void Until(const std::function<std::string()>& attempt, bool browses = false);
-  /// Whether there is a Setup to drive, found this moment or before.
+  /// Whether there is a Setup to drive, found now or before.
   bool Attach();
   void Wait(const std::string& form);
-  /// Called right before everything that an operator does: the showings until now are of the past,
-  /// and on a page that was at its end what is done now is still to come.
+  /// Called before every action of the operator: earlier showings no longer count, and on a page
+  /// that was at its end the effect of the action is still to come.
   void BeginAct() {
     past_ = setup_.LastShowing();
     acted_ = setup_.StuckPage();
@@ -61,10 +60,10 @@ class Player {
 
   SetupProcess& setup_;
   PlayOptions options_;
-  /// The last showing of a page that no `wait` may find any more, once that page is left.
+  /// The last showing that no `wait` may find any more, once that page is left.
   int past_ = 0;
-  /// The page on which nothing else could come when the operator did something last, closed it for
-  /// one; or none.
+  /// The page that was at its end when the operator last did something, such as closing it; or
+  /// none.
   HWND acted_ = nullptr;
 };
 

@@ -1,6 +1,6 @@
 #include "Screenshot.h"
 
-// GDI+ leans on COM declarations and on min and max.
+// GDI+ needs COM declarations, and min and max.
 #include <objidl.h>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ namespace talu::drive {
 
 namespace {
 
-/// 32-bit pixels, top row first, as the screen shows them.
+/// 32-bit pixels, top row first, as on the screen.
 struct Capture {
   int Width = 0;
   int Height = 0;
@@ -107,7 +107,7 @@ void SaveScreenshot(const RECT& area, const std::string& file) {
     throw std::runtime_error("the window is off the screen");
   Capture capture = CaptureAtRest(seen);
   const std::filesystem::path path(Wide(file));
-  std::error_code ignored;  // a missing folder shows when the file is written
+  std::error_code ignored;  // a missing folder is reported when the file is written
   std::filesystem::create_directories(path.parent_path(), ignored);
   WritePng(capture, path);
 }

@@ -6,8 +6,8 @@
 
 namespace talu::drive {
 
-/// Writes what the screen shows inside `area` (cut to the screen) as a PNG file, once two looks in
-/// a row have been the same or a second is over. The folder of `file` is made if need be. Raises
+/// Writes the contents of the screen inside `area` (clipped to the screen) as a PNG file, once two
+/// captures in a row are the same or after a second. Creates the folder of `file` if needed. Raises
 /// std::runtime_error when there is nothing to see or the file cannot be written.
 void SaveScreenshot(const RECT& area, const std::string& file);
 

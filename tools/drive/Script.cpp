@@ -16,7 +16,7 @@ struct ScriptError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// What follows a command's name.
+/// The arguments of a command.
 enum class Shape {
   Nothing,
   Form,
@@ -62,7 +62,7 @@ std::string_view Trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-/// Takes the first word off `rest`.
+/// Removes the first word from `rest` and returns it.
 std::string_view TakeWord(std::string_view& rest) {
   const auto end = std::min(rest.find_first_of(kBlanks), rest.size());
   const std::string_view word = rest.substr(0, end);
@@ -88,8 +88,8 @@ char Escaped(char c) {
   }
 }
 
-/// The text of an argument: quotes taken off, escapes and variables replaced. Escapes hold in
-/// quotes only, so that a path can be written as it is, unless `escapes` asks for them everywhere.
+/// The text of an argument, without quotes, with escapes and variables replaced. Escapes count only
+/// in quotes, so that a path can be written as it is, unless `escapes` allows them everywhere.
 std::string ReadText(std::string_view raw, bool escapes, Variables& variables) {
   const bool quoted = raw.starts_with('"');
   std::string text;
@@ -179,7 +179,7 @@ std::string ReadFolder(std::string_view rest, Variables& variables) {
   return folder;
 }
 
-/// Takes one argument off `rest`: a word, or what stands in quotes.
+/// Removes one argument from `rest` and returns it: a word, or a text in quotes.
 std::string_view TakeArgument(std::string_view& rest) {
   if (!rest.starts_with('"')) return TakeWord(rest);
   std::size_t end = 1;
@@ -266,7 +266,7 @@ std::string Variables::Get(const std::string& name) {
   value.resize(GetEnvironmentVariableW(wide.c_str(), value.data(), size));
   std::string secret = Utf8(value);
   const std::string quoted = Quoted(secret);
-  // It may come up in a message as it is or as Quoted() writes it.
+  // It may appear in a message as it is or as Quoted() writes it.
   for (const std::string& form : {secret, quoted.substr(1, quoted.size() - 2)}) {
     if (!form.empty()) secrets_.emplace(form.size(), form);
   }

@@ -29,26 +29,26 @@ enum class Command {
   Ended
 };
 
-/// One line of a script, checked and with its variables filled in.
+/// One line of a script, checked and with its variables replaced.
 struct Step {
   int Line = 0;
-  /// The line as it is written, variables unfilled: what may be shown.
+  /// The line as written, with its variables: this may be shown.
   std::string Source;
   Command What = Command::Wait;
   /// The form of `wait` and `close`, the control of `click`, `type` and `expect`, the pack's folder
   /// of `expect-tree`.
   std::string Name;
-  /// Of `expect`: text, begins, enabled, visible, value, focus or width.
+  /// For `expect`: text, begins, enabled, visible, value, focus or width.
   std::string Property;
   /// The text of `type`, `expect` and `message`, the file of `shot`, the exit code of `ended`,
   /// the folder of `browse`, empty for `browse cancel`, the installed folder of `expect-tree`.
   std::string Value;
-  /// Seconds of `timeout`, milliseconds of `pause`.
+  /// Seconds for `timeout`, milliseconds for `pause`.
   int Number = 0;
   std::vector<Chord> Keys;
 };
 
-/// What stands for ${NAME} (given with --set) and ${env:NAME} (the environment) in a script.
+/// The values of ${NAME} (given with --set) and ${env:NAME} (the environment) in a script.
 class Variables {
  public:
   void Set(const std::string& name, const std::string& value) { values_[name] = value; }
@@ -60,13 +60,13 @@ class Variables {
 
  private:
   std::map<std::string, std::string> values_;
-  /// By length, the longest first, so that no secret hides a part of another one only.
+  /// By length, the longest first, so that no secret hides only a part of another one.
   std::multimap<std::size_t, std::string, std::greater<>> secrets_;
 };
 
 struct Script {
   std::vector<Step> Steps;
-  /// One text a faulty line, "line: what is wrong"; a script with any is not to be played.
+  /// One text per faulty line, "line: what is wrong"; a script with errors must not be played.
   std::vector<std::string> Errors;
 };
 

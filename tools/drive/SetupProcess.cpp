@@ -13,17 +13,17 @@ namespace talu::drive {
 namespace {
 
 constexpr UINT kAnswerTime = 500;  // milliseconds
-/// What starting a program that asks for an administrator answers to anyone else; the compiler's
+/// The error of starting a program that needs an administrator as anyone else; the compiler's
 /// headers have no name for it.
 constexpr DWORD kElevationRequired = 740;
-// What Setup leaves on a page's window: the number of its last showing, and whether it works.
+// Setup's properties of a page's window: the number of its last showing, and whether it is busy.
 constexpr const char* kShown = "Shown";
 constexpr const char* kBusy = "Busy";
 
 using Visitor = std::function<void(HWND)>;
 
 BOOL CALLBACK Visit(HWND window, LPARAM visitor) {
-  // The pointer comes back as the number that EnumWindows carries it in.
+  // The pointer comes back as the number that EnumWindows passes on.
   (*reinterpret_cast<const Visitor*>(visitor))(window);  // NOLINT(performance-no-int-to-ptr)
   return TRUE;
 }
@@ -202,9 +202,9 @@ HWND SetupProcess::StuckPage() const {
   const HWND next = ControlOn(page, "CmdNext");
   const HWND back = ControlOn(page, "CmdPrev");
   if (IsWindowEnabled(next) || IsWindowEnabled(back)) return nullptr;
-  // Looked at after the buttons: a procedure that disables them for its time only is still running.
+  // Read after the buttons: a procedure that disables them only for its time is still running.
   const bool busy = HasProperty(page, kBusy);
-  // And last, whether it was a page all the time: one that is being closed has nothing of all that.
+  // And last, whether the page existed all the time: one that is being closed has none of this.
   const bool whole = IsWindow(next) && (back == nullptr || IsWindow(back)) && IsWindow(page);
   return whole && !busy ? page : nullptr;
 }
@@ -260,7 +260,7 @@ std::optional<std::string> TextOf(HWND window) {
   const auto length = Ask(window, WM_GETTEXTLENGTH);
   if (!length) return std::nullopt;
   const auto size = static_cast<std::size_t>(*length);
-  // Another process cannot read a masked box, nor should it.
+  // Another process cannot read a masked box, and should not.
   if (ClassOf(window) == L"Edit" && HasStyle(window, ES_PASSWORD)) return std::string(size, '*');
   std::wstring text(size + 1, L'\0');
   const auto got = Ask(window, WM_GETTEXT, size + 1, reinterpret_cast<LPARAM>(text.data()));

@@ -17,8 +17,8 @@ struct MessageWindow {
   std::string Text;
 };
 
-/// The running Setup.exe and its windows, looked at from outside. Setup may be busy for minutes
-/// without answering; no call here waits longer than about half a second for it.
+/// The running Setup.exe and its windows, seen from outside. Setup may be busy for minutes without
+/// answering; no call here waits longer than about half a second for it.
 class SetupProcess {
  public:
   /// Starts `program`. Raises std::runtime_error when it cannot be started.
@@ -31,32 +31,32 @@ class SetupProcess {
 
   bool Attached() const { return process_ != nullptr; }
   bool Ended() const;
-  /// Of a process that has ended.
+  /// For a process that has ended.
   DWORD ExitCode() const;
   void Terminate();
 
-  /// The visible page, or the one named `form`; null when it is not shown.
+  /// The visible page, or the one named `form`; null when it is not visible.
   HWND Page() const;
   HWND Page(const std::string& form) const;
   /// The number of the last showing of `form`, or of any page, hidden again or not: Setup counts
-  /// the showings of all its pages, from 1. 0 when there was none, or when this Setup counts none.
+  /// the showings of all pages, from 1. 0 when there was none or this Setup does not count.
   int Showing(const std::string& form) const;
   int LastShowing() const;
-  /// The page on which nothing can happen any more, whoever comes: no procedure of Setup runs, no
-  /// dialog is open, neither Next nor Back can be clicked. Null when there is none, or when this
-  /// Setup does not tell.
+  /// The page on which nothing more can happen: no procedure of Setup runs, no dialog is open,
+  /// neither Next nor Back can be clicked. Null when there is none, or when this Setup does not
+  /// report it.
   HWND StuckPage() const;
   /// "FrmType is shown", for messages.
   std::string PagesShown() const;
-  /// The control of that name on a visible page, shown or hidden itself; null when there is none.
+  /// The control of that name on a visible page, visible itself or not; null when there is none.
   HWND Control(const std::string& name) const;
   static HWND ControlOn(HWND page, const std::string& name);
   std::vector<MessageWindow> MessageWindows() const;
   /// The shell's dialog with the folder tree; null when it is not open.
   HWND FolderBrowser() const;
-  /// The dialog that stands before the page (a message box, the folder browser); null when none.
+  /// The dialog in front of the page (a message box, the folder browser); null when there is none.
   HWND Dialog() const;
-  /// The window that keys go to: the dialog or the page.
+  /// The window that receives keys: the dialog or the page.
   HWND Front() const { return Dialog() != nullptr ? Dialog() : Page(); }
 
  private:
@@ -70,23 +70,23 @@ class SetupProcess {
   std::unique_ptr<void, Closer> process_;
 };
 
-/// Sends a message that asks something; nothing when there is no answer within half a second.
+/// Sends a message that reads something; nothing when there is no answer within half a second.
 std::optional<LRESULT> Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
-/// What an operator reads in the window (one "*" a character of a masked box); nothing when Setup
-/// does not answer.
+/// The text that an operator reads in the window (one "*" per character of a masked box); nothing
+/// when Setup does not answer.
 std::optional<std::string> TextOf(HWND window);
 
 /// Whether an option button is selected or a check box ticked.
 std::optional<bool> ValueOf(HWND window);
 
-/// The control's width in twips, as the wizard states it.
+/// The control's width in twips, as the wizard reports it.
 int WidthOf(HWND window);
 
 bool HasFocus(HWND window);
 
-/// The tree in a folder browser, which newer systems nest in controls of their own; null when
-/// `dialog` is something else.
+/// The tree in a folder browser, which newer systems nest in their own controls; null when `dialog`
+/// is something else.
 HWND FolderTree(HWND dialog);
 
 }  // namespace talu::drive

@@ -18,7 +18,7 @@ namespace talu::drive {
 
 namespace {
 
-/// So many are reported by name.
+/// The number of differences reported by name.
 constexpr std::size_t kTold = 5;
 
 struct Closer {
@@ -26,10 +26,10 @@ struct Closer {
 };
 using File = std::unique_ptr<void, Closer>;
 
-/// Paths below the root, with a backslash before each name; true for a folder.
+/// Paths relative to the root, with a backslash before each name; true for a folder.
 using Entries = std::map<std::wstring, bool>;
 
-/// The folder in the form that has no limit of length.
+/// The folder in the form without a length limit.
 std::wstring Root(const std::string& folder) {
   std::wstring path(GetFullPathNameW(Wide(folder).c_str(), 0, nullptr, nullptr), L'\0');
   path.resize(GetFullPathNameW(Wide(folder).c_str(), static_cast<DWORD>(path.size()), path.data(),
@@ -63,9 +63,8 @@ void List(const std::wstring& root, const std::wstring& below, Entries& entries)
   for (const std::wstring& folder : folders) List(root, folder, entries);
 }
 
-/// What the wizard writes into the application folder itself, as paths below it: the log, the
-/// record, and the settings files that the configuration in the pack's folder names, if there is
-/// one.
+/// What the wizard itself writes into the application folder, as relative paths: the log, the
+/// record, and the settings files named in the configuration in the pack's folder, if there is one.
 std::vector<std::wstring> Written(const std::wstring& pack) {
   std::vector<std::wstring> paths = {L"\\Ta-luErrLog.txt", L"\\Uninstall.dat"};
   std::ifstream file(std::filesystem::path(pack + L"\\AppCfg.txt"), std::ios::binary);
@@ -92,7 +91,7 @@ File OpenFile(const std::wstring& path) {
   return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
-/// The next bytes of a file, none at its end. Raises std::runtime_error.
+/// The next bytes of a file, empty at its end. Raises std::runtime_error.
 std::string_view Next(const File& file, std::vector<char>& buffer) {
   DWORD size = 0;
   if (!ReadFile(file.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &size, nullptr)) {
@@ -101,8 +100,8 @@ std::string_view Next(const File& file, std::vector<char>& buffer) {
   return {buffer.data(), size};
 }
 
-/// What is wrong with the installed file; empty when it is the pack's. Raises std::runtime_error
-/// when the pack's cannot be read.
+/// How the installed file differs from the pack's; empty when it does not. Raises
+/// std::runtime_error when the pack's file cannot be read.
 std::string FileDifference(const std::wstring& wanted, const std::wstring& there) {
   const File original = OpenFile(wanted);
   if (!original) throw std::runtime_error("cannot read " + Quoted(Utf8(wanted.substr(4))));
@@ -121,7 +120,7 @@ std::string FileDifference(const std::wstring& wanted, const std::wstring& there
   }
 }
 
-/// The same of a file or folder, looked up in what is there.
+/// The same for a file or folder, looked up among those that exist.
 std::string Difference(const std::wstring& path, bool folder, const std::wstring& application,
                        const std::wstring& installed, const std::vector<std::wstring>& written) {
   const DWORD there = GetFileAttributesW((installed + path).c_str());
