@@ -35,12 +35,12 @@ bool IsInstalled(const char* face) {
 
 struct Face {
   const char* Name;
-  /// Size that looks like the others at 100.
+  /// The size that looks as large as the others at 100.
   int Percent;
 };
 
-/// "MS Sans Serif" has bitmaps for plain displays only; above that its outline twin is sharp. The
-/// others are for machines that have neither.
+/// "MS Sans Serif" has bitmaps for ordinary displays only; above that its outline version is sharp.
+/// The others are for machines that have neither.
 Face ChooseFace(int dpi) {
   constexpr Face kBitmapped = {"MS Sans Serif", 100};
   if (dpi == kPlainDpi && IsInstalled(kBitmapped.Name)) return kBitmapped;

@@ -33,9 +33,9 @@ inline constexpr Colour kTrack = 0xC3CCD6;
 
 COLORREF ToColorref(Colour colour);
 
-/// The opacity of the card that lies over the picture and under the texts.
+/// The opacity of the card between the picture and the texts.
 inline constexpr double kCardOpacity = 0.92;
-/// Its distance from the edges of the client area, in twips.
+/// The card's distance from the edges of the client area, in twips.
 inline constexpr int kCardInset = 240;
 
 /// Sizes on this display, and the fonts.

@@ -8,8 +8,8 @@
 
 namespace talu {
 
-/// What a page shows behind its controls: the picture (a plain light ground when it is nullptr),
-/// and over it the card that keeps the texts readable. Sizes in pixels.
+/// What a page shows behind its controls: the picture (a plain light background for nullptr) and,
+/// over it, the card that keeps the texts readable. Sizes in pixels.
 std::unique_ptr<Canvas> MakeBackdrop(int width, int height, const PictureFile* picture,
                                      const Appearance& appearance);
 

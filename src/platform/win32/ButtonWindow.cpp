@@ -54,7 +54,7 @@ void ButtonWindow::BringUpToDate() {
 }
 
 void ButtonWindow::OnNotification(int code) {
-  // Windows clicks an option button that merely gets the focus.
+  // Windows also clicks an option button that only gets the focus.
   if (code == BN_CLICKED && !gettingFocus_ && IsUsable()) frame_.Click(Index());
 }
 

@@ -21,7 +21,7 @@ class ButtonWindow : public ControlWindow {
  private:
   std::string WindowText() const;
   void DrawCommand(Canvas& canvas) const;
-  /// The glyph of an option button or check box, and its text where no label has it.
+  /// The glyph of an option button or check box, and its text if no label has it.
   void DrawChoice(Canvas& canvas) const;
   bool IsPushed() const;
   void Hover(bool hot);

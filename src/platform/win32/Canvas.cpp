@@ -30,12 +30,12 @@ double EdgeDistance(const RECT& area, double radius, double x, double y) {
          corner;
 }
 
-/// How much of a pixel lies inside an edge whose distance from its middle is given.
+/// The part of a pixel inside an edge, by the distance of the edge from the pixel's centre.
 double Inside(double distance) {
   return std::clamp(0.5 - distance, 0.0, 1.0);
 }
 
-/// The part of a rectangle that is farther from its edges than `distance` by a pixel.
+/// The part of a rectangle more than `distance` and one pixel away from its edges.
 RECT Inset(RECT area, double distance) {
   const int pixels = static_cast<int>(std::ceil(distance)) + 1;
   InflateRect(&area, -pixels, -pixels);
@@ -57,7 +57,7 @@ Canvas::Canvas(int width, int height) : width_(std::max(width, 1)), height_(std:
   BITMAPINFO info = {};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
   info.bmiHeader.biWidth = width_;
-  info.bmiHeader.biHeight = -height_;  // the first row is the upper one
+  info.bmiHeader.biHeight = -height_;  // the first row is the top one
   info.bmiHeader.biPlanes = 1;
   info.bmiHeader.biBitCount = 32;
   void* bits = nullptr;

@@ -11,7 +11,7 @@ namespace talu {
 /// A colour as 0xRRGGBB.
 using Colour = std::uint32_t;
 
-/// A picture in memory to draw on: smooth round shapes by its own hand, text and pictures through
+/// A picture in memory to draw on: it draws smooth round shapes itself, text and pictures through
 /// its device context. Coordinates are pixels.
 class Canvas {
  public:
@@ -22,13 +22,13 @@ class Canvas {
 
   int Width() const { return width_; }
   int Height() const { return height_; }
-  /// What is drawn through it is on the canvas at once.
+  /// Drawing through it takes effect at once.
   HDC Dc() const { return dc_; }
 
   void Fill(Colour colour);
   /// A rectangle with round corners, mixed in with `opacity` from 0 to 1.
   void FillRound(const RECT& area, double radius, Colour colour, double opacity = 1);
-  /// As much of it as lies within `limit`.
+  /// The part of it within `limit`.
   void FillRoundWithin(const RECT& limit, const RECT& area, double radius, Colour colour);
   /// Its outline, `thickness` pixels wide, inside the rectangle.
   void FrameRound(const RECT& area, double radius, double thickness, Colour colour);
@@ -38,8 +38,8 @@ class Canvas {
   void CopyTo(HDC target, const RECT& area, int left, int top) const;
 
  private:
-  /// Mixes `colour` into each pixel of `area` as far as `coverage` (at its middle) says. Within
-  /// `inner` the coverage is the same everywhere and asked for only once.
+  /// Mixes `colour` into each pixel of `area` by the `coverage` at its centre. Within `inner` the
+  /// coverage is the same everywhere and called for only once.
   void Blend(const RECT& area, Colour colour,
              const std::function<double(double x, double y)>& coverage, const RECT& inner = {});
 

@@ -30,7 +30,7 @@ ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* wi
                             nullptr);
   if (window_ == nullptr) throw RuntimeError(error::kOutOfMemory);
   SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-  // SetWindowSubclass would look for a window property at each message, under Wine in another
+  // SetWindowSubclass would look up a window property for each message, under Wine in another
   // process.
   const auto receive = reinterpret_cast<LONG_PTR>(&Receive);
   unicode_ = IsWindowUnicode(window_) != FALSE;
@@ -42,7 +42,7 @@ ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* wi
 }
 
 ControlWindow::~ControlWindow() {
-  // The window itself goes with its frame.
+  // The frame destroys the window itself.
   SetWindowLongPtrA(window_, GWLP_USERDATA, 0);
 }
 
@@ -96,7 +96,7 @@ void ControlWindow::ApplyWidth() {
   if (pixels == before.right) return;
   SetWindowPos(window_, nullptr, 0, 0, pixels, height,
                SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
-  // Only the end looks different.
+  // Only the end has changed.
   const RECT end = {std::min<LONG>(pixels, before.right) - height, 0, pixels, height};
   InvalidateRect(window_, &end, FALSE);
 }
@@ -116,7 +116,7 @@ LRESULT ControlWindow::ClassDefault(UINT message, WPARAM wParam, LPARAM lParam) 
 }
 
 LRESULT ControlWindow::ClassDefaultUnseen(UINT message, WPARAM wParam, LPARAM lParam) {
-  // A window whose redrawing is off counts as invisible, so only a visible one is switched.
+  // A window with redrawing off counts as invisible, so only a visible one is switched.
   const bool visible = IsWindowVisible(window_) != FALSE;
   if (visible) DefWindowProcA(window_, WM_SETREDRAW, FALSE, 0);
   const LRESULT result = ClassDefault(message, wParam, lParam);

@@ -11,8 +11,8 @@ namespace talu {
 
 class FormFrame;
 
-/// The child window of one control: one of Windows' own classes, so that assistive software knows
-/// it, that paints itself in the pages' look.
+/// The child window of one control: of one of Windows' own classes, so that assistive software
+/// knows it, but painted in the pages' style.
 class ControlWindow {
  public:
   virtual ~ControlWindow();
@@ -24,11 +24,11 @@ class ControlWindow {
   const ControlView& View() const;
   /// The control's place in the client area of the page, in pixels.
   RECT Area() const;
-  /// The operator can do something with it now.
+  /// Whether the operator can use it now.
   bool IsUsable() const { return View().Enabled && View().Visible; }
 
-  /// A property has a new value. What changes thousands of times a second (captions of labels,
-  /// widths) is only noted; `BringUpToDate` shows it.
+  /// Called when a property has a new value. What changes thousands of times a second (captions of
+  /// labels, widths) is only noted; `BringUpToDate` shows it.
   virtual void Update(Property changed);
   virtual void BringUpToDate();
   /// The whole text for a tool tip, empty for none.
@@ -40,14 +40,14 @@ class ControlWindow {
   ControlWindow(FormFrame& frame, std::size_t index, const char* windowClass, DWORD style);
 
   virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
-  /// Draws the control on a canvas as large as its client area, which shows the page's backdrop.
+  /// Draws the control on a canvas of the size of its client area, which shows the page's backdrop.
   virtual void Draw(Canvas& canvas) = 0;
 
   LRESULT ClassDefault(UINT message, WPARAM wParam, LPARAM lParam);
   /// Lets the class handle a message without drawing anything itself, then repaints.
   LRESULT ClassDefaultUnseen(UINT message, WPARAM wParam, LPARAM lParam);
   void Repaint();
-  /// Asks for `BringUpToDate` before the next painting.
+  /// Requests `BringUpToDate` before the next painting.
   void MarkStale();
   bool IsStale() const { return stale_; }
 
@@ -60,7 +60,7 @@ class ControlWindow {
 
   std::size_t index_;
   HWND window_ = nullptr;
-  /// What received the window's messages before us, and whether its texts are wide.
+  /// What received the window's messages before, and whether its texts are wide.
   WNDPROC former_ = nullptr;
   bool unicode_ = false;
   bool stale_ = false;

@@ -130,7 +130,7 @@ void FormFrame::Show(const WINDOWPLACEMENT* place, int number) {
     WINDOWPLACEMENT here = *place;
     here.rcNormalPosition.right = here.rcNormalPosition.left + width;
     here.rcNormalPosition.bottom = here.rcNormalPosition.top + height;
-    // The page of an operator who has put the wizard away does not jump at him.
+    // A page must not pop up when the operator has minimised the wizard.
     if (place->showCmd == SW_SHOWMINIMIZED) command = SW_SHOWMINNOACTIVE;
     here.showCmd = SW_HIDE;
     SetWindowPlacement(window_, &here);
@@ -144,7 +144,7 @@ void FormFrame::Show(const WINDOWPLACEMENT* place, int number) {
   ShowWindow(window_, command);
   RescueFocus();
   RedrawWindow(window_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-  // Nobody waits for them.
+  // Nothing waits for them.
   if (toolTips_ == nullptr) MakeToolTips();
 }
 

@@ -35,16 +35,15 @@ class FormFrame {
   FormFrame(const FormFrame&) = delete;
   FormFrame& operator=(const FormFrame&) = delete;
 
-  /// Asks nothing of the form any more: it may be gone before the window.
+  /// Detaches from the form, which may be destroyed before the window.
   void LetGo();
 
   HWND Window() const { return window_; }
   FormWindow& Form() const { return form_; }
   const Appearance& Look() const { return look_; }
 
-  /// Puts the window to `place` (centres it on the work area when that is nullptr) and shows it.
-  /// The showing's number stays on the window as the property "Shown", for those who look from
-  /// outside.
+  /// Moves the window to `place` (centred on the work area for nullptr) and shows it. The showing's
+  /// number stays on the window as the property "Shown", for other programs.
   void Show(const WINDOWPLACEMENT* place, int number);
   /// Whether procedures of the wizard run while this page is shown: its property "Busy". A page is
   /// shown as busy.
@@ -59,27 +58,27 @@ class FormFrame {
   /// Shows what has changed since the last time; painting itself is left to Windows.
   void BringUpToDate();
   bool IsStale() const { return !stale_.empty(); }
-  /// A text has changed, not only bars.
+  /// Whether a text has changed, not only bars.
   bool HasStaleText() const;
   void AddStale(ControlWindow& control) { stale_.push_back(&control); }
 
   /// Enter and the mnemonics of labels. Returns whether it handled the message.
   bool HandleKey(const MSG& message);
-  /// Moves the focus on from a control that can no longer have it.
+  /// Moves the focus away from a control that can no longer have it.
   void RescueFocus();
 
-  /// What stands behind the controls, as large as the client area.
+  /// What is behind the controls, of the size of the client area.
   const Canvas& Backdrop();
   void DropBackdrop();
   /// Draws the shapes, in order, on a canvas whose corner is at (`left`, `top`) of the page.
   void DrawShapes(Canvas& canvas, int left, int top) const;
 
-  // What the operator does to a control.
+  // The operator's actions on a control.
   void Click(std::size_t index);
   void Type(std::size_t index, const std::string& text);
   void Focus(std::size_t index);
   void Hover(std::size_t index);
-  /// Selects the next or former option button, as the arrow keys do.
+  /// Selects the next or previous option button, as the arrow keys do.
   void MoveToOption(std::size_t index, bool back);
   /// A click on a label is a click on the control that it labels.
   void OnLabelClick(const std::string& label);
@@ -97,8 +96,8 @@ class FormFrame {
   /// Runs an event's handler of the form under the watch.
   void Handle(const std::function<void()>& event);
   void MakeControls();
-  /// Shapes and pictures are drawn first to last below everything else. Right after its label,
-  /// where assistive software looks for its name, comes a text box; after the title the bar.
+  /// Shapes and pictures are drawn first to last below everything else. A text box comes right
+  /// after its label, where assistive software looks for its name; the bar after the title.
   void OrderControls();
   void MakeToolTips();
   void FillToolTip(LPARAM info);

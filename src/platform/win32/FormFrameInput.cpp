@@ -1,4 +1,4 @@
-// What the operator does to a form: keys, focus, clicks, hovering.
+// The operator's actions on a form: keys, focus, clicks, hovering.
 
 #include <cctype>
 
@@ -26,7 +26,7 @@ bool IsOption(const ControlWindow& control) {
 
 bool FormFrame::HandleKey(const MSG& message) {
   if (message.message == WM_KEYDOWN && message.wParam == VK_RETURN) {
-    // A key that is held down must not run through pages that are filled in already.
+    // A key held down must not run through pages that are already filled in.
     constexpr LPARAM kRepeated = 1L << 30;
     if ((message.lParam & kRepeated) != 0) return true;
     std::size_t chosen = controls_.size();

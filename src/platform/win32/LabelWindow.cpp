@@ -20,7 +20,7 @@ Colour TextColour(const ControlView& view) {
   }
 }
 
-/// Lines that one notch of the wheel scrolls.
+/// Lines to scroll per notch of the wheel.
 constexpr int kWheelLines = 3;
 
 int ClientWidth(HWND window) {
@@ -63,7 +63,7 @@ LabelWindow::LabelWindow(FormFrame& frame, std::size_t index)
 
 void LabelWindow::BringUpToDate() {
   ControlWindow::BringUpToDate();
-  // Past the class, which would draw the text at once.
+  // Bypasses the class, which would draw the text at once.
   DefWindowProcA(Window(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(View().Text.c_str()));
   frame_.OnLabelText(View().Name);
   if (View().Scrolls) FitScrollBar();
@@ -130,7 +130,7 @@ void LabelWindow::ScrollTo(int line) {
   info.fMask = SIF_POS;
   info.nPos = line;
   SetScrollInfo(Window(), SB_VERT, &info, TRUE);
-  GetScrollInfo(Window(), SB_VERT, &info);  // kept within the range
+  GetScrollInfo(Window(), SB_VERT, &info);  // limited to the range
   firstLine_ = scrolling_ ? info.nPos : 0;
   Repaint();
 }
@@ -185,7 +185,7 @@ LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_GETDLGCODE:
       return scrolling_ ? DLGC_WANTARROWS : 0;
     case WM_NCHITTEST: {
-      // So that tool tips and clicks find it.
+      // For tool tips and clicks to find it.
       const LRESULT hit = DefWindowProcA(Window(), message, wParam, lParam);
       return hit == HTTRANSPARENT ? HTCLIENT : hit;
     }

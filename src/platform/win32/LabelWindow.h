@@ -5,8 +5,8 @@
 
 namespace talu {
 
-/// A label. It shows the backdrop through, breaks its text into lines, and where they do not all
-/// fit it ends in an ellipsis and shows the whole text as its tool tip, or gets a scroll bar.
+/// A label. It lets the backdrop show through and breaks its text into lines. Text that does not
+/// fit ends in an ellipsis, with the whole text as tool tip, or gets a scroll bar.
 class LabelWindow : public ControlWindow {
  public:
   LabelWindow(FormFrame& frame, std::size_t index);
@@ -22,7 +22,7 @@ class LabelWindow : public ControlWindow {
   TextLayout LayOutText(HDC dc, int width) const;
   /// Between the edges and the text, in pixels.
   SIZE Margin() const;
-  /// Shows or hides the scroll bar and takes or leaves the keyboard, as the text needs it.
+  /// Shows or hides the scroll bar, and takes the keyboard only with it.
   void FitScrollBar();
   void ScrollTo(int line);
   void OnScroll(int command);

@@ -175,7 +175,7 @@ DISPID LateBound::Find(const char* member) const {
 
 Variant LateBound::Invoke(DISPID member, WORD kind,
                           const std::vector<const Variant*>& arguments) const {
-  // Automation takes the arguments last to first; borrowed values need no clearing.
+  // Automation takes the arguments in reverse order; borrowed values need no clearing.
   std::vector<VARIANT> reversed;
   reversed.reserve(arguments.size());
   for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {

@@ -22,15 +22,15 @@ class Variant {
   }
   Variant& operator=(const Variant&) = delete;
 
-  /// An object, which is kept alive as long as the value is.
+  /// An object, kept alive as long as the value.
   static Variant Object(IDispatch* object);
-  /// An optional argument that is left out.
+  /// An omitted optional argument.
   static Variant Missing();
 
   /// The value as a number or a text. Raises 13 when it is neither that nor convertible.
   std::int32_t Number() const;
   std::string Text() const;
-  /// The object, nullptr when the value is none. The value keeps its ownership.
+  /// The object; nullptr when the value is not an object. The value keeps ownership.
   IDispatch* AsObject() const;
 
   VARIANT* Raw() { return &value_; }
@@ -40,14 +40,14 @@ class Variant {
   VARIANT value_;
 };
 
-/// An automation object that is known by the names of its members only. Whatever fails raises the
-/// object's own error: its number, description and source. Errors of the automation run-time's own
-/// range (0x800Axxxx) are raised by their short number, as 3705.
+/// An automation object whose members are known only by name. Each failure raises the object's own
+/// error: its number, description and source. Errors of the automation run-time's own range
+/// (0x800Axxxx) are raised with their short number, such as 3705.
 class LateBound {
  public:
-  /// Makes an object by its class name, as "Scripting.Dictionary". Raises 429.
+  /// Makes an object by its class name, such as "Scripting.Dictionary". Raises 429.
   explicit LateBound(const char* className);
-  /// Takes the object out of a value. Raises 91 when it holds none.
+  /// Takes the object from a value. Raises 91 when it has none.
   explicit LateBound(const Variant& object);
 
   Variant Get(const char* member, const std::vector<Variant>& arguments = {}) const;

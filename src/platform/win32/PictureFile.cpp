@@ -36,7 +36,7 @@ void PictureFile::Cover(HDC target, const RECT& area) const {
   }
   SetStretchBltMode(target, HALFTONE);
   SetBrushOrgEx(target, 0, 0, nullptr);
-  // A picture's own rows run upwards.
+  // The rows of a picture are in upward order.
   picture_->Render(target, area.left + (areaWidth - drawnWidth) / 2,
                    area.top + (areaHeight - drawnHeight) / 2, drawnWidth, drawnHeight, 0, height,
                    width, -height, nullptr);

@@ -8,14 +8,14 @@
 
 namespace talu {
 
-/// A picture that Windows' own loader has read (JPEG, GIF, bitmap, icon, metafile).
+/// A picture loaded by Windows' own loader (JPEG, GIF, bitmap, icon, metafile).
 class PictureFile : public Picture {
  public:
-  /// Raises 53 when the file is missing, 481 when it is no picture.
+  /// Raises 53 when the file is missing, 481 when it is not a picture.
   explicit PictureFile(const std::string& path);
 
-  /// Draws the picture over the whole of `area`, as large as it must be to cover it and cut evenly
-  /// on both sides.
+  /// Draws the picture over the whole of `area`, scaled just enough to cover it and cut evenly on
+  /// both sides.
   void Cover(HDC target, const RECT& area) const;
 
  private:

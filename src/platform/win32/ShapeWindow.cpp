@@ -10,7 +10,7 @@ ShapeWindow::ShapeWindow(FormFrame& frame, std::size_t index)
     : ControlWindow(frame, index, frame.Form().ControlAt(index).Bar ? PROGRESS_CLASSA : "STATIC",
                     SS_LEFT) {
   if (!View().Bar) return;
-  // The class gives itself an edge.
+  // The class adds an edge of its own.
   SetWindowLongA(Window(), GWL_EXSTYLE, 0);
   SetWindowPos(Window(), nullptr, 0, 0, 0, 0,
                SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -27,7 +27,7 @@ void ShapeWindow::DrawAt(Canvas& canvas, int left, int top) const {
   RECT area = Area();
   OffsetRect(&area, -left, -top);
   const LONG height = area.bottom - area.top;
-  // A bar that has hardly begun is the left part of a round one.
+  // A bar that has only begun is the left part of a round one.
   RECT shape = area;
   shape.right = std::max(area.right, area.left + height);
   const Colour filling = View().Bar ? colour::kAccent : colour::kTrack;
@@ -43,7 +43,7 @@ void ShapeWindow::Draw(Canvas& canvas) {
 
 ImageWindow::ImageWindow(FormFrame& frame, std::size_t index)
     : ControlWindow(frame, index, "STATIC", SS_BITMAP | SS_REALSIZECONTROL) {
-  // Past the class, which would look for a bitmap of that name.
+  // Bypasses the class, which would look for a bitmap of that name.
   DefWindowProcA(Window(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Background picture"));
 }
 

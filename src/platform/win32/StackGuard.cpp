@@ -1,6 +1,6 @@
-// What the compiler's stack protector asks of a program. The compiler's own library would fill the
-// guard from the system's cryptography, for which Windows loads libraries, and Wine a dozen, at
-// every start; Visual Studio's does it as this one.
+// What the compiler's stack protector needs from a program. The compiler's own library would fill
+// the guard from the system's cryptography, for which Windows loads libraries, and Wine a dozen, at
+// every start; Visual Studio's library does the same as this one.
 
 #ifndef _MSC_VER
 
@@ -25,8 +25,8 @@ std::uintptr_t __stack_chk_guard = 0xBB40E64E;
 
 namespace {
 
-// Nobody who sends a text from outside can know all of these. Functions that are at work while the
-// guard changes are the start-up code's, which have none.
+// Nobody who sends a text from outside can know all of these. The functions that run while the
+// guard changes are the start-up code's, which do not use it.
 [[gnu::constructor(101), gnu::no_stack_protector]] void ChooseGuard() {
   FILETIME time;
   GetSystemTimeAsFileTime(&time);

@@ -6,7 +6,7 @@
 namespace talu {
 namespace {
 
-/// Loads a library of the system folder, and what it imports from there too; nullptr without it.
+/// Loads a library of the system folder, with its imports from there too; nullptr on failure.
 HMODULE LoadSystemLibrary(const char* library) {
   char folder[MAX_PATH];
   const UINT length = GetSystemDirectoryA(folder, MAX_PATH);
@@ -32,8 +32,8 @@ void TrustSystemFolderOnly() {
   using Function = BOOL(WINAPI*)(DWORD);
   const auto setDirectories = SystemFunction<Function>("kernel32.dll", "SetDefaultDllDirectories");
   if (setDirectories != nullptr) setDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
-  // The system's own libraries ask for some by name, and Windows 7 without the update and Wine's
-  // late imports would still look beside the program. What is in the process already is not looked
+  // The system's own libraries load some by name, and Windows 7 without the update and Wine's late
+  // imports would still look next to the program. A library that is already loaded is not searched
   // for.
   LoadSystemLibraries({"cryptbase.dll", "dwmapi.dll", "msimg32.dll", "uxtheme.dll", "version.dll"});
   if (setDirectories == nullptr) LoadWhatIsAskedForLater();

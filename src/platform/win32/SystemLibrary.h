@@ -4,11 +4,11 @@
 
 namespace talu {
 
-/// Makes Windows look for libraries in the system folder only, never beside the program or in the
-/// current folder: a pack may lie where anybody can write. Call it before anything else.
+/// Makes Windows look for libraries in the system folder only, never next to the program or in the
+/// current folder: anybody may be able to write to a pack. Call it before anything else.
 void TrustSystemFolderOnly();
-/// The part of it that the first page need not wait for: libraries that no window asks for. Call it
-/// before the first event is handled.
+/// The part that the first page need not wait for: libraries that no window needs. Call it before
+/// the first event is handled.
 void LoadWhatIsAskedForLater();
 
 /// A function of a library that is loaded from the system folder by its full path; nullptr when

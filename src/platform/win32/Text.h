@@ -9,11 +9,11 @@ namespace talu {
 /// ANSI code page to UTF-16.
 std::wstring Wide(std::string_view text);
 
-/// UTF-16 to the ANSI code page; what has no place there becomes its default character.
+/// UTF-16 to the ANSI code page; characters that it lacks become its default character.
 std::string Narrow(std::wstring_view text);
 
-/// Windows' own text for a system error code or an HRESULT, without a line end;
-/// "Automation error" where it has none.
+/// Windows' text for a system error code or an HRESULT, without a line end; "Automation error" when
+/// there is none.
 std::string SystemMessage(std::int32_t code);
 
 }  // namespace talu

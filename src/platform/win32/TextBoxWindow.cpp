@@ -48,7 +48,7 @@ void TextBoxWindow::OnNotification(int code) {
 LRESULT TextBoxWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_NCCALCSIZE:
-      // The new window rectangle comes first in either form of the argument.
+      // Both forms of the argument begin with the new window rectangle.
       PlaceText(*reinterpret_cast<RECT*>(lParam));
       return 0;
     case WM_NCPAINT:

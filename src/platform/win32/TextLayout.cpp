@@ -12,7 +12,7 @@ int WidthOf(HDC dc, const wchar_t* text, std::size_t length) {
   return size.cx;
 }
 
-/// How many characters from the start of `text` fit into `width`.
+/// The number of characters from the start of `text` that fit into `width`.
 std::size_t FittingLength(HDC dc, const wchar_t* text, std::size_t length, int width) {
   int fitting = 0;
   SIZE size = {};
@@ -22,7 +22,7 @@ std::size_t FittingLength(HDC dc, const wchar_t* text, std::size_t length, int w
 }
 
 /// Where to break a run of `length` characters of which `fitting` fit. Blanks at the break may
-/// hang over.
+/// extend past it.
 std::size_t BreakAt(const wchar_t* text, std::size_t length, std::size_t fitting) {
   if (fitting >= length) return length;
   if (fitting > 0 && text[fitting] == L' ') return fitting;
@@ -34,7 +34,7 @@ std::size_t BreakAt(const wchar_t* text, std::size_t length, std::size_t fitting
     if (i + 3 < fitting && std::wstring_view(text + i, 4) == L"    ") behindGap = i;
     if (text[i] == L'\\' && i > 0) behindFolder = i + 1;
   }
-  // Whoever leaves a gap wants the break there.
+  // A gap means that the author wants the break there.
   if (behindGap > fitting / 3) return behindGap;
   // A break that leaves most of the line empty, as before a long path, is worse than one inside it.
   if (behindWord > fitting / 3) return behindWord;
@@ -56,7 +56,7 @@ std::wstring TakeMnemonic(const std::wstring& text, std::size_t& position) {
   return plain;
 }
 
-/// The last step of the path that ends `text`, from its backslash on; empty where there is none.
+/// The last part of the path at the end of `text`, from its backslash on; empty when there is none.
 std::wstring FileAtTheEnd(const std::wstring& text) {
   const std::size_t folder = text.rfind(L'\\');
   const bool isPath =
@@ -89,7 +89,7 @@ TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic) {
       std::wstring& line = layout.Lines.emplace_back(run, length);
       start += length;
       if (start == end) break;
-      // The blanks of a soft break belong to neither line.
+      // The blanks at a soft break belong to neither line.
       line.resize(std::max<std::size_t>(line.find_last_not_of(L' ') + 1, 1));
       while (start < end && plain[start] == L' ') ++start;
     } while (start < end);
@@ -109,7 +109,7 @@ bool CutToFit(HDC dc, TextLayout& layout, int width, int height) {
   const std::wstring file = FileAtTheEnd(layout.Text);
   if (WidthOf(dc, file.data(), file.size()) <= width * 2 / 3) {
     ending += file;
-    // A name that has begun on this line does not begin twice.
+    // A name that begins on this line must not begin twice.
     const std::size_t begun = last.rfind(L'\\');
     if (begun != std::wstring::npos && file.starts_with(last.substr(begun))) last.resize(begun);
   }

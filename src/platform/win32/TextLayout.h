@@ -9,7 +9,7 @@ namespace talu {
 
 /// A text broken into lines.
 struct TextLayout {
-  /// The whole text, without the signs of mnemonics.
+  /// The whole text, without the marks of mnemonics.
   std::wstring Text;
   std::vector<std::wstring> Lines;
   /// Height of one line in pixels.
@@ -27,13 +27,13 @@ struct TextLayout {
 /// "&&" is one "&".
 TextLayout LayOut(HDC dc, const std::wstring& text, int width, bool mnemonic);
 
-/// Leaves only the lines that `height` pixels hold, at least one; the last of them then ends in an
-/// ellipsis, within `width` pixels, and after it the name of the file where the text ends in a
-/// path. Returns whether any line had to go.
+/// Keeps only the lines that fit into `height` pixels, at least one. The last line then ends in an
+/// ellipsis, within `width` pixels, followed by the file name if the text ends in a path. Returns
+/// whether a line was removed.
 bool CutToFit(HDC dc, TextLayout& layout, int width, int height);
 
-/// Draws the lines from `first` on into `area`, as many as fit whole, in the colour and font that
-/// are selected into `dc`.
+/// Draws the lines from `first` on into `area`, as many whole ones as fit, in the colour and font
+/// that are selected into `dc`.
 void DrawLines(HDC dc, const TextLayout& layout, const RECT& area, int first = 0);
 
 }  // namespace talu

@@ -7,7 +7,7 @@
 namespace talu {
 namespace {
 
-/// The options argument "unspecified" of `Open` and `Execute`.
+/// The options argument "unspecified" for `Open` and `Execute`.
 constexpr std::int32_t kUnspecified = -1;
 
 class Win32Connection : public Connection {

@@ -92,7 +92,7 @@ void Win32FileSystem::CreateFolder(const std::string& path) {
     case ERROR_DISK_FULL:
       throw RuntimeError(error::kDiskFull);
     default:
-      // A root that is there answers "access denied" too.
+      // An existing root is also reported as "access denied".
       throw RuntimeError(FolderExists(path) ? error::kFileAlreadyExists : error::kPermissionDenied);
   }
 }
@@ -141,7 +141,7 @@ std::unique_ptr<TextFile> Win32FileSystem::OpenTextFile(const std::string& path,
 }
 
 void Win32FileSystem::ReopenTextFile(const std::string& path, std::unique_ptr<TextFile>& file) {
-  // Only this machine's own files are given back to it.
+  // Only this machine's own files are passed back to it.
   if (static_cast<Win32TextFile&>(*file).GoToEnd()) return;
   FileSystemObject::ReopenTextFile(path, file);
 }

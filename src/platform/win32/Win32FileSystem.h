@@ -15,8 +15,8 @@ class Win32FileSystem : public FileSystemObject {
   std::unique_ptr<Folder> GetFolder(const std::string& path) override;
   std::string GetSpecialFolder(int number) override;
   std::unique_ptr<TextFile> OpenTextFile(const std::string& path, OpenMode mode) override;
-  /// Leaves the file open where nobody could tell: a log is reopened for every entry, and that
-  /// would cost more than the entry.
+  /// Leaves the file open when nobody can notice: a log is reopened for every entry, which would
+  /// cost more than the entry.
   void ReopenTextFile(const std::string& path, std::unique_ptr<TextFile>& file) override;
 };
 

@@ -13,7 +13,7 @@
 
 namespace talu {
 
-/// The machine that the program runs on. There is one, made and used by the main thread.
+/// The machine on which the program runs. There is one, made and used by the main thread.
 class Win32Machine {
  public:
   Win32Machine();
@@ -26,7 +26,7 @@ class Win32Machine {
   int Run() { return windows_.Run(); }
 
  private:
-  /// The shell, pictures and automation objects need OLE as long as any of them lives.
+  /// The shell, pictures and automation objects need OLE as long as any of them exists.
   struct Ole {
     Ole();
     ~Ole();

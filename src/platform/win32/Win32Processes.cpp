@@ -12,11 +12,11 @@ Win32Processes::Win32Processes(std::function<void()> beforeWaiting)
 
 std::int32_t Win32Processes::RunAndWait(const std::string& commandLine) {
   beforeWaiting_();
-  std::string command = commandLine;  // CreateProcess wants to write to it
+  std::string command = commandLine;  // CreateProcess writes to it
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process = {};
-  // Whether it started shows in the handles: waiting for none fails at once with -1.
+  // The handles show whether it started: waiting for none fails at once with -1.
   CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, NORMAL_PRIORITY_CLASS, nullptr,
                  nullptr, &startup, &process);
   DWORD result = WAIT_FAILED;
@@ -36,7 +36,7 @@ void Win32Processes::Start(const std::string& commandLine, int windowStyle) {
   startup.dwFlags = STARTF_USESHOWWINDOW;
   startup.wShowWindow = static_cast<WORD>(windowStyle);
   PROCESS_INFORMATION process = {};
-  // Without an application name Windows looks along the PATH, as a command line does.
+  // Without an application name Windows searches the PATH, as a command line does.
   if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, NORMAL_PRIORITY_CLASS,
                       nullptr, nullptr, &startup, &process)) {
     const DWORD reason = GetLastError();

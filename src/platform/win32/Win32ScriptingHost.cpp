@@ -9,7 +9,7 @@
 namespace talu {
 namespace {
 
-/// The folders of the host's collection, in the order in which it lists them.
+/// The folders of the host's collection, in its order.
 constexpr int kSpecialFolders[] = {
     CSIDL_COMMON_DESKTOPDIRECTORY,
     CSIDL_COMMON_STARTMENU,
@@ -50,7 +50,7 @@ class HostShortcut : public Shortcut {
   void TargetPath(const std::string& path) override { object_.Put("TargetPath", path); }
   void WorkingDirectory(const std::string& path) override { object_.Put("WorkingDirectory", path); }
   void IconLocation(const std::string& path) override {
-    // Without the number a comma in the path would be taken for the one before it.
+    // Without the number, a comma in the path would be taken as the one before it.
     object_.Put("IconLocation", path + ",0");
   }
   void Save() override { object_.Call("Save"); }
@@ -65,7 +65,7 @@ class Win32ScriptShell : public ScriptShell {
     try {
       host_.emplace("WScript.Shell");
     } catch (const RuntimeError&) {
-      // No host: the shell does it all.
+      // No host: the shell does everything.
     }
   }
 
@@ -86,7 +86,7 @@ class Win32ScriptShell : public ScriptShell {
       try {
         return std::make_unique<HostShortcut>(host_->Call("CreateShortcut", {path}));
       } catch (const RuntimeError&) {
-        // The host makes none.
+        // The host cannot make one.
       }
     }
     return std::make_unique<ShellShortcut>(path);

@@ -9,7 +9,7 @@ bool IsAbsolute(const std::string& path) {
   return path.size() > 3 && (path.compare(1, 2, ":\\") == 0 || path.compare(0, 2, "\\\\") == 0);
 }
 
-/// Whether `path` means exactly one name, to the shell just as to kernel32.
+/// Whether `path` means exactly one name, both to the shell and to kernel32.
 bool IsPlainName(const std::string& path) {
   return IsAbsolute(path) && path.find_first_of("*?/") == std::string::npos &&
          path.find('\0') == std::string::npos && path.back() != '\\' && path.back() != '.' &&
@@ -23,7 +23,7 @@ bool IsPlainFile(const std::string& path) {
 }
 
 /// A plain file: not a folder, into which the shell copies under the file's own name, and not a
-/// protected file, whose protection the shell takes off.
+/// protected file, whose protection the shell removes.
 bool IsPlainTarget(const std::string& path) {
   const DWORD attributes = GetFileAttributesA(path.c_str());
   constexpr DWORD kSpecial = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT |
@@ -36,7 +36,7 @@ bool CopyOneFile(const std::string& from, const std::string& to, int flags) {
   constexpr int kUnlike = FOF_MULTIDESTFILES | FOF_RENAMEONCOLLISION | FOF_ALLOWUNDO;
   if ((flags & FOF_NOCONFIRMATION) == 0 || (flags & kUnlike) != 0) return false;
   if (!IsPlainName(from) || !IsPlainName(to) || !IsPlainFile(from)) return false;
-  // Most targets are not there yet, which the copy itself finds out.
+  // Most targets do not exist yet, as the copy itself finds out.
   if (CopyFileA(from.c_str(), to.c_str(), TRUE)) return true;
   return IsPlainTarget(to) && CopyFileA(from.c_str(), to.c_str(), FALSE);
 }
@@ -47,7 +47,7 @@ int Win32ShellOperations::FileOperation(int operation, const std::string& from,
                                         const std::string& to, int flags) {
   if (operation == FO_COPY && CopyOneFile(from, to, flags)) return 0;
 
-  // c_str() gives one NUL, the list needs two.
+  // c_str() adds one NUL, the list needs two.
   const std::string fromList = from + '\0';
   const std::string toList = to + '\0';
   SHFILEOPSTRUCTA request = {};

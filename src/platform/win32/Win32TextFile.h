@@ -5,11 +5,11 @@
 
 namespace talu {
 
-/// A text file's bytes. Others may always read it; while it is open for output or append nobody
-/// else may write it.
+/// The bytes of a text file. Others may always read it, but not write it while it is open for
+/// output or append.
 class Win32TextFile : public TextFile {
  public:
-  /// Raises what `FileSystemObject::OpenTextFile` promises.
+  /// Raises as described at `FileSystemObject::OpenTextFile`.
   Win32TextFile(const std::string& path, OpenMode mode);
   ~Win32TextFile() override;
   Win32TextFile(const Win32TextFile&) = delete;
@@ -19,7 +19,7 @@ class Win32TextFile : public TextFile {
   std::size_t Read(char* buffer, std::size_t size) override;
   void Write(std::string_view bytes) override;
   /// Continues after the last byte, whoever wrote it. Returns false when the file has been deleted
-  /// or cannot be asked.
+  /// or cannot be queried.
   bool GoToEnd();
 
  private:

@@ -11,10 +11,10 @@ namespace {
 
 constexpr const char* kDefaultTitle = "TA-LU Setup";
 
-/// Asking Windows for events costs far more than a small file's copy, so it is asked this often at
-/// most; in microseconds.
+/// Asking Windows for events costs far more than copying a small file, so it is done at most this
+/// often, in microseconds.
 constexpr std::int64_t kPumpInterval = 10000;
-/// And this often the pages are painted while work goes on.
+/// How often the pages are painted during work.
 constexpr std::int64_t kPaintInterval = 50000;
 
 std::int64_t Microseconds() {
@@ -160,7 +160,7 @@ void Win32WindowSystem::HandlerBegins() {
 }
 
 void Win32WindowSystem::HandlerEnds() {
-  // Only the outermost handler goes back to the message loop.
+  // Only the outermost handler returns to the message loop.
   if (--handlers_ == 0) Settle();
 }
 

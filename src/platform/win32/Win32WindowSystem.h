@@ -14,8 +14,8 @@ namespace talu {
 
 /// Forms as windows of user32.
 ///
-/// Long work reports a changed text or bar thousands of times a second. It only notes that, and
-/// paints about thirty times a second in `DoEvents`; when a handler is over everything is shown.
+/// Long work reports a changed text or bar thousands of times a second. That is only noted, and
+/// painted about thirty times a second in `DoEvents`; after a handler everything is shown.
 class Win32WindowSystem : public WindowSystem, public HandlerWatch {
  public:
   Win32WindowSystem();
@@ -36,8 +36,8 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   void HandlerBegins() override;
   void HandlerEnds() override;
 
-  /// Paints what has changed: for the moment before this thread is blocked. A bar alone is painted
-  /// no more often than in `DoEvents`.
+  /// Paints what has changed, for use before this thread blocks. A bar alone is painted no more
+  /// often than in `DoEvents`.
   void ShowProgress();
 
  private:
@@ -46,7 +46,7 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   /// A hidden page stays on the screen until the next one covers it, or until somebody looks.
   void FinishHiding();
   void BringUpToDate();
-  /// Back at the message loop: shows everything and gives the keyboard a place.
+  /// Back in the message loop: shows everything and gives the keyboard focus to a control.
   void Settle();
 
   Appearance look_;

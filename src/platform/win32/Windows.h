@@ -1,7 +1,7 @@
 #pragma once
 
-// The one place where Windows' own headers come in. The names that it turns into macros and that
-// are also members of our interfaces are freed again; Windows' functions are called by their "A"
+// The only place that includes Windows' own headers. The names that they define as macros and that
+// are also members of our interfaces are released again; Windows' functions are called by their "A"
 // names.
 #ifndef NOMINMAX
 #define NOMINMAX
