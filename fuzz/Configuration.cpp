@@ -67,7 +67,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t count = naive::Values(text, key, true).size();
     naive::Same(std::to_string(int{wizard.GetCfgCount(key)}), std::to_string(count), "count");
     for (int index = 0; index < 6; ++index)
-      naive::Same(wizard.GetCfgValue(key, index), Value(text, key, index), "value");
+      naive::Same(wizard.GetCfgValue(key, index), machine.CodePage.ToText(Value(text, key, index)),
+                  "value");
   }
 
   // The backup opens a script for each name, and so does the build.

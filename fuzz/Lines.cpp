@@ -136,6 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                       .Scripting = outside,
                       .Settings = machine.Settings,
                       .Clock = machine.Clock,
+                      .CodePage = machine.CodePage,
                       .AppPath = "D:\\Pack"};
   Wizard wizard(parts);
   wizard.State.InstallPath = "C:\\Progs";
@@ -150,6 +151,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Calls records;
   Sources(sources, expected, records);
   Links(links, expected, records);
+  for (Calls* calls : {&expected, &records}) {
+    for (std::string& call : *calls) call = machine.CodePage.ToText(call);
+  }
   naive::Same(asked, expected, "asked");
   Calls printed;
   for (const JournalEvent& event : machine.Journal.Events()) {

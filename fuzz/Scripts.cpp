@@ -195,12 +195,12 @@ class Build : public Reader {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace talu;
   // The first byte may put blanks before the first script, so that it lies across two reads.
-  std::string text(data, data + size);
+  const std::string both(data, data + size);
   std::string blanks;
-  if (!text.empty() && text[0] == '\1') blanks = std::string(65536 - text.size() / 2, ' ') + "\r";
-  const std::size_t half = text.find('\0');
-  const std::string scripts[] = {blanks + text.substr(0, half),
-                                 half == std::string::npos ? "" : text.substr(half + 1)};
+  if (!both.empty() && both[0] == '\1') blanks = std::string(65536 - both.size() / 2, ' ') + "\r";
+  const std::size_t half = both.find('\0');
+  const std::string scripts[] = {blanks + both.substr(0, half),
+                                 half == std::string::npos ? "" : both.substr(half + 1)};
 
   SimulatedMachine machine;
   machine.Server.AcceptAll = true;
@@ -224,11 +224,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   backup.Send();
   const bool formed = build.Read(scripts[0]) && build.Read(scripts[1]);
   if (build.Failed || !formed) build.RollBack();
+  // A byte of the code page is one character: what was counted in bytes is counted right.
+  const auto text = [&machine](const std::string& bytes) { return machine.CodePage.ToText(bytes); };
   std::vector<std::string> expected = backup.Sent;
   expected.insert(expected.end(), build.Sent.begin(), build.Sent.end());
+  for (std::string& statement : expected) statement = text(statement);
   naive::Same(machine.Journal.Texts("sql", "text"), expected, "statement");
-  naive::Same(wizard.State.CreatedDatabaseList, build.Databases, "databases");
-  naive::Same(wizard.State.CreatedLoginList, build.Logins, "logins");
+  naive::Same(wizard.State.CreatedDatabaseList, text(build.Databases), "databases");
+  naive::Same(wizard.State.CreatedLoginList, text(build.Logins), "logins");
   const bool succeeded = machine.Windows.VisibleForm() == "FrmApplication";
   naive::Same(succeeded ? "yes" : "no", !build.Failed && formed ? "yes" : "no", "succeeded");
   return 0;

@@ -225,7 +225,8 @@ PutPack() {
   cp "$Root/build/win32/src/platform/win32/Setup.exe" "$Machine/media/Pack/"
 }
 
-# SmallPack DIR [KEY=LINE|LINE...]...: a small pack with Setup.exe, with these blocks in its configuration.
+# SmallPack DIR [KEY=LINE|LINE...]...: a small pack with Setup.exe, with these blocks in its configuration,
+# which is in CodePage, 1252 unless that is set.
 SmallPack() {
   local dir=$1 block
   shift
@@ -240,7 +241,7 @@ SmallPack() {
     printf '%s\n{\n' "${block%%=*}"
     [[ -z ${block#*=} ]] || tr '|' '\n' <<<"${block#*=}"
     echo '}'
-  done | sed 's/$/\r/' | iconv -t CP1252 >"$dir/AppCfg.txt"
+  done | sed 's/$/\r/' | iconv -t "CP${CodePage:-1252}" >"$dir/AppCfg.txt"
   cp "$Root/build/win32/src/platform/win32/Setup.exe" "$dir/"
 }
 
@@ -303,11 +304,12 @@ LoadScripts() {
   done <<<"$list"
 }
 
-# Drive SCRIPT [OPTION...]: plays a script, in which FOLDER is $Folder; its output is in Machine/drive.log.
+# Drive SCRIPT [OPTION...]: plays a script, in which FOLDER is $Folder, with the pack at PackPath, D:\Pack
+# unless that is set; its output is in Machine/drive.log.
 Drive() {
   local script=$1
   shift
-  Attend wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" --start 'D:\Pack\Setup.exe' \
+  Attend wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" --start "${PackPath:-D:\\Pack}\\Setup.exe" \
     --shots "Z:${Machine//\//\\}\\shots" --set "SERVER=${Server:-none}" \
     --set "FOLDER=$Folder" --end-on-failure -v "$@" </dev/null >"$Machine/drive.log" 2>&1
 }

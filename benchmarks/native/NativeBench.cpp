@@ -148,6 +148,7 @@ void BM_ScriptRun(benchmark::State& state, bool backup, bool journal) {
                                     .Scripting = whole.Scripting,
                                     .Settings = whole.Settings,
                                     .Clock = whole.Clock,
+                                    .CodePage = whole.CodePage,
                                     .AppPath = whole.AppPath});
     wizard.State.AppFolderPath = "C:\\App";
     wizard.State.DBFolderPath = backup ? "" : "C:\\App\\Data";

@@ -38,7 +38,7 @@ std::optional<std::string> NamedDatabase(std::string_view batch, std::string_vie
 }
 
 std::string BackedUpName(std::string name) {
-  if (Contains(name, "[")) name.erase(0, 1);
+  if (Contains(name, "[")) name = Mid(name, 2);
   if (name.ends_with(']')) name.pop_back();
   return Trim(name);
 }

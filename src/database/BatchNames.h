@@ -37,7 +37,7 @@ inline bool MayNameDatabase(std::string_view batch) {
 std::optional<std::string> NamedDatabase(std::string_view batch, std::string_view statement);
 
 /// The longest name that the backup accepts.
-inline constexpr std::size_t kLongestName = 128;
+inline constexpr Position kLongestName = 128;
 
 /// A name without its brackets, as the backup sends it.
 std::string BackedUpName(std::string name);

@@ -108,7 +108,7 @@ void MdlDataBaseBackup::CollectDatabaseName() {
 
 // A substring test: a name that is part of one in the list counts as listed.
 void MdlDataBaseBackup::AddCandidate(const std::string& CandidateName) {
-  if (CandidateName.size() > kLongestName || Contains(DatabaseList, CandidateName)) return;
+  if (Length(CandidateName) > kLongestName || Contains(DatabaseList, CandidateName)) return;
   DatabaseList += "," + CandidateName;
   ++DatabaseCount;
 }

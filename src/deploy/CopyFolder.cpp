@@ -13,7 +13,7 @@ constexpr int kCopyLimit = 6700;
 
 /// Raises 5 for a name shorter than four characters.
 bool IsDatabaseFile(const std::string& name) {
-  const std::string ending = Mid(name, std::ssize(name) - 3, 4);
+  const std::string ending = Mid(name, Length(name) - 3, 4);
   return ending == ".mdf" || ending == ".ldf";
 }
 

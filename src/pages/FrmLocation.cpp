@@ -112,7 +112,7 @@ void FrmLocation::TxtServer_Change() {
 
 void FrmLocation::TxtServer_GotFocus() {
   TxtServer.SelStart = 0;
-  TxtServer.SelLength = static_cast<int>(TxtServer.Text.Get().size());
+  TxtServer.SelLength = static_cast<int>(Length(TxtServer.Text.Get()));
 }
 
 // Never disables the button: clearing the box leaves it as it was.

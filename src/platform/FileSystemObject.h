@@ -43,7 +43,6 @@ class TextFile {
 };
 
 /// The platform's file-system object, with its own error numbers, and the bytes of text files.
-/// Paths are in the ANSI code page.
 class FileSystemObject {
  public:
   virtual ~FileSystemObject() = default;

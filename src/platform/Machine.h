@@ -4,6 +4,7 @@
 
 #include "platform/Ado.h"
 #include "platform/Clock.h"
+#include "platform/CodePage.h"
 #include "platform/FileSystemObject.h"
 #include "platform/OdbcInstaller.h"
 #include "platform/Processes.h"
@@ -25,7 +26,9 @@ struct Machine {
   ScriptingHost& Scripting;
   SettingsStore& Settings;
   talu::Clock& Clock;
-  /// The pack folder (the program's own folder), without a trailing backslash.
+  /// That of its text files.
+  const talu::CodePage& CodePage;
+  /// The pack folder (the folder that holds the program), without a trailing backslash.
   std::string AppPath;
 };
 

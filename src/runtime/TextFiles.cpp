@@ -2,14 +2,25 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "runtime/RuntimeError.h"
 #include "runtime/TextFunctions.h"
+#include "runtime/Unicode.h"
 
 namespace talu {
 namespace {
 
 constexpr std::size_t kChunk = std::size_t{64} * 1024;
+
+/// Up to where `bytes` can be decoded, whatever follows: no code page has a byte below 0x30 inside
+/// a character of several.
+std::size_t WholeCharacters(std::string_view bytes) {
+  const auto last = std::find_if(bytes.rbegin(), bytes.rend(), [](char character) {
+    return static_cast<unsigned char>(character) < 0x30;
+  });
+  return static_cast<std::size_t>(bytes.rend() - last);
+}
 
 }  // namespace
 
@@ -46,7 +57,7 @@ void TextFiles::Open(const std::string& path, OpenMode mode, int number) {
     }
   }
   pool_[static_cast<std::size_t>(number)] = {
-      files_.OpenTextFile(path, mode), mode, path, upperPath, {}, 0, {}};
+      files_.OpenTextFile(path, mode), mode, path, upperPath, {}, 0, {}, {}};
 }
 
 void TextFiles::ReopenForAppend(const std::string& path, int number) {
@@ -98,7 +109,7 @@ void TextFiles::Print(int number, std::initializer_list<std::string_view> pieces
   std::string record;
   record.reserve(size);
   for (const std::string_view piece : pieces) record += piece;
-  file.File->Write(record += kCrLf);
+  file.File->Write(codePage_.FromText(std::move(record += kCrLf)));
 }
 
 std::string TextFiles::ReadWhole(const std::string& path) {
@@ -121,21 +132,34 @@ std::string TextFiles::ReadWhole(const std::string& path) {
   }
   Close(number);
   text.resize(length);
-  return text;
+  return codePage_.ToText(std::move(text));
 }
 
 bool TextFiles::Fill(OpenFile& file) {
-  file.Buffer.resize(kChunk);
   file.At = 0;
-  std::size_t got = 0;
-  try {
-    got = file.File->Read(file.Buffer.data(), kChunk);
-  } catch (...) {
-    file.Buffer.clear();
-    throw;
+  std::string& bytes = file.Buffer;
+  bytes = std::exchange(file.Undecoded, {});
+  for (;;) {
+    bool more = false;
+    const std::size_t before = bytes.size();
+    bytes.resize(before + kChunk);
+    try {
+      const std::size_t got = file.File->Read(bytes.data() + before, kChunk);
+      bytes.resize(before + got);
+      more = got != 0;
+    } catch (...) {
+      file.Undecoded.assign(bytes, 0, before);
+      bytes.clear();
+      throw;
+    }
+    if (IsAscii(bytes)) return !bytes.empty();
+    const std::size_t end = more ? WholeCharacters(bytes) : bytes.size();
+    if (end == 0) continue;
+    file.Undecoded.assign(bytes, end);
+    bytes.resize(end);
+    bytes = codePage_.ToText(std::move(bytes));
+    return true;
   }
-  file.Buffer.resize(got);
-  return got != 0;
 }
 
 }  // namespace talu

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/CodePage.h"
 #include "platform/FileSystemObject.h"
 #include "runtime/RuntimeError.h"
 
@@ -30,11 +31,13 @@ class LineScanner {
 /// simulated machine has none either.
 inline constexpr std::uint64_t kLongestText = 0x7FFFFFFE;
 
-/// Text files by number, as in the run-time: a pool of 255 numbers, each free or open. Lines end as
-/// in `LineScanner`. What is printed is on disk when the call returns.
+/// Text files by number, as in the run-time: a pool of 255 numbers, each free or open. The files
+/// are in the machine's code page; lines end as in `LineScanner`. What is printed is on disk when
+/// the call returns.
 class TextFiles {
  public:
-  explicit TextFiles(FileSystemObject& files) : files_(files) {}
+  TextFiles(FileSystemObject& files, const CodePage& codePage)
+      : files_(files), codePage_(codePage) {}
 
   /// The lowest number that is not open. Raises 67.
   int FreeFile() const;
@@ -73,8 +76,11 @@ class TextFiles {
     OpenMode Mode = OpenMode::Input;
     std::string Path;
     std::string UpperPath;
+    /// The last part that was read, as text.
     std::string Buffer;
     std::size_t At = 0;
+    /// The bytes after it, which may end inside a character.
+    std::string Undecoded;
     /// A line that spans buffers.
     std::string Line;
   };
@@ -85,9 +91,10 @@ class TextFiles {
     if ((file.Mode == OpenMode::Input) != forInput) throw RuntimeError(error::kBadFileMode);
     return file;
   }
-  static bool Fill(OpenFile& file);
+  bool Fill(OpenFile& file);
 
   FileSystemObject& files_;
+  const CodePage& codePage_;
   std::array<OpenFile, kNumbers + 1> pool_;  // element 0 is never open
 };
 

@@ -1,29 +1,18 @@
 #include "runtime/TextFunctions.h"
 
 #include <algorithm>
-#include <array>
 
+#include "platform/CodePage.h"
 #include "runtime/RuntimeError.h"
+#include "runtime/Unicode.h"
 
 namespace talu {
 namespace {
 
-// Code page 1252: the letters outside ASCII that have a capital. Source: the code page's published
-// table (bestfit1252), simple case mapping.
-constexpr std::array<char, 256> MakeUpperTable() {
-  std::array<char, 256> table{};
-  for (std::size_t i = 0; i < table.size(); ++i) {
-    std::size_t upper = i;
-    if (i >= 'a' && i <= 'z') upper = i - 32;
-    if (i >= 0xE0 && i <= 0xFE && i != 0xF7) upper = i - 32;
-    if (i == 0x9A || i == 0x9C || i == 0x9E) upper = i - 16;
-    if (i == 0xFF) upper = 0x9F;
-    table[i] = static_cast<char>(upper);
-  }
-  return table;
+char Upper(char character) {
+  return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A')
+                                              : character;
 }
-
-constexpr std::array<char, 256> kUpper = MakeUpperTable();
 
 void RequireStart(Position start) {
   if (start < 1) throw RuntimeError(error::kInvalidProcedureCall);
@@ -33,16 +22,47 @@ void RequireLength(Position length) {
   if (length < 0) throw RuntimeError(error::kInvalidProcedureCall);
 }
 
-Position ToPosition(std::size_t offset) {
-  return offset == std::string_view::npos ? 0 : static_cast<Position>(offset) + 1;
+// Each of these works on units of one size: on the bytes of an ASCII text, else on UTF-16.
+
+template <class Text>
+Position Found(std::size_t offset) {
+  return offset == Text::npos ? 0 : static_cast<Position>(offset) + 1;
+}
+
+template <class Text>
+Position FindFrom(Position start, Text text, Text find) {
+  if (start > std::ssize(text)) return 0;
+  return Found<Text>(text.find(find, static_cast<std::size_t>(start - 1)));
+}
+
+template <class Text>
+Position FindLast(Text text, Text find, Position start) {
+  if (start > std::ssize(text)) return 0;
+  return Found<Text>(text.substr(0, static_cast<std::size_t>(start)).rfind(find));
+}
+
+template <class Text>
+Text Cut(Text text, Position start, Position length) {
+  if (start > std::ssize(text)) return {};
+  return text.substr(static_cast<std::size_t>(start - 1), static_cast<std::size_t>(length));
+}
+
+std::u16string Utf16(std::string_view text) {
+  std::u16string units(CountUtf16(text), u'\0');
+  WriteUtf16(text, units.data());
+  return units;
 }
 
 }  // namespace
 
+Position Length(std::string_view text) {
+  return static_cast<Position>(CountUtf16(text));
+}
+
 Position InStr(Position start, std::string_view text, std::string_view find) {
   RequireStart(start);
-  if (start > std::ssize(text)) return 0;
-  return ToPosition(text.find(find, static_cast<std::size_t>(start - 1)));
+  if (IsAscii(text)) return FindFrom(start, text, find);
+  return FindFrom<std::u16string_view>(start, Utf16(text), Utf16(find));
 }
 
 Position InStr(std::string_view text, std::string_view find) {
@@ -63,20 +83,20 @@ bool Contains(std::string_view text, Sought find) {
 
 Position InStrRev(std::string_view text, std::string_view find, Position start) {
   RequireStart(start);
-  if (start > std::ssize(text)) return 0;
-  return ToPosition(text.substr(0, static_cast<std::size_t>(start)).rfind(find));
+  if (IsAscii(text)) return FindLast(text, find, start);
+  return FindLast<std::u16string_view>(Utf16(text), Utf16(find), start);
 }
 
 Position InStrRev(std::string_view text, std::string_view find) {
-  return text.empty() ? 0 : InStrRev(text, find, std::ssize(text));
+  return text.empty() ? 0 : InStrRev(text, find, Length(text));
 }
 
 std::string Mid(std::string_view text, Position start, Position length) {
   RequireStart(start);
   RequireLength(length);
-  if (start > std::ssize(text)) return {};
-  return std::string(
-      text.substr(static_cast<std::size_t>(start - 1), static_cast<std::size_t>(length)));
+  if (IsAscii(text)) return std::string(Cut(text, start, length));
+  const std::u16string units = Utf16(text);
+  return FromUtf16(Cut<std::u16string_view>(units, start, length));
 }
 
 std::string Mid(std::string_view text, Position start) {
@@ -84,27 +104,22 @@ std::string Mid(std::string_view text, Position start) {
 }
 
 std::string Left(std::string_view text, Position length) {
-  RequireLength(length);
-  return std::string(text.substr(0, static_cast<std::size_t>(length)));
+  return Mid(text, 1, length);
 }
 
 std::string Right(std::string_view text, Position length) {
   RequireLength(length);
-  return std::string(
-      text.substr(text.size() - std::min(text.size(), static_cast<std::size_t>(length))));
+  return Mid(text, std::max<Position>(Length(text) - length, 0) + 1);
 }
 
 std::string Trim(std::string_view text) {
   return std::string(TrimView(text));
 }
 
-char UCase(char character) {
-  return kUpper[static_cast<unsigned char>(character)];
-}
-
 std::string UCase(std::string_view text) {
+  if (!IsAscii(text)) return UpperCase(text);
   std::string upper(text);
-  for (char& character : upper) character = UCase(character);
+  std::ranges::transform(upper, upper.begin(), Upper);
   return upper;
 }
 
@@ -119,7 +134,7 @@ bool ContainsUpper(std::string_view text, std::string_view upper) {
 }
 
 bool EqualsUpper(std::string_view text, std::string_view upper) {
-  return std::ranges::equal(text, upper, {}, [](char character) { return UCase(character); });
+  return std::ranges::equal(text, upper, {}, Upper);
 }
 
 std::vector<std::string> Split(std::string_view text, char separator) {

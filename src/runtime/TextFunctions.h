@@ -9,14 +9,17 @@
 
 namespace talu {
 
-// Text functions of the run-time. Texts are 8-bit, in the ANSI code page; positions count from 1
-// and 0 means "not found"; a start below 1 or a negative length raises error 5. Comparison is
-// binary.
+// Text functions of the run-time. Texts are UTF-8; positions and lengths count in units of UTF-16,
+// positions from 1, and 0 means "not found"; a start below 1 or a negative length raises error 5.
+// Comparison is binary.
 
 /// A position or a length in a text.
 using Position = std::ptrdiff_t;
 
 inline constexpr std::string_view kCrLf = "\r\n";
+
+/// The length of the text.
+Position Length(std::string_view text);
 
 /// Position of the first `find` at or after `start`; `start` itself for an empty `find`; 0 when not
 /// found or `text` is empty. Raises 5.
@@ -78,13 +81,12 @@ inline std::string_view TrimView(std::string_view text) {
 }
 std::string Trim(std::string_view text);
 
-/// Upper case in code page 1252.
-char UCase(char character);
+/// Upper case as the platform has it.
 std::string UCase(std::string_view text);
 
-/// Whether `text`, upper-cased, contains `upper` (upper case already), without a copy.
+/// Whether `text`, upper-cased, contains `upper` (ASCII, upper case already), without a copy.
 bool ContainsUpper(std::string_view text, std::string_view upper);
-/// Whether `text`, upper-cased, equals `upper` (upper case already), without a copy.
+/// Whether `text`, upper-cased, equals `upper` (ASCII, upper case already), without a copy.
 bool EqualsUpper(std::string_view text, std::string_view upper);
 
 /// The pieces between separators, empty ones too; no piece at all for an empty text.

@@ -14,7 +14,7 @@ namespace talu {
 class InstallContext {
  public:
   explicit InstallContext(const talu::Machine& machine)
-      : Machine(machine), TextFiles(machine.Files) {}
+      : Machine(machine), TextFiles(machine.Files, machine.CodePage) {}
   InstallContext(const InstallContext&) = delete;
   InstallContext& operator=(const InstallContext&) = delete;
 

@@ -32,7 +32,7 @@ EndTest() {
 Pack() { SmallPack "$PackDir" "$@"; }
 
 # Script NAME < TEXT: one of the pack's fresh scripts.
-Script() { sed 's/$/\r/' | iconv -t CP1252 >"$PackDir/SQLScript/Fresh/$1"; }
+Script() { sed 's/$/\r/' | iconv -t "CP${CodePage:-1252}" >"$PackDir/SQLScript/Fresh/$1"; }
 
 # InstallBelow FOLDER [APPFOLDER]: installs below this folder of C: from now on. App is the application
 # folder, Host the same for this side.
@@ -92,3 +92,32 @@ Copied() { python3 -B "$Texts" copied "$@"; }
 
 # Statements: what the server that was started last was told, one statement a line.
 Statements() { python3 -B "$Texts" statements "$ServerData/journal.jsonl"; }
+
+# Foretold PACK MODE TYPE [OPTION...]: installs below Folder; what packcheck plan foretells with these options
+# is what the machine and the server then see, byte for byte.
+Foretold() {
+  local pack=$1 mode=$2 type=$3 before stamp day month year hour minute drive=$Machine/wine/drive_c name
+  shift 3
+  before=$(Statements | wc -l)
+  rm -rf "$Machine/before" "$Machine/plan"
+  cp -al "$drive" "$Machine/before"
+  Play "@install $mode $type; @finish"
+
+  # The minute is in the names of the backups.
+  stamp=$(grep -m1 -oE '_[0-9_]+\.bkp' "$ServerData/journal.jsonl" | tr -c '0-9\n' ' ' || true)
+  read -r day month year hour minute <<<"${stamp:-1 1 2026 0 0}"
+  "$Root/build/release/tools/packcheck/packcheck" plan "$pack" --type "${type,}" --mode "${mode,}" \
+    --server "$Server" --user sa --password "$SQL_PASSWORD" --install-path "$Folder" \
+    --now "$(printf '%04d-%02d-%02d %02d:%02d' "$year" "$month" "$day" "$hour" "$minute")" \
+    --disk "$Machine/before" --code-page "${CodePage:-1252}" --pack-path "${PackPath:-D:\\Pack}" "$@" \
+    --json --save "$Machine/plan" >"$Machine/plan.jsonl" 2>"$Machine/out" ||
+    Problems+=("the plan: $(<"$Machine/out")")
+  Is 'statements' "$(python3 -B "$Texts" statements "$Machine/plan.jsonl")" \
+    "$(Statements | tail -n +$((before + 1)))"
+  for name in Ta-luErrLog.txt Uninstall.dat; do
+    True "$name" cmp "$Machine/plan/C/${Host#"$drive/"}/$name" "$Host/$name"
+  done
+  # What the server writes is the server's.
+  True 'the installed tree' diff -r -x '*.mdf' -x '*.ldf' -x '*.bkp' \
+    "$Machine/plan/C/${Folder:3}" "$drive/${Folder:3}"
+}

@@ -36,7 +36,7 @@ class CheckTest : public testing::Test {
   }
   std::string Check(bool json, int status = -1) {
     std::ostringstream out;
-    const int ended = CheckCommand({folder, json}, out);
+    const int ended = CheckCommand({.Pack = folder, .CodePage = codePage, .Json = json}, out);
     if (status >= 0) {
       EXPECT_EQ(ended, status) << out.str();
     }
@@ -76,6 +76,7 @@ class CheckTest : public testing::Test {
   }
 
   fs::path folder;
+  int codePage = 1252;
 };
 
 TEST_F(CheckTest, EachFindingIsWhatAPlanDoes) {
@@ -100,6 +101,24 @@ TEST_F(CheckTest, EachFindingIsWhatAPlanDoes) {
       EXPECT_TRUE(proved.contains(std::string(rule.Code))) << rule.Code << " is not proved";
     }
   }
+}
+
+// The second byte of the script's name is a backslash.
+TEST_F(CheckTest, ReadsThePackInTheMachinesCodePage) {
+  Files files = PlainPack();
+  files["AppCfg.txt"] = Replace(files["AppCfg.txt"], "A.sql", "\x95\x5C.sql");
+  auto script = files.extract("SQLScript/Fresh/A.sql");
+  script.key() = "SQLScript/Fresh/\u8868.sql";
+  script.mapped() = Replace(script.mapped(), "GO\r\n", "PRINT '\u8868'\r\nGO\r\n");
+  files.insert(std::move(script));
+  MakePack(files);
+  EXPECT_EQ(Codes("SQL-NOT-THERE"), "SQL-NOT-THERE SQL-NOT-LISTED");
+  codePage = 932;
+  EXPECT_EQ(Codes("SQL-UTF8"), "SQL-UTF8");
+  codePage = 65001;
+  files["AppCfg.txt"] = Replace(files["AppCfg.txt"], "\x95\x5C", "\u8868");
+  MakePack(files);
+  EXPECT_EQ(Check(false, 0), "0 errors, 0 warnings, 0 notes\n");
 }
 
 TEST_F(CheckTest, FindingsAreToldWithPlaceWeightAndStatus) {

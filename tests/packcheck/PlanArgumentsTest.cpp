@@ -37,7 +37,7 @@ TEST_F(PlanArgumentsTest, AreRead) {
   given.Exits = {"a=b.exe=-1"};
   const PlanOptions run = ReadPlanArguments(given).Run;
   EXPECT_EQ(run.SpecialFolders,
-            (std::vector<std::string>{"C:\\Users\\J\xF6rg\\Desktop", "C:\\Start Menu"}));
+            (std::vector<std::string>{"C:\\Users\\J\u00f6rg\\Desktop", "C:\\Start Menu"}));
   EXPECT_EQ(run.Now.Day, 29);
   EXPECT_EQ(run.Now.Minute, 59);
   EXPECT_EQ(run.PackPath, "E:");

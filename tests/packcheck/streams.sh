@@ -37,7 +37,8 @@ check $folder/nowhere|there is no folder $folder/nowhere
 check --explain NONE|no finding is called NONE; "all" explains every one
 check $folder/huge|AppCfg.txt: Out of memory
 check $folder/huge --json|AppCfg.txt: Out of memory
-check $folder/wrong --json|$folder/wrong/$(printf '\xff\xfe'): the name cannot be written in Windows-1252
+check $folder/wrong --json|$folder/wrong/$(printf '\xef\xbf\xbd\xef\xbf\xbd'): the name is not UTF-8
+check $pack --code-page 12345|this system has no code page 12345
 plan $folder/nowhere --type fresh --mode client --json|PACK: "$folder/nowhere" is not a folder
 CASES
 Is 'a plan of a huge configuration' "$("$packcheck" plan "$folder/huge" --type fresh --mode client 2>&1 |

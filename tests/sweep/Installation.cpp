@@ -87,6 +87,7 @@ void Installation::Run() {
                       .Scripting = Machine.Scripting,
                       .Settings = Machine.Settings,
                       .Clock = Machine.Clock,
+                      .CodePage = Machine.CodePage,
                       .AppPath = "D:\\Pack"};
   wizard_ = std::make_unique<talu::Wizard>(parts);
   Windows->Run([this] { Main(*wizard_); });

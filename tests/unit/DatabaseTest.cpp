@@ -543,6 +543,7 @@ TEST_F(DatabaseTest, ACallThatFailsCostsNoOther) {
                   .Scripting = machine.Scripting,
                   .Settings = machine.Settings,
                   .Clock = machine.Clock,
+                  .CodePage = machine.CodePage,
                   .AppPath = "D:\\Pack"};
     Wizard other(parts);
     other.State = AtTheBuild();

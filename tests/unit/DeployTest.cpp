@@ -301,6 +301,7 @@ TEST_F(DeployTest, DataSourcesAreTheMachines) {
                 .Scripting = machine.Scripting,
                 .Settings = machine.Settings,
                 .Clock = machine.Clock,
+                .CodePage = machine.CodePage,
                 .AppPath = ""};
   Wizard other(parts);
   EXPECT_TRUE(other.Page<FrmApplication>().CreateDSN("SQL Server", "DSN=Books"));

@@ -7,6 +7,7 @@
 #include "runtime/Int16.h"
 #include "runtime/TextFiles.h"
 #include "runtime/TextFunctions.h"
+#include "runtime/Unicode.h"
 
 namespace talu {
 namespace {
@@ -51,6 +52,33 @@ TEST(TextFunctions, PositionsCountFromOne) {
   }
 }
 
+// What is counted are units of UTF-16: a character outside the first plane has two.
+TEST(TextFunctions, PositionsCountUnits) {
+  const std::string text = "\u00e9\u8868\U0001F600\\b";
+  EXPECT_EQ(Length(text), 6);
+  EXPECT_EQ(InStr(text, "\\"), 5);
+  EXPECT_EQ(InStr(2, text, "\u00e9"), 0);
+  EXPECT_EQ(InStrRev(text, "\u8868", 2), 2);
+  EXPECT_EQ(InStrRev(text, "b", 5), 0);
+  EXPECT_EQ(Mid(text, 2, 1), "\u8868");
+  EXPECT_EQ(Right(text, 2), "\\b");
+  EXPECT_EQ(Right(text, 9), text);
+  EXPECT_EQ(ParentPath(text), "\u00e9\u8868\U0001F600");
+  EXPECT_EQ(Length(Left(text, 3) + Mid(text, 4)), 6) << "a character cut in two and put together";
+  EXPECT_EQ(InStr("\u8868[", "["), 2);
+}
+
+// Which bytes are text is decided as the tables of Unicode say.
+TEST(Unicode, OnlyCharactersStay) {
+  const std::string good = "a\u00e9\u8868\uffff\U00010000\U0010ffff";
+  EXPECT_EQ(OnlyCharacters(good), good);
+  for (const char* bad : {"\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
+                          "\xF4\x90\x80\x80", "\xE8\xA1"}) {
+    EXPECT_TRUE(OnlyCharacters(std::string(bad) + "z").starts_with("\uFFFD")) << bad;
+    EXPECT_TRUE(OnlyCharacters(std::string(bad) + "z").ends_with("z")) << bad;
+  }
+}
+
 TEST(TextFunctions, TrimSplitReplaceAndUpperCase) {
   EXPECT_EQ(Trim("  a\t "), "a\t");
   EXPECT_EQ(Split("a,,b,", ','), (std::vector<std::string>{"a", "", "b", ""}));
@@ -58,7 +86,7 @@ TEST(TextFunctions, TrimSplitReplaceAndUpperCase) {
   EXPECT_EQ(ErrorOf([] { Element({}, 0); }), error::kSubscriptOutOfRange);
   EXPECT_EQ(Replace("aaa", "aa", "a"), "aa");
   EXPECT_EQ(Replace("abc", "", "x"), "abc");
-  EXPECT_EQ(UCase("aZ\xE9\xFF\xF7\xDF"), "AZ\xC9\x9F\xF7\xDF");
+  EXPECT_EQ(UCase("aZ\u00e9\u00ff\u00f7\u00df\u0436"), "AZ\u00c9\u0178\u00f7\u00df\u0416");
   EXPECT_TRUE(ContainsUpper("x --taluGO", "--TALUGO"));
   EXPECT_FALSE(ContainsUpper("--talu", "--TALUGO"));
 }
@@ -81,7 +109,7 @@ TEST(TextFiles, ReadsLinesAcrossItsBufferAndKeepsLoneLineFeeds) {
   const std::string longLine(200000, 'l');
   machine.Disk.WriteFile(
       "C:\\t.txt", edge + "\r\n" + longLine + "\rlf\nin" + std::string(1, '\0') + "\r\n\r\nend");
-  TextFiles files(machine.Files);
+  TextFiles files(machine.Files, machine.CodePage);
   files.Open("C:\\t.txt", OpenMode::Input, 3);
   std::vector<std::string> lines;
   while (!files.EndOfFile(3)) lines.emplace_back(files.LineInput(3));
@@ -90,9 +118,60 @@ TEST(TextFiles, ReadsLinesAcrossItsBufferAndKeepsLoneLineFeeds) {
   EXPECT_EQ(ErrorOf([&] { files.LineInput(3); }), error::kInputPastEnd);
 }
 
+// Lines whose characters fall on the edges of what is read at a time; in the first two code pages
+// the second byte of one is a backslash, a letter.
+TEST(TextFiles, AreInTheMachinesCodePage) {
+  const struct {
+    int codePage;
+    std::string bytes;
+    std::string text;
+    std::string printed;  // of the text and two characters that others have
+  } cases[] = {
+      {932, "\x95\x5C", "\u8868", "\x95\x5C\x84\x88?"},
+      {936, "\x81\x41", "\u4e04", "\x81\x41\xA7\xD8\xA8\xB9"},
+      {1250, "\x9C", "\u015b", "\x9C?\xFC"},
+      {1251, "\xE6\x98", "\u0436\u0098", "\xE6\x98\xE6?"},
+      {1252, "\xFF\x81", "\u00ff\u0081", "\xFF\x81?\xFC"},
+      {65001, "\xE8\xA1\xA8", "\u8868", "\xE8\xA1\xA8\u0436\u00fc"},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.codePage);
+    SimulatedMachine machine("D:\\Pack", test.codePage);
+    TextFiles files(machine.Files, machine.CodePage);
+    std::string bytes = "x";
+    std::string text = "x";
+    for (int i = 0; i < 70000; ++i) {
+      bytes += test.bytes;
+      text += test.text;
+    }
+    machine.Disk.WriteFile("C:\\t.txt", "plain\r\n" + bytes + "\r\n\r" + bytes);
+    EXPECT_EQ(files.ReadWhole("C:\\t.txt"), "plain\r\n" + text + "\r\n\r" + text);
+    files.Open("C:\\t.txt", OpenMode::Input, 1);
+    std::vector<std::string> lines;
+    while (!files.EndOfFile(1)) lines.emplace_back(files.LineInput(1));
+    EXPECT_TRUE(lines == (std::vector<std::string>{"plain", text, "", text}));
+    files.Open("C:\\out.txt", OpenMode::Output, 2);
+    files.Print(2, {test.text, "\u0436", "\u00fc"});
+    EXPECT_EQ(machine.Disk.ReadFile("C:\\out.txt"), test.printed + "\r\n");
+  }
+  EXPECT_THROW(SimulatedMachine("D:\\Pack", 12345), std::runtime_error);
+}
+
+TEST(TextFiles, LoseNothingWhenOneReadFails) {
+  SimulatedMachine machine("D:\\Pack", 932);
+  TextFiles files(machine.Files, machine.CodePage);
+  std::string bytes;
+  for (int i = 0; i < 70000; ++i) bytes += "\x95\x5C";
+  machine.Disk.WriteFile("C:\\t.txt", bytes);
+  files.Open("C:\\t.txt", OpenMode::Input, 1);
+  machine.Journal.FailRequest(machine.Journal.Requests() + 2, RuntimeError(error::kDeviceIO));
+  EXPECT_EQ(ErrorOf([&] { files.LineInput(1); }), error::kDeviceIO);
+  EXPECT_EQ(files.LineInput(1), machine.CodePage.ToText(bytes));
+}
+
 TEST(TextFiles, NumbersAreAPool) {
   SimulatedMachine machine;
-  TextFiles files(machine.Files);
+  TextFiles files(machine.Files, machine.CodePage);
   machine.Disk.WriteFile("C:\\a.txt", "a");
   EXPECT_EQ(files.FreeFile(), 1);
   files.Open("C:\\log.txt", OpenMode::Append, 1);
@@ -115,7 +194,7 @@ TEST(TextFiles, NumbersAreAPool) {
 
 TEST(TextFiles, AppendOpensTheFileAnewForEachRecord) {
   SimulatedMachine machine;
-  TextFiles files(machine.Files);
+  TextFiles files(machine.Files, machine.CodePage);
   files.ReopenForAppend("C:\\log.txt", 1);
   files.ReopenForAppend("C:\\other.txt", 1);
   files.Print(1, {"x"});

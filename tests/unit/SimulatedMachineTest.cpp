@@ -80,7 +80,7 @@ TEST_F(HostFolderTest, AreListedByTheirUpperCasedUnicodeNames) {
   machine.Disk.AddHostFolder(folder, "C:\\x");
   std::vector<std::string> listed;
   for (const FolderItem& item : machine.Files.GetFolder("c:\\X")->Files()) {
-    listed.push_back(Utf8FromAnsi(item.Name));
+    listed.push_back(item.Name);
   }
   EXPECT_EQ(listed, order);
 }
@@ -100,7 +100,7 @@ TEST_F(HostFolderTest, KeepTheirSpellingAndAreNotWrittenTo) {
 }
 
 TEST_F(HostFolderTest, AreRefusedWhereWindowsCannotHaveThem) {
-  for (const char* name : {"a:b", "end.", "end ", "\u4e2d.txt", "sub/readme"}) {
+  for (const char* name : {"a:b", "end.", "end ", "\xFF.txt", "sub/readme"}) {
     if (std::string(name) == "sub/readme") Put("sub/README");
     Put(name);
     EXPECT_THROW(machine.Disk.AddHostFolder(folder, "C:\\x"), std::runtime_error) << name;

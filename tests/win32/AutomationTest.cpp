@@ -7,6 +7,7 @@
 #include "platform/win32/Win32OdbcInstaller.h"
 #include "platform/win32/Win32Processes.h"
 #include "platform/win32/Win32ScriptingHost.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu {
 namespace {
@@ -15,14 +16,10 @@ TEST(LateBound, CallsMembersByName) {
   LateBound dictionary("Scripting.Dictionary");
   dictionary.Put("CompareMode", 1);
   EXPECT_EQ(dictionary.Get("CompareMode").Number(), 1);
-  dictionary.Call("Add", {"first",
-                          "Gr\xFC\xDF"
-                          "e"});
+  dictionary.Call("Add", {"first", "Gr\u00fc\u00dfe \u8868 \U0001F600"});
   dictionary.Call("Add", {"second", 7});
   EXPECT_EQ(dictionary.Get("Count").Number(), 2);
-  EXPECT_EQ(dictionary.Get("Item", {"first"}).Text(),
-            "Gr\xFC\xDF"
-            "e");
+  EXPECT_EQ(dictionary.Get("Item", {"first"}).Text(), "Gr\u00fc\u00dfe \u8868 \U0001F600");
   EXPECT_EQ(dictionary.Get("Item", {"second"}).Number(), 7);
   EXPECT_EQ(dictionary.Texts(), (std::vector<std::string>{"first", "second"}));
 }
@@ -46,23 +43,74 @@ TEST(LateBound, RaisesTheObjectsOwnErrors) {
   }
 }
 
+/// An object whose member fails in one way.
+class Failing : public IDispatch {
+ public:
+  HRESULT Result = DISP_E_EXCEPTION;
+  EXCEPINFO Info = {};
+
+  HRESULT WINAPI QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+  ULONG WINAPI AddRef() override { return 2; }
+  ULONG WINAPI Release() override { return 1; }
+  HRESULT WINAPI GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  HRESULT WINAPI GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT WINAPI GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* id) override {
+    *id = 1;
+    return S_OK;
+  }
+  HRESULT WINAPI Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* info,
+                        UINT*) override {
+    *info = Info;
+    return Result;
+  }
+};
+
+HRESULT WINAPI FillInLater(EXCEPINFO* info) {
+  info->bstrDescription = SysAllocString(L"told when asked for \u8868");
+  return S_OK;
+}
+
+TEST(LateBound, RaisesWhateverWayAnObjectTellsOfItsFailure) {
+  Failing object;
+  const auto raised = [&object] {
+    try {
+      LateBound(Variant::Object(&object)).Call("Member");
+    } catch (const RuntimeError& error) {
+      return std::to_string(error.Number) + " " + error.Description;
+    }
+    return std::string("nothing");
+  };
+  object.Info.scode = static_cast<SCODE>(0x80040E14);
+  object.Info.pfnDeferredFillIn = FillInLater;
+  EXPECT_EQ(raised(), "-2147217900 told when asked for \u8868");
+  object.Info = {};
+  object.Info.wCode = 1004;
+  object.Info.bstrDescription = SysAllocString(L"a short number");
+  EXPECT_EQ(raised(), "1004 a short number");
+  object.Info = {};
+  object.Info.scode = static_cast<SCODE>(0x800A0E79);
+  EXPECT_TRUE(raised().starts_with("3705 ")) << raised();
+  object.Result = DISP_E_BADPARAMCOUNT;
+  EXPECT_TRUE(raised().starts_with(std::to_string(DISP_E_BADPARAMCOUNT) + " ")) << raised();
+}
+
 /// What a shortcut on disk says.
 struct Link {
   explicit Link(const std::string& path) {
     void* object = nullptr;
-    CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, &object);
-    auto* link = static_cast<IShellLinkA*>(object);
+    CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW, &object);
+    auto* link = static_cast<IShellLinkW*>(object);
     link->QueryInterface(IID_IPersistFile, &object);
     auto* file = static_cast<IPersistFile*>(object);
     Loaded = SUCCEEDED(file->Load(Wide(path).c_str(), STGM_READ));
-    char text[MAX_PATH] = "";
+    wchar_t text[MAX_PATH] = L"";
     link->GetPath(text, MAX_PATH, nullptr, 0);
-    Target = text;
+    Target = Narrow(text);
     int index = -1;
     link->GetIconLocation(text, MAX_PATH, &index);
-    Icon = std::string(text) + "," + std::to_string(index);
+    Icon = Narrow(text) + "," + std::to_string(index);
     link->GetWorkingDirectory(text, MAX_PATH);
-    Folder = text;
+    Folder = Narrow(text);
     file->Release();
     link->Release();
   }
@@ -81,8 +129,8 @@ TEST(ScriptingHost, MakesTheSameShortcutWithAndWithoutTheHost) {
     shortcut.Save();
     const Link made(path);
     EXPECT_TRUE(made.Loaded);
-    EXPECT_STRCASEEQ(made.Target.c_str(), target.c_str());
-    EXPECT_STRCASEEQ(made.Icon.c_str(), (target + ",0").c_str());
+    EXPECT_EQ(UCase(made.Target), UCase(target));
+    EXPECT_EQ(UCase(made.Icon), UCase(target + ",0"));
     EXPECT_EQ(made.Folder, "");
   };
   const auto shell = Win32ScriptingHost().CreateShell();
@@ -140,7 +188,8 @@ TEST(Processes, StartsAndGoesOn) {
 }
 
 TEST(OdbcInstaller, PassesOnTheLibrarysRefusal) {
-  Win32OdbcInstaller odbc;
+  const CodePage ofThisMachine(CP_ACP);
+  Win32OdbcInstaller odbc(ofThisMachine);
   const std::string attributes("DSN=None\0SERVER=none", 20);
   EXPECT_FALSE(odbc.SQLConfigDataSource(4, "No Such Driver", attributes));
 }

@@ -4,6 +4,7 @@
 #include "platform/win32/Win32Clock.h"
 #include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32Settings.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu {
 namespace {
@@ -14,9 +15,9 @@ TEST(FileSystem, RaisesTheFileSystemObjectsOwnErrors) {
   const std::string file = scratch.Write("file.txt", "x");
   const std::string locked = scratch.Write("locked.txt", "x");
   const std::string readOnly = scratch.Write("readonly.txt", "x");
-  SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
+  SetFileAttributesW(Wide(readOnly).c_str(), FILE_ATTRIBUTE_READONLY);
   const HANDLE lock =
-      CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+      CreateFileW(Wide(locked).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   const auto open = [&](const std::string& path, OpenMode mode) {
     return ErrorOf([&] { files.OpenTextFile(path, mode); });
   };
@@ -53,32 +54,32 @@ TEST(FileSystem, ListsEveryFileAndFolderInTheFileSystemsOrder) {
   const Scratch scratch;
   Win32FileSystem files;
   for (const char* name : {"b.txt", "a.txt", "hidden.dll"}) scratch.Write(name, "");
-  SetFileAttributesA((scratch / "hidden.dll").c_str(),
+  SetFileAttributesW(Wide(scratch / "hidden.dll").c_str(),
                      FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
-  files.CreateFolder(scratch / "Sub \xE4");
+  files.CreateFolder(scratch / "Sub \u8868");
 
   const auto folder = files.GetFolder(scratch.Path() + "\\");
   EXPECT_EQ(folder->Path(), scratch.Path());
   EXPECT_EQ(scratch.Path().substr(scratch.Path().rfind('\\') + 1), folder->Name());
   std::vector<std::string> expected;
-  WIN32_FIND_DATAA found;
-  const HANDLE search = FindFirstFileA((scratch / "*").c_str(), &found);
+  WIN32_FIND_DATAW found;
+  const HANDLE search = FindFirstFileW(Wide(scratch / "*").c_str(), &found);
   do {
     if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-      expected.emplace_back(found.cFileName);
+      expected.push_back(Narrow(found.cFileName));
     }
-  } while (FindNextFileA(search, &found));
+  } while (FindNextFileW(search, &found));
   FindClose(search);
   std::vector<std::string> names;
   for (const FolderItem& item : folder->Files()) names.push_back(item.Name);
   EXPECT_EQ(names, expected);
   EXPECT_EQ(names.size(), 3u);
   ASSERT_EQ(folder->SubFolders().size(), 1u);
-  EXPECT_EQ(folder->SubFolders()[0].Path, scratch / "Sub \xE4");
+  EXPECT_EQ(folder->SubFolders()[0].Path, scratch / "Sub \u8868");
 
-  const auto gone = files.GetFolder(scratch / "Sub \xE4");
+  const auto gone = files.GetFolder(scratch / "Sub \u8868");
   EXPECT_TRUE(gone->Files().empty());
-  RemoveDirectoryA((scratch / "Sub \xE4").c_str());
+  std::filesystem::remove(Wide(scratch / "Sub \u8868"));
   EXPECT_EQ(ErrorOf([&] { gone->Files(); }), 76);
   EXPECT_TRUE(files.GetFolder("C:\\")->Path() == "C:\\" && files.GetFolder("C:\\")->Name().empty());
 }
@@ -106,11 +107,14 @@ TEST(FileSystem, WorksUpToWindowsOwnLimitOfAPath) {
   const Scratch scratch;
   Win32FileSystem files;
   std::string folder = scratch.Path();
-  while (folder.size() < 200) {
-    folder += "\\" + std::string(std::min<std::size_t>(40, 210 - folder.size()), 'f');
+  while (Length(folder) < 200) {
+    folder +=
+        "\\" +
+        std::string(static_cast<std::size_t>(std::min<Position>(40, 210 - Length(folder))), 'f');
     files.CreateFolder(folder);
   }
-  const std::string path = folder + "\\" + std::string(255 - folder.size(), 'n');
+  const std::string path =
+      folder + "\\" + std::string(static_cast<std::size_t>(255 - Length(folder)), 'n');
   files.OpenTextFile(path, OpenMode::Output)->Write("x");
   EXPECT_TRUE(files.FileExists(path));
   EXPECT_EQ(files.GetFolder(folder)->Files().at(0).Path, path);
@@ -128,17 +132,17 @@ TEST(FileSystem, KnowsTheSpecialFolders) {
 
 TEST(Settings, KeepsTextsPerUserAndTheSectionsOwnUnderTheEmptyKey) {
   Win32Settings settings;
-  settings.SaveSetting("TA-LU test", "Application", "", "C:\\Apps\\TA-LU");
+  settings.SaveSetting("TA-LU test", "Application", "", "C:\\Apps\\\u8868");
   settings.SaveSetting("TA-LU test", "Application", "Key", "value");
-  const auto read = [](const char* key) {
-    char text[MAX_PATH] = "";
+  const auto read = [](const wchar_t* key) {
+    wchar_t text[MAX_PATH] = L"";
     DWORD size = sizeof text;
-    RegGetValueA(HKEY_CURRENT_USER, "Software\\TA-LU test\\Application", key, RRF_RT_REG_SZ,
+    RegGetValueW(HKEY_CURRENT_USER, L"Software\\TA-LU test\\Application", key, RRF_RT_REG_SZ,
                  nullptr, text, &size);
-    return std::string(text);
+    return Narrow(text);
   };
-  EXPECT_EQ(read(nullptr), "C:\\Apps\\TA-LU");
-  EXPECT_EQ(read("Key"), "value");
+  EXPECT_EQ(read(nullptr), "C:\\Apps\\\u8868");
+  EXPECT_EQ(read(L"Key"), "value");
   EXPECT_EQ(ErrorOf([&] { settings.SaveSetting("a", std::string(300, 'x'), "", ""); }), 5);
   RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\TA-LU test");
 }

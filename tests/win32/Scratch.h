@@ -2,24 +2,27 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 
+#include "platform/win32/Text.h"
 #include "platform/win32/Windows.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
 
-/// An empty folder that is gone after the test, with blanks and an 8-bit character in its name.
+/// An empty folder that is gone after the test, with blanks in its name and letters that no code
+/// page has together.
 class Scratch {
  public:
   Scratch() {
-    char temp[MAX_PATH];
-    GetTempPathA(MAX_PATH, temp);
-    path_ = std::string(temp) + "talu test \xE4 " + std::to_string(GetCurrentProcessId());
+    const std::filesystem::path temp = std::filesystem::temp_directory_path();
+    path_ = Narrow(temp.wstring()) + "talu test \u00e4\u8868\u0436 " +
+            std::to_string(GetCurrentProcessId());
     Clear();
-    CreateDirectoryA(path_.c_str(), nullptr);
+    std::filesystem::create_directory(Wide(path_));
   }
   ~Scratch() { Clear(); }
   Scratch(const Scratch&) = delete;
@@ -29,34 +32,23 @@ class Scratch {
   const std::string& Path() const { return path_; }
 
   std::string Write(const std::string& name, const std::string& text) const {
-    std::ofstream(*this / name, std::ios::binary) << text;
+    std::ofstream(std::filesystem::path(Wide(*this / name)), std::ios::binary) << text;
     return *this / name;
   }
   static std::string Read(const std::string& path) {
     std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
+    text << std::ifstream(std::filesystem::path(Wide(path)), std::ios::binary).rdbuf();
     return text.str();
   }
 
  private:
-  void Clear() const { Remove(path_); }
-  static void Remove(const std::string& folder) {
-    WIN32_FIND_DATAA found;
-    const HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return;
-    do {
-      const std::string name = found.cFileName;
-      if (name == "." || name == "..") continue;
-      const std::string path = folder + "\\" + name;
-      SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-        Remove(path);
-      } else {
-        DeleteFileA(path.c_str());
-      }
-    } while (FindNextFileA(search, &found));
-    FindClose(search);
-    RemoveDirectoryA(folder.c_str());
+  void Clear() const {
+    const std::filesystem::path folder = Wide(path_);
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, missing)) {
+      SetFileAttributesW(entry.path().c_str(), FILE_ATTRIBUTE_NORMAL);
+    }
+    std::filesystem::remove_all(folder, missing);
   }
 
   std::string path_;

@@ -1,4 +1,5 @@
 #include "Scratch.h"
+#include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32ShellOperations.h"
 
 namespace talu {
@@ -21,27 +22,28 @@ class CopyTest : public testing::TestWithParam<Case> {
     scratch.Write("b.txt", "other");
     scratch.Write("old.txt", "old");
     scratch.Write("readonly.txt", "old");
-    SetFileAttributesA((scratch / "readonly.txt").c_str(), FILE_ATTRIBUTE_READONLY);
-    CreateDirectoryA((scratch / "folder").c_str(), nullptr);
-    CreateDirectoryA((scratch / "into").c_str(), nullptr);
+    SetFileAttributesW(Wide(scratch / "readonly.txt").c_str(), FILE_ATTRIBUTE_READONLY);
+    for (const char* name : {"folder", "into"}) {
+      std::filesystem::create_directory(Wide(scratch / name));
+    }
     scratch.Write("folder\\deep.txt", "deep");
   }
 
   /// Names, attributes that matter and contents of everything below a folder.
   std::string Tree(const std::string& folder) {
     std::string tree;
-    WIN32_FIND_DATAA found;
-    const HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW(Wide(folder + "\\*").c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return tree;
     do {
-      const std::string name = found.cFileName;
+      const std::string name = Narrow(found.cFileName);
       if (name == "." || name == "..") continue;
       const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
       const bool readOnly = (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
       tree += name + (readOnly ? "!" : "") + "=";
       tree += isFolder ? "{" + Tree(folder + "\\" + name) + "}"
                        : Scratch::Read(folder + "\\" + name) + ";";
-    } while (FindNextFileA(search, &found));
+    } while (FindNextFileW(search, &found));
     FindClose(search);
     return tree;
   }
@@ -53,14 +55,14 @@ TEST_P(CopyTest, EndsAsTheShellsOwnCopyDoes) {
   {
     const Scratch scratch;
     Prepare(scratch);
-    const std::string from = scratch / GetParam().From + '\0';
-    const std::string to = scratch / GetParam().To + '\0';
-    SHFILEOPSTRUCTA request = {};
+    const std::wstring from = Wide(scratch / GetParam().From + '\0');
+    const std::wstring to = Wide(scratch / GetParam().To + '\0');
+    SHFILEOPSTRUCTW request = {};
     request.wFunc = FO_COPY;
     request.pFrom = from.c_str();
     request.pTo = to.c_str();
     request.fFlags = kNoQuestions;
-    expectedCode = SHFileOperationA(&request);
+    expectedCode = SHFileOperationW(&request);
     expectedTree = Tree(scratch.Path());
   }
   const Scratch scratch;
@@ -86,15 +88,20 @@ INSTANTIATE_TEST_SUITE_P(Copies, CopyTest,
                                          Case{"WholeFolder", "folder", "into"}),
                          [](const auto& info) { return std::string(info.param.Name); });
 
-TEST(ShellOperations, CopiesUnderNamesWithEightBitCharacters) {
-  const Scratch scratch;
-  const std::string from = scratch.Write(
-      "Gr\xFC\xDF"
-      "e.txt",
-      "x");
-  Win32ShellOperations shell;
-  EXPECT_EQ(shell.FileOperation(kCopy, from, scratch / "\xC4.txt", kNoQuestions), 0);
-  EXPECT_EQ(Scratch::Read(scratch / "\xC4.txt"), "x");
+// Half of a surrogate pair is no character, but a name.
+TEST(ShellOperations, CopiesUnderEveryName) {
+  for (const char* name : {"Gr\u00fc\u00dfe.txt", "\u8868.txt", "\U0001F600", "\xED\xA0\xBD.txt"}) {
+    SCOPED_TRACE(name);
+    const Scratch scratch;
+    scratch.Write(name, "x");
+    Win32ShellOperations shell;
+    const auto folder = Win32FileSystem().GetFolder(scratch.Path());
+    const std::string from = folder->Files().at(0).Path;
+    EXPECT_EQ(from, scratch / name);
+    const std::string to = scratch / "to " + name;
+    EXPECT_EQ(shell.FileOperation(kCopy, from, to, kNoQuestions), 0);
+    EXPECT_EQ(Scratch::Read(to), "x");
+  }
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 
 #include "SamplePage.h"
 #include "Scratch.h"
+#include "platform/win32/Text.h"
 #include "platform/win32/Win32WindowSystem.h"
+#include "runtime/TextFunctions.h"
 // Behind the names that Windows.h frees.
 #include <oleacc.h>
 
@@ -47,9 +49,9 @@ class WindowTest : public testing::Test {
     return nullptr;
   }
   std::string TextOf(const std::string& name) const {
-    char text[512] = "";
-    SendMessageA(Control(name), WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
-    return text;
+    wchar_t text[512] = L"";
+    SendMessageW(Control(name), WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
+    return Narrow(text);
   }
   std::string Focused() const {
     for (std::size_t i = 0; i < page_.ControlCount(); ++i) {
@@ -210,19 +212,18 @@ TEST_F(WindowTest, TypingReachesTheFormAndItsOwnTextsDoNotEcho) {
   Show();
   SetFocus(Control("TxtPath"));
   SendMessageA(Control("TxtPath"), EM_SETSEL, 0, -1);
-  for (const char c : {'C', ':'})
-    SendMessageA(Control("TxtPath"), WM_CHAR, static_cast<WPARAM>(c), 1);
-  EXPECT_EQ(page_.Doings, Doings({"focus TxtPath", "type TxtPath C", "type TxtPath C:"}));
-  page_["TxtPath"].Text = "D:\\Apps";
+  for (const wchar_t c : {L'C', L'\u8868'}) SendMessageW(Control("TxtPath"), WM_CHAR, c, 1);
+  EXPECT_EQ(page_.Doings, Doings({"focus TxtPath", "type TxtPath C", "type TxtPath C\u8868"}));
+  page_["TxtPath"].Text = "D:\\\u0436pps";
   page_.Changed("TxtPath", Property::Text);
   page_["TxtPath"].SelStart = 3;
   page_["TxtPath"].SelLength = 4;
   page_.Changed("TxtPath", Property::Selection);
   EXPECT_EQ(page_.Doings.size(), 3u);
-  EXPECT_EQ(TextOf("TxtPath"), "D:\\Apps");
+  EXPECT_EQ(TextOf("TxtPath"), "D:\\\u0436pps");
   EXPECT_EQ(SendMessageA(Control("TxtPath"), EM_GETSEL, 0, 0), MAKELONG(3, 7));
   SendMessageA(Control("TxtPath"), WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
-  EXPECT_EQ(page_["TxtPath"].ToolTipText, "D:\\Apps");
+  EXPECT_EQ(page_["TxtPath"].ToolTipText, "D:\\\u0436pps");
 }
 
 TEST_F(WindowTest, FocusLeavesAControlThatIsDisabledInItsOwnClick) {
@@ -247,14 +248,15 @@ TEST_F(WindowTest, ShowsTextsAndBarsWhenAskedOrWhenTheHandlerIsOver) {
   page_.OnClick = [&] {
     page_["ShpProgBar"].Width = 5860;
     page_.Changed("ShpProgBar", Property::Width);
-    page_["LblTitleMsg"].Text = "R & D";
+    page_["LblTitleMsg"].Text = "R & D \u8868";
     page_.Changed("LblTitleMsg", Property::Caption);
   };
   SendMessageA(Control("CmdNext"), BM_CLICK, 0, 0);
   EXPECT_EQ(GetPropA(Control("ShpProgBar"), "Width"), reinterpret_cast<HANDLE>(5860));
-  char title[32] = "";
-  DefWindowProcA(Control("LblTitleMsg"), WM_GETTEXT, sizeof title, reinterpret_cast<LPARAM>(title));
-  EXPECT_STREQ(title, "R & D");
+  wchar_t title[32] = L"";
+  DefWindowProcW(Control("LblTitleMsg"), WM_GETTEXT, std::size(title),
+                 reinterpret_cast<LPARAM>(title));
+  EXPECT_EQ(Narrow(title), "R & D \u8868");
   Settle();
   EXPECT_NE(PixelOf("ShpProgBar", 300, 5), track);
   page_["ShpProgBar"].Visible = false;
@@ -269,9 +271,9 @@ TEST_F(WindowTest, PaintsAndTakesInputWhileAHandlerWorks) {
   page_.Changed("LblMsg", Property::Caption);
   Sleep(60);
   windows_.DoEvents();
-  char text[32] = "";
-  DefWindowProcA(Control("LblMsg"), WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
-  EXPECT_STREQ(text, "working");
+  wchar_t text[32] = L"";
+  DefWindowProcW(Control("LblMsg"), WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
+  EXPECT_EQ(Narrow(text), "working");
   EXPECT_FALSE(GetUpdateRect(Control("LblMsg"), nullptr, FALSE));
   PostMessageA(frame_, WM_CLOSE, 0, 0);
   Sleep(20);
@@ -310,11 +312,11 @@ TEST_F(WindowTest, TheNextPageAppearsWhereTheLastOneStood) {
 TEST_F(WindowTest, LongTextsCanAlwaysBeRead) {
   Show();
   const auto tip = [&](const std::string& name) {
-    NMTTDISPINFOA info = {};
-    info.hdr.code = static_cast<UINT>(TTN_GETDISPINFOA);
+    NMTTDISPINFOW info = {};
+    info.hdr.code = static_cast<UINT>(TTN_GETDISPINFOW);
     info.hdr.idFrom = reinterpret_cast<UINT_PTR>(Control(name));
-    SendMessageA(frame_, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
-    return std::string(info.lpszText);
+    SendMessageW(frame_, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
+    return Narrow(info.lpszText);
   };
   EXPECT_EQ(tip("LblMsg"), page_["LblMsg"].Text);
   EXPECT_EQ(tip("LblTitleMsg"), "") << "it fits";
@@ -414,19 +416,19 @@ TEST_F(WindowTest, MessageBoxesBelongToThePage) {
 
 TEST_F(WindowTest, TheFolderBrowserGivesAPathOrNothing) {
   Show();
-  char windowsFolder[MAX_PATH];
-  GetWindowsDirectoryA(windowsFolder, MAX_PATH);
+  const Scratch scratch;
   {
     const Answer answer([](HWND dialog) { PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0); });
     EXPECT_EQ(windows_.BrowseForFolder(page_, "Select"), std::nullopt);
   }
   const Answer answer([&](HWND dialog) {
-    SendMessageA(dialog, BFFM_SETSELECTIONA, TRUE, reinterpret_cast<LPARAM>(windowsFolder));
+    SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE,
+                 reinterpret_cast<LPARAM>(Wide(scratch.Path()).c_str()));
     PostMessageA(dialog, WM_COMMAND, IDOK, 0);
   });
   const auto chosen = windows_.BrowseForFolder(page_, "Select");
   ASSERT_TRUE(chosen.has_value());
-  EXPECT_STRCASEEQ(chosen->c_str(), windowsFolder);
+  EXPECT_EQ(UCase(*chosen), UCase(scratch.Path()));
 }
 
 }  // namespace

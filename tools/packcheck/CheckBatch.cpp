@@ -140,7 +140,7 @@ void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const
     findings_.Add("SQL-BACKUP-MERGED", naming->Place, {Shown(name), Shown(longer->second)});
     return;
   }
-  if (candidate.size() > kLongestName) return;
+  if (Length(candidate) > kLongestName) return;
   list_ += "," + candidate;
   names_.emplace(bare, name);
   if (naming != nullptr || bare.empty()) return;

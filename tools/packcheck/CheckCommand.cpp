@@ -39,7 +39,7 @@ int CheckCommand(const CheckOptions& options, std::ostream& out) {
   if (!std::filesystem::is_directory(options.Pack)) {
     throw std::runtime_error("there is no folder " + options.Pack.string());
   }
-  CheckedPack pack(options.Pack);
+  CheckedPack pack(options.Pack, options.CodePage);
   CheckEverything(pack);
   std::map<Severity, int> counts;
   int accepted = 0;

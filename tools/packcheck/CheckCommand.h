@@ -9,6 +9,8 @@ namespace talu::packcheck {
 struct CheckOptions {
   /// The pack folder.
   std::filesystem::path Pack;
+  /// That of the machine that it will be installed on.
+  int CodePage = 1252;
   /// One JSON object per line instead of text for people.
   bool Json = false;
 };

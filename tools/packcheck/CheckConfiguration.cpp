@@ -102,6 +102,7 @@ bool Configuration::CheckText() {
                        {"a UTF-8 mark", "its first line is no key"});
     text_.erase(0, 3);
   }
+  text_ = pack_.Machine.CodePage.ToText(std::move(text_));
   NumberedLines lines(text_);
   CfgLine line;
   while (lines.Next(line.Text, line.Number)) {

@@ -33,7 +33,7 @@ void CheckShortNames(CheckedPack& pack, const SimulatedDisk::Node& folder,
     const std::string below = path + "\\" + node->Name;
     if (node->IsFolder) {
       CheckShortNames(pack, *node, below);
-    } else if (node->Name.size() < 4) {
+    } else if (Length(node->Name) < 4) {
       pack.Findings.Add("APP-SHORT-NAME", {below, 0, node->Name}, {Shown(node->Name)});
     }
   }

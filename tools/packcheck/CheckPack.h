@@ -18,8 +18,10 @@ namespace talu::packcheck {
 /// with backslashes, in any case.
 class CheckedPack {
  public:
-  /// Reads the folder's tree, not the files. Raises std::filesystem::filesystem_error.
-  explicit CheckedPack(const std::filesystem::path& folder) {
+  /// Reads the folder's tree, not the files. Raises std::filesystem::filesystem_error, and
+  /// std::runtime_error with a line for the user for a code page that is not known.
+  CheckedPack(const std::filesystem::path& folder, int codePage)
+      : Machine("D:\\Pack", codePage), IsUtf8(codePage == 65001) {
     Machine.Disk.AddHostFolder(folder, Machine.Parts.AppPath);
   }
 
@@ -40,6 +42,8 @@ class CheckedPack {
   }
 
   SimulatedMachine Machine;
+  /// Whether the machine's code page is UTF-8.
+  bool IsUtf8;
   packcheck::Findings Findings;
 
  private:

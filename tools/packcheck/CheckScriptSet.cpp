@@ -100,14 +100,14 @@ void ScriptSet::CheckFile(const CfgLine& listed) {
     findings_.Add("SQL-NOT-THERE", listed.Place(), {Shown(file_)});
     return;
   }
-  const std::string text = *pack_.Read(file_);
+  std::string text = *pack_.Read(file_);
   sql_.Restart();
   reader_.Begin();
   hasDirective_ = false;
   splitTold_ = false;
   toldRegion_ = 0;
   toldText_ = 0;
-  if (CheckText(text)) TakeText(text);
+  if (CheckText(text)) TakeText(pack_.Machine.CodePage.ToText(std::move(text)));
 }
 
 bool ScriptSet::CheckText(const std::string& text) {
@@ -116,7 +116,7 @@ bool ScriptSet::CheckText(const std::string& text) {
     return false;
   }
   int line = 0;
-  if (IsUtf8(text, line)) findings_.Add("SQL-UTF8", {file_, line, ""});
+  if (!pack_.IsUtf8 && IsUtf8(text, line)) findings_.Add("SQL-UTF8", {file_, line, ""});
   return true;
 }
 

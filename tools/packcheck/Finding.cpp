@@ -10,7 +10,7 @@ namespace talu::packcheck {
 namespace {
 
 constexpr std::size_t kListed = 20;
-constexpr std::size_t kShownLength = 60;
+constexpr Position kShownLength = 60;
 
 std::string Filled(std::string_view text, std::initializer_list<std::string> arguments) {
   std::string filled(text);
@@ -29,7 +29,7 @@ std::string Finding::ToText() const {
   text += std::string(": ") + SeverityName(Rule->Weight) + " " + std::string(Rule->Code) + ": " +
           Will + "\n    " + Do + "\n";
   if (More > 0) text += "    (and " + std::to_string(More) + " more like this in the file)\n";
-  return Utf8FromAnsi(text);
+  return text;
 }
 
 std::string Finding::ToJson() const {
@@ -68,7 +68,7 @@ void Findings::Sort() {
 
 std::string Shown(std::string_view text) {
   std::string shown;
-  for (const char character : text.substr(0, kShownLength)) {
+  for (const char character : Left(text, kShownLength)) {
     if (character == '\r') {
       shown += "\\r";
     } else if (character == '\n') {
@@ -79,7 +79,7 @@ std::string Shown(std::string_view text) {
       shown += character;
     }
   }
-  return '"' + shown + (text.size() > kShownLength ? "..." : "") + '"';
+  return '"' + shown + (Length(text) > kShownLength ? "..." : "") + '"';
 }
 
 }  // namespace talu::packcheck

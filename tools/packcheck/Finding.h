@@ -13,7 +13,7 @@
 
 namespace talu::packcheck {
 
-/// The place of a finding. Texts are in the ANSI code page, as in the pack.
+/// The place of a finding.
 struct Place {
   /// The file, relative to the pack folder, with backslashes.
   std::string File;

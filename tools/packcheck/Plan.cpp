@@ -18,7 +18,7 @@ void MakeChosenFolder(SimulatedDisk& disk, const std::string& path) {
 }  // namespace
 
 PlannedRun::PlannedRun(const PlanOptions& options, const Watcher& watcher)
-    : Machine(options.PackPath), Wizard(Machine.Parts) {
+    : Machine(options.PackPath, options.CodePage), Wizard(Machine.Parts) {
   SetUp(options);
   if (watcher) {
     Machine.Journal.Watch([this, &watcher](const JournalEvent& event) {

@@ -23,8 +23,7 @@ struct StatementFailure {
   RuntimeError Error = StatementError("The statement was told to fail.");
 };
 
-/// What the operator chooses and types, and the initial state of the machine and its server. Texts
-/// are in the Windows-1252 code page.
+/// What the operator chooses and types, and the initial state of the machine and its server.
 struct PlanOptions {
   /// The host folder with the pack.
   std::filesystem::path Pack;
@@ -40,6 +39,8 @@ struct PlanOptions {
   std::string OldPath;
   /// The path of the pack on the machine.
   std::string PackPath = "D:\\Pack";
+  /// That of the machine's text files.
+  int CodePage = 1252;
   /// The clock stands still.
   DateTime Now{2012, 3, 7, 9, 5};
   /// A host folder with the initial contents of C:. Empty: those of a new machine.
@@ -70,7 +71,8 @@ class PlannedRun {
   using Watcher = std::function<void(PlannedRun& run, const JournalEvent& event)>;
 
   /// Runs the plan. Raises std::runtime_error with a line for the user when the pack or the disk
-  /// cannot exist on Windows, std::filesystem::filesystem_error when it cannot be read.
+  /// cannot exist on Windows or the code page is unknown, std::filesystem::filesystem_error when it
+  /// cannot be read.
   explicit PlannedRun(const PlanOptions& options, const Watcher& watcher = {});
 
   /// Whether the operator reached Finish.

@@ -8,7 +8,6 @@
 #include "Passwords.h"
 #include "database/TypeScripts.h"
 #include "pages/FrmSQLNonQuery.h"
-#include "platform/simulated/CodePage.h"
 #include "runtime/TextFunctions.h"
 #include "sql/Passwords.h"
 
@@ -20,14 +19,14 @@ constexpr int kLabelWidth = 12;
 constexpr const char* kTextIndent = "               ";
 constexpr const char* kStatementIndent = "      ";
 
-/// The text in UTF-8, one line below the other, without the line end that batches begin with.
+/// The text, its lines below each other, without the line end that batches begin with.
 std::string Lines(std::string_view text, const char* indent) {
   std::string lines;
   LineScanner scanner(text);
   for (std::string_view line; scanner.Next(line);) {
     if (lines.empty() && line.empty()) continue;
     if (!lines.empty()) lines.append("\n").append(indent);
-    lines += Utf8FromAnsi(line);
+    lines += line;
   }
   return lines;
 }
@@ -48,8 +47,8 @@ void PlanAccount::Begin() {
   const auto two = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
   out_ << kTypeScripts.at(static_cast<std::size_t>(options_.Type)).WithArticle
        << " installation in " << kModes.at(static_cast<std::size_t>(options_.Mode)) << " mode from "
-       << Utf8FromAnsi(options_.PackPath) << ", on " << now.Year << '-' << two(now.Month) << '-'
-       << two(now.Day) << " at " << two(now.Hour) << ':' << two(now.Minute) << '\n';
+       << options_.PackPath << ", on " << now.Year << '-' << two(now.Month) << '-' << two(now.Day)
+       << " at " << two(now.Hour) << ':' << two(now.Minute) << '\n';
 }
 
 void PlanAccount::Take(PlannedRun& run, const JournalEvent& event) {
@@ -111,13 +110,13 @@ void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
   out_ << "  statement " << counts_["sql"];
   // Statements of no script come from the backup before the build connects, or the rollback.
   if (const auto& origin = run.Wizard.Page<FrmSQLNonQuery>().Build.Executing()) {
-    out_ << ", " << Utf8FromAnsi(origin->Script) << " line " << origin->Line;
+    out_ << ", " << origin->Script << " line " << origin->Line;
   } else {
     out_ << (connections_ < 2 ? ", backup" : ", rollback");
   }
   if (event.Error) {
     ++counts_["failed sql"];
-    out_ << ", fails: " << Utf8FromAnsi(event.Error->Description);
+    out_ << ", fails: " << event.Error->Description;
   }
   out_ << '\n'
        << kStatementIndent << Lines(sql::PasswordMask(event.Text("text")).Text(), kStatementIndent)

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "database/TypeScripts.h"
-#include "platform/simulated/CodePage.h"
+#include "runtime/Unicode.h"
 
 namespace talu::packcheck {
 namespace {
@@ -67,7 +67,7 @@ DateTime TimeOf(const std::string& text) {
 
 /// A path with a drive letter, without a backslash at its end except for the root of a drive.
 std::string MachinePath(const std::string& option, const std::string& text) {
-  std::string path = AnsiFromUtf8(text);
+  std::string path = OnlyCharacters(text);
   const bool drive = path.size() >= 3 && path[1] == ':' && path[2] == '\\' &&
                      std::isalpha(static_cast<unsigned char>(path[0])) != 0;
   if (!drive) Refuse(option, text, "a path such as C:\\Folder");
@@ -82,10 +82,10 @@ StatementFailure FailureOf(const std::string& text) {
     const std::size_t colon = text.find_first_not_of("-0123456789", equals + 1);
     if (colon == equals + 1 || colon == std::string::npos || text[colon] != ':') continue;
     const std::int32_t number = Number("--fail-sql", text.substr(equals + 1, colon - equals - 1));
-    return {AnsiFromUtf8(text.substr(0, equals)),
-            RuntimeError(number, AnsiFromUtf8(text.substr(colon + 1)))};
+    return {OnlyCharacters(text.substr(0, equals)),
+            RuntimeError(number, OnlyCharacters(text.substr(colon + 1)))};
   }
-  return {AnsiFromUtf8(text)};
+  return {OnlyCharacters(text)};
 }
 
 void ReadFailRequest(const std::string& text, PlanOptions& run) {
@@ -101,7 +101,7 @@ void ReadExit(const std::string& text, PlanOptions& run) {
   const std::size_t equals = text.rfind('=');
   if (equals == 0 || equals == std::string::npos) Refuse("--exit", text, "NAME=CODE");
   const std::string name = text.substr(0, equals);
-  run.ExitCodes[AnsiFromUtf8(name)] = Number("--exit", text.substr(equals + 1));
+  run.ExitCodes[OnlyCharacters(name)] = Number("--exit", text.substr(equals + 1));
 }
 
 std::vector<std::string> ReadSpecialFolders(const std::string& file) {
@@ -117,11 +117,11 @@ std::vector<std::string> ReadSpecialFolders(const std::string& file) {
   return folders;
 }
 
-std::vector<std::string> AnsiTexts(const std::vector<std::string>& texts) {
-  std::vector<std::string> ansi;
-  ansi.reserve(texts.size());
-  for (const std::string& text : texts) ansi.push_back(AnsiFromUtf8(text));
-  return ansi;
+std::vector<std::string> Texts(const std::vector<std::string>& arguments) {
+  std::vector<std::string> texts;
+  texts.reserve(arguments.size());
+  for (const std::string& argument : arguments) texts.push_back(OnlyCharacters(argument));
+  return texts;
 }
 
 }  // namespace
@@ -137,9 +137,9 @@ PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments) {
   if (!arguments.OldPath.empty() && run.Type != InstallType::Upgrade) {
     throw std::runtime_error("--old-path goes with --type upgrade only");
   }
-  if (!arguments.Server.empty()) run.Server = AnsiFromUtf8(arguments.Server);
-  if (!arguments.User.empty()) run.User = AnsiFromUtf8(arguments.User);
-  if (arguments.Password) run.Password = AnsiFromUtf8(*arguments.Password);
+  if (!arguments.Server.empty()) run.Server = OnlyCharacters(arguments.Server);
+  if (!arguments.User.empty()) run.User = OnlyCharacters(arguments.User);
+  if (arguments.Password) run.Password = OnlyCharacters(*arguments.Password);
   if (!arguments.InstallPath.empty()) {
     run.InstallPath = MachinePath("--install-path", arguments.InstallPath);
   }
@@ -149,10 +149,11 @@ PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments) {
     // A program in the root of a drive has the drive alone as its folder.
     if (run.PackPath.ends_with('\\')) run.PackPath.pop_back();
   }
+  run.CodePage = arguments.CodePage;
   if (!arguments.Now.empty()) run.Now = TimeOf(arguments.Now);
   if (!arguments.Disk.empty()) run.Disk = HostFolder("--disk", arguments.Disk);
-  run.Databases = AnsiTexts(arguments.Databases);
-  run.Logins = AnsiTexts(arguments.Logins);
+  run.Databases = Texts(arguments.Databases);
+  run.Logins = Texts(arguments.Logins);
   for (const std::string& text : arguments.FailSql) run.FailSql.push_back(FailureOf(text));
   run.AcceptAll = arguments.AcceptAll;
   if (!arguments.FailRequest.empty()) ReadFailRequest(arguments.FailRequest, run);

@@ -21,6 +21,7 @@ struct PlanArguments {
   std::string FailRequest;
   std::vector<std::string> Exits;
   std::string SpecialFolders;
+  int CodePage = 1252;
   bool AcceptAll = false;
   bool Twice = false;
   bool Json = false;

@@ -17,6 +17,8 @@ namespace talu::packcheck {
 namespace {
 
 constexpr int kUsage = 2;
+constexpr const char* kCodePageHelp =
+    "The code page of its text files (1252), as 932, 936, 1250, 1251 or 65001";
 
 CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
   CLI::App& plan = *app.add_subcommand("plan", "Tell what an installation would do");
@@ -50,6 +52,7 @@ CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
 
   group = "What the machine is like";
   add("--pack-path", given.PackPath, "PATH", "Where it has the pack (D:\\Pack)");
+  add("--code-page", given.CodePage, "NUMBER", kCodePageHelp);
   add("--now", given.Now, "TIME", "What its clock says (\"2012-03-07 09:05\")");
   add("--disk", given.Disk, "DIR", "A folder that is its C: at the start (a new machine's)");
   add("--special-folders", given.SpecialFolders, "FILE",
@@ -72,6 +75,7 @@ CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
 struct CheckArguments {
   std::string Pack;
   std::string Code;
+  int CodePage = 1252;
   bool Json = false;
 };
 
@@ -82,6 +86,7 @@ CLI::App& AddCheck(CLI::App& app, CheckArguments& given) {
       "could not be checked.");
   CLI::Option* const pack = check.add_option("PACK", given.Pack, "The pack folder")->type_name("");
   CLI::Option* const json = check.add_flag("--json", given.Json, "Print one JSON object a finding");
+  check.add_option("--code-page", given.CodePage, kCodePageHelp)->type_name("NUMBER");
   check.add_option("--explain", given.Code, "Explain a finding's code")
       ->type_name("CODE")
       ->excludes(pack)
@@ -96,7 +101,7 @@ int RunCheck(const CheckArguments& given) {
   }
   if (given.Pack.empty()) throw std::runtime_error("check: a pack folder is wanted");
   const std::u8string pack(given.Pack.begin(), given.Pack.end());
-  return CheckCommand({.Pack = pack, .Json = given.Json}, std::cout);
+  return CheckCommand({.Pack = pack, .CodePage = given.CodePage, .Json = given.Json}, std::cout);
 }
 
 int Run(int count, char** arguments) {

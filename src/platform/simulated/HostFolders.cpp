@@ -4,9 +4,9 @@
 #include <set>
 #include <stdexcept>
 
-#include "platform/simulated/CodePage.h"
 #include "platform/simulated/SimulatedDisk.h"
 #include "runtime/TextFunctions.h"
+#include "runtime/Unicode.h"
 
 namespace talu {
 namespace {
@@ -24,16 +24,15 @@ fs::path FromUtf8(const std::string& text) {
 
 /// The name of a host file on a Windows machine.
 std::string NameOnWindows(const fs::path& path) {
-  const std::string name = Utf8(path.filename());
-  std::string ansi = AnsiFromUtf8(name);
-  if (Utf8FromAnsi(ansi) != name) {
-    throw std::runtime_error(Utf8(path) + ": the name cannot be written in Windows-1252");
+  std::string name = Utf8(path.filename());
+  if (OnlyCharacters(name) != name) {
+    throw std::runtime_error(OnlyCharacters(Utf8(path)) + ": the name is not UTF-8");
   }
-  if (ansi.find_first_of("\\:*?\"<>|") != std::string::npos || ansi.ends_with('.') ||
-      ansi.ends_with(' ')) {
+  if (name.find_first_of("\\:*?\"<>|") != std::string::npos || name.ends_with('.') ||
+      name.ends_with(' ')) {
     throw std::runtime_error(Utf8(path) + ": Windows does not allow this name");
   }
-  return ansi;
+  return name;
 }
 
 void AddTree(const fs::path& hostFolder, SimulatedDisk::Node& folder) {
@@ -75,7 +74,7 @@ void SaveTree(const SimulatedDisk::Node& folder, const fs::path& hostFolder,
   fs::create_directories(hostFolder);
   for (const auto& [upper, node] : folder.Children) {
     if (node.get() == except) continue;
-    const fs::path target = hostFolder / FromUtf8(Utf8FromAnsi(node->Name));
+    const fs::path target = hostFolder / FromUtf8(node->Name);
     if (node->IsFolder) {
       SaveTree(*node, target, except);
     } else {

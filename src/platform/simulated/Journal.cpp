@@ -3,29 +3,28 @@
 #include <algorithm>
 #include <new>
 
-#include "platform/simulated/CodePage.h"
+#include "runtime/Unicode.h"
 
 namespace talu {
 namespace {
 
 bool IsPlain(char character) {
   const auto byte = static_cast<unsigned char>(character);
-  return byte >= 0x20 && byte < 0x80 && character != '"' && character != '\\';
+  return byte >= 0x20 && character != '"' && character != '\\';
 }
 
 void AppendQuoted(std::string& json, const std::string& text) {
   constexpr char kHex[] = "0123456789abcdef";
-  json.reserve(json.size() + text.size() + 2);
+  const std::string characters = OnlyCharacters(text);
+  json.reserve(json.size() + characters.size() + 2);
   json += '"';
-  for (auto at = text.begin(); at != text.end(); ++at) {
-    const auto end = std::find_if_not(at, text.end(), IsPlain);
+  for (auto at = characters.begin(); at != characters.end(); ++at) {
+    const auto end = std::find_if_not(at, characters.end(), IsPlain);
     json.append(at, end);
-    if (end == text.end()) break;
+    if (end == characters.end()) break;
     at = end;
     const auto byte = static_cast<unsigned char>(*at);
-    if (byte >= 0x80) {
-      AppendUtf8(json, UnicodeOf(*at));
-    } else if (byte < 0x20) {
+    if (byte < 0x20) {
       json += "\\u00";
       json += kHex[byte >> 4];
       json += kHex[byte & 15];

@@ -10,7 +10,6 @@
 #include <variant>
 #include <vector>
 
-#include "platform/simulated/CodePage.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -25,7 +24,7 @@ struct JournalEvent {
 
   /// The text of a field; empty when there is no such field.
   std::string Text(const std::string& field) const;
-  /// One JSON object on one line; texts are read as Windows-1252.
+  /// One JSON object on one line, in UTF-8.
   std::string ToJson() const;
 
   std::string Kind;

@@ -7,7 +7,6 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/simulated/CodePage.h"
 #include "runtime/RuntimeError.h"
 #include "runtime/TextFiles.h"
 #include "runtime/TextFunctions.h"
@@ -39,10 +38,6 @@ std::string FileContent::All() const {
   std::string bytes(static_cast<std::size_t>(Size), '\0');
   bytes.resize(Read(0, bytes.data(), bytes.size()));
   return bytes;
-}
-
-bool ListingOrder::operator()(std::string_view a, std::string_view b) const {
-  return std::ranges::lexicographical_compare(a, b, {}, UnicodeOf, UnicodeOf);
 }
 
 SimulatedDisk::SimulatedDisk(std::string currentFolder) : currentFolder_(std::move(currentFolder)) {
@@ -79,7 +74,7 @@ std::string SimulatedDisk::OwnSpelling(const std::string& path) {
 }
 
 SimulatedDisk::Node* SimulatedDisk::Find(const std::string& path) {
-  if (path.empty() || path.size() >= kMaxPath) return nullptr;
+  if (path.empty() || Length(path) >= kMaxPath) return nullptr;
   Node* node = &root_;
   for (const std::string& piece : Split(FullPath(path), '\\')) {
     const auto child = node->Children.find(UCase(piece));
@@ -112,7 +107,7 @@ void SimulatedDisk::CreateFolder(const std::string& path) {
   if (Find(path) != nullptr) throw RuntimeError(error::kFileAlreadyExists);
   const std::string full = FullPath(path);
   std::string name;
-  Node* parent = full.size() < kMaxFolderPath ? Parent(full, name) : nullptr;
+  Node* parent = Length(full) < kMaxFolderPath ? Parent(full, name) : nullptr;
   if (parent == nullptr) throw RuntimeError(error::kPathNotFound);
   if (name.find_first_of(":*?\"<>|") != std::string::npos)
     throw RuntimeError(error::kBadFileNumber);
@@ -154,7 +149,7 @@ SimulatedDisk::Node& SimulatedDisk::FileForWriting(const std::string& path) {
   }
   const std::string full = FullPath(path);
   std::string name;
-  Node* parent = full.size() < kMaxPath ? Parent(full, name) : nullptr;
+  Node* parent = Length(full) < kMaxPath ? Parent(full, name) : nullptr;
   if (parent == nullptr) throw RuntimeError(error::kPathNotFound);
   if (name.find_first_of(":*?\"<>|") != std::string::npos)
     throw RuntimeError(error::kBadFileNumber);

@@ -24,13 +24,6 @@ struct FileContent {
   std::string All() const;
 };
 
-/// The order in which a folder lists its entries: by upper-cased Unicode names, as NTFS and Wine
-/// do.
-struct ListingOrder {
-  using is_transparent = void;
-  bool operator()(std::string_view a, std::string_view b) const;
-};
-
 /// The drives of a simulated machine: backslash paths, case kept and ignored. Raises the same
 /// errors as Windows.
 class SimulatedDisk {
@@ -44,7 +37,8 @@ class SimulatedDisk {
     /// The number of handles open for writing.
     int Writers = 0;
     std::shared_ptr<FileContent> Content;
-    std::map<std::string, std::unique_ptr<Node>, ListingOrder> Children;  // by upper-cased name
+    /// By upper-cased names; UTF-8 sorts in the order of Unicode, as NTFS and Wine do.
+    std::map<std::string, std::unique_ptr<Node>> Children;
   };
 
   /// A path without a drive starts at `currentFolder`, whose drive exists from the start.
@@ -69,8 +63,8 @@ class SimulatedDisk {
   /// The bytes of a file, or nothing when it does not exist.
   std::optional<std::string> ReadFile(const std::string& path);
   /// Adds a host folder's tree at `path`, over existing files. The bytes stay on the host until
-  /// they are written to. Raises std::runtime_error for a name that is impossible in Windows-1252
-  /// or Windows, and for two names that differ only in case.
+  /// they are written to. Raises std::runtime_error for a name that is impossible in Windows, and
+  /// for two names that differ only in case.
   void AddHostFolder(const std::filesystem::path& hostFolder, const std::string& path);
   /// Writes all drives except the tree at `except` into a host folder, each into a folder of its
   /// letter. Raises std::runtime_error when a file cannot be written.
@@ -96,7 +90,7 @@ class SimulatedDisk {
 };
 
 /// Windows' limits on the length of a path, including its end, for a file and for a new folder.
-inline constexpr std::size_t kMaxPath = 260;
-inline constexpr std::size_t kMaxFolderPath = 248;
+inline constexpr std::ptrdiff_t kMaxPath = 260;
+inline constexpr std::ptrdiff_t kMaxFolderPath = 248;
 
 }  // namespace talu

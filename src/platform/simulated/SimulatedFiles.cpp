@@ -58,9 +58,9 @@ class SimulatedInput : public TextFile {
 
 class SimulatedOutput : public TextFile {
  public:
-  SimulatedOutput(Journal& journal, SimulatedDisk& disk, SimulatedDisk::Node& node,
-                  std::string path)
-      : journal_(journal), disk_(disk), node_(node), path_(std::move(path)) {
+  SimulatedOutput(Journal& journal, SimulatedDisk& disk, const CodePage& codePage,
+                  SimulatedDisk::Node& node, std::string path)
+      : journal_(journal), disk_(disk), codePage_(codePage), node_(node), path_(std::move(path)) {
     ++node_.Writers;
   }
   ~SimulatedOutput() override {
@@ -71,7 +71,8 @@ class SimulatedOutput : public TextFile {
   std::uint64_t Size() const override { return node_.Content->Size; }
   std::size_t Read(char*, std::size_t) override { throw RuntimeError(error::kBadFileMode); }
   void Write(std::string_view bytes) override {
-    journal_.Request({"print", {{"path", path_}, {"text", std::string(bytes)}}}, false, [&] {
+    const std::string text = codePage_.ToText(std::string(bytes));
+    journal_.Request({"print", {{"path", path_}, {"text", text}}}, false, [&] {
       disk_.Use(bytes.size());
       // A copy shares the bytes until they are written to.
       if (node_.Content.use_count() > 1 || !node_.Content->HostFile.empty()) {
@@ -87,6 +88,7 @@ class SimulatedOutput : public TextFile {
  private:
   Journal& journal_;
   SimulatedDisk& disk_;
+  const CodePage& codePage_;
   SimulatedDisk::Node& node_;
   std::string path_;
 };
@@ -136,7 +138,7 @@ std::unique_ptr<TextFile> SimulatedFiles::OpenTextFile(const std::string& path, 
   }
   SimulatedDisk::Node& node = disk_.FileForWriting(path);
   if (mode == OpenMode::Output) node.Content = std::make_shared<FileContent>();
-  return std::make_unique<SimulatedOutput>(journal_, disk_, node, path);
+  return std::make_unique<SimulatedOutput>(journal_, disk_, codePage_, node, path);
 }
 
 int SimulatedFiles::FileOperation(int operation, const std::string& from, const std::string& to,

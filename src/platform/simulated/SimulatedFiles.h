@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/CodePage.h"
 #include "platform/FileSystemObject.h"
 #include "platform/ShellOperations.h"
 #include "platform/simulated/Journal.h"
@@ -11,10 +12,11 @@
 namespace talu {
 
 /// The file-system object and the shell's file operation over a simulated disk. The Windows folder
-/// is C:\Windows.
+/// is C:\Windows. The journal shows what is printed as it stands in the file.
 class SimulatedFiles : public FileSystemObject, public ShellOperations {
  public:
-  SimulatedFiles(Journal& journal, SimulatedDisk& disk) : journal_(journal), disk_(disk) {}
+  SimulatedFiles(Journal& journal, SimulatedDisk& disk, const CodePage& codePage)
+      : journal_(journal), disk_(disk), codePage_(codePage) {}
 
   bool FileExists(const std::string& path) override { return disk_.FileExists(path); }
   bool FolderExists(const std::string& path) override { return disk_.FolderExists(path); }
@@ -30,6 +32,7 @@ class SimulatedFiles : public FileSystemObject, public ShellOperations {
  private:
   Journal& journal_;
   SimulatedDisk& disk_;
+  const CodePage& codePage_;
 };
 
 }  // namespace talu

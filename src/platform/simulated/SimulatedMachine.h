@@ -16,9 +16,11 @@ namespace talu {
 /// journals requests and can fail any of them once.
 class SimulatedMachine {
  public:
-  /// The pack is at `appPath`; C: has the system's folders and "Program Files".
-  explicit SimulatedMachine(const std::string& appPath = "D:\\Pack")
-      : Disk(appPath),
+  /// The pack lies at `appPath`; C: has the system's folders and "Program Files". Raises
+  /// std::runtime_error for a code page that the host does not know.
+  explicit SimulatedMachine(const std::string& appPath = "D:\\Pack", int codePage = 1252)
+      : CodePage(codePage),
+        Disk(appPath),
         Parts{.Windows = Windows,
               .Files = Files,
               .Shell = Files,
@@ -28,14 +30,16 @@ class SimulatedMachine {
               .Scripting = Scripting,
               .Settings = Settings,
               .Clock = Clock,
+              .CodePage = CodePage,
               .AppPath = appPath} {
     Disk.MakeFolders("C:\\Windows\\system");
     Disk.MakeFolders("C:\\Program Files");
   }
 
+  talu::CodePage CodePage;
   talu::Journal Journal;
   SimulatedDisk Disk;
-  SimulatedFiles Files{Journal, Disk};
+  SimulatedFiles Files{Journal, Disk, CodePage};
   SimulatedOdbc Odbc{Journal};
   SimulatedServer Server{Journal, Odbc};
   SimulatedProcesses Programs{Journal, Disk};

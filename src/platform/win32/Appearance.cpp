@@ -1,7 +1,7 @@
 #include "platform/win32/Appearance.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cwchar>
 
 namespace talu {
 namespace {
@@ -17,46 +17,46 @@ int ScreenDpi() {
   return dpi;
 }
 
-int CALLBACK NoteFound(const LOGFONTA*, const TEXTMETRICA*, DWORD, LPARAM found) {
+int CALLBACK NoteFound(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM found) {
   *reinterpret_cast<bool*>(found) = true;
   return 0;
 }
 
-bool IsInstalled(const char* face) {
-  LOGFONTA wanted = {};
+bool IsInstalled(const wchar_t* face) {
+  LOGFONTW wanted = {};
   wanted.lfCharSet = DEFAULT_CHARSET;
-  std::strncpy(wanted.lfFaceName, face, LF_FACESIZE - 1);
+  std::wcsncpy(wanted.lfFaceName, face, LF_FACESIZE - 1);
   bool found = false;
   const HDC screen = GetDC(nullptr);
-  EnumFontFamiliesExA(screen, &wanted, NoteFound, reinterpret_cast<LPARAM>(&found), 0);
+  EnumFontFamiliesExW(screen, &wanted, NoteFound, reinterpret_cast<LPARAM>(&found), 0);
   ReleaseDC(nullptr, screen);
   return found;
 }
 
 struct Face {
-  const char* Name;
-  /// The size that looks as large as the others at 100.
+  const wchar_t* Name;
+  /// Size that looks like the others at 100.
   int Percent;
 };
 
 /// "MS Sans Serif" has bitmaps for ordinary displays only; above that its outline version is sharp.
 /// The others are for machines that have neither.
 Face ChooseFace(int dpi) {
-  constexpr Face kBitmapped = {"MS Sans Serif", 100};
+  constexpr Face kBitmapped = {L"MS Sans Serif", 100};
   if (dpi == kPlainDpi && IsInstalled(kBitmapped.Name)) return kBitmapped;
-  constexpr Face kOutlined[] = {{"Microsoft Sans Serif", 100},
-                                {"Tahoma", 100},
-                                {"DejaVu Sans", 92},
-                                {"Liberation Sans", 100}};
+  constexpr Face kOutlined[] = {{L"Microsoft Sans Serif", 100},
+                                {L"Tahoma", 100},
+                                {L"DejaVu Sans", 92},
+                                {L"Liberation Sans", 100}};
   for (const Face& face : kOutlined) {
     if (IsInstalled(face.Name)) return face;
   }
-  return {"MS Shell Dlg", 100};
+  return {L"MS Shell Dlg", 100};
 }
 
 HFONT MakeFont(const Face& face, int dpi, int points, int weight) {
   const int height = MulDiv(points * face.Percent, dpi, kPointsAnInch * 100);
-  return CreateFontA(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+  return CreateFontW(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                      OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY,
                      VARIABLE_PITCH | FF_SWISS, face.Name);
 }

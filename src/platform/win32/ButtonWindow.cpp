@@ -29,7 +29,7 @@ std::string WithPlainAmpersands(const std::string& text) {
 }  // namespace
 
 ButtonWindow::ButtonWindow(FormFrame& frame, std::size_t index)
-    : ControlWindow(frame, index, "BUTTON", Style(frame.Form().ControlAt(index))) {
+    : ControlWindow(frame, index, L"BUTTON", Style(frame.Form().ControlAt(index))) {
   ButtonWindow::BringUpToDate();
   ButtonWindow::Update(Property::Value);
 }
@@ -44,13 +44,13 @@ std::string ButtonWindow::WindowText() const {
 void ButtonWindow::Update(Property changed) {
   ControlWindow::Update(changed);
   if (changed == Property::Value) {
-    SendMessageA(Window(), BM_SETCHECK, View().Value ? BST_CHECKED : BST_UNCHECKED, 0);
+    SendMessageW(Window(), BM_SETCHECK, View().Value ? BST_CHECKED : BST_UNCHECKED, 0);
   }
 }
 
 void ButtonWindow::BringUpToDate() {
   ControlWindow::BringUpToDate();
-  SetWindowTextA(Window(), WindowText().c_str());
+  SetWindowTextW(Window(), Wide(WindowText()).c_str());
 }
 
 void ButtonWindow::OnNotification(int code) {
@@ -110,7 +110,7 @@ void ButtonWindow::Hover(bool hot) {
 }
 
 bool ButtonWindow::IsPushed() const {
-  return (SendMessageA(Window(), BM_GETSTATE, 0, 0) & BST_PUSHED) != 0;
+  return (SendMessageW(Window(), BM_GETSTATE, 0, 0) & BST_PUSHED) != 0;
 }
 
 void ButtonWindow::Draw(Canvas& canvas) {

@@ -3,20 +3,12 @@
 #include <algorithm>
 
 #include "platform/win32/FormFrame.h"
+#include "platform/win32/Text.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
-namespace {
 
-LRESULT CallProcedure(WNDPROC procedure, bool unicode, HWND window, UINT message, WPARAM wParam,
-                      LPARAM lParam) {
-  return unicode ? CallWindowProcW(procedure, window, message, wParam, lParam)
-                 : CallWindowProcA(procedure, window, message, wParam, lParam);
-}
-
-}  // namespace
-
-ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* windowClass,
+ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const wchar_t* windowClass,
                              DWORD style)
     : frame_(frame), index_(index) {
   const ControlView& view = View();
@@ -25,25 +17,23 @@ ControlWindow::ControlWindow(FormFrame& frame, std::size_t index, const char* wi
   if (view.Visible) all |= WS_VISIBLE;
   if (!view.Enabled) all |= WS_DISABLED;
   const auto id = reinterpret_cast<HMENU>(FormFrame::kFirstControlId + index);
-  window_ = CreateWindowExA(0, windowClass, "", all, area.left, area.top, area.right - area.left,
-                            area.bottom - area.top, frame.Window(), id, GetModuleHandleA(nullptr),
+  window_ = CreateWindowExW(0, windowClass, L"", all, area.left, area.top, area.right - area.left,
+                            area.bottom - area.top, frame.Window(), id, GetModuleHandleW(nullptr),
                             nullptr);
   if (window_ == nullptr) throw RuntimeError(error::kOutOfMemory);
-  SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-  // SetWindowSubclass would look up a window property for each message, under Wine in another
+  SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  // SetWindowSubclass would look for a window property at each message, under Wine in another
   // process.
   const auto receive = reinterpret_cast<LONG_PTR>(&Receive);
-  unicode_ = IsWindowUnicode(window_) != FALSE;
-  former_ = reinterpret_cast<WNDPROC>(unicode_ ? SetWindowLongPtrW(window_, GWLP_WNDPROC, receive)
-                                               : SetWindowLongPtrA(window_, GWLP_WNDPROC, receive));
-  SendMessageA(window_, WM_SETFONT, reinterpret_cast<WPARAM>(frame.Look().Font(view.Style)), FALSE);
-  SetPropA(window_, view.Name.c_str(), reinterpret_cast<HANDLE>(1));
+  former_ = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(window_, GWLP_WNDPROC, receive));
+  SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(frame.Look().Font(view.Style)), FALSE);
+  SetPropW(window_, Wide(view.Name).c_str(), reinterpret_cast<HANDLE>(1));
   ApplyWidth();
 }
 
 ControlWindow::~ControlWindow() {
-  // The frame destroys the window itself.
-  SetWindowLongPtrA(window_, GWLP_USERDATA, 0);
+  // The window itself goes with its frame.
+  SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
 }
 
 const ControlView& ControlWindow::View() const {
@@ -83,7 +73,7 @@ void ControlWindow::BringUpToDate() {
 void ControlWindow::ApplyWidth() {
   const int width = View().Width;
   if (width == shownWidth_) return;
-  SetPropA(window_, "Width", reinterpret_cast<HANDLE>(static_cast<INT_PTR>(width)));
+  SetPropW(window_, L"Width", reinterpret_cast<HANDLE>(static_cast<INT_PTR>(width)));
   const bool first = shownWidth_ < 0;
   shownWidth_ = width;
   if (first) return;
@@ -112,16 +102,16 @@ void ControlWindow::MarkStale() {
 }
 
 LRESULT ControlWindow::ClassDefault(UINT message, WPARAM wParam, LPARAM lParam) {
-  return CallProcedure(former_, unicode_, window_, message, wParam, lParam);
+  return CallWindowProcW(former_, window_, message, wParam, lParam);
 }
 
 LRESULT ControlWindow::ClassDefaultUnseen(UINT message, WPARAM wParam, LPARAM lParam) {
   // A window with redrawing off counts as invisible, so only a visible one is switched.
   const bool visible = IsWindowVisible(window_) != FALSE;
-  if (visible) DefWindowProcA(window_, WM_SETREDRAW, FALSE, 0);
+  if (visible) DefWindowProcW(window_, WM_SETREDRAW, FALSE, 0);
   const LRESULT result = ClassDefault(message, wParam, lParam);
   if (visible) {
-    DefWindowProcA(window_, WM_SETREDRAW, TRUE, 0);
+    DefWindowProcW(window_, WM_SETREDRAW, TRUE, 0);
     Repaint();
   }
   return result;
@@ -158,13 +148,10 @@ void ControlWindow::Paint(HDC given) {
 }
 
 LRESULT CALLBACK ControlWindow::Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  auto* control = reinterpret_cast<ControlWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+  auto* control = reinterpret_cast<ControlWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
   if (control != nullptr) return control->OnMessage(message, wParam, lParam);
-  const bool unicode = IsWindowUnicode(window) != FALSE;
-  const auto ofClass =
-      unicode ? GetClassLongPtrW(window, GCLP_WNDPROC) : GetClassLongPtrA(window, GCLP_WNDPROC);
-  return CallProcedure(reinterpret_cast<WNDPROC>(ofClass), unicode, window, message, wParam,
-                       lParam);
+  const auto ofClass = reinterpret_cast<WNDPROC>(GetClassLongPtrW(window, GCLP_WNDPROC));
+  return CallWindowProcW(ofClass, window, message, wParam, lParam);
 }
 
 }  // namespace talu

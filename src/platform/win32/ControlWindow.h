@@ -37,7 +37,7 @@ class ControlWindow {
   virtual void OnNotification(int) {}
 
  protected:
-  ControlWindow(FormFrame& frame, std::size_t index, const char* windowClass, DWORD style);
+  ControlWindow(FormFrame& frame, std::size_t index, const wchar_t* windowClass, DWORD style);
 
   virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   /// Draws the control on a canvas of the size of its client area, which shows the page's backdrop.
@@ -60,9 +60,8 @@ class ControlWindow {
 
   std::size_t index_;
   HWND window_ = nullptr;
-  /// What received the window's messages before, and whether its texts are wide.
+  /// What received the window's messages before us.
   WNDPROC former_ = nullptr;
-  bool unicode_ = false;
   bool stale_ = false;
   int shownWidth_ = -1;
 };

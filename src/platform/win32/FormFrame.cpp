@@ -7,6 +7,7 @@
 #include "platform/win32/ButtonWindow.h"
 #include "platform/win32/LabelWindow.h"
 #include "platform/win32/ShapeWindow.h"
+#include "platform/win32/Text.h"
 #include "platform/win32/TextBoxWindow.h"
 #include "runtime/RuntimeError.h"
 
@@ -15,21 +16,21 @@ namespace {
 
 constexpr DWORD kFrameStyle =
     WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN;
-constexpr const char* kFrameClass = "TaLuForm";
+constexpr const wchar_t* kFrameClass = L"TaLuForm";
 
 void RegisterFrameClass(WNDPROC receive) {
   static bool done = false;
   if (std::exchange(done, true)) return;
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
   InitCommonControlsEx(&controls);
-  WNDCLASSEXA frame = {};
+  WNDCLASSEXW frame = {};
   frame.cbSize = sizeof frame;
   frame.lpfnWndProc = receive;
-  frame.hInstance = GetModuleHandleA(nullptr);
-  frame.hIcon = LoadIconA(frame.hInstance, MAKEINTRESOURCEA(1));
+  frame.hInstance = GetModuleHandleW(nullptr);
+  frame.hIcon = LoadIconW(frame.hInstance, MAKEINTRESOURCEW(1));
   frame.hCursor = LoadCursorA(nullptr, IDC_ARROW);
   frame.lpszClassName = kFrameClass;
-  RegisterClassExA(&frame);
+  RegisterClassExW(&frame);
 }
 
 }  // namespace
@@ -43,11 +44,11 @@ FormFrame::FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& wat
   RegisterFrameClass(Receive);
   RECT size = {0, 0, look.Pixels(form.WindowWidth()), look.Pixels(form.WindowHeight())};
   AdjustWindowRectEx(&size, kFrameStyle, FALSE, 0);
-  window_ = CreateWindowExA(0, kFrameClass, form.WindowCaption().c_str(), kFrameStyle, 0, 0,
+  window_ = CreateWindowExW(0, kFrameClass, Wide(form.WindowCaption()).c_str(), kFrameStyle, 0, 0,
                             size.right - size.left, size.bottom - size.top, nullptr, nullptr,
-                            GetModuleHandleA(nullptr), this);
+                            GetModuleHandleW(nullptr), this);
   if (window_ == nullptr) throw RuntimeError(error::kOutOfMemory);
-  SetPropA(window_, form.WindowName().c_str(), reinterpret_cast<HANDLE>(1));
+  SetPropW(window_, Wide(form.WindowName()).c_str(), reinterpret_cast<HANDLE>(1));
   MakeControls();
   OrderControls();
   PlaceOptionStop();
@@ -61,7 +62,7 @@ FormFrame::~FormFrame() {
 }
 
 void FormFrame::LetGo() {
-  SetWindowLongPtrA(window_, GWLP_USERDATA, 0);
+  SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
   controls_.clear();
 }
 
@@ -118,7 +119,7 @@ void FormFrame::OrderControls() {
 
 void FormFrame::Show(const WINDOWPLACEMENT* place, int number) {
   MarkBusy(true);
-  SetPropA(window_, "Shown", reinterpret_cast<HANDLE>(static_cast<INT_PTR>(number)));
+  SetPropW(window_, L"Shown", reinterpret_cast<HANDLE>(static_cast<INT_PTR>(number)));
   BringUpToDate();
   UpdateSelf(Property::Caption);
   RECT window;
@@ -136,7 +137,7 @@ void FormFrame::Show(const WINDOWPLACEMENT* place, int number) {
     SetWindowPlacement(window_, &here);
   } else {
     RECT work;
-    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
     const int left = std::max(work.left, work.left + (work.right - work.left - width) / 2);
     const int top = std::max(work.top, work.top + (work.bottom - work.top - height) / 2);
     SetWindowPos(window_, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -150,9 +151,9 @@ void FormFrame::Show(const WINDOWPLACEMENT* place, int number) {
 
 void FormFrame::MarkBusy(bool busy) {
   if (busy) {
-    SetPropA(window_, "Busy", reinterpret_cast<HANDLE>(1));
+    SetPropW(window_, L"Busy", reinterpret_cast<HANDLE>(1));
   } else {
-    RemovePropA(window_, "Busy");
+    RemovePropW(window_, L"Busy");
   }
 }
 
@@ -176,13 +177,13 @@ void FormFrame::Update(std::size_t index, Property changed) {
 
 void FormFrame::UpdateSelf(Property changed) {
   if (changed == Property::Caption) {
-    SetWindowTextA(window_, form_.WindowCaption().c_str());
+    SetWindowTextW(window_, Wide(form_.WindowCaption()).c_str());
   } else if (changed == Property::MousePointer && IsShown()) {
     POINT pointer;
     GetCursorPos(&pointer);
     const HWND under = WindowFromPoint(pointer);
     if (under != nullptr && GetAncestor(under, GA_ROOT) == window_) {
-      SendMessageA(window_, WM_SETCURSOR, reinterpret_cast<WPARAM>(under),
+      SendMessageW(window_, WM_SETCURSOR, reinterpret_cast<WPARAM>(under),
                    MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
     }
   }
@@ -230,12 +231,12 @@ void FormFrame::DrawShapes(Canvas& canvas, int left, int top) const {
 
 LRESULT CALLBACK FormFrame::Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_NCCREATE) {
-    auto* frame = static_cast<FormFrame*>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams);
+    auto* frame = static_cast<FormFrame*>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams);
     frame->window_ = window;
-    SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(frame));
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(frame));
   }
-  auto* frame = reinterpret_cast<FormFrame*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-  if (frame == nullptr) return DefWindowProcA(window, message, wParam, lParam);
+  auto* frame = reinterpret_cast<FormFrame*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (frame == nullptr) return DefWindowProcW(window, message, wParam, lParam);
   return frame->OnMessage(message, wParam, lParam);
 }
 
@@ -261,7 +262,7 @@ LRESULT FormFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       }
       break;
     case WM_NOTIFY:
-      if (reinterpret_cast<NMHDR*>(lParam)->code == TTN_GETDISPINFOA) FillToolTip(lParam);
+      if (reinterpret_cast<NMHDR*>(lParam)->code == TTN_GETDISPINFOW) FillToolTip(lParam);
       return 0;
     case WM_ACTIVATE:
       return OnActivate(LOWORD(wParam) != WA_INACTIVE);
@@ -281,7 +282,7 @@ LRESULT FormFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     default:
       break;
   }
-  return DefWindowProcA(window_, message, wParam, lParam);
+  return DefWindowProcW(window_, message, wParam, lParam);
 }
 
 LRESULT FormFrame::OnCommand(WPARAM wParam) {

@@ -112,7 +112,7 @@ class FormFrame {
   HWND window_ = nullptr;
   HWND toolTips_ = nullptr;
   HWND lastFocus_ = nullptr;
-  std::string tip_;
+  std::wstring tip_;
   HBRUSH enabledBrush_;
   HBRUSH disabledBrush_;
   std::vector<std::unique_ptr<ControlWindow>> controls_;

@@ -44,8 +44,9 @@ bool FormFrame::HandleKey(const MSG& message) {
 
   const HWND focus = GetFocus();
   const bool typing =
-      focus != nullptr && (SendMessageA(focus, WM_GETDLGCODE, 0, 0) & DLGC_WANTCHARS) != 0;
+      focus != nullptr && (SendMessageW(focus, WM_GETDLGCODE, 0, 0) & DLGC_WANTCHARS) != 0;
   if (message.message != WM_SYSCHAR && (message.message != WM_CHAR || typing)) return false;
+  if (message.wParam >= 0x80) return false;  // the labels' letters are ASCII
   const char key = static_cast<char>(std::tolower(static_cast<unsigned char>(message.wParam)));
   for (std::size_t i = 0; i < controls_.size(); ++i) {
     const ControlView& label = controls_[i]->View();
@@ -61,7 +62,7 @@ bool FormFrame::HandleKey(const MSG& message) {
     }
     for (std::size_t next = i + 1; next < controls_.size(); ++next) {
       const HWND window = controls_[next]->Window();
-      if (!controls_[next]->IsUsable() || (GetWindowLongA(window, GWL_STYLE) & WS_TABSTOP) == 0) {
+      if (!controls_[next]->IsUsable() || (GetWindowLongW(window, GWL_STYLE) & WS_TABSTOP) == 0) {
         continue;
       }
       MoveFocus(window);
@@ -74,8 +75,8 @@ bool FormFrame::HandleKey(const MSG& message) {
 void FormFrame::MoveFocus(HWND control) {
   if (control == nullptr || control == window_) return;
   SetFocus(control);
-  if ((SendMessageA(control, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) != 0) {
-    SendMessageA(control, EM_SETSEL, 0, -1);
+  if ((SendMessageW(control, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) != 0) {
+    SendMessageW(control, EM_SETSEL, 0, -1);
   }
 }
 
@@ -117,10 +118,10 @@ void FormFrame::PlaceOptionStop() {
   }
   for (const auto& control : controls_) {
     if (!IsOption(*control)) continue;
-    const LONG style = GetWindowLongA(control->Window(), GWL_STYLE);
+    const LONG style = GetWindowLongW(control->Window(), GWL_STYLE);
     const LONG wanted =
         control.get() == stop ? style | LONG{WS_TABSTOP} : style & ~LONG{WS_TABSTOP};
-    if (wanted != style) SetWindowLongA(control->Window(), GWL_STYLE, wanted);
+    if (wanted != style) SetWindowLongW(control->Window(), GWL_STYLE, wanted);
   }
 }
 
@@ -171,28 +172,28 @@ int FormFrame::FullBarWidth() const {
 }
 
 void FormFrame::MakeToolTips() {
-  toolTips_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+  toolTips_ = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
                               WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_, nullptr,
-                              GetModuleHandleA(nullptr), nullptr);
-  SendMessageA(toolTips_, WM_SETFONT, reinterpret_cast<WPARAM>(look_.Font(TextStyle::Body)), FALSE);
-  SendMessageA(toolTips_, TTM_SETMAXTIPWIDTH, 0, look_.Pixels(form_.WindowWidth()));
-  SendMessageA(toolTips_, TTM_SETDELAYTIME, TTDT_AUTOPOP, MAKELPARAM(30000, 0));
+                              GetModuleHandleW(nullptr), nullptr);
+  SendMessageW(toolTips_, WM_SETFONT, reinterpret_cast<WPARAM>(look_.Font(TextStyle::Body)), FALSE);
+  SendMessageW(toolTips_, TTM_SETMAXTIPWIDTH, 0, look_.Pixels(form_.WindowWidth()));
+  SendMessageW(toolTips_, TTM_SETDELAYTIME, TTDT_AUTOPOP, MAKELPARAM(30000, 0));
   for (const auto& control : controls_) {
-    TOOLINFOA tool = {};
+    TOOLINFOW tool = {};
     tool.cbSize = TTTOOLINFOA_V1_SIZE;
     tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
     tool.hwnd = window_;
     tool.uId = reinterpret_cast<UINT_PTR>(control->Window());
-    tool.lpszText = LPSTR_TEXTCALLBACKA;
-    SendMessageA(toolTips_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    tool.lpszText = LPSTR_TEXTCALLBACKW;
+    SendMessageW(toolTips_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
   }
 }
 
 void FormFrame::FillToolTip(LPARAM info) {
-  auto* wanted = reinterpret_cast<NMTTDISPINFOA*>(info);
+  auto* wanted = reinterpret_cast<NMTTDISPINFOW*>(info);
   for (const auto& control : controls_) {
     if (reinterpret_cast<UINT_PTR>(control->Window()) == wanted->hdr.idFrom) {
-      tip_ = control->TipText();
+      tip_ = Wide(control->TipText());
     }
   }
   wanted->lpszText = tip_.data();

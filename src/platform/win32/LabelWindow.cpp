@@ -57,14 +57,14 @@ class MeasuringDc {
 }  // namespace
 
 LabelWindow::LabelWindow(FormFrame& frame, std::size_t index)
-    : ControlWindow(frame, index, "STATIC", SS_LEFT | SS_NOPREFIX) {
+    : ControlWindow(frame, index, L"STATIC", SS_LEFT | SS_NOPREFIX) {
   LabelWindow::BringUpToDate();
 }
 
 void LabelWindow::BringUpToDate() {
   ControlWindow::BringUpToDate();
-  // Bypasses the class, which would draw the text at once.
-  DefWindowProcA(Window(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(View().Text.c_str()));
+  // Past the class, which would draw the text at once.
+  DefWindowProcW(Window(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(Wide(View().Text).c_str()));
   frame_.OnLabelText(View().Name);
   if (View().Scrolls) FitScrollBar();
   Repaint();
@@ -118,8 +118,8 @@ void LabelWindow::FitScrollBar() {
   info.nPage = static_cast<UINT>(std::max(1, height / layout.LineHeight));
   SetScrollInfo(Window(), SB_VERT, &info, TRUE);
   ShowScrollBar(Window(), SB_VERT, scrolling_);
-  const LONG style = GetWindowLongA(Window(), GWL_STYLE);
-  SetWindowLongA(Window(), GWL_STYLE,
+  const LONG style = GetWindowLongW(Window(), GWL_STYLE);
+  SetWindowLongW(Window(), GWL_STYLE,
                  scrolling_ ? style | LONG{WS_TABSTOP} : style & ~LONG{WS_TABSTOP});
   ScrollTo(firstLine_);
 }
@@ -185,8 +185,8 @@ LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_GETDLGCODE:
       return scrolling_ ? DLGC_WANTARROWS : 0;
     case WM_NCHITTEST: {
-      // For tool tips and clicks to find it.
-      const LRESULT hit = DefWindowProcA(Window(), message, wParam, lParam);
+      // So that tool tips and clicks find it.
+      const LRESULT hit = DefWindowProcW(Window(), message, wParam, lParam);
       return hit == HTTRANSPARENT ? HTCLIENT : hit;
     }
     case WM_LBUTTONDOWN:

@@ -2,6 +2,7 @@
 
 #include "platform/win32/Text.h"
 #include "runtime/RuntimeError.h"
+#include "runtime/Unicode.h"
 
 namespace talu {
 namespace {
@@ -75,12 +76,10 @@ std::vector<const Variant*> Addresses(const std::vector<Variant>& values) {
 
 Variant::Variant(const std::string& text) : Variant() {
   // Converted in place: a batch may be large.
-  const auto length = static_cast<int>(text.size());
-  const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
   value_.vt = VT_BSTR;
-  value_.bstrVal = SysAllocStringLen(nullptr, static_cast<UINT>(wideLength));
+  value_.bstrVal = SysAllocStringLen(nullptr, static_cast<UINT>(CountUtf16(text)));
   if (value_.bstrVal == nullptr) throw RuntimeError(error::kOutOfMemory);
-  MultiByteToWideChar(CP_ACP, 0, text.data(), length, value_.bstrVal, wideLength);
+  WriteUtf16(text, value_.bstrVal);
 }
 
 Variant::Variant(std::int32_t number) : Variant() {

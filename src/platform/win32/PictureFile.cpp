@@ -6,7 +6,7 @@
 namespace talu {
 
 PictureFile::PictureFile(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
+  const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
     throw RuntimeError(error::kFileNotFound);
   }

@@ -7,20 +7,20 @@
 namespace talu {
 
 ShapeWindow::ShapeWindow(FormFrame& frame, std::size_t index)
-    : ControlWindow(frame, index, frame.Form().ControlAt(index).Bar ? PROGRESS_CLASSA : "STATIC",
+    : ControlWindow(frame, index, frame.Form().ControlAt(index).Bar ? PROGRESS_CLASSW : L"STATIC",
                     SS_LEFT) {
   if (!View().Bar) return;
-  // The class adds an edge of its own.
-  SetWindowLongA(Window(), GWL_EXSTYLE, 0);
+  // The class gives itself an edge.
+  SetWindowLongW(Window(), GWL_EXSTYLE, 0);
   SetWindowPos(Window(), nullptr, 0, 0, 0, 0,
                SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-  SendMessageA(Window(), PBM_SETRANGE32, 0, frame.FullBarWidth());
+  SendMessageW(Window(), PBM_SETRANGE32, 0, frame.FullBarWidth());
   ShapeWindow::BringUpToDate();
 }
 
 void ShapeWindow::BringUpToDate() {
   ControlWindow::BringUpToDate();
-  if (View().Bar) SendMessageA(Window(), PBM_SETPOS, static_cast<WPARAM>(View().Width), 0);
+  if (View().Bar) SendMessageW(Window(), PBM_SETPOS, static_cast<WPARAM>(View().Width), 0);
 }
 
 void ShapeWindow::DrawAt(Canvas& canvas, int left, int top) const {
@@ -42,9 +42,9 @@ void ShapeWindow::Draw(Canvas& canvas) {
 }
 
 ImageWindow::ImageWindow(FormFrame& frame, std::size_t index)
-    : ControlWindow(frame, index, "STATIC", SS_BITMAP | SS_REALSIZECONTROL) {
-  // Bypasses the class, which would look for a bitmap of that name.
-  DefWindowProcA(Window(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Background picture"));
+    : ControlWindow(frame, index, L"STATIC", SS_BITMAP | SS_REALSIZECONTROL) {
+  // Past the class, which would look for a bitmap of that name.
+  DefWindowProcW(Window(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"Background picture"));
 }
 
 void ImageWindow::Update(Property changed) {

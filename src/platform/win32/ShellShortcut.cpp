@@ -16,23 +16,23 @@ void Check(HRESULT result) {
 
 ShellShortcut::ShellShortcut(std::string path) : path_(std::move(path)) {
   void* object = nullptr;
-  if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
+  if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
                               &object))) {
     throw RuntimeError(error::kCannotCreateObject);
   }
-  link_.reset(static_cast<IShellLinkA*>(object));
+  link_.reset(static_cast<IShellLinkW*>(object));
 }
 
 void ShellShortcut::TargetPath(const std::string& path) {
-  Check(link_->SetPath(path.c_str()));
+  Check(link_->SetPath(Wide(path).c_str()));
 }
 
 void ShellShortcut::WorkingDirectory(const std::string& path) {
-  Check(link_->SetWorkingDirectory(path.c_str()));
+  Check(link_->SetWorkingDirectory(Wide(path).c_str()));
 }
 
 void ShellShortcut::IconLocation(const std::string& path) {
-  Check(link_->SetIconLocation(path.c_str(), 0));
+  Check(link_->SetIconLocation(Wide(path).c_str(), 0));
 }
 
 void ShellShortcut::Save() {

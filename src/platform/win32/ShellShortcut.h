@@ -25,7 +25,7 @@ class ShellShortcut : public Shortcut {
   };
 
   std::string path_;
-  std::unique_ptr<IShellLinkA, Release> link_;
+  std::unique_ptr<IShellLinkW, Release> link_;
 };
 
 }  // namespace talu

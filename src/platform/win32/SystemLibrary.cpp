@@ -3,16 +3,18 @@
 #include <initializer_list>
 #include <string>
 
+#include "platform/win32/Text.h"
+
 namespace talu {
 namespace {
 
 /// Loads a library of the system folder, with its imports from there too; nullptr on failure.
 HMODULE LoadSystemLibrary(const char* library) {
-  char folder[MAX_PATH];
-  const UINT length = GetSystemDirectoryA(folder, MAX_PATH);
+  wchar_t folder[MAX_PATH];
+  const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
   if (length == 0 || length >= MAX_PATH) return nullptr;
-  const std::string path = std::string(folder) + "\\" + library;
-  return LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  const std::wstring path = std::wstring(folder) + L"\\" + Wide(library);
+  return LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }
 
 void LoadSystemLibraries(std::initializer_list<const char*> libraries) {
@@ -27,7 +29,7 @@ FARPROC FindSystemFunction(const char* library, const char* function) {
 }
 
 void TrustSystemFolderOnly() {
-  SetDllDirectoryA("");
+  SetDllDirectoryW(L"");
   // Windows 7 has this function only with an update.
   using Function = BOOL(WINAPI*)(DWORD);
   const auto setDirectories = SystemFunction<Function>("kernel32.dll", "SetDefaultDllDirectories");

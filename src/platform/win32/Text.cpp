@@ -1,34 +1,30 @@
 #include "platform/win32/Text.h"
 
+#include <iterator>
+
 #include "platform/win32/Windows.h"
+#include "runtime/Unicode.h"
 
 namespace talu {
 
 std::wstring Wide(std::string_view text) {
-  const int length = static_cast<int>(text.size());
-  const int needed = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(needed), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), needed);
+  std::wstring wide(CountUtf16(text), L'\0');
+  WriteUtf16(text, wide.data());
   return wide;
 }
 
 std::string Narrow(std::wstring_view text) {
-  const int length = static_cast<int>(text.size());
-  const int needed =
-      WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-  std::string narrow(static_cast<std::size_t>(needed), '\0');
-  WideCharToMultiByte(CP_ACP, 0, text.data(), length, narrow.data(), needed, nullptr, nullptr);
-  return narrow;
+  return FromUtf16(text);
 }
 
 std::string SystemMessage(std::int32_t code) {
-  char buffer[512];
-  DWORD length = FormatMessageA(
+  wchar_t buffer[512];
+  DWORD length = FormatMessageW(
       FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
-      nullptr, static_cast<DWORD>(code), 0, buffer, sizeof buffer, nullptr);
-  while (length > 0 && buffer[length - 1] == ' ') --length;
+      nullptr, static_cast<DWORD>(code), 0, buffer, static_cast<DWORD>(std::size(buffer)), nullptr);
+  while (length > 0 && buffer[length - 1] == L' ') --length;
   if (length == 0) return "Automation error";
-  return std::string(buffer, length);
+  return Narrow({buffer, length});
 }
 
 }  // namespace talu

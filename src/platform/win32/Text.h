@@ -6,10 +6,10 @@
 
 namespace talu {
 
-/// ANSI code page to UTF-16.
+/// A text, which is UTF-8, to UTF-16.
 std::wstring Wide(std::string_view text);
 
-/// UTF-16 to the ANSI code page; characters that it lacks become its default character.
+/// UTF-16 to a text.
 std::string Narrow(std::wstring_view text);
 
 /// Windows' text for a system error code or an HRESULT, without a line end; "Automation error" when

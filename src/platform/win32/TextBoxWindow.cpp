@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/win32/FormFrame.h"
+#include "platform/win32/Text.h"
 
 namespace talu {
 namespace {
@@ -12,7 +13,7 @@ constexpr WPARAM kBullet = 0x2022;
 }  // namespace
 
 TextBoxWindow::TextBoxWindow(FormFrame& frame, std::size_t index)
-    : ControlWindow(frame, index, "EDIT",
+    : ControlWindow(frame, index, L"EDIT",
                     ES_AUTOHSCROLL | WS_TABSTOP |
                         (frame.Form().ControlAt(index).Password ? DWORD{ES_PASSWORD} : 0)) {
   SetWindowPos(Window(), nullptr, 0, 0, 0, 0,
@@ -22,20 +23,20 @@ TextBoxWindow::TextBoxWindow(FormFrame& frame, std::size_t index)
 }
 
 std::string TextBoxWindow::Contents() const {
-  std::string text(static_cast<std::size_t>(GetWindowTextLengthA(Window())), '\0');
-  const int length = GetWindowTextA(Window(), text.data(), static_cast<int>(text.size() + 1));
+  std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(Window())), L'\0');
+  const int length = GetWindowTextW(Window(), text.data(), static_cast<int>(text.size() + 1));
   text.resize(static_cast<std::size_t>(length));
-  return text;
+  return Narrow(text);
 }
 
 void TextBoxWindow::Update(Property changed) {
   ControlWindow::Update(changed);
   if (changed == Property::Text && Contents() != View().Text) {
     setting_ = true;
-    SetWindowTextA(Window(), View().Text.c_str());
+    SetWindowTextW(Window(), Wide(View().Text).c_str());
     setting_ = false;
   } else if (changed == Property::Selection) {
-    SendMessageA(Window(), EM_SETSEL, static_cast<WPARAM>(View().SelStart),
+    SendMessageW(Window(), EM_SETSEL, static_cast<WPARAM>(View().SelStart),
                  View().SelStart + View().SelLength);
   }
 }
@@ -79,8 +80,8 @@ LRESULT TextBoxWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 void TextBoxWindow::PlaceText(RECT& area) const {
   const HDC dc = GetDC(nullptr);
   const HGDIOBJ former = SelectObject(dc, frame_.Look().Font(View().Style));
-  TEXTMETRICA metrics = {};
-  GetTextMetricsA(dc, &metrics);
+  TEXTMETRICW metrics = {};
+  GetTextMetricsW(dc, &metrics);
   SelectObject(dc, former);
   ReleaseDC(nullptr, dc);
   const int spare = std::max<int>(area.bottom - area.top - metrics.tmHeight, 2);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/win32/Text.h"
 #include "platform/win32/Win32TextFile.h"
 #include "platform/win32/Windows.h"
 #include "runtime/RuntimeError.h"
@@ -14,10 +15,10 @@ bool IsFolder(DWORD attributes) {
 }
 
 std::string FullPath(const std::string& path) {
-  char buffer[MAX_PATH];
-  const DWORD length = GetFullPathNameA(path.c_str(), MAX_PATH, buffer, nullptr);
+  wchar_t buffer[MAX_PATH];
+  const DWORD length = GetFullPathNameW(Wide(path).c_str(), MAX_PATH, buffer, nullptr);
   if (length == 0 || length >= MAX_PATH) throw RuntimeError(error::kPathNotFound);
-  std::string full(buffer, length);
+  std::string full = Narrow({buffer, length});
   // Only a root ("C:\") keeps its backslash.
   if (full.size() > 3 && full.back() == '\\') full.pop_back();
   return full;
@@ -35,16 +36,16 @@ class Win32Folder : public Folder {
  private:
   std::vector<FolderItem> Items(bool folders) const {
     const std::string prefix = path_.back() == '\\' ? path_ : path_ + "\\";
-    WIN32_FIND_DATAA found;
-    const HANDLE search = FindFirstFileA((prefix + "*").c_str(), &found);
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW(Wide(prefix + "*").c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return NoItems(GetLastError());
 
     std::vector<FolderItem> items;
     do {
-      const std::string name = found.cFileName;
+      const std::string name = Narrow(found.cFileName);
       if (name == "." || name == ".." || IsFolder(found.dwFileAttributes) != folders) continue;
       items.push_back({name, prefix + name});
-    } while (FindNextFileA(search, &found));
+    } while (FindNextFileW(search, &found));
     const DWORD end = GetLastError();
     FindClose(search);
     if (end != ERROR_NO_MORE_FILES) throw RuntimeError(error::kPermissionDenied);
@@ -64,17 +65,17 @@ class Win32Folder : public Folder {
 }  // namespace
 
 bool Win32FileSystem::FileExists(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
+  const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && !IsFolder(attributes);
 }
 
 bool Win32FileSystem::FolderExists(const std::string& path) {
-  return IsFolder(GetFileAttributesA(path.c_str()));
+  return IsFolder(GetFileAttributesW(Wide(path).c_str()));
 }
 
 void Win32FileSystem::CreateFolder(const std::string& path) {
   if (path.empty()) throw RuntimeError(error::kInvalidProcedureCall);
-  if (CreateDirectoryA(path.c_str(), nullptr)) return;
+  if (CreateDirectoryW(Wide(path).c_str(), nullptr)) return;
   switch (GetLastError()) {
     case ERROR_ALREADY_EXISTS:
     case ERROR_FILE_EXISTS:
@@ -98,15 +99,15 @@ void Win32FileSystem::CreateFolder(const std::string& path) {
 }
 
 void Win32FileSystem::DeleteFile(const std::string& path, bool force) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
+  const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || IsFolder(attributes)) {
     throw RuntimeError(error::kFileNotFound);
   }
   const bool unlock = force && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
-  if (unlock) SetFileAttributesA(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
-  if (DeleteFileA(path.c_str())) return;
+  if (unlock) SetFileAttributesW(Wide(path).c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+  if (DeleteFileW(Wide(path).c_str())) return;
   const DWORD reason = GetLastError();
-  if (unlock) SetFileAttributesA(path.c_str(), attributes);
+  if (unlock) SetFileAttributesW(Wide(path).c_str(), attributes);
   throw RuntimeError(reason == ERROR_FILE_NOT_FOUND ? error::kFileNotFound
                                                     : error::kPermissionDenied);
 }
@@ -117,23 +118,23 @@ std::unique_ptr<Folder> Win32FileSystem::GetFolder(const std::string& path) {
 }
 
 std::string Win32FileSystem::GetSpecialFolder(int number) {
-  char buffer[MAX_PATH + 1];
+  wchar_t buffer[MAX_PATH + 1];
   UINT length = 0;
   switch (number) {
     case 0:
-      length = GetWindowsDirectoryA(buffer, sizeof buffer);
+      length = GetWindowsDirectoryW(buffer, MAX_PATH + 1);
       break;
     case 1:
-      length = GetSystemDirectoryA(buffer, sizeof buffer);
+      length = GetSystemDirectoryW(buffer, MAX_PATH + 1);
       break;
     case 2:
-      length = static_cast<UINT>(GetTempPathA(sizeof buffer, buffer));
+      length = static_cast<UINT>(GetTempPathW(MAX_PATH + 1, buffer));
       break;
     default:
       throw RuntimeError(error::kInvalidProcedureCall);
   }
   if (length == 0 || length > MAX_PATH) throw RuntimeError(error::kPathNotFound);
-  return FullPath(std::string(buffer, length));
+  return FullPath(Narrow({buffer, length}));
 }
 
 std::unique_ptr<TextFile> Win32FileSystem::OpenTextFile(const std::string& path, OpenMode mode) {

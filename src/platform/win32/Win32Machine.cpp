@@ -1,14 +1,15 @@
 #include "platform/win32/Win32Machine.h"
 
+#include "platform/win32/Text.h"
 #include "platform/win32/Windows.h"
 
 namespace talu {
 namespace {
 
 std::string ProgramFolder() {
-  char path[MAX_PATH] = "";
-  const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
-  const std::string program(path, length);
+  wchar_t path[MAX_PATH] = L"";
+  const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+  const std::string program = Narrow({path, length});
   return program.substr(0, program.rfind('\\'));
 }
 
@@ -24,6 +25,8 @@ Win32Machine::Ole::~Ole() {
 Win32Machine::Win32Machine()
     : ado_([this] { windows_.ShowProgress(); }),
       processes_([this] { windows_.ShowProgress(); }),
+      codePage_(CP_ACP),
+      odbc_(codePage_),
       parts_{.Windows = windows_,
              .Files = files_,
              .Shell = shell_,
@@ -33,6 +36,7 @@ Win32Machine::Win32Machine()
              .Scripting = scripting_,
              .Settings = settings_,
              .Clock = clock_,
+             .CodePage = codePage_,
              .AppPath = ProgramFolder()} {}
 
 Win32Machine::~Win32Machine() = default;

@@ -37,8 +37,9 @@ class Win32Machine {
   Win32FileSystem files_;
   Win32ShellOperations shell_;
   Win32Ado ado_;
-  Win32OdbcInstaller odbc_;
   Win32Processes processes_;
+  CodePage codePage_;
+  Win32OdbcInstaller odbc_;
   Win32ScriptingHost scripting_;
   Win32Settings settings_;
   Win32Clock clock_;

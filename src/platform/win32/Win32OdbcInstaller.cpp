@@ -10,9 +10,10 @@ bool Win32OdbcInstaller::SQLConfigDataSource(int request, const std::string& dri
   using Function = BOOL(WINAPI*)(HWND, WORD, LPCSTR, LPCSTR);
   static const auto kConfigure = SystemFunction<Function>("odbccp32.dll", "SQLConfigDataSource");
   if (kConfigure == nullptr) throw RuntimeError(error::kFileNotFound);
-  // c_str() adds one NUL, the list needs two.
-  const std::string list = attributes + '\0';
-  return kConfigure(nullptr, static_cast<WORD>(request), driver.c_str(), list.c_str()) != FALSE;
+  // c_str() gives one NUL, the list needs two.
+  const std::string list = codePage_.FromText(attributes + '\0');
+  return kConfigure(nullptr, static_cast<WORD>(request), codePage_.FromText(driver).c_str(),
+                    list.c_str()) != FALSE;
 }
 
 }  // namespace talu

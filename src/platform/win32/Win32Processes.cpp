@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/win32/Text.h"
 #include "platform/win32/Windows.h"
 #include "runtime/RuntimeError.h"
 
@@ -12,12 +13,12 @@ Win32Processes::Win32Processes(std::function<void()> beforeWaiting)
 
 std::int32_t Win32Processes::RunAndWait(const std::string& commandLine) {
   beforeWaiting_();
-  std::string command = commandLine;  // CreateProcess writes to it
-  STARTUPINFOA startup = {};
+  std::wstring command = Wide(commandLine);  // CreateProcess wants to write to it
+  STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process = {};
-  // The handles show whether it started: waiting for none fails at once with -1.
-  CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, NORMAL_PRIORITY_CLASS, nullptr,
+  // Whether it started shows in the handles: waiting for none fails at once with -1.
+  CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, NORMAL_PRIORITY_CLASS, nullptr,
                  nullptr, &startup, &process);
   DWORD result = WAIT_FAILED;
   if (process.hProcess != nullptr) {
@@ -30,14 +31,14 @@ std::int32_t Win32Processes::RunAndWait(const std::string& commandLine) {
 }
 
 void Win32Processes::Start(const std::string& commandLine, int windowStyle) {
-  std::string command = commandLine;
-  STARTUPINFOA startup = {};
+  std::wstring command = Wide(commandLine);
+  STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESHOWWINDOW;
   startup.wShowWindow = static_cast<WORD>(windowStyle);
   PROCESS_INFORMATION process = {};
-  // Without an application name Windows searches the PATH, as a command line does.
-  if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, NORMAL_PRIORITY_CLASS,
+  // Without an application name Windows looks along the PATH, as a command line does.
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, NORMAL_PRIORITY_CLASS,
                       nullptr, nullptr, &startup, &process)) {
     const DWORD reason = GetLastError();
     const bool missing = reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND ||

@@ -4,6 +4,7 @@
 
 #include "platform/win32/LateBound.h"
 #include "platform/win32/ShellShortcut.h"
+#include "platform/win32/Text.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -34,10 +35,10 @@ constexpr int kSpecialFolders[] = {
 std::vector<std::string> FoldersOfShell() {
   std::vector<std::string> paths;
   for (const int folder : kSpecialFolders) {
-    char path[MAX_PATH];
-    if (SUCCEEDED(SHGetFolderPathA(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, path)) &&
-        path[0] != '\0') {
-      paths.emplace_back(path);
+    wchar_t path[MAX_PATH];
+    if (SUCCEEDED(SHGetFolderPathW(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, path)) &&
+        path[0] != L'\0') {
+      paths.push_back(Narrow(path));
     }
   }
   return paths;

@@ -1,5 +1,6 @@
 #include "platform/win32/Win32Settings.h"
 
+#include "platform/win32/Text.h"
 #include "platform/win32/Windows.h"
 #include "runtime/RuntimeError.h"
 
@@ -7,9 +8,11 @@ namespace talu {
 
 void Win32Settings::SaveSetting(const std::string& application, const std::string& section,
                                 const std::string& key, const std::string& value) {
-  const std::string path = "Software\\" + application + "\\" + section;
-  const LSTATUS status = RegSetKeyValueA(HKEY_CURRENT_USER, path.c_str(), key.c_str(), REG_SZ,
-                                         value.c_str(), static_cast<DWORD>(value.size()) + 1);
+  const std::wstring path = Wide("Software\\" + application + "\\" + section);
+  const std::wstring text = Wide(value);
+  const LSTATUS status =
+      RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), Wide(key).c_str(), REG_SZ, text.c_str(),
+                      static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
   if (status != ERROR_SUCCESS) throw RuntimeError(error::kInvalidProcedureCall);
 }
 

@@ -1,5 +1,6 @@
 #include "platform/win32/Win32ShellOperations.h"
 
+#include "platform/win32/Text.h"
 #include "platform/win32/Windows.h"
 
 namespace talu {
@@ -17,7 +18,7 @@ bool IsPlainName(const std::string& path) {
 }
 
 bool IsPlainFile(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
+  const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
   constexpr DWORD kSpecial = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kSpecial) == 0;
 }
@@ -25,7 +26,7 @@ bool IsPlainFile(const std::string& path) {
 /// A plain file: not a folder, into which the shell copies under the file's own name, and not a
 /// protected file, whose protection the shell removes.
 bool IsPlainTarget(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
+  const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
   constexpr DWORD kSpecial = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT |
                              FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
                              FILE_ATTRIBUTE_SYSTEM;
@@ -36,9 +37,11 @@ bool CopyOneFile(const std::string& from, const std::string& to, int flags) {
   constexpr int kUnlike = FOF_MULTIDESTFILES | FOF_RENAMEONCOLLISION | FOF_ALLOWUNDO;
   if ((flags & FOF_NOCONFIRMATION) == 0 || (flags & kUnlike) != 0) return false;
   if (!IsPlainName(from) || !IsPlainName(to) || !IsPlainFile(from)) return false;
-  // Most targets do not exist yet, as the copy itself finds out.
-  if (CopyFileA(from.c_str(), to.c_str(), TRUE)) return true;
-  return IsPlainTarget(to) && CopyFileA(from.c_str(), to.c_str(), FALSE);
+  // Most targets are not there yet, which the copy itself finds out.
+  const std::wstring source = Wide(from);
+  const std::wstring target = Wide(to);
+  if (CopyFileW(source.c_str(), target.c_str(), TRUE)) return true;
+  return IsPlainTarget(to) && CopyFileW(source.c_str(), target.c_str(), FALSE);
 }
 
 }  // namespace
@@ -47,15 +50,15 @@ int Win32ShellOperations::FileOperation(int operation, const std::string& from,
                                         const std::string& to, int flags) {
   if (operation == FO_COPY && CopyOneFile(from, to, flags)) return 0;
 
-  // c_str() adds one NUL, the list needs two.
-  const std::string fromList = from + '\0';
-  const std::string toList = to + '\0';
-  SHFILEOPSTRUCTA request = {};
+  // c_str() gives one NUL, the list needs two.
+  const std::wstring fromList = Wide(from + '\0');
+  const std::wstring toList = Wide(to + '\0');
+  SHFILEOPSTRUCTW request = {};
   request.wFunc = static_cast<UINT>(operation);
   request.pFrom = fromList.c_str();
   request.pTo = toList.c_str();
   request.fFlags = static_cast<FILEOP_FLAGS>(flags);
-  return SHFileOperationA(&request);
+  return SHFileOperationW(&request);
 }
 
 }  // namespace talu

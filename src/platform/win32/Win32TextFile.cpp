@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/win32/Text.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -36,10 +37,10 @@ std::int32_t OpenError(DWORD reason) {
 
 HANDLE Open(const std::string& path, OpenMode mode) {
   if (mode == OpenMode::Input) {
-    return CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                       OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+    return CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                       nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   }
-  return CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+  return CreateFileW(Wide(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                      mode == OpenMode::Output ? CREATE_ALWAYS : OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
                      nullptr);
 }

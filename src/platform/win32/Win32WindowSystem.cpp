@@ -9,7 +9,7 @@
 namespace talu {
 namespace {
 
-constexpr const char* kDefaultTitle = "TA-LU Setup";
+constexpr const wchar_t* kDefaultTitle = L"TA-LU Setup";
 
 /// Asking Windows for events costs far more than copying a small file, so it is done at most this
 /// often, in microseconds.
@@ -82,27 +82,28 @@ void Win32WindowSystem::UpdateForm(FormWindow& form, Property changed) {
 void Win32WindowSystem::MessageBox(const std::string& text, const std::string& title) {
   FinishHiding();
   BringUpToDate();
-  MessageBoxA(shown_ != nullptr ? shown_->Window() : nullptr, text.c_str(),
-              title.empty() ? kDefaultTitle : title.c_str(), MB_OK);
+  MessageBoxW(shown_ != nullptr ? shown_->Window() : nullptr, Wide(text).c_str(),
+              title.empty() ? kDefaultTitle : Wide(title).c_str(), MB_OK);
 }
 
 std::optional<std::string> Win32WindowSystem::BrowseForFolder(FormWindow& owner,
                                                               const std::string& title) {
   BringUpToDate();
   const FormFrame* frame = Find(owner);
-  char name[MAX_PATH] = "";
-  BROWSEINFOA request = {};
+  wchar_t name[MAX_PATH] = L"";
+  const std::wstring wideTitle = Wide(title);
+  BROWSEINFOW request = {};
   request.hwndOwner = frame != nullptr ? frame->Window() : nullptr;
   request.pszDisplayName = name;
-  request.lpszTitle = title.c_str();
+  request.lpszTitle = wideTitle.c_str();
   request.ulFlags = BIF_RETURNONLYFSDIRS;
-  const LPITEMIDLIST chosen = SHBrowseForFolderA(&request);
+  const LPITEMIDLIST chosen = SHBrowseForFolderW(&request);
   if (chosen == nullptr) return std::nullopt;
-  char path[MAX_PATH] = "";
-  const BOOL found = SHGetPathFromIDListA(chosen, path);
+  wchar_t path[MAX_PATH] = L"";
+  const BOOL found = SHGetPathFromIDListW(chosen, path);
   CoTaskMemFree(chosen);
   if (!found) throw RuntimeError(E_FAIL, SystemMessage(E_FAIL), "Shell");
-  return std::string(path);
+  return Narrow(path);
 }
 
 std::shared_ptr<Picture> Win32WindowSystem::LoadPicture(const std::string& path) {
@@ -134,14 +135,14 @@ void Win32WindowSystem::DoEvents() {
     kinds = PM_REMOVE;
   }
   MSG message;
-  while (PeekMessageA(&message, nullptr, 0, 0, kinds)) Dispatch(message);
+  while (PeekMessageW(&message, nullptr, 0, 0, kinds)) Dispatch(message);
   lastPump_ = Microseconds();
 }
 
 int Win32WindowSystem::Run() {
   Settle();
   MSG message;
-  while (GetMessageA(&message, nullptr, 0, 0) > 0) Dispatch(message);
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
   return static_cast<int>(message.wParam);
 }
 
@@ -149,10 +150,10 @@ void Win32WindowSystem::Dispatch(MSG& message) {
   const HWND root = message.hwnd != nullptr ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
   for (const auto& frame : frames_) {
     if (frame->Window() != root) continue;
-    if (frame->HandleKey(message) || IsDialogMessageA(root, &message)) return;
+    if (frame->HandleKey(message) || IsDialogMessageW(root, &message)) return;
   }
   TranslateMessage(&message);
-  DispatchMessageA(&message);
+  DispatchMessageW(&message);
 }
 
 void Win32WindowSystem::HandlerBegins() {

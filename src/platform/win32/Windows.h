@@ -1,8 +1,8 @@
 #pragma once
 
-// The only place that includes Windows' own headers. The names that they define as macros and that
-// are also members of our interfaces are released again; Windows' functions are called by their "A"
-// names.
+// The one place where Windows' own headers come in. The names that it turns into macros and that
+// are also members of our interfaces are freed again; Windows' functions are called by their "W"
+// names, which take every text.
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
