@@ -351,7 +351,7 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   // The smallest bitmap there is: one black pixel.
   std::string bitmap("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\1\0\0\0\1\0\x18", 30);
   bitmap.resize(58);
-  page_["ImgBack"].Picture = windows_.LoadPicture(scratch.Write("black.bmp", bitmap));
+  page_["ImgBack"].Picture = windows_.LoadPicture(scratch.Write("100% black #1.bmp", bitmap));
   Show();
   EXPECT_EQ(PixelOf("ImgBack", 2, 2), RGB(0, 0, 0));
   const COLORREF card = PixelOf("LblTitleMsg", 460, 5);
@@ -372,6 +372,7 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   EXPECT_EQ(windows_.LoadPicture(""), nullptr);
   EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch / "none.jpg"); }), 53);
   EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch.Write("no.jpg", "text")); }), 481);
+  EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch.Write("no.jpg", "")); }), 481);
 }
 
 /// Waits for a dialog of this process in another thread and answers it.
