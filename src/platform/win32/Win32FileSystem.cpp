@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/win32/WhileLocked.h"
 #include "platform/win32/Win32TextFile.h"
 #include "platform/win32/Windows.h"
 #include "runtime/RuntimeError.h"
@@ -74,7 +75,14 @@ bool Win32FileSystem::FolderExists(const std::string& path) {
 
 void Win32FileSystem::CreateFolder(const std::string& path) {
   if (path.empty()) throw RuntimeError(error::InvalidProcedureCall);
-  if (CreateDirectoryA(path.c_str(), nullptr)) return;
+  const bool made = TryWhileLocked([&] {
+    if (CreateDirectoryA(path.c_str(), nullptr)) return true;
+    // A root that is there answers "access denied".
+    const DWORD reason = GetLastError();
+    SetLastError(FolderExists(path) ? ERROR_ALREADY_EXISTS : reason);
+    return false;
+  });
+  if (made) return;
   switch (GetLastError()) {
     case ERROR_ALREADY_EXISTS:
     case ERROR_FILE_EXISTS:
@@ -92,8 +100,7 @@ void Win32FileSystem::CreateFolder(const std::string& path) {
     case ERROR_DISK_FULL:
       throw RuntimeError(error::DiskFull);
     default:
-      // A root that is there answers "access denied" too.
-      throw RuntimeError(FolderExists(path) ? error::FileAlreadyExists : error::PermissionDenied);
+      throw RuntimeError(error::PermissionDenied);
   }
 }
 
@@ -104,7 +111,7 @@ void Win32FileSystem::DeleteFile(const std::string& path, bool force) {
   }
   const bool unlock = force && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
   if (unlock) SetFileAttributesA(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
-  if (DeleteFileA(path.c_str())) return;
+  if (TryWhileLocked([&] { return DeleteFileA(path.c_str()) != FALSE; })) return;
   const DWORD reason = GetLastError();
   if (unlock) SetFileAttributesA(path.c_str(), attributes);
   throw RuntimeError(reason == ERROR_FILE_NOT_FOUND ? error::FileNotFound

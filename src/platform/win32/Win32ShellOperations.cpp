@@ -1,6 +1,6 @@
 #include "platform/win32/Win32ShellOperations.h"
 
-#include "platform/win32/Windows.h"
+#include "platform/win32/WhileLocked.h"
 
 namespace talu {
 namespace {
@@ -22,22 +22,26 @@ bool IsPlainFile(const std::string& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & special) == 0;
 }
 
-/// A plain file: not a folder, into which the shell copies under the file's own name, and not a
-/// protected file, whose protection the shell takes off.
-bool IsPlainTarget(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
+/// Copies to a name that is free or a plain file's. Anything else is the shell's: a folder, into
+/// which it copies under the file's own name, and a protected file, whose protection it takes off.
+bool CopyToPlainTarget(const std::string& from, const std::string& to) {
+  // Most targets are not there yet, which the copy itself finds out.
+  if (CopyFileA(from.c_str(), to.c_str(), TRUE)) return true;
+  const DWORD reason = GetLastError();
+  const DWORD attributes = GetFileAttributesA(to.c_str());
   constexpr DWORD special = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT |
                             FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & special) == 0;
+  const bool isThere = attributes != INVALID_FILE_ATTRIBUTES;
+  if (isThere && (attributes & special) == 0) return CopyFileA(from.c_str(), to.c_str(), FALSE);
+  SetLastError(isThere ? ERROR_FILE_EXISTS : reason);
+  return false;
 }
 
 bool CopyOneFile(const std::string& from, const std::string& to, int flags) {
   constexpr int unlike = FOF_MULTIDESTFILES | FOF_RENAMEONCOLLISION | FOF_ALLOWUNDO;
   if ((flags & FOF_NOCONFIRMATION) == 0 || (flags & unlike) != 0) return false;
   if (!IsPlainName(from) || !IsPlainName(to) || !IsPlainFile(from)) return false;
-  // Most targets are not there yet, which the copy itself finds out.
-  if (CopyFileA(from.c_str(), to.c_str(), TRUE)) return true;
-  return IsPlainTarget(to) && CopyFileA(from.c_str(), to.c_str(), FALSE);
+  return TryWhileLocked([&] { return CopyToPlainTarget(from, to); });
 }
 
 }  // namespace
