@@ -22,7 +22,7 @@ Win32Machine::Ole::~Ole() {
 }
 
 Win32Machine::Win32Machine()
-    : ado_([this] { windows_.ShowProgress(); }),
+    : ado_([this] { windows_.ShowProgress(); }, [this](HANDLE event) { windows_.WaitFor(event); }),
       processes_([this] { windows_.ShowProgress(); }),
       parts_{.Windows = windows_,
              .Files = files_,

@@ -138,6 +138,17 @@ void Win32WindowSystem::DoEvents() {
   lastPump_ = Microseconds();
 }
 
+void Win32WindowSystem::WaitFor(HANDLE event) {
+  FinishHiding();
+  BringUpToDate();
+  while (MsgWaitForMultipleObjectsEx(1, &event, INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE) ==
+         WAIT_OBJECT_0 + 1) {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) Dispatch(message);
+    BringUpToDate();
+  }
+}
+
 int Win32WindowSystem::Run() {
   Settle();
   MSG message;

@@ -39,6 +39,8 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   /// Paints what has changed: for the moment before this thread is blocked. A bar alone is painted
   /// no more often than in `DoEvents`.
   void ShowProgress();
+  /// Handles what comes in until `event` is set.
+  void WaitFor(HANDLE event);
 
  private:
   FormFrame* Find(const FormWindow& form) const;
