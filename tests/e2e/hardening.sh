@@ -72,6 +72,19 @@ Is 'what Setup.exe loads' '' "$(Loaded)"
 cd "$Root" || exit
 WINEDLLOVERRIDES=$Overrides
 
+Test 'of programs planted beside it the system'\''s own is started; an add-on looks for libraries as usual'
+InstallBelow Planted/App
+Pack 'AddOns=bait.exe nobodys.dll|Tool.msi'
+mkdir "$PackDir/AddOns"
+cp "$Bait" "$PackDir/AddOns/"
+cp "$Root/build/win32/tests/e2e/planted.dll" "$PackDir/nobodys.dll"
+for Name in regsvr32 msiexec; do cp "$Root/build/win32/tests/e2e/planted-program.exe" "$PackDir/$Name.exe"; done
+touch "$PackDir"/{AddOns/Tool.msi,Application/Sub/Any.ocx}
+Play '@install Client; @finish'
+# Which msiexec is started is Windows' choice; the manuals say so.
+Is 'what was started and loaded' $'bait.exe nobodys.dll\nmsiexec.exe msiexec.exe' "$(Loaded)"
+True 'the log' grep -qF 'regsvr32 /s "C:\Planted\App' "$Host/Ta-luErrLog.txt"
+
 Test 'the password is where the formats put it, and nowhere else'
 # The prefix's registry too; Wine writes it when the last program has ended.
 timeout 60 wineserver -w || true

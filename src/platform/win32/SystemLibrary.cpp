@@ -1,17 +1,15 @@
 #include "platform/win32/SystemLibrary.h"
 
 #include <initializer_list>
-#include <string>
 
 namespace talu {
 namespace {
 
 /// Loads a library of the system folder, and what it imports from there too; nullptr without it.
 HMODULE LoadSystemLibrary(const char* library) {
-  char folder[MAX_PATH];
-  const UINT length = GetSystemDirectoryA(folder, MAX_PATH);
-  if (length == 0 || length >= MAX_PATH) return nullptr;
-  const std::string path = std::string(folder) + "\\" + library;
+  const std::string folder = SystemFolder();
+  if (folder.empty()) return nullptr;
+  const std::string path = folder + "\\" + library;
   return LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }
 
@@ -20,6 +18,12 @@ void LoadSystemLibraries(std::initializer_list<const char*> libraries) {
 }
 
 }  // namespace
+
+std::string SystemFolder() {
+  char folder[MAX_PATH];
+  const UINT length = GetSystemDirectoryA(folder, MAX_PATH);
+  return length < MAX_PATH ? std::string(folder, length) : std::string();
+}
 
 FARPROC FindSystemFunction(const char* library, const char* function) {
   const HMODULE module = LoadSystemLibrary(library);
@@ -37,6 +41,16 @@ void TrustSystemFolderOnly() {
   // for.
   LoadSystemLibraries({"cryptbase.dll", "dwmapi.dll", "msimg32.dll", "uxtheme.dll", "version.dll"});
   if (setDirectories == nullptr) LoadWhatIsAskedForLater();
+}
+
+// What the system itself asks for as it starts a program is here already.
+UsualLibrarySearch::UsualLibrarySearch() {
+  LoadSystemLibrary("apphelp.dll");
+  SetDllDirectoryA(nullptr);
+}
+
+UsualLibrarySearch::~UsualLibrarySearch() {
+  SetDllDirectoryA("");
 }
 
 void LoadWhatIsAskedForLater() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "platform/win32/Windows.h"
 
 namespace talu {
@@ -10,6 +12,19 @@ void TrustSystemFolderOnly();
 /// The part of it that the first page need not wait for: libraries that no window asks for. Call it
 /// before the first event is handled.
 void LoadWhatIsAskedForLater();
+
+/// The search for libraries as Windows has it, as long as this lives: a program that is started
+/// meanwhile inherits that one, not ours. Nothing is loaded here by name meanwhile.
+class UsualLibrarySearch {
+ public:
+  UsualLibrarySearch();
+  ~UsualLibrarySearch();
+  UsualLibrarySearch(const UsualLibrarySearch&) = delete;
+  UsualLibrarySearch& operator=(const UsualLibrarySearch&) = delete;
+};
+
+/// The system's folder, without a backslash at its end; empty when Windows does not say.
+std::string SystemFolder();
 
 /// A function of a library that is loaded from the system folder by its full path; nullptr when
 /// either is missing.
