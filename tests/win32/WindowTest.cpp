@@ -25,6 +25,9 @@ HWND FindFrame(const std::string& form) {
 
 class WindowTest : public testing::Test {
  protected:
+  explicit WindowTest(bool (*wantsHighContrast)() = &WantsHighContrast)
+      : windows_(wantsHighContrast) {}
+
   void Show() {
     windows_.ShowForm(page_);
     frame_ = FindFrame("FrmSample");
@@ -355,15 +358,16 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   Show();
   EXPECT_EQ(PixelOf("ImgBack", 2, 2), RGB(0, 0, 0));
   const COLORREF card = PixelOf("LblTitleMsg", 460, 5);
-  for (const Colour text : {colour::Text, colour::Title, colour::Note, colour::Disabled}) {
+  const Palette own;
+  for (const Colour text : {own.Text, own.Title, own.Note, own.Disabled}) {
     EXPECT_GE(Contrast(ToColorref(text), card), 4.5) << std::hex << text;
   }
-  EXPECT_GE(Contrast(ToColorref(colour::Accent), card), 4.5) << "the focus";
-  EXPECT_GE(Contrast(ToColorref(colour::Edge), card), 3) << "what can be clicked";
-  for (const Colour face : {colour::Accent, colour::AccentHot, colour::AccentDown}) {
-    EXPECT_GE(Contrast(ToColorref(colour::OnAccent), ToColorref(face)), 4.5) << std::hex << face;
+  EXPECT_GE(Contrast(ToColorref(own.Accent), card), 4.5) << "the focus";
+  EXPECT_GE(Contrast(ToColorref(own.Edge), card), 3) << "what can be clicked";
+  for (const Colour face : {own.Accent, own.AccentHot, own.AccentDown}) {
+    EXPECT_GE(Contrast(ToColorref(own.OnAccent), ToColorref(face)), 4.5) << std::hex << face;
   }
-  EXPECT_GE(Contrast(ToColorref(colour::Disabled), ToColorref(colour::FaceDisabled)), 4.5);
+  EXPECT_GE(Contrast(ToColorref(own.Disabled), ToColorref(own.FaceDisabled)), 4.5);
   page_["ImgBack"].Picture = nullptr;
   page_.Changed("ImgBack", Property::Picture);
   Settle();
@@ -373,6 +377,35 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch / "none.jpg"); }), 53);
   EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch.Write("no.jpg", "text")); }), 481);
   EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch.Write("no.jpg", "")); }), 481);
+}
+
+bool highContrast = false;
+
+class HighContrastTest : public WindowTest {
+ protected:
+  HighContrastTest() : WindowTest([] { return highContrast; }) {}
+  ~HighContrastTest() override { highContrast = false; }
+};
+
+TEST_F(HighContrastTest, ThePagesHaveTheOperatorsColoursAtOnce) {
+  Show();
+  const auto colours = [&] {
+    Settle();
+    return std::vector<COLORREF>{PixelOf("ImgBack", 2, 2),    PixelOf("LblTitleMsg", 460, 5),
+                                 PixelOf("CmdPrev", 5, 12),   PixelOf("CmdNext", 5, 12),
+                                 PixelOf("TxtPath", 200, 12), PixelOf("TxtServer", 100, 12),
+                                 PixelOf("ShpProgBar", 20, 4)};
+  };
+  const auto before = colours();
+  highContrast = true;
+  SendMessageA(frame_, WM_SYSCOLORCHANGE, 0, 0);
+  const COLORREF window = GetSysColor(COLOR_WINDOW);
+  const COLORREF chosen = GetSysColor(COLOR_HIGHLIGHT);
+  EXPECT_EQ(colours(), (std::vector<COLORREF>{window, window, GetSysColor(COLOR_BTNFACE), chosen,
+                                              window, window, chosen}));
+  highContrast = false;
+  SendMessageA(frame_, WM_SETTINGCHANGE, SPI_SETHIGHCONTRAST, 0);
+  EXPECT_EQ(colours(), before);
 }
 
 /// Waits for a dialog of this process in another thread and answers it.

@@ -34,12 +34,9 @@ void RegisterFrameClass(WNDPROC receive) {
 
 }  // namespace
 
-FormFrame::FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& watch)
-    : form_(form),
-      look_(look),
-      watch_(watch),
-      enabledBrush_(CreateSolidBrush(ToColorref(colour::Card))),
-      disabledBrush_(CreateSolidBrush(ToColorref(colour::FaceDisabled))) {
+FormFrame::FormFrame(FormWindow& form, Appearance& look, HandlerWatch& watch)
+    : form_(form), look_(look), watch_(watch) {
+  MakeBrushes();
   RegisterFrameClass(Receive);
   RECT size = {0, 0, look.Pixels(form.WindowWidth()), look.Pixels(form.WindowHeight())};
   AdjustWindowRectEx(&size, frameStyle, FALSE, 0);
@@ -58,6 +55,13 @@ FormFrame::~FormFrame() {
   DestroyWindow(window_);
   DeleteObject(enabledBrush_);
   DeleteObject(disabledBrush_);
+}
+
+void FormFrame::MakeBrushes() {
+  DeleteObject(enabledBrush_);
+  DeleteObject(disabledBrush_);
+  enabledBrush_ = CreateSolidBrush(ToColorref(look_.Colours().Card));
+  disabledBrush_ = CreateSolidBrush(ToColorref(look_.Colours().FaceDisabled));
 }
 
 void FormFrame::LetGo() {
@@ -219,7 +223,8 @@ const Canvas& FormFrame::Backdrop() {
 
 void FormFrame::DropBackdrop() {
   backdrop_.reset();
-  if (IsShown()) RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
+  if (IsShown())
+    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
 void FormFrame::DrawShapes(Canvas& canvas, int left, int top) const {
@@ -275,6 +280,12 @@ LRESULT FormFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
       Close();
       return 0;
+    case WM_SYSCOLORCHANGE:
+      OnColours();
+      return 0;
+    case WM_SETTINGCHANGE:
+      if (wParam == SPI_SETHIGHCONTRAST) OnColours();
+      break;
     case WM_QUERYENDSESSION:
       Close();
       return TRUE;
@@ -292,10 +303,18 @@ LRESULT FormFrame::OnCommand(WPARAM wParam) {
   return 0;
 }
 
+// Each page hears of it for itself, hidden or not.
+void FormFrame::OnColours() {
+  look_.ReadColours();
+  MakeBrushes();
+  DropBackdrop();
+}
+
 HBRUSH FormFrame::TextBoxBrush(HDC dc, HWND control) const {
   const bool enabled = IsWindowEnabled(control) != FALSE;
-  SetTextColor(dc, ToColorref(enabled ? colour::Text : colour::Disabled));
-  SetBkColor(dc, ToColorref(enabled ? colour::Card : colour::FaceDisabled));
+  const Palette& colours = look_.Colours();
+  SetTextColor(dc, ToColorref(enabled ? colours.Text : colours.Disabled));
+  SetBkColor(dc, ToColorref(enabled ? colours.Card : colours.FaceDisabled));
   return enabled ? enabledBrush_ : disabledBrush_;
 }
 

@@ -8,15 +8,15 @@
 namespace talu {
 namespace {
 
-Colour TextColour(const ControlView& view) {
-  if (!view.Enabled) return colour::Disabled;
+Colour TextColour(const ControlView& view, const Palette& colours) {
+  if (!view.Enabled) return colours.Disabled;
   switch (view.Style) {
     case TextStyle::Title:
-      return colour::Title;
+      return colours.Title;
     case TextStyle::Note:
-      return colour::Note;
+      return colours.Note;
     default:
-      return colour::Text;
+      return colours.Text;
   }
 }
 
@@ -90,7 +90,7 @@ std::string LabelWindow::TipText() const {
 void LabelWindow::Draw(Canvas& canvas) {
   const HDC dc = canvas.Dc();
   const HGDIOBJ former = SelectObject(dc, frame_.Look().Font(View().Style));
-  SetTextColor(dc, ToColorref(TextColour(View())));
+  SetTextColor(dc, ToColorref(TextColour(View(), frame_.Look().Colours())));
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
   RECT inner = area;
   InflateRect(&inner, -Margin().cx, -Margin().cy);
@@ -99,7 +99,8 @@ void LabelWindow::Draw(Canvas& canvas) {
   if (!scrolling_) CutToFit(dc, layout, width, inner.bottom - inner.top);
   DrawLines(dc, layout, inner, firstLine_);
   SelectObject(dc, former);
-  if (GetFocus() == Window()) canvas.FrameRound(area, 2, frame_.Look().Scaled(1), colour::Accent);
+  if (GetFocus() == Window())
+    canvas.FrameRound(area, 2, frame_.Look().Scaled(1), frame_.Look().Colours().Accent);
 }
 
 void LabelWindow::FitScrollBar() {

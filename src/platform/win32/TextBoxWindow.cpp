@@ -110,14 +110,15 @@ void TextBoxWindow::PaintBorder() {
 
 void TextBoxWindow::Draw(Canvas& canvas) {
   const int line = frame_.Look().Scaled(1);
+  const Palette& colours = frame_.Look().Colours();
   const bool enabled = View().Enabled;
   const bool focused = GetFocus() == Window();
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
-  canvas.FillRound(area, 3 * line, enabled ? colour::Card : colour::FaceDisabled);
+  canvas.FillRound(area, 3 * line, enabled ? colours.Card : colours.FaceDisabled);
   canvas.FrameRound(area, 3 * line, focused ? 2 * line : line,
-                    !enabled  ? colour::EdgeDisabled
-                    : focused ? colour::Accent
-                              : colour::Edge);
+                    !enabled  ? colours.EdgeDisabled
+                    : focused ? colours.Accent
+                              : colours.Edge);
 }
 
 }  // namespace talu

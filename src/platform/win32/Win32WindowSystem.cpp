@@ -30,7 +30,7 @@ std::int64_t Microseconds() {
 
 }  // namespace
 
-Win32WindowSystem::Win32WindowSystem() = default;
+Win32WindowSystem::Win32WindowSystem(bool (*wantsHighContrast)()) : look_(wantsHighContrast) {}
 
 Win32WindowSystem::~Win32WindowSystem() {
   for (const auto& frame : frames_) frame->LetGo();

@@ -18,7 +18,7 @@ namespace talu {
 /// paints about thirty times a second in `DoEvents`; when a handler is over everything is shown.
 class Win32WindowSystem : public WindowSystem, public HandlerWatch {
  public:
-  Win32WindowSystem();
+  explicit Win32WindowSystem(bool (*wantsHighContrast)() = &WantsHighContrast);
   ~Win32WindowSystem() override;
 
   void ShowForm(FormWindow& form) override;
