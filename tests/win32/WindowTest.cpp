@@ -408,6 +408,48 @@ TEST_F(HighContrastTest, ThePagesHaveTheOperatorsColoursAtOnce) {
   EXPECT_EQ(colours(), before);
 }
 
+TEST_F(WindowTest, TheWheelScrollsByTheSettingFromAnywhereOnThePage) {
+  UINT setting = 3;
+  SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &setting, 0);
+  page_["LblFinalMsg"].Text += "\rSix.\rSeven.\rEight.\rNine.\rTen.\rEleven.\rTwelve.\rThirteen.";
+  Show();
+  const HWND final = Control("LblFinalMsg");
+  struct Case {
+    const char* Words;
+    UINT Lines;
+    const char* Over;
+    std::vector<int> Turns;
+    int First;
+  };
+  const Case cases[] = {
+      {"one line a notch", 1, "LblFinalMsg", {-WHEEL_DELTA, -WHEEL_DELTA}, 2},
+      {"two lines, and back", 2, "LblFinalMsg", {-WHEEL_DELTA, -WHEEL_DELTA, WHEEL_DELTA}, 2},
+      {"parts of a notch", 1, "LblFinalMsg", {-40, -40, -40}, 1},
+      {"parts the other way do not count", 1, "LblFinalMsg", {-100, 30, -30}, 0},
+      {"no lines", 0, "LblFinalMsg", {-WHEEL_DELTA}, 0},
+      {"over another label", 1, "LblMsg", {-WHEEL_DELTA}, 1},
+      {"over a button", 1, "CmdNext", {-WHEEL_DELTA}, 1},
+      {"over the page", 1, "", {-WHEEL_DELTA}, 1},
+  };
+  for (const Case& test : cases) {
+    SystemParametersInfoA(SPI_SETWHEELSCROLLLINES, test.Lines, nullptr, 0);
+    SendMessageA(final, WM_VSCROLL, SB_TOP, 0);
+    for (const int turn : test.Turns) {
+      SendMessageA(*test.Over == '\0' ? frame_ : Control(test.Over), WM_MOUSEWHEEL,
+                   MAKEWPARAM(0, turn), 0);
+    }
+    EXPECT_EQ(GetScrollPos(final, SB_VERT), test.First) << test.Words;
+  }
+  SystemParametersInfoA(SPI_SETWHEELSCROLLLINES, WHEEL_PAGESCROLL, nullptr, 0);
+  SendMessageA(final, WM_VSCROLL, SB_TOP, 0);
+  SendMessageA(final, WM_VSCROLL, SB_PAGEDOWN, 0);
+  const int page = GetScrollPos(final, SB_VERT);
+  SendMessageA(final, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
+  EXPECT_EQ(GetScrollPos(final, SB_VERT), 0) << "a page a notch";
+  EXPECT_GT(page, 1);
+  SystemParametersInfoA(SPI_SETWHEELSCROLLLINES, setting, nullptr, 0);
+}
+
 /// Waits for a dialog of this process in another thread and answers it.
 class Answer {
  public:

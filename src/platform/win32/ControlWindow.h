@@ -27,6 +27,9 @@ class ControlWindow {
   /// The operator can do something with it now.
   bool IsUsable() const { return View().Enabled && View().Visible; }
 
+  /// Has more to show than there is room for, and takes the wheel.
+  virtual bool Scrolls() const { return false; }
+
   /// A property has a new value. What changes thousands of times a second (captions of labels,
   /// widths) is only noted; `BringUpToDate` shows it.
   virtual void Update(Property changed);

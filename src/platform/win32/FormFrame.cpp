@@ -286,6 +286,9 @@ LRESULT FormFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_SETTINGCHANGE:
       if (wParam == SPI_SETHIGHCONTRAST) OnColours();
       break;
+    case WM_MOUSEWHEEL:
+      if (PassOnWheel(wParam, lParam)) return 0;
+      break;
     case WM_QUERYENDSESSION:
       Close();
       return TRUE;

@@ -97,6 +97,9 @@ class FormFrame {
   /// Runs an event's handler of the form under the watch.
   void Handle(const std::function<void()>& event);
   void OnColours();
+  /// To the label that scrolls, wherever on the page the wheel was turned; false where there is
+  /// none.
+  bool PassOnWheel(WPARAM wParam, LPARAM lParam);
   void MakeBrushes();
   void MakeControls();
   /// Shapes and pictures are drawn first to last below everything else. Right after its label,

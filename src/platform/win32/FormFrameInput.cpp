@@ -170,6 +170,15 @@ int FormFrame::FullBarWidth() const {
   return 0;
 }
 
+bool FormFrame::PassOnWheel(WPARAM wParam, LPARAM lParam) {
+  for (const auto& control : controls_) {
+    if (!control->Scrolls()) continue;
+    SendMessageA(control->Window(), WM_MOUSEWHEEL, wParam, lParam);
+    return true;
+  }
+  return false;
+}
+
 void FormFrame::MakeToolTips() {
   toolTips_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
                               WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_, nullptr,

@@ -20,9 +20,6 @@ Colour TextColour(const ControlView& view, const Palette& colours) {
   }
 }
 
-/// Lines that one notch of the wheel scrolls.
-constexpr int wheelLines = 3;
-
 int ClientWidth(HWND window) {
   RECT client;
   GetClientRect(window, &client);
@@ -177,6 +174,23 @@ bool LabelWindow::OnKey(WPARAM key) {
   return false;
 }
 
+// Touchpads and fine wheels turn by less than a notch at a time.
+void LabelWindow::OnWheel(int delta) {
+  UINT lines = 3;  // a notch
+  SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
+  SCROLLINFO info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SIF_PAGE;
+  GetScrollInfo(Window(), SB_VERT, &info);
+  // The setting may also be a page (a very large number), which is the most.
+  const int step = static_cast<int>(std::min(lines, std::max(info.nPage, 1U)));
+  if ((delta < 0) != (turned_ < 0)) turned_ = 0;
+  turned_ += delta * step;
+  const int whole = turned_ / WHEEL_DELTA;
+  turned_ -= whole * WHEEL_DELTA;
+  if (whole != 0) ScrollTo(firstLine_ - whole);
+}
+
 LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_GETTEXT:
@@ -202,7 +216,9 @@ LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       OnScroll(LOWORD(wParam));
       return 0;
     case WM_MOUSEWHEEL:
-      ScrollTo(firstLine_ - wheelLines * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA);
+      // Else the page gets it.
+      if (!scrolling_) return DefWindowProcA(Window(), message, wParam, lParam);
+      OnWheel(GET_WHEEL_DELTA_WPARAM(wParam));
       return 0;
     case WM_KEYDOWN:
       if (scrolling_ && OnKey(wParam)) return 0;
