@@ -89,8 +89,6 @@ int Run(const CommandLine& line) {
 }  // namespace
 
 int Main() {
-  // Without this the system scales coordinates and screenshots on a large display.
-  SetProcessDPIAware();
   // The shell names folders only to threads that have done this.
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   CommandLine line;
