@@ -70,6 +70,11 @@ int Run(const CommandLine& line) {
   if (!script.Errors.empty()) return NothingPlayed;
   if (line.CheckOnly) return Played;
 
+  if (!HasDesktop()) {
+    throw std::runtime_error(
+        "this session has no desktop, and Setup has windows: start drive in the session of a user "
+        "who is logged on");
+  }
   SetupProcess setup;
   if (!line.Program.empty()) setup.Start(line.Program);
   if (line.ProcessId != 0) setup.Attach(line.ProcessId);

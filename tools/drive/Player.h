@@ -34,7 +34,7 @@ class Player {
   /// Tries until `attempt` returns an empty text; what it returns otherwise tells what is there
   /// instead. Raises std::runtime_error with that when the time is over, when Setup has ended, when
   /// nothing can happen on its page any more, or when a dialog that the step does not deal with
-  /// holds everything up.
+  /// holds everything up. What other windows Setup has open is told with it.
   void Until(const std::function<std::string()>& attempt, bool browses = false);
   /// Whether there is a Setup to drive, found this moment or before.
   bool Attach();

@@ -19,6 +19,13 @@ TextBoxWindow::TextBoxWindow(FormFrame& frame, std::size_t index)
                SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
   if (View().Password) SendMessageW(Window(), EM_SETPASSWORDCHAR, bullet, 0);
   TextBoxWindow::Update(Property::Text);
+  NoteLength();
+}
+
+void TextBoxWindow::NoteLength() const {
+  if (!View().Password) return;
+  const INT_PTR typed = GetWindowTextLengthW(Window()) + 1;
+  SetPropA(Window(), "Typed", reinterpret_cast<HANDLE>(typed));
 }
 
 std::string TextBoxWindow::Contents() const {
@@ -41,6 +48,7 @@ void TextBoxWindow::Update(Property changed) {
 }
 
 void TextBoxWindow::OnNotification(int code) {
+  if (code == EN_CHANGE) NoteLength();
   if (code == EN_CHANGE && !setting_) frame_.Type(Index(), Contents());
   if (code == EN_SETFOCUS) frame_.Focus(Index());
 }
