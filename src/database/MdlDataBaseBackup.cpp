@@ -11,7 +11,8 @@
 namespace talu {
 
 MdlDataBaseBackup::MdlDataBaseBackup(InstallContext& install, Shape& bar)
-    : AdoObjects(install.Machine.DataAccess), install_(install), bar_(bar) {}
+    // A backup may take hours, and nobody could move the page or close it.
+    : AdoObjects(install.Machine.DataAccess.Lively()), install_(install), bar_(bar) {}
 
 void MdlDataBaseBackup::BackupDatabases() {
   const ErrorTrap step(

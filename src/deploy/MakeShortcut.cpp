@@ -36,7 +36,7 @@ void MakeShortcut(InstallContext& install, const std::string& target, const std:
   std::unique_ptr<ScriptShell> shell;
   step.Assign(shell, [&] { return install.Machine.Scripting.CreateShell(); });
   std::vector<std::string> specialFolders;
-  if (shell) step.Assign(specialFolders, [&] { return shell->SpecialFolders(); });
+  step.Assign(specialFolders, [&] { return Set(shell).SpecialFolders(); });
   std::unique_ptr<Shortcut> shortcut;
   std::string folder;
   for (const std::string& specialFolder : specialFolders) {

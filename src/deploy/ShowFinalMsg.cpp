@@ -16,7 +16,6 @@ void Deployment::ShowFinalMsg() {
     view_.Status.Caption = "Please read below instructions carefully...";
     std::string line;
     step.CountTo(n, [&](Int16 i) {
-      line.clear();  // a line that cannot be read must not repeat the one before
       step.Assign(line, [&] { return install_.GetCfgValue("FinalMsg", i); });
       if (!TrimView(line).empty()) closing_.Caption = closing_.Caption.Get() + "\r" + line;
     });

@@ -95,6 +95,8 @@ void FrmLocation::CmdLocation_Click() {
   AddProductFolder();
   TxtInstaPath.Text = state.InstallPath;
   SetApplicationFolder();
+  // The box may read as before, which is no change.
+  EnableNextWhenFilled();
 }
 
 void FrmLocation::TxtInstaPath_Change() {

@@ -26,7 +26,7 @@ class Command {
   virtual ~Command() = default;
   /// Binds the command to a connection, by reference. Raises 3709 when it is not open.
   virtual void ActiveConnection(Connection& connection) = 0;
-  /// In seconds; 30 until it is set.
+  /// In seconds; until it is set a statement may take as long as it likes.
   virtual void CommandTimeout(int seconds) = 0;
   virtual void CommandText(const std::string& text) = 0;
   /// Runs the command text, without the optional arguments; options -1 (unspecified).
@@ -40,6 +40,9 @@ class Ado {
   /// Raises 429 when the class cannot be created.
   virtual std::unique_ptr<Connection> CreateConnection() = 0;
   virtual std::unique_ptr<Command> CreateCommand() = 0;
+  /// Makes objects that let window events be handled while a call waits for the server. They go
+  /// with one another only.
+  virtual Ado& Lively() { return *this; }
 };
 
 }  // namespace talu

@@ -17,8 +17,8 @@ class CodePage {
   CodePage(const CodePage&) = delete;
   CodePage& operator=(const CodePage&) = delete;
 
-  /// Bytes of the code page to a text. Bytes that are no character become one of the same number or
-  /// the platform's replacement.
+  /// Bytes of the code page to a text. What is no character is replaced; a carriage return is
+  /// always one, whatever stands before it.
   std::string ToText(std::string bytes) const;
   /// A text to bytes of the code page. What it lacks becomes the platform's best fit, or "?".
   std::string FromText(std::string text) const;

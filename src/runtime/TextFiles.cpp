@@ -135,29 +135,30 @@ std::string TextFiles::ReadWhole(const std::string& path) {
   return codePage_.ToText(std::move(text));
 }
 
+// What was read stays undecoded until it is text: an error loses nothing of it.
 bool TextFiles::Fill(OpenFile& file) {
   file.At = 0;
-  std::string& bytes = file.Buffer;
-  bytes = std::exchange(file.Undecoded, {});
+  file.Buffer.clear();
+  std::string& bytes = file.Undecoded;
   for (;;) {
-    bool more = false;
     const std::size_t before = bytes.size();
     bytes.resize(before + kChunk);
+    std::size_t got = 0;
     try {
-      const std::size_t got = file.File->Read(bytes.data() + before, kChunk);
-      bytes.resize(before + got);
-      more = got != 0;
+      got = file.File->Read(bytes.data() + before, kChunk);
     } catch (...) {
-      file.Undecoded.assign(bytes, 0, before);
-      bytes.clear();
+      bytes.resize(before);
       throw;
     }
-    if (IsAscii(bytes)) return !bytes.empty();
-    const std::size_t end = more ? WholeCharacters(bytes) : bytes.size();
+    bytes.resize(before + got);
+    if (IsAscii(bytes)) {
+      file.Buffer.swap(bytes);
+      return !file.Buffer.empty();
+    }
+    const std::size_t end = got != 0 ? WholeCharacters(bytes) : bytes.size();
     if (end == 0) continue;
-    file.Undecoded.assign(bytes, end);
-    bytes.resize(end);
-    bytes = codePage_.ToText(std::move(bytes));
+    file.Buffer = codePage_.ToText(bytes.substr(0, end));
+    bytes.erase(0, end);
     return true;
   }
 }

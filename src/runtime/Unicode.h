@@ -58,6 +58,22 @@ std::string FromUtf16(std::basic_string_view<Unit> units) {
   return text;
 }
 
+/// Decodes bytes of a code page by `decode`, which takes a piece and appends it to a text. No piece
+/// has a carriage return: one that follows the first byte of a longer character would be taken for
+/// its second, and the line would not end.
+template <class Decode>
+std::string DecodePieces(std::string_view bytes, const Decode& decode) {
+  std::string text;
+  text.reserve(bytes.size() + bytes.size() / 2);
+  for (;;) {
+    const std::size_t end = bytes.find('\r');
+    decode(bytes.substr(0, end), text);
+    if (end == std::string_view::npos) return text;
+    text += '\r';
+    bytes.remove_prefix(end + 1);
+  }
+}
+
 /// Without anything that is no character, which is replaced by U+FFFD.
 std::string OnlyCharacters(std::string_view text);
 

@@ -1,6 +1,6 @@
 // A wizard of three pages that does what drive has to cope with: controls that appear or are
-// enabled late, a message box, the folder browser, work without answering, a masked box, an end by
-// the frame.
+// enabled late, a message box, the folder browser, windows that no script knows, work without
+// answering, a masked box, an end by the frame.
 #include <windows.h>
 // After windows.h.
 #include <shlobj.h>
@@ -26,6 +26,9 @@ int nextId = 100;
 int showings = 0;
 /// A wizard that does not tell how often its pages were shown, nor whether it works.
 const bool kSilent = getenv("SILENT_WIZARD") != nullptr;
+/// One on a system that tells nobody outside how much a masked box has in it.
+const bool secretive = getenv("SECRETIVE_WIZARD") != nullptr;
+WNDPROC boxProcedure = nullptr;
 
 /// Properties and control ids are numbers that travel as handles.
 template <class Handle>
@@ -101,6 +104,15 @@ void Clicked(HWND control) {
     Sleep(3000);  // work that lets nothing through
     Show(database, &location);
     Show(application, &database);
+  } else if (Read(location, "TxtInstaPath") == "C:\\Asking") {
+    MessageBoxA(location.Window, "Replace it?", "Copying", MB_YESNO);
+  } else if (Read(location, "TxtInstaPath") == "C:\\Showing") {
+    const HWND window = CreateWindowA("page", "Copying", WS_POPUP | WS_VISIBLE, 0, 0, 300, 90,
+                                      location.Window, nullptr, nullptr, nullptr);
+    CreateWindowA("STATIC", "Big.dat", WS_CHILD | WS_VISIBLE, 9, 9, 90, 20, window, nullptr,
+                  nullptr, nullptr);
+    CreateWindowA("EDIT", "typed", WS_CHILD | WS_VISIBLE, 9, 40, 90, 20, window, nullptr, nullptr,
+                  nullptr);
   } else if (Read(location, "TxtInstaPath") == "C:\\Malformed") {
     Show(database, &location);
     WorkAndAnswer();  // nothing can be clicked, and yet more is to come
@@ -108,7 +120,16 @@ void Clicked(HWND control) {
   }
 }
 
+LRESULT CALLBACK TellNoLength(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_GETTEXTLENGTH) return 0;
+  return CallWindowProcA(boxProcedure, window, message, wParam, lParam);
+}
+
 void Changed() {
+  if (!kSilent) {
+    SetPropA(location.Controls["TxtPsWord"], "Typed",
+             As<HANDLE>(static_cast<INT_PTR>(Read(location, "TxtPsWord").size() + 1)));
+  }
   EnableWindow(location.Controls["CmdNext"], !Read(location, "TxtInstaPath").empty());
 }
 
@@ -156,10 +177,17 @@ int main() {
   Add(type, "OptUpgrade", "BUTTON", "Upgrade", button | BS_AUTORADIOBUTTON, 20, 90);
   Add(type, "ChkOldLocation", "BUTTON", "Old", WS_TABSTOP | BS_AUTOCHECKBOX | WS_GROUP, 20, 120);
   Add(type, "CmdNext", "BUTTON", "&Next", button, 280, 280);
+  char folder[MAX_PATH] = "";
+  GetCurrentDirectoryA(MAX_PATH, folder);
+  Add(type, "LblTitleMsg", "STATIC", folder, WS_VISIBLE, 20, 200, 480);
   Make(location);
   Add(location, "TxtInstaPath", "EDIT", "", button | WS_BORDER | ES_AUTOHSCROLL, 20, 60);
   Add(location, "CmdLocation", "BUTTON", "...", button, 240, 60, 30);
   Add(location, "TxtPsWord", "EDIT", "old", button | WS_BORDER | ES_PASSWORD, 20, 90);
+  if (secretive) {
+    boxProcedure = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
+        location.Controls["TxtPsWord"], GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(TellNoLength)));
+  }
   Add(location, "CmdPrev", "BUTTON", "&Back", button, 20, 280);
   Add(location, "CmdNext", "BUTTON", "&Next", button | WS_DISABLED, 280, 280);
   Make(database);

@@ -1,5 +1,6 @@
-// A library that has no business in any process: where it is loaded it leaves, in C:\Planted, an
-// empty file of the name "PROGRAM LIBRARY".
+// A library that has no business in any process, and a program that nobody should start: where it
+// is loaded it leaves, in C:\Planted, an empty file of the name "PROGRAM LIBRARY"; "PROGRAM
+// PROGRAM" when it is started.
 
 #include <windows.h>
 
@@ -18,14 +19,21 @@ struct FileName {
   }
 };
 
-}  // namespace
-
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
-  if (reason != DLL_PROCESS_ATTACH) return TRUE;
+void LeaveMark(HMODULE module) {
   char mark[3 * MAX_PATH];
   std::snprintf(mark, sizeof mark, "C:\\Planted\\%s %s", FileName(nullptr).Text,
                 FileName(module).Text);
   const HANDLE file = CreateFileA(mark, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
   if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+}
+
+}  // namespace
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
+  if (reason == DLL_PROCESS_ATTACH) LeaveMark(module);
   return TRUE;
+}
+
+int main() {
+  LeaveMark(nullptr);
 }

@@ -1,7 +1,7 @@
 # shellcheck shell=bash disable=SC2154,SC2034
 # Builds that fail: what the operator sees, what the server is told, what is left.
 StartServer "$Machine/server" "$Machine/wine/drive_c" --fail-text 'Broken=50000:the middle breaks' \
-  --cut-text 'Cut here'
+  --cut-text 'Cut here' --delay-text 'BACKUP DATABASE Long=2500' --delay-text 'BACKUP DATABASE Endless=100000'
 Remove='DROP DATABASE One DROP DATABASE Two DROP LOGIN Clerk'
 # The operator can only close the page after a build that failed.
 Closed='expect CmdPrev enabled false; expect CmdNext enabled false; expect ShpProgBar width 440
@@ -41,6 +41,18 @@ AreThere() {
     Query master "SELECT name FROM sys.sql_logins WHERE name <> 'sa'"
   } | xargs)"
 }
+
+Test 'a backup may take as long as it takes, and the page lives on meanwhile'
+InstallBelow Slow
+Pack FreshDBSript=Build.sql DBSript=Build.sql
+Query master 'CREATE DATABASE Long'
+Script Build.sql <<<$'--taluLineByLine\nUSE Long'
+WINEADO_COMMAND_TIMEOUT=1 Play '@install Server; @finish'
+True 'the backup' ls "$Host BackUp"/Talu_Long_*.bkp*
+Is 'entries of errors' '' "$(grep -i 'timeout' "$Host/Ta-luErrLog.txt")"
+Script Build.sql <<<$'--taluLineByLine\nUSE Endless'
+Play '@install Server; wait FrmSQLNonQuery; timeout 20; close FrmSQLNonQuery; ended 0'
+Query master 'DROP DATABASE Long'
 
 Test 'a statement fails in the middle: the rest runs, then everything is dropped, in order'
 InstallBelow Middle

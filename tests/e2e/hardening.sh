@@ -9,21 +9,35 @@ StartServer "$Machine/server" "$Machine/wine/drive_c"
 # Imports FILE: the libraries that it names in its import table.
 Imports() { i686-w64-mingw32-objdump -p "$1" | awk '/DLL Name:/ {print tolower($3)}' | sort; }
 
-Test 'the program imports from libraries that Windows never takes from the program'\''s folder'
-# Windows has these loaded for good; its manifest binds the program to the system's COMCTL32.
+Drive=$Root/build/win32/tools/drive/drive.exe Packcheck=$Root/build/win32/tools/packcheck/packcheck.exe
+
+Test 'the programs import from libraries that Windows never takes from the program'\''s folder'
+# Windows has these loaded for good; the manifests bind COMCTL32 and GDI+ to the system's.
 Is 'imports' 'advapi32.dll comctl32.dll gdi32.dll kernel32.dll msvcrt.dll ole32.dll oleaut32.dll shell32.dll user32.dll' \
   "$(Imports "$Setup" | xargs)"
 True 'the manifest' grep -aq 'Microsoft.Windows.Common-Controls' "$Setup"
+Is "drive's imports" 'gdi32.dll gdiplus.dll kernel32.dll msvcrt.dll ole32.dll shell32.dll user32.dll' \
+  "$(Imports "$Drive" | xargs)"
+True "drive's manifest" grep -aq 'Microsoft.Windows.GdiPlus' "$Drive"
+Is "packcheck's imports" 'kernel32.dll msvcrt.dll shell32.dll' "$(Imports "$Packcheck" | xargs)"
 
-Test 'data is not executed, addresses move, overrun buffers end the program'
-Header=$(i686-w64-mingw32-objdump -p "$Setup")
-for Text in NX_COMPAT DYNAMIC_BASE 'Entry 5 [0-9a-f]* 0*[1-9a-f][0-9a-f]* Base Relocation'; do
-  True "$Text" grep -q "$Text" <<<"$Header"
+Test 'data is not executed, addresses move, overrun buffers end the program; rights and versions are told'
+for Program in "$Setup" "$Drive" "$Packcheck"; do
+  Header=$(i686-w64-mingw32-objdump -p "$Program")
+  for Text in NX_COMPAT DYNAMIC_BASE TERMINAL_SERVICE_AWARE \
+    'Entry 5 [0-9a-f]* 0*[1-9a-f][0-9a-f]* Base Relocation'; do
+    True "$Text in $Program" grep -q "$Text" <<<"$Header"
+  done
+  # The wizard's own protector; the compiler's would ask the system for a random number.
+  i686-w64-mingw32-objdump -d "$Program" >"$Machine/code"
+  True "the protector in $Program" grep -q 'int  *[$]0x29' "$Machine/code"
+  Is "another protector's random number in $Program" '' "$(grep -ao CryptGenRandom "$Program" || true)"
+  Level=asInvoker
+  [[ $Program != "$Setup" ]] || Level=requireAdministrator
+  True "the level of $Program" grep -aq "requestedExecutionLevel level=\"$Level\"" "$Program"
+  Name=${Program##*/}
+  True "the version of $Program" grep -qxF "$Name" <(strings -el "$Program")
 done
-# The wizard's own protector; the compiler's would ask the system for a random number.
-i686-w64-mingw32-objdump -d "$Setup" >"$Machine/code"
-True 'the protector' grep -q 'int  *[$]0x29' "$Machine/code"
-Is "another protector's random number" '' "$(grep -ao CryptGenRandom "$Setup" || true)"
 for Library in src/libwizard.a src/platform/win32/libwin32platform.a; do
   i686-w64-mingw32-nm "$Root/build/win32/$Library" >"$Machine/names"
   True "the protector in $Library" grep -q 'U ___stack_chk_fail' "$Machine/names"
@@ -71,6 +85,21 @@ Play '@install Server Fresh; @finish'
 Is 'what Setup.exe loads' '' "$(Loaded)"
 cd "$Root" || exit
 WINEDLLOVERRIDES=$Overrides
+
+Test 'of programs planted beside it the system'\''s own is started; an add-on looks for libraries as usual'
+SampleHost=$Host
+InstallBelow Other
+Pack 'AddOns=bait.exe nobodys.dll|Tool.msi'
+mkdir "$PackDir/AddOns"
+cp "$Bait" "$PackDir/AddOns/"
+cp "$Root/build/win32/tests/e2e/planted.dll" "$PackDir/nobodys.dll"
+for Name in regsvr32 msiexec; do cp "$Root/build/win32/tests/e2e/planted-program.exe" "$PackDir/$Name.exe"; done
+touch "$PackDir"/{AddOns/Tool.msi,Application/Sub/Any.ocx}
+Play '@install Client; @finish'
+# Which msiexec is started is Windows' choice; the manuals say so.
+Is 'what was started and loaded' $'bait.exe nobodys.dll\nmsiexec.exe msiexec.exe' "$(Loaded)"
+True 'the log' grep -qF 'regsvr32 /s "C:\Other\' "$Host/Ta-luErrLog.txt"
+Host=$SampleHost
 
 Test 'the password is where the formats put it, and nowhere else'
 # The prefix's registry too; Wine writes it when the last program has ended.

@@ -1,7 +1,7 @@
 # shellcheck shell=bash disable=SC2154,SC2034
 # Machines of three code pages, with letters that their code page has in texts and ones that none of them has
 # in the names of files and folders: what packcheck foretells happens, and nothing is lost.
-Foreign='表 Ж é 😀'
+Foreign='א 表 Ж 😀'
 
 # Letters NUMBER LOCALE OWN: a case on a machine of this code page; OWN are letters that it has.
 Letters() {
@@ -17,7 +17,7 @@ Letters() {
   PackPath="D:\\Pack $Foreign" PackDir="$Machine/media/Pack $Foreign"
   printf 'C:\\users\\Public\\Desktop\n' >"$Machine/special-folders"
   Pack "AppTitle=$own" "AppFolder=$own" "DBFolder=Data $own" "FreshDBSript=$own.sql|Rows.sql" \
-    "SystemDSN=SQL Server,$own,Letters,sa,$SQL_PASSWORD" "Shotcut=\\One.txt,Desktop,$own" \
+    "SystemDSN=SQL Server,Letters,Letters,sa,$SQL_PASSWORD" "Shotcut=\\One.txt,Desktop,$own" \
     "WriteSettings=\\Set $own.txt,$own=,SERVER" "FinalMsg=$own"
   mkdir -p "$PackDir/Application/A $Foreign" "$PackDir/Application/B"
   echo a >"$PackDir/Application/A $Foreign/$Foreign.txt"

@@ -109,7 +109,7 @@ const CheckCase kCases[] = {
     {"SQL-NOT-THERE", {{kA, "-"}}, "msgbox Path not found"},
     {"SQL-NOT-LISTED", {{kB, Lines("--taluGO|USE Other|GO|")}}, "!Other"},
     {"SQL-UTF16", {{kA, std::string("\xFF\xFE-\0-\0\r\0\n\0", 10)}}, kFormat},
-    {"SQL-UTF8", Batches("PRINT 'caf\xC3\xA9'|GO|"), "PRINT 'caf\xC3\xA9'"},
+    {"SQL-UTF8", Batches("PRINT 'caf\xC3\xA9'|GO|"), "PRINT 'caf\u00c3\u00a9'"},
     {"SQL-LINE-ENDS", {{kA, "--taluGO\nUSE master\nGO\n"}}, "!sql"},
     {"SQL-NO-DIRECTIVE", Script("USE master|GO|"), kFormat},
     {"SQL-LATE-DIRECTIVE", Script("-- Sales|" + kPlain), kFormat},

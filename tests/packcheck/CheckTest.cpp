@@ -109,7 +109,7 @@ TEST_F(CheckTest, ReadsThePackInTheMachinesCodePage) {
   files["AppCfg.txt"] = Replace(files["AppCfg.txt"], "A.sql", "\x95\x5C.sql");
   auto script = files.extract("SQLScript/Fresh/A.sql");
   script.key() = "SQLScript/Fresh/\u8868.sql";
-  script.mapped() = Replace(script.mapped(), "GO\r\n", "PRINT '\u8868'\r\nGO\r\n");
+  script.mapped() += "PRINT '\u8868'\r\nGO\r\n";
   files.insert(std::move(script));
   MakePack(files);
   EXPECT_EQ(Codes("SQL-NOT-THERE"), "SQL-NOT-THERE SQL-NOT-LISTED");

@@ -38,7 +38,7 @@ check --explain NONE|no finding is called NONE; "all" explains every one
 check $folder/huge|AppCfg.txt: Out of memory
 check $folder/huge --json|AppCfg.txt: Out of memory
 check $folder/wrong --json|$folder/wrong/$(printf '\xef\xbf\xbd\xef\xbf\xbd'): the name is not UTF-8
-check $pack --code-page 12345|this system has no code page 12345
+check $pack --code-page 12345|this system has no ANSI code page 12345
 plan $folder/nowhere --type fresh --mode client --json|PACK: "$folder/nowhere" is not a folder
 CASES
 Is 'a plan of a huge configuration' "$("$packcheck" plan "$folder/huge" --type fresh --mode client 2>&1 |

@@ -238,14 +238,21 @@ TEST_F(DeployTest, WhatAFailureLeavesIsWhatTheNextStatementWorksOn) {
        "Writing Settings not Finished",
        {denied, "Shotcut:" + open + " can't created", full, denied, own + " can't created",
         own + " created"}},
-      {"a last word that is not read is not said again",
+      {"the shell that is not there is asked for its folders",
+       {Block("Shotcut", {"\\a.exe,Desktop,A"})},
+       "Creating Shotcuts...",
+       3,
+       "Creating Shotcuts...",
+       "Writing Settings not Finished",
+       {full, "//\r\nObject variable not set\r\n"}},
+      {"a last word that is not read is the one before",
        {Block("FinalMsg", {"A", "B", "C"})},
        "Final Message started...",
        5,
        "Final Message started...",
        "Installation finished.",
        {full, "Final Message write successfully"},
-       "\rA\rC"},
+       "\rA\rA\rC"},
   };
   for (const Case& test : cases) {
     SCOPED_TRACE(test.what);

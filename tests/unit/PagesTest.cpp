@@ -300,6 +300,13 @@ TEST_F(PagesTest, FailuresOfNextAreShownAndLeaveItDisabled) {
   windows.Click("CmdNext");
   EXPECT_EQ(windows.Messages().back(), "Path not found");
   EXPECT_FALSE(Enabled("CmdNext"));
+  // A folder whose name the application's folder has already: the box reads the same each time.
+  for (const bool enabled : {true, false, true}) {
+    windows.BrowseAnswers = {"C:\\Apple"};
+    windows.Click(enabled ? "CmdLocation" : "CmdNext");
+    EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Apple\\TA-LU");
+    EXPECT_EQ(Enabled("CmdNext"), enabled);
+  }
 
   machine.Disk.MakeFolders("C:\\Denied").Denied = true;
   windows.BrowseAnswers = {"C:\\Denied"};

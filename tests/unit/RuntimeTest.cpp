@@ -127,12 +127,12 @@ TEST(TextFiles, AreInTheMachinesCodePage) {
     std::string text;
     std::string printed;  // of the text and two characters that others have
   } cases[] = {
-      {932, "\x95\x5C", "\u8868", "\x95\x5C\x84\x88?"},
-      {936, "\x81\x41", "\u4e04", "\x81\x41\xA7\xD8\xA8\xB9"},
-      {1250, "\x9C", "\u015b", "\x9C?\xFC"},
+      {932, "\x95\x5C", "\u8868", "\x95\x5C\x84\x77?"},
+      {936, "\x81\x41", "\u4e04", "\x81\x41\xA7\xD8?"},
+      {1250, "\x9C", "\u015b", "\x9C??"},
       {1251, "\xE6\x98", "\u0436\u0098", "\xE6\x98\xE6?"},
-      {1252, "\xFF\x81", "\u00ff\u0081", "\xFF\x81?\xFC"},
-      {65001, "\xE8\xA1\xA8", "\u8868", "\xE8\xA1\xA8\u0436\u00fc"},
+      {1252, "\xFF\x81", "\u00ff\u0081", "\xFF\x81??"},
+      {65001, "\xE8\xA1\xA8", "\u8868", "\xE8\xA1\xA8\u0436\u05d0"},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.codePage);
@@ -151,10 +151,13 @@ TEST(TextFiles, AreInTheMachinesCodePage) {
     while (!files.EndOfFile(1)) lines.emplace_back(files.LineInput(1));
     EXPECT_TRUE(lines == (std::vector<std::string>{"plain", text, "", text}));
     files.Open("C:\\out.txt", OpenMode::Output, 2);
-    files.Print(2, {test.text, "\u0436", "\u00fc"});
+    files.Print(2, {test.text, "\u0436", "\u05d0"});
     EXPECT_EQ(machine.Disk.ReadFile("C:\\out.txt"), test.printed + "\r\n");
   }
   EXPECT_THROW(SimulatedMachine("D:\\Pack", 12345), std::runtime_error);
+  EXPECT_THROW(SimulatedMachine("D:\\Pack", 37), std::runtime_error) << "its letters are others";
+  EXPECT_EQ(CodePage(1252).FromText("\U0001F600"), "??");
+  EXPECT_EQ(CodePage(932).ToText("Caf\xE9\r\nGO"), "Caf\u30fb\r\nGO");
 }
 
 TEST(TextFiles, LoseNothingWhenOneReadFails) {

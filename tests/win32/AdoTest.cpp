@@ -8,9 +8,44 @@ namespace {
 const char* const kUnreachable =
     "driver={SQL Server};server=127.0.0.1,1;uid=sa;pwd=x;database=Master";
 
-TEST(Ado, RaisesTheProvidersErrors) {
+TEST(Apartment, HandlesEventsDuringWhatTakesLongAndPassesOnItsErrors) {
+  const DWORD here = GetCurrentThreadId();
+  std::vector<std::string> doings;
+  Apartment apartment([&](HANDLE done) {
+    EXPECT_EQ(WaitForSingleObject(done, 0), WAIT_TIMEOUT);
+    doings.emplace_back("meanwhile");
+    WaitForSingleObject(done, INFINITE);
+  });
+  apartment.Do([&] { EXPECT_NE(GetCurrentThreadId(), here); }, false);
+  EXPECT_TRUE(doings.empty());
+  EXPECT_EQ(ErrorOf([&] {
+              apartment.Do(
+                  [&] {
+                    Sleep(100);
+                    doings.emplace_back("done");
+                    throw RuntimeError(error::kDiskFull);
+                  },
+                  true);
+            }),
+            error::kDiskFull);
+  apartment.Do([&] { doings.emplace_back("again"); }, false);
+  EXPECT_EQ(doings, (std::vector<std::string>{"meanwhile", "done", "again"}));
+}
+
+/// The objects of this thread, and the lively ones.
+class AdoTest : public testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(Objects, AdoTest, testing::Bool(), [](const auto& info) {
+  return std::string(info.param ? "Lively" : "Still");
+});
+
+TEST_P(AdoTest, RaisesTheProvidersErrors) {
   int waits = 0;
-  Win32Ado ado([&] { ++waits; });
+  Win32Ado still([&] { ++waits; },
+                 [&](HANDLE done) {
+                   ++waits;
+                   WaitForSingleObject(done, INFINITE);
+                 });
+  Ado& ado = GetParam() ? still.Lively() : still;
   const auto connection = ado.CreateConnection();
   EXPECT_EQ(connection->State(), 0);
   EXPECT_EQ(ErrorOf([&] { connection->Close(); }), 3704);
@@ -30,7 +65,7 @@ TEST(Ado, RaisesTheProvidersErrors) {
   command->CommandText("USE Master");
   EXPECT_EQ(ErrorOf([&] { command->ActiveConnection(*connection); }), 3709);
   EXPECT_EQ(ErrorOf([&] { command->Execute(); }), 3709);
-  EXPECT_EQ(waits, 3) << "the page is painted before anything that may take long";
+  EXPECT_EQ(waits, 3) << "the page is painted before anything that may take long, or lives on";
 }
 
 }  // namespace

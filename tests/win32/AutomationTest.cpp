@@ -43,6 +43,17 @@ TEST(LateBound, RaisesTheObjectsOwnErrors) {
   }
 }
 
+// A byte that begins a longer character does not take the end of its line along.
+TEST(CodePage, LinesEndAfterHalfACharacter) {
+  for (const int number : {932, 936, 949, 950, 1252, 65001}) {
+    const std::string text = CodePage(number).ToText("Caf\xE9\r\nGO\r\n");
+    EXPECT_TRUE(text.starts_with("Caf")) << number;
+    EXPECT_TRUE(text.ends_with("\r\nGO\r\n")) << number;
+  }
+  EXPECT_EQ(CodePage(932).ToText("\x95\x5C\\"), "\u8868\\");
+  EXPECT_EQ(CodePage(932).FromText("\u8868\\"), "\x95\x5C\\");
+}
+
 /// An object whose member fails in one way.
 class Failing : public IDispatch {
  public:
@@ -119,7 +130,7 @@ struct Link {
 };
 
 TEST(ScriptingHost, MakesTheSameShortcutWithAndWithoutTheHost) {
-  const Scratch scratch;
+  const Scratch scratch("\u00e4");  // Wine's shortcuts have targets in the code page
   const std::string target = scratch.Write("prog, one.exe", "");
   const auto make = [&](Shortcut& shortcut, const std::string& path) {
     shortcut.TargetPath(target);

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <thread>
 
 #include "Scratch.h"
 #include "platform/win32/Win32Clock.h"
 #include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32Settings.h"
+#include "platform/win32/Win32ShellOperations.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu {
@@ -101,6 +103,80 @@ TEST(FileSystem, AppendsWhileOthersReadButNotWrite) {
     files.ReopenTextFile(path, log);
   }
   EXPECT_EQ(Scratch::Read(path), "first\r\nsecond\r\nthird\r\n");
+}
+
+/// Has a file or folder open, from now on and for a while.
+class Holder {
+ public:
+  Holder(const std::string& path, DWORD milliseconds, DWORD shared = 0)
+      : handle_(CreateFileW(Wide(path).c_str(), GENERIC_READ, shared, nullptr, OPEN_EXISTING,
+                            FILE_FLAG_BACKUP_SEMANTICS, nullptr)),
+        thread_([this, milliseconds] {
+          Sleep(milliseconds);
+          CloseHandle(handle_);
+        }) {
+    EXPECT_NE(handle_, INVALID_HANDLE_VALUE) << path;
+  }
+  ~Holder() { thread_.join(); }
+  Holder(const Holder&) = delete;
+  Holder& operator=(const Holder&) = delete;
+
+ private:
+  HANDLE handle_;
+  std::thread thread_;
+};
+
+TEST(FileSystem, TriesAgainWhatIsLockedForAMoment) {
+  const Scratch scratch;
+  Win32FileSystem files;
+  Win32ShellOperations shell;
+  const std::string held = scratch.Write("held.txt", "old");
+  const std::string other = scratch.Write("other.txt", "new");
+  const auto copy = [&](const std::string& from, const std::string& to) {
+    if (shell.FileOperation(FO_COPY, from, to, 6416) != 0) throw RuntimeError(error::kDiskFull);
+  };
+  const std::pair<const char*, std::function<void()>> works[] = {
+      {"read", [&] { files.OpenTextFile(held, OpenMode::Input); }},
+      {"append", [&] { files.OpenTextFile(held, OpenMode::Append); }},
+      {"write", [&] { files.OpenTextFile(held, OpenMode::Output); }},
+      {"copy from", [&] { copy(held, scratch / "copy.txt"); }},
+      {"copy over", [&] { copy(other, held); }},
+      {"delete", [&] { files.DeleteFile(held, true); }},
+  };
+  files.OpenTextFile(other, OpenMode::Input);  // patient again after what failed before
+  for (const auto& [what, work] : works) {
+    const Holder holder(held, 200);
+    EXPECT_EQ(ErrorOf(work), 0) << what;
+  }
+  EXPECT_FALSE(files.FileExists(held));
+
+  // A name is taken until the last one has let go of what is deleted.
+  scratch.Write("held.txt", "old");
+  constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const Holder file(held, 200, kAll);
+  DeleteFileW(Wide(held).c_str());
+  EXPECT_EQ(ErrorOf([&] { files.OpenTextFile(held, OpenMode::Output); }), 0);
+}
+
+TEST(FileSystem, DoesNotWaitForeverNorAgainAndAgainForWhatIsLocked) {
+  const Scratch scratch;
+  Win32FileSystem files;
+  const std::string path = scratch.Write("locked.txt", "x");
+  const auto failing = [&](int times) {
+    const ULONGLONG begin = GetTickCount64();
+    for (int i = 0; i < times; ++i) {
+      EXPECT_EQ(ErrorOf([&] { files.OpenTextFile(path, OpenMode::Append); }), 70);
+    }
+    return GetTickCount64() - begin;
+  };
+  const HANDLE lock =
+      CreateFileW(Wide(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  EXPECT_GE(failing(1), 450U);
+  EXPECT_LT(failing(20), 1500U) << "it was no moment before";
+  CloseHandle(lock);
+  files.OpenTextFile(path, OpenMode::Append);
+  const Holder holder(path, 200);
+  EXPECT_EQ(ErrorOf([&] { files.OpenTextFile(path, OpenMode::Append); }), 0) << "patient again";
 }
 
 TEST(FileSystem, WorksUpToWindowsOwnLimitOfAPath) {

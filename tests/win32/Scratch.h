@@ -13,13 +13,13 @@
 
 namespace talu {
 
-/// An empty folder that is gone after the test, with blanks in its name and letters that no code
-/// page has together.
+/// An empty folder that is gone after the test, with blanks in its name and letters, unless told
+/// otherwise such as no code page has together.
 class Scratch {
  public:
-  Scratch() {
+  explicit Scratch(const std::string& letters = "\u00e4\u8868\u0436") {
     const std::filesystem::path temp = std::filesystem::temp_directory_path();
-    path_ = Narrow(temp.wstring()) + "talu test \u00e4\u8868\u0436 " +
+    path_ = Narrow(temp.wstring()) + "talu test " + letters + " " +
             std::to_string(GetCurrentProcessId());
     Clear();
     std::filesystem::create_directory(Wide(path_));
@@ -44,11 +44,13 @@ class Scratch {
  private:
   void Clear() const {
     const std::filesystem::path folder = Wide(path_);
-    std::error_code missing;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, missing)) {
-      SetFileAttributesW(entry.path().c_str(), FILE_ATTRIBUTE_NORMAL);
+    std::error_code trouble;
+    std::filesystem::recursive_directory_iterator entry(folder, trouble);
+    for (; !trouble && entry != std::filesystem::recursive_directory_iterator();
+         entry.increment(trouble)) {
+      SetFileAttributesW(entry->path().c_str(), FILE_ATTRIBUTE_NORMAL);
     }
-    std::filesystem::remove_all(folder, missing);
+    std::filesystem::remove_all(folder, trouble);
   }
 
   std::string path_;

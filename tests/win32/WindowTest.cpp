@@ -27,6 +27,9 @@ HWND FindFrame(const std::string& form) {
 
 class WindowTest : public testing::Test {
  protected:
+  explicit WindowTest(bool (*wantsHighContrast)() = &WantsHighContrast)
+      : windows_(wantsHighContrast) {}
+
   void Show() {
     windows_.ShowForm(page_);
     frame_ = FindFrame("FrmSample");
@@ -353,19 +356,20 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   // The smallest bitmap there is: one black pixel.
   std::string bitmap("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\1\0\0\0\1\0\x18", 30);
   bitmap.resize(58);
-  page_["ImgBack"].Picture = windows_.LoadPicture(scratch.Write("black.bmp", bitmap));
+  page_["ImgBack"].Picture = windows_.LoadPicture(scratch.Write("100% black #1.bmp", bitmap));
   Show();
   EXPECT_EQ(PixelOf("ImgBack", 2, 2), RGB(0, 0, 0));
   const COLORREF card = PixelOf("LblTitleMsg", 460, 5);
-  for (const Colour text : {colour::kText, colour::kTitle, colour::kNote, colour::kDisabled}) {
+  const Palette own;
+  for (const Colour text : {own.Text, own.Title, own.Note, own.Disabled}) {
     EXPECT_GE(Contrast(ToColorref(text), card), 4.5) << std::hex << text;
   }
-  EXPECT_GE(Contrast(ToColorref(colour::kAccent), card), 4.5) << "the focus";
-  EXPECT_GE(Contrast(ToColorref(colour::kEdge), card), 3) << "what can be clicked";
-  for (const Colour face : {colour::kAccent, colour::kAccentHot, colour::kAccentDown}) {
-    EXPECT_GE(Contrast(ToColorref(colour::kOnAccent), ToColorref(face)), 4.5) << std::hex << face;
+  EXPECT_GE(Contrast(ToColorref(own.Accent), card), 4.5) << "the focus";
+  EXPECT_GE(Contrast(ToColorref(own.Edge), card), 3) << "what can be clicked";
+  for (const Colour face : {own.Accent, own.AccentHot, own.AccentDown}) {
+    EXPECT_GE(Contrast(ToColorref(own.OnAccent), ToColorref(face)), 4.5) << std::hex << face;
   }
-  EXPECT_GE(Contrast(ToColorref(colour::kDisabled), ToColorref(colour::kFaceDisabled)), 4.5);
+  EXPECT_GE(Contrast(ToColorref(own.Disabled), ToColorref(own.FaceDisabled)), 4.5);
   page_["ImgBack"].Picture = nullptr;
   page_.Changed("ImgBack", Property::Picture);
   Settle();
@@ -374,6 +378,78 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   EXPECT_EQ(windows_.LoadPicture(""), nullptr);
   EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch / "none.jpg"); }), 53);
   EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch.Write("no.jpg", "text")); }), 481);
+  EXPECT_EQ(ErrorOf([&] { windows_.LoadPicture(scratch.Write("no.jpg", "")); }), 481);
+}
+
+bool highContrast = false;
+
+class HighContrastTest : public WindowTest {
+ protected:
+  HighContrastTest() : WindowTest([] { return highContrast; }) {}
+  ~HighContrastTest() override { highContrast = false; }
+};
+
+TEST_F(HighContrastTest, ThePagesHaveTheOperatorsColoursAtOnce) {
+  Show();
+  const auto colours = [&] {
+    Settle();
+    return std::vector<COLORREF>{PixelOf("ImgBack", 2, 2),    PixelOf("LblTitleMsg", 460, 5),
+                                 PixelOf("CmdPrev", 5, 12),   PixelOf("CmdNext", 5, 12),
+                                 PixelOf("TxtPath", 200, 12), PixelOf("TxtServer", 100, 12),
+                                 PixelOf("ShpProgBar", 20, 4)};
+  };
+  const auto before = colours();
+  highContrast = true;
+  SendMessageA(frame_, WM_SYSCOLORCHANGE, 0, 0);
+  const COLORREF window = GetSysColor(COLOR_WINDOW);
+  const COLORREF chosen = GetSysColor(COLOR_HIGHLIGHT);
+  EXPECT_EQ(colours(), (std::vector<COLORREF>{window, window, GetSysColor(COLOR_BTNFACE), chosen,
+                                              window, window, chosen}));
+  highContrast = false;
+  SendMessageA(frame_, WM_SETTINGCHANGE, SPI_SETHIGHCONTRAST, 0);
+  EXPECT_EQ(colours(), before);
+}
+
+TEST_F(WindowTest, TheWheelScrollsByTheSettingFromAnywhereOnThePage) {
+  UINT setting = 3;
+  SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &setting, 0);
+  page_["LblFinalMsg"].Text += "\rSix.\rSeven.\rEight.\rNine.\rTen.\rEleven.\rTwelve.\rThirteen.";
+  Show();
+  const HWND final = Control("LblFinalMsg");
+  struct Case {
+    const char* Words;
+    UINT Lines;
+    const char* Over;
+    std::vector<int> Turns;
+    int First;
+  };
+  const Case cases[] = {
+      {"one line a notch", 1, "LblFinalMsg", {-WHEEL_DELTA, -WHEEL_DELTA}, 2},
+      {"two lines, and back", 2, "LblFinalMsg", {-WHEEL_DELTA, -WHEEL_DELTA, WHEEL_DELTA}, 2},
+      {"parts of a notch", 1, "LblFinalMsg", {-50, -50, -50}, 1},
+      {"parts the other way do not count", 1, "LblFinalMsg", {-100, 30, -30}, 0},
+      {"no lines", 0, "LblFinalMsg", {-WHEEL_DELTA}, 0},
+      {"over another label", 1, "LblMsg", {-WHEEL_DELTA}, 1},
+      {"over a button", 1, "CmdNext", {-WHEEL_DELTA}, 1},
+      {"over the page", 1, "", {-WHEEL_DELTA}, 1},
+  };
+  for (const Case& test : cases) {
+    SystemParametersInfoA(SPI_SETWHEELSCROLLLINES, test.Lines, nullptr, 0);
+    SendMessageA(final, WM_VSCROLL, SB_TOP, 0);
+    for (const int turn : test.Turns) {
+      SendMessageA(*test.Over == '\0' ? frame_ : Control(test.Over), WM_MOUSEWHEEL,
+                   MAKEWPARAM(0, turn), 0);
+    }
+    EXPECT_EQ(GetScrollPos(final, SB_VERT), test.First) << test.Words;
+  }
+  SystemParametersInfoA(SPI_SETWHEELSCROLLLINES, WHEEL_PAGESCROLL, nullptr, 0);
+  SendMessageA(final, WM_VSCROLL, SB_TOP, 0);
+  SendMessageA(final, WM_VSCROLL, SB_PAGEDOWN, 0);
+  const int page = GetScrollPos(final, SB_VERT);
+  SendMessageA(final, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
+  EXPECT_EQ(GetScrollPos(final, SB_VERT), 0) << "a page a notch";
+  EXPECT_GT(page, 1);
+  SystemParametersInfoA(SPI_SETWHEELSCROLLLINES, setting, nullptr, 0);
 }
 
 /// Waits for a dialog of this process in another thread and answers it.
@@ -416,19 +492,20 @@ TEST_F(WindowTest, MessageBoxesBelongToThePage) {
 
 TEST_F(WindowTest, TheFolderBrowserGivesAPathOrNothing) {
   Show();
-  const Scratch scratch;
+  const std::string folder = "C:\\talu \u00e4\u8868\u0436";
+  std::filesystem::create_directory(Wide(folder));
   {
     const Answer answer([](HWND dialog) { PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0); });
     EXPECT_EQ(windows_.BrowseForFolder(page_, "Select"), std::nullopt);
   }
   const Answer answer([&](HWND dialog) {
-    SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE,
-                 reinterpret_cast<LPARAM>(Wide(scratch.Path()).c_str()));
+    SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, reinterpret_cast<LPARAM>(Wide(folder).c_str()));
     PostMessageA(dialog, WM_COMMAND, IDOK, 0);
   });
   const auto chosen = windows_.BrowseForFolder(page_, "Select");
   ASSERT_TRUE(chosen.has_value());
-  EXPECT_EQ(UCase(*chosen), UCase(scratch.Path()));
+  EXPECT_EQ(*chosen, folder);
+  std::filesystem::remove(Wide(folder));
 }
 
 }  // namespace

@@ -34,6 +34,15 @@ std::string OpenDialogs(const SetupProcess& setup, bool browses) {
   return texts;
 }
 
+std::string InTheWay(const std::vector<OtherWindow>& windows) {
+  std::string texts;
+  for (const OtherWindow& window : windows) {
+    texts += "; a window is in the way: " + Quoted(window.Title) + " (" + window.Class +
+             "): " + Quoted(window.Text);
+  }
+  return texts;
+}
+
 bool Matches(const MessageWindow& message, const Step& step) {
   const std::string wanted = PlainLineEnds(step.Value);
   const std::string text = PlainLineEnds(message.Text);
@@ -134,13 +143,13 @@ void Player::Until(const std::function<std::string()>& attempt, bool browses) {
                                Quoted(line.value_or("")));
     }
     const std::string dialogs = OpenDialogs(setup_, browses);
+    const std::vector<OtherWindow> others = setup_.OtherWindows();
+    if (!dialogs.empty()) there += "; " + dialogs;
+    there += InTheWay(others);
+    const bool asked = std::ranges::any_of(others, &OtherWindow::Asks);
     const auto now = Time::now();
-    if (dialogs.empty()) {
-      quiet = now;
-    } else {
-      there += "; " + dialogs;
-      if (now - quiet >= kPatience) throw std::runtime_error(there);
-    }
+    if (dialogs.empty() && !asked) quiet = now;
+    if (now - quiet >= kPatience) throw std::runtime_error(there);
     if (now - start >= options_.Timeout) {
       throw std::runtime_error(there + " after " + std::to_string(options_.Timeout.count()) + " s");
     }
@@ -199,7 +208,7 @@ void Player::Type(const Step& step) {
   Until([&]() -> std::string {
     const auto text = TextOf(box);
     if (!text) return kNoAnswer;
-    const bool masked = *text == std::string(length, '*');
+    const bool masked = *text == std::string(length, '*') || HidesLength(box);
     return *text == step.Value || masked ? "" : "it reads " + Quoted(*text);
   });
 }

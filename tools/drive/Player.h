@@ -31,9 +31,10 @@ class Player {
 
  private:
   void Do(const Step& step);
-  /// Repeats `attempt` until it returns an empty text; another text says what is there instead.
-  /// Raises std::runtime_error with that after the timeout, when Setup has ended, when nothing can
-  /// happen on its page any more, or when a dialog that the step does not handle blocks everything.
+  /// Tries until `attempt` returns an empty text; what it returns otherwise tells what is there
+  /// instead. Raises std::runtime_error with that when the time is over, when Setup has ended, when
+  /// nothing can happen on its page any more, or when a dialog that the step does not deal with
+  /// holds everything up. What other windows Setup has open is told with it.
   void Until(const std::function<std::string()>& attempt, bool browses = false);
   /// Whether there is a Setup to drive, found now or before.
   bool Attach();

@@ -1,9 +1,11 @@
 #include "SetupProcess.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <set>
 #include <stdexcept>
+#include <system_error>
 
 #include "Script.h"
 #include "Text.h"
@@ -19,6 +21,10 @@ constexpr DWORD kElevationRequired = 740;
 // Setup's properties of a page's window: the number of its last showing, and whether it is busy.
 constexpr const char* kShown = "Shown";
 constexpr const char* kBusy = "Busy";
+/// And on a masked box: one more than the number of characters in it.
+constexpr const char* kTyped = "Typed";
+/// The most of a strange window's texts that a message has.
+constexpr int kTextTold = 300;
 
 using Visitor = std::function<void(HWND)>;
 
@@ -93,15 +99,50 @@ std::optional<MessageWindow> AsMessage(HWND window) {
   return message;
 }
 
+bool IsMasked(HWND window) {
+  return ClassOf(window) == L"Edit" && HasStyle(window, ES_PASSWORD);
+}
+
+/// Help that comes and goes with the pointer, and what the system keeps for typing.
+bool IsInNobodysWay(HWND window) {
+  const std::wstring name = ClassOf(window);
+  RECT area = {};
+  GetWindowRect(window, &area);
+  return IsRectEmpty(&area) || name == L"tooltips_class32" || name == L"IME" ||
+         name == L"MSCTFIME UI";
+}
+
+/// What the system keeps of a window's text: asked of no busy Setup, and nothing that was typed.
+std::string KeptText(HWND window) {
+  wchar_t text[kTextTold] = L"";
+  return Utf8({text, static_cast<std::size_t>(InternalGetWindowText(window, text, kTextTold))});
+}
+
+OtherWindow AsOther(HWND window) {
+  OtherWindow other{KeptText(window), Utf8(ClassOf(window)), "", IsDialog(window)};
+  ForEachChild(window, [&](HWND child) {
+    if (!IsWindowVisible(child)) return;
+    if (ClassOf(child) == L"msctls_progress32") other.Asks = false;
+    const std::string text = KeptText(child);
+    if (text.empty() || other.Text.size() + text.size() > std::size_t{kTextTold}) return;
+    other.Text += (other.Text.empty() ? "" : " / ") + text;
+  });
+  return other;
+}
+
 }  // namespace
 
 void SetupProcess::Start(const std::string& program) {
-  std::wstring command = L"\"" + Wide(program) + L"\"";
+  std::error_code ignored;  // what is not in this folder is looked for as the system does
+  std::filesystem::path path(Wide(program));
+  if (std::filesystem::exists(path, ignored)) path = std::filesystem::absolute(path, ignored);
+  const std::wstring folder = path.parent_path().native();
+  std::wstring command = L"\"" + path.native() + L"\"";
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION info = {};
-  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                      &startup, &info)) {
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                      folder.empty() ? nullptr : folder.c_str(), &startup, &info)) {
     const DWORD error = GetLastError();
     throw std::runtime_error("cannot start " + Quoted(program) +
                              (error == kElevationRequired
@@ -241,6 +282,16 @@ HWND SetupProcess::FolderBrowser() const {
   return nullptr;
 }
 
+std::vector<OtherWindow> SetupProcess::OtherWindows() const {
+  std::vector<OtherWindow> others;
+  for (HWND window : TopWindows()) {
+    const bool known = !FormOf(window).empty() || IsInNobodysWay(window) ||
+                       (IsDialog(window) && (AsMessage(window) || FolderTree(window) != nullptr));
+    if (!known) others.push_back(AsOther(window));
+  }
+  return others;
+}
+
 HWND SetupProcess::Dialog() const {
   const auto windows = TopWindows();
   const auto dialog = std::find_if(windows.begin(), windows.end(), IsDialog);
@@ -256,12 +307,31 @@ std::optional<LRESULT> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lPar
   return static_cast<LRESULT>(answer);
 }
 
+bool HasDesktop() {
+  USEROBJECTFLAGS station = {};
+  DWORD size = 0;
+  const bool visible = GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &station,
+                                                 sizeof station, &size) &&
+                       (station.dwFlags & WSF_VISIBLE) != 0;
+  DWORD session = 0;
+  return visible && ProcessIdToSessionId(GetCurrentProcessId(), &session) && session != 0;
+}
+
+bool HidesLength(HWND window) {
+  return IsMasked(window) && !HasProperty(window, kTyped) &&
+         Ask(window, WM_GETTEXTLENGTH).value_or(1) == 0;
+}
+
 std::optional<std::string> TextOf(HWND window) {
+  // Another process cannot read a masked box, nor should it.
+  const bool masked = IsMasked(window);
+  if (const int typed = PropertyOf(window, kTyped); masked && typed > 0) {
+    return std::string(static_cast<std::size_t>(typed - 1), '*');
+  }
   const auto length = Ask(window, WM_GETTEXTLENGTH);
   if (!length) return std::nullopt;
   const auto size = static_cast<std::size_t>(*length);
-  // Another process cannot read a masked box, and should not.
-  if (ClassOf(window) == L"Edit" && HasStyle(window, ES_PASSWORD)) return std::string(size, '*');
+  if (masked) return std::string(size, '*');
   std::wstring text(size + 1, L'\0');
   const auto got = Ask(window, WM_GETTEXT, size + 1, reinterpret_cast<LPARAM>(text.data()));
   if (!got) return std::nullopt;

@@ -17,11 +17,22 @@ struct MessageWindow {
   std::string Text;
 };
 
-/// The running Setup.exe and its windows, seen from outside. Setup may be busy for minutes without
-/// answering; no call here waits longer than about half a second for it.
+/// An open window that is neither a page nor a dialog that a script can answer.
+struct OtherWindow {
+  std::string Title;
+  std::string Class;
+  /// What its controls read, one after the other.
+  std::string Text;
+  /// A dialog that stands there until somebody answers it, not one that shows how work goes on.
+  bool Asks = false;
+};
+
+/// The running Setup.exe and its windows, looked at from outside. Setup may be busy for minutes
+/// without answering; no call here waits longer than about half a second for it.
 class SetupProcess {
  public:
-  /// Starts `program`. Raises std::runtime_error when it cannot be started.
+  /// Starts `program`, in its own folder as a double click does. Raises std::runtime_error when it
+  /// cannot be started.
   void Start(const std::string& program);
   /// Watches the process with this id. Raises std::runtime_error when there is none.
   void Attach(DWORD id);
@@ -54,7 +65,8 @@ class SetupProcess {
   std::vector<MessageWindow> MessageWindows() const;
   /// The shell's dialog with the folder tree; null when it is not open.
   HWND FolderBrowser() const;
-  /// The dialog in front of the page (a message box, the folder browser); null when there is none.
+  std::vector<OtherWindow> OtherWindows() const;
+  /// The dialog that stands before the page (a message box, the folder browser); null when none.
   HWND Dialog() const;
   /// The window that receives keys: the dialog or the page.
   HWND Front() const { return Dialog() != nullptr ? Dialog() : Page(); }
@@ -73,8 +85,15 @@ class SetupProcess {
 /// Sends a message that reads something; nothing when there is no answer within half a second.
 std::optional<LRESULT> Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
-/// The text that an operator reads in the window (one "*" per character of a masked box); nothing
-/// when Setup does not answer.
+/// Whether this session has a desktop, which windows need: a service's has none.
+bool HasDesktop();
+
+/// Whether the window is a masked box of which nobody outside Setup can know how much is in it: the
+/// system does not say, and neither does Setup, as it does since it leaves that on the window.
+bool HidesLength(HWND window);
+
+/// What an operator reads in the window (one "*" a character of a masked box); nothing when Setup
+/// does not answer.
 std::optional<std::string> TextOf(HWND window);
 
 /// Whether an option button is selected or a check box ticked.

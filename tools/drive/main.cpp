@@ -70,6 +70,11 @@ int Run(const CommandLine& line) {
   if (!script.Errors.empty()) return NothingPlayed;
   if (line.CheckOnly) return Played;
 
+  if (!HasDesktop()) {
+    throw std::runtime_error(
+        "this session has no desktop, and Setup has windows: start drive in the session of a user "
+        "who is logged on");
+  }
   SetupProcess setup;
   if (!line.Program.empty()) setup.Start(line.Program);
   if (line.ProcessId != 0) setup.Attach(line.ProcessId);
@@ -89,9 +94,7 @@ int Run(const CommandLine& line) {
 }  // namespace
 
 int Main() {
-  // Without this the system scales coordinates and screenshots on a large display.
-  SetProcessDPIAware();
-  // The shell gives names of folders only to threads that have done this.
+  // The shell names folders only to threads that have done this.
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   CommandLine line;
   CLI::App app("Plays a script of clicks against the real windows of Setup.exe.", "drive");

@@ -62,19 +62,34 @@ class Conversion {
 }  // namespace
 
 struct CodePage::Converter {
-  Converter(const std::string& name, bool control)
-      : ToUtf8("UTF-8", name), FromUtf8(name, "UTF-8"), HasControls(control) {}
+  explicit Converter(int number)
+      : ToUtf8("UTF-8", NameOf(number)),
+        FromUtf8(NameOf(number), "UTF-8"),
+        HasControls(number / 10 == 125),
+        Replacement(number == 65001 ? kReplacement
+                    : number == 932 ? 0x30FB
+                                    : '?') {}
+
+  /// Windows gives the bytes that a code page of single bytes leaves open to the control characters
+  /// of the same number; what is malformed in others is replaced, with the byte that follows.
+  std::size_t Replace(std::string_view rest, std::string& text) const {
+    const auto byte = static_cast<unsigned char>(rest.front());
+    AppendCharacter(text, HasControls && byte < 0xA0 ? byte : Replacement);
+    return HasControls || Replacement == kReplacement || rest.size() == 1 ? 1 : 2;
+  }
+
   Conversion ToUtf8;
   Conversion FromUtf8;
-  /// Windows gives the bytes that a code page of single bytes leaves open to the control characters
-  /// of the same number.
   bool HasControls;
+  char32_t Replacement;
 };
 
-CodePage::CodePage(int number)
-    : converter_(std::make_unique<Converter>(NameOf(number), number / 10 == 125)) {
-  if (!converter_->ToUtf8.IsKnown() || !converter_->FromUtf8.IsKnown()) {
-    throw std::runtime_error("this system has no code page " + std::to_string(number));
+CodePage::CodePage(int number) : converter_(std::make_unique<Converter>(number)) {
+  const auto keep = [](std::string_view rest, std::string&) { return rest.size(); };
+  const std::string ascii = "{A}";
+  if (!converter_->ToUtf8.IsKnown() || !converter_->FromUtf8.IsKnown() ||
+      converter_->ToUtf8.Convert(ascii, keep) != ascii) {
+    throw std::runtime_error("this system has no ANSI code page " + std::to_string(number));
   }
 }
 
@@ -82,28 +97,29 @@ CodePage::~CodePage() = default;
 
 std::string CodePage::ToText(std::string bytes) const {
   if (IsAscii(bytes)) return bytes;
-  const auto replace = [this](std::string_view rest, std::string& text) -> std::size_t {
-    const auto byte = static_cast<unsigned char>(rest.front());
-    AppendCharacter(text, converter_->HasControls && byte < 0xA0 ? byte : kReplacement);
-    return 1;
+  const auto replace = [this](std::string_view rest, std::string& text) {
+    return converter_->Replace(rest, text);
   };
-  return converter_->ToUtf8.Convert(std::move(bytes), replace);
+  return DecodePieces(bytes, [&](std::string_view piece, std::string& text) {
+    text += converter_->ToUtf8.Convert(std::string(piece), replace);
+  });
 }
 
+// Windows encodes units of UTF-16: what has two of them is replaced twice.
 std::string CodePage::FromText(std::string text) const {
   if (IsAscii(text)) return text;
   const auto replace = [this](std::string_view rest, std::string& bytes) {
     std::size_t taken = 0;
     const char32_t character = NextCharacter(rest, taken);
     const bool control = converter_->HasControls && character >= 0x80 && character < 0xA0;
-    bytes += control ? static_cast<char>(character) : '?';
+    bytes.append(character < 0x10000 ? 1 : 2, control ? static_cast<char>(character) : '?');
     return taken;
   };
   return converter_->FromUtf8.Convert(std::move(text), replace);
 }
 
 std::string UpperCase(std::string_view text) {
-  static const locale_t letters = [] {
+  static const locale_t kLetters = [] {
     const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     return unicode != nullptr ? unicode : newlocale(LC_CTYPE_MASK, "C", nullptr);
   }();
@@ -111,7 +127,7 @@ std::string UpperCase(std::string_view text) {
   upper.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
     const auto character = static_cast<wint_t>(NextCharacter(text, at));
-    AppendCharacter(upper, static_cast<char32_t>(towupper_l(character, letters)));
+    AppendCharacter(upper, static_cast<char32_t>(towupper_l(character, kLetters)));
   }
   return upper;
 }

@@ -37,7 +37,7 @@ class SimulatedDisk {
     /// The number of handles open for writing.
     int Writers = 0;
     std::shared_ptr<FileContent> Content;
-    /// By upper-cased names; UTF-8 sorts in the order of Unicode, as NTFS and Wine do.
+    /// By upper-cased names; UTF-8 sorts as NTFS and Wine do, but for letters above U+FFFF.
     std::map<std::string, std::unique_ptr<Node>> Children;
   };
 

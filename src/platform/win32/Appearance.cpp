@@ -61,13 +61,55 @@ HFONT MakeFont(const Face& face, int dpi, int points, int weight) {
                      VARIABLE_PITCH | FF_SWISS, face.Name);
 }
 
+Colour SystemColour(int which) {
+  const COLORREF colour = GetSysColor(which);
+  return Colour{GetRValue(colour)} << 16 | Colour{GetGValue(colour)} << 8 | GetBValue(colour);
+}
+
 }  // namespace
+
+Palette SystemPalette() {
+  const Colour window = SystemColour(COLOR_WINDOW);
+  const Colour text = SystemColour(COLOR_WINDOWTEXT);
+  const Colour disabled = SystemColour(COLOR_GRAYTEXT);
+  const Colour chosen = SystemColour(COLOR_HIGHLIGHT);
+  const Colour face = SystemColour(COLOR_BTNFACE);
+  return {.Page = window,
+          .Card = window,
+          .CardEdge = text,
+          .Text = text,
+          .Title = text,
+          .Note = text,
+          .Disabled = disabled,
+          .Accent = chosen,
+          .AccentHot = chosen,
+          .AccentDown = chosen,
+          .OnAccent = SystemColour(COLOR_HIGHLIGHTTEXT),
+          .Face = face,
+          .FaceHot = face,
+          .FaceDown = face,
+          .FaceDisabled = window,
+          .OnFace = SystemColour(COLOR_BTNTEXT),
+          .Edge = text,
+          .EdgeDisabled = disabled,
+          .Track = window,
+          .CardOpacity = 1};
+}
+
+bool WantsHighContrast() {
+  HIGHCONTRASTW wanted = {};
+  wanted.cbSize = sizeof wanted;
+  return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof wanted, &wanted, 0) != FALSE &&
+         (wanted.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
 
 COLORREF ToColorref(Colour colour) {
   return RGB((colour >> 16) & 0xFF, (colour >> 8) & 0xFF, colour & 0xFF);
 }
 
-Appearance::Appearance() : dpi_(ScreenDpi()) {
+Appearance::Appearance(bool (*wantsHighContrast)())
+    : wantsHighContrast_(wantsHighContrast), dpi_(ScreenDpi()) {
+  ReadColours();
   const Face face = ChooseFace(dpi_);
   const auto set = [&](TextStyle style, int points, int weight) {
     fonts_[static_cast<std::size_t>(style)] = MakeFont(face, dpi_, points, weight);
@@ -81,6 +123,10 @@ Appearance::Appearance() : dpi_(ScreenDpi()) {
 
 Appearance::~Appearance() {
   for (const HFONT font : fonts_) DeleteObject(font);
+}
+
+void Appearance::ReadColours() {
+  colours_ = wantsHighContrast_() ? SystemPalette() : Palette();
 }
 
 int Appearance::Pixels(int twips) const {

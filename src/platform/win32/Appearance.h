@@ -7,41 +7,48 @@
 
 namespace talu {
 
-/// The pages' colours. Every text colour, the disabled one too, keeps a contrast of at least 4.5 to
-/// 1, and every edge that can be clicked one of 3 to 1, to the page's card, even where the picture
-/// below it is black.
-namespace colour {
-inline constexpr Colour kPage = 0xE8ECF1;
-inline constexpr Colour kCard = 0xFFFFFF;
-inline constexpr Colour kCardEdge = 0xC9D1DA;
-inline constexpr Colour kText = 0x1F2933;
-inline constexpr Colour kTitle = 0x14324F;
-inline constexpr Colour kNote = 0x555C64;
-inline constexpr Colour kDisabled = 0x636A72;
-inline constexpr Colour kAccent = 0x1F6AA5;
-inline constexpr Colour kAccentHot = 0x2A7ABA;
-inline constexpr Colour kAccentDown = 0x17527F;
-inline constexpr Colour kOnAccent = 0xFFFFFF;
-inline constexpr Colour kFace = 0xFDFDFE;
-inline constexpr Colour kFaceHot = 0xF0F6FB;
-inline constexpr Colour kFaceDown = 0xDCE9F4;
-inline constexpr Colour kFaceDisabled = 0xEDEFF2;
-inline constexpr Colour kEdge = 0x6F7B87;
-inline constexpr Colour kEdgeDisabled = 0xC4CAD1;
-inline constexpr Colour kTrack = 0xC3CCD6;
-}  // namespace colour
+/// The pages' colours. Of the wizard's own every text colour, the disabled one too, keeps a
+/// contrast of at least 4.5 to 1, and every edge that can be clicked one of 3 to 1, to the page's
+/// card, even where the picture below it is black.
+struct Palette {
+  Colour Page = 0xE8ECF1;
+  Colour Card = 0xFFFFFF;
+  Colour CardEdge = 0xC9D1DA;
+  Colour Text = 0x1F2933;
+  Colour Title = 0x14324F;
+  Colour Note = 0x555C64;
+  Colour Disabled = 0x636A72;
+  Colour Accent = 0x1F6AA5;
+  Colour AccentHot = 0x2A7ABA;
+  Colour AccentDown = 0x17527F;
+  Colour OnAccent = 0xFFFFFF;
+  Colour Face = 0xFDFDFE;
+  Colour FaceHot = 0xF0F6FB;
+  Colour FaceDown = 0xDCE9F4;
+  Colour FaceDisabled = 0xEDEFF2;
+  Colour OnFace = 0x1F2933;
+  Colour Edge = 0x6F7B87;
+  Colour EdgeDisabled = 0xC4CAD1;
+  Colour Track = 0xC3CCD6;
+  /// The opacity of the card that lies over the picture and under the texts.
+  double CardOpacity = 0.92;
+};
+
+/// The colours that the operator has chosen for high contrast; no picture shines through.
+Palette SystemPalette();
+
+/// Whether the operator wants high contrast.
+bool WantsHighContrast();
 
 COLORREF ToColorref(Colour colour);
 
-/// The opacity of the card between the picture and the texts.
-inline constexpr double kCardOpacity = 0.92;
-/// The card's distance from the edges of the client area, in twips.
+/// The distance of the card from the edges of the client area, in twips.
 inline constexpr int kCardInset = 240;
 
-/// Sizes on this display, and the fonts.
+/// Sizes on this display, the fonts, and the colours of now.
 class Appearance {
  public:
-  Appearance();
+  explicit Appearance(bool (*wantsHighContrast)() = &WantsHighContrast);
   ~Appearance();
   Appearance(const Appearance&) = delete;
   Appearance& operator=(const Appearance&) = delete;
@@ -50,9 +57,14 @@ class Appearance {
   int Pixels(int twips) const;
   /// A length given in pixels at 96 dots an inch, at least 1.
   int Scaled(int pixels) const;
+  const Palette& Colours() const { return colours_; }
+  /// Asks anew which colours the operator wants.
+  void ReadColours();
   HFONT Font(TextStyle style) const { return fonts_[static_cast<std::size_t>(style)]; }
 
  private:
+  bool (*wantsHighContrast_)();
+  Palette colours_;
   int dpi_;
   std::array<HFONT, 5> fonts_{};
 };

@@ -125,22 +125,23 @@ void ButtonWindow::Draw(Canvas& canvas) {
 
 void ButtonWindow::DrawCommand(Canvas& canvas) const {
   const Appearance& look = frame_.Look();
+  const Palette& colours = look.Colours();
   const bool enabled = View().Enabled;
   const bool filled = View().Default && enabled;
   const bool down = IsPushed();
-  Colour face = hot_ ? colour::kFaceHot : colour::kFace;
-  Colour edge = hot_ ? colour::kAccent : colour::kEdge;
-  Colour text = colour::kText;
+  Colour face = hot_ ? colours.FaceHot : colours.Face;
+  Colour edge = hot_ ? colours.Accent : colours.Edge;
+  Colour text = colours.OnFace;
   if (filled) {
-    face = down ? colour::kAccentDown : hot_ ? colour::kAccentHot : colour::kAccent;
-    edge = colour::kAccentDown;
-    text = colour::kOnAccent;
+    face = down ? colours.AccentDown : hot_ ? colours.AccentHot : colours.Accent;
+    edge = colours.AccentDown;
+    text = colours.OnAccent;
   } else if (!enabled) {
-    face = colour::kFaceDisabled;
-    edge = colour::kEdgeDisabled;
-    text = colour::kDisabled;
+    face = colours.FaceDisabled;
+    edge = colours.EdgeDisabled;
+    text = colours.Disabled;
   } else if (down) {
-    face = colour::kFaceDown;
+    face = colours.FaceDown;
   }
 
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
@@ -150,7 +151,7 @@ void ButtonWindow::DrawCommand(Canvas& canvas) const {
   if (GetFocus() == Window()) {
     RECT ring = area;
     InflateRect(&ring, -2 * line, -2 * line);
-    canvas.FrameRound(ring, 2.5 * line, line, filled ? colour::kOnAccent : colour::kAccent);
+    canvas.FrameRound(ring, 2.5 * line, line, filled ? colours.OnAccent : colours.Accent);
   }
 
   const TextLayout layout = LayOut(canvas.Dc(), Wide(View().Text), canvas.Width(), true);
@@ -166,6 +167,7 @@ void ButtonWindow::DrawCommand(Canvas& canvas) const {
 
 void ButtonWindow::DrawChoice(Canvas& canvas) const {
   const Appearance& look = frame_.Look();
+  const Palette& colours = look.Colours();
   const bool enabled = View().Enabled;
   const bool round = View().Kind == ControlKind::OptionButton;
   const bool marked = View().Value;
@@ -176,12 +178,12 @@ void ButtonWindow::DrawChoice(Canvas& canvas) const {
   const RECT box = {ring, top, ring + size, top + size};
   const double radius = round ? size / 2.0 : 3.0 * line;
 
-  Colour edge = !enabled ? colour::kEdgeDisabled : hot_ || marked ? colour::kAccent : colour::kEdge;
-  Colour face = !enabled ? colour::kFaceDisabled : IsPushed() ? colour::kFaceDown : colour::kFace;
-  Colour mark = enabled ? colour::kAccent : colour::kDisabled;
+  Colour edge = !enabled ? colours.EdgeDisabled : hot_ || marked ? colours.Accent : colours.Edge;
+  Colour face = !enabled ? colours.FaceDisabled : IsPushed() ? colours.FaceDown : colours.Face;
+  Colour mark = enabled ? colours.Accent : colours.Disabled;
   if (marked && !round && enabled) {
-    face = colour::kAccent;
-    mark = colour::kOnAccent;
+    face = colours.Accent;
+    mark = colours.OnAccent;
   }
   canvas.FillRound(box, radius, face);
   canvas.FrameRound(box, radius, line, edge);
@@ -198,14 +200,14 @@ void ButtonWindow::DrawChoice(Canvas& canvas) const {
   if (GetFocus() == Window()) {
     RECT halo = box;
     InflateRect(&halo, ring, ring);
-    canvas.FrameRound(halo, radius + ring, line, colour::kAccent);
+    canvas.FrameRound(halo, radius + ring, line, colours.Accent);
   }
 
   if (!View().LabelledBy.empty()) return;
   const int indent = box.right + look.Scaled(6);
   TextLayout layout = LayOut(canvas.Dc(), Wide(View().Text), canvas.Width() - indent, true);
   CutToFit(canvas.Dc(), layout, canvas.Width() - indent, canvas.Height());
-  SetTextColor(canvas.Dc(), ToColorref(enabled ? colour::kText : colour::kDisabled));
+  SetTextColor(canvas.Dc(), ToColorref(enabled ? colours.Text : colours.Disabled));
   const RECT area = {indent, (canvas.Height() - layout.Height()) / 2, canvas.Width(),
                      canvas.Height()};
   DrawLines(canvas.Dc(), layout, area);

@@ -17,6 +17,14 @@ std::wstring Utf16(std::string_view text) {
   return units;
 }
 
+std::string Decode(UINT codePage, std::string_view bytes) {
+  const int size = static_cast<int>(bytes.size());
+  const int length = MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
+  std::wstring wide(static_cast<std::size_t>(length), L'\0');
+  MultiByteToWideChar(codePage, 0, bytes.data(), size, wide.data(), length);
+  return FromUtf16<wchar_t>(wide);
+}
+
 }  // namespace
 
 struct CodePage::Converter {
@@ -25,8 +33,10 @@ struct CodePage::Converter {
 
 CodePage::CodePage(int number)
     : converter_(std::make_unique<Converter>(Converter{static_cast<UINT>(number)})) {
-  if (number != CP_ACP && !IsValidCodePage(converter_->Number)) {
-    throw std::runtime_error("this system has no code page " + std::to_string(number));
+  const std::string ascii = "{A}";
+  if ((number != CP_ACP && !IsValidCodePage(converter_->Number)) ||
+      Decode(converter_->Number, ascii) != ascii) {
+    throw std::runtime_error("this system has no ANSI code page " + std::to_string(number));
   }
 }
 
@@ -34,11 +44,9 @@ CodePage::~CodePage() = default;
 
 std::string CodePage::ToText(std::string bytes) const {
   if (IsAscii(bytes)) return bytes;
-  const int size = static_cast<int>(bytes.size());
-  const int length = MultiByteToWideChar(converter_->Number, 0, bytes.data(), size, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(length), L'\0');
-  MultiByteToWideChar(converter_->Number, 0, bytes.data(), size, wide.data(), length);
-  return FromUtf16<wchar_t>(wide);
+  return DecodePieces(bytes, [this](std::string_view piece, std::string& text) {
+    text += IsAscii(piece) ? std::string(piece) : Decode(converter_->Number, piece);
+  });
 }
 
 std::string CodePage::FromText(std::string text) const {

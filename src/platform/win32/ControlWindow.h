@@ -27,8 +27,11 @@ class ControlWindow {
   /// Whether the operator can use it now.
   bool IsUsable() const { return View().Enabled && View().Visible; }
 
-  /// Called when a property has a new value. What changes thousands of times a second (captions of
-  /// labels, widths) is only noted; `BringUpToDate` shows it.
+  /// Has more to show than there is room for, and takes the wheel.
+  virtual bool Scrolls() const { return false; }
+
+  /// A property has a new value. What changes thousands of times a second (captions of labels,
+  /// widths) is only noted; `BringUpToDate` shows it.
   virtual void Update(Property changed);
   virtual void BringUpToDate();
   /// The whole text for a tool tip, empty for none.

@@ -35,12 +35,9 @@ void RegisterFrameClass(WNDPROC receive) {
 
 }  // namespace
 
-FormFrame::FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& watch)
-    : form_(form),
-      look_(look),
-      watch_(watch),
-      enabledBrush_(CreateSolidBrush(ToColorref(colour::kCard))),
-      disabledBrush_(CreateSolidBrush(ToColorref(colour::kFaceDisabled))) {
+FormFrame::FormFrame(FormWindow& form, Appearance& look, HandlerWatch& watch)
+    : form_(form), look_(look), watch_(watch) {
+  MakeBrushes();
   RegisterFrameClass(Receive);
   RECT size = {0, 0, look.Pixels(form.WindowWidth()), look.Pixels(form.WindowHeight())};
   AdjustWindowRectEx(&size, kFrameStyle, FALSE, 0);
@@ -59,6 +56,13 @@ FormFrame::~FormFrame() {
   DestroyWindow(window_);
   DeleteObject(enabledBrush_);
   DeleteObject(disabledBrush_);
+}
+
+void FormFrame::MakeBrushes() {
+  DeleteObject(enabledBrush_);
+  DeleteObject(disabledBrush_);
+  enabledBrush_ = CreateSolidBrush(ToColorref(look_.Colours().Card));
+  disabledBrush_ = CreateSolidBrush(ToColorref(look_.Colours().FaceDisabled));
 }
 
 void FormFrame::LetGo() {
@@ -220,7 +224,8 @@ const Canvas& FormFrame::Backdrop() {
 
 void FormFrame::DropBackdrop() {
   backdrop_.reset();
-  if (IsShown()) RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
+  if (IsShown())
+    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
 void FormFrame::DrawShapes(Canvas& canvas, int left, int top) const {
@@ -276,6 +281,15 @@ LRESULT FormFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
       Close();
       return 0;
+    case WM_SYSCOLORCHANGE:
+      OnColours();
+      return 0;
+    case WM_SETTINGCHANGE:
+      if (wParam == SPI_SETHIGHCONTRAST) OnColours();
+      break;
+    case WM_MOUSEWHEEL:
+      if (PassOnWheel(wParam, lParam)) return 0;
+      break;
     case WM_QUERYENDSESSION:
       Close();
       return TRUE;
@@ -293,10 +307,18 @@ LRESULT FormFrame::OnCommand(WPARAM wParam) {
   return 0;
 }
 
+// Each page hears of it for itself, hidden or not.
+void FormFrame::OnColours() {
+  look_.ReadColours();
+  MakeBrushes();
+  DropBackdrop();
+}
+
 HBRUSH FormFrame::TextBoxBrush(HDC dc, HWND control) const {
   const bool enabled = IsWindowEnabled(control) != FALSE;
-  SetTextColor(dc, ToColorref(enabled ? colour::kText : colour::kDisabled));
-  SetBkColor(dc, ToColorref(enabled ? colour::kCard : colour::kFaceDisabled));
+  const Palette& colours = look_.Colours();
+  SetTextColor(dc, ToColorref(enabled ? colours.Text : colours.Disabled));
+  SetBkColor(dc, ToColorref(enabled ? colours.Card : colours.FaceDisabled));
   return enabled ? enabledBrush_ : disabledBrush_;
 }
 

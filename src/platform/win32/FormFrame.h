@@ -30,7 +30,7 @@ class FormFrame {
   static constexpr std::size_t kFirstControlId = 100;
 
   /// Makes the windows, still hidden. Raises 7 when Windows gives none.
-  FormFrame(FormWindow& form, const Appearance& look, HandlerWatch& watch);
+  FormFrame(FormWindow& form, Appearance& look, HandlerWatch& watch);
   ~FormFrame();
   FormFrame(const FormFrame&) = delete;
   FormFrame& operator=(const FormFrame&) = delete;
@@ -95,6 +95,11 @@ class FormFrame {
   void Close();
   /// Runs an event's handler of the form under the watch.
   void Handle(const std::function<void()>& event);
+  void OnColours();
+  /// To the label that scrolls, wherever on the page the wheel was turned; false where there is
+  /// none.
+  bool PassOnWheel(WPARAM wParam, LPARAM lParam);
+  void MakeBrushes();
   void MakeControls();
   /// Shapes and pictures are drawn first to last below everything else. A text box comes right
   /// after its label, where assistive software looks for its name; the bar after the title.
@@ -107,14 +112,14 @@ class FormFrame {
   HBRUSH TextBoxBrush(HDC dc, HWND control) const;
 
   FormWindow& form_;
-  const Appearance& look_;
+  Appearance& look_;
   HandlerWatch& watch_;
   HWND window_ = nullptr;
   HWND toolTips_ = nullptr;
   HWND lastFocus_ = nullptr;
   std::wstring tip_;
-  HBRUSH enabledBrush_;
-  HBRUSH disabledBrush_;
+  HBRUSH enabledBrush_ = nullptr;
+  HBRUSH disabledBrush_ = nullptr;
   std::vector<std::unique_ptr<ControlWindow>> controls_;
   std::vector<const ShapeWindow*> shapes_;
   std::vector<ControlWindow*> stale_;

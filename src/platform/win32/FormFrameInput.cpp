@@ -171,6 +171,15 @@ int FormFrame::FullBarWidth() const {
   return 0;
 }
 
+bool FormFrame::PassOnWheel(WPARAM wParam, LPARAM lParam) {
+  for (const auto& control : controls_) {
+    if (!control->Scrolls()) continue;
+    SendMessageW(control->Window(), WM_MOUSEWHEEL, wParam, lParam);
+    return true;
+  }
+  return false;
+}
+
 void FormFrame::MakeToolTips() {
   toolTips_ = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
                               WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_, nullptr,

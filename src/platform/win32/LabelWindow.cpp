@@ -8,20 +8,17 @@
 namespace talu {
 namespace {
 
-Colour TextColour(const ControlView& view) {
-  if (!view.Enabled) return colour::kDisabled;
+Colour TextColour(const ControlView& view, const Palette& colours) {
+  if (!view.Enabled) return colours.Disabled;
   switch (view.Style) {
     case TextStyle::Title:
-      return colour::kTitle;
+      return colours.Title;
     case TextStyle::Note:
-      return colour::kNote;
+      return colours.Note;
     default:
-      return colour::kText;
+      return colours.Text;
   }
 }
-
-/// Lines to scroll per notch of the wheel.
-constexpr int kWheelLines = 3;
 
 int ClientWidth(HWND window) {
   RECT client;
@@ -90,7 +87,7 @@ std::string LabelWindow::TipText() const {
 void LabelWindow::Draw(Canvas& canvas) {
   const HDC dc = canvas.Dc();
   const HGDIOBJ former = SelectObject(dc, frame_.Look().Font(View().Style));
-  SetTextColor(dc, ToColorref(TextColour(View())));
+  SetTextColor(dc, ToColorref(TextColour(View(), frame_.Look().Colours())));
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
   RECT inner = area;
   InflateRect(&inner, -Margin().cx, -Margin().cy);
@@ -99,7 +96,8 @@ void LabelWindow::Draw(Canvas& canvas) {
   if (!scrolling_) CutToFit(dc, layout, width, inner.bottom - inner.top);
   DrawLines(dc, layout, inner, firstLine_);
   SelectObject(dc, former);
-  if (GetFocus() == Window()) canvas.FrameRound(area, 2, frame_.Look().Scaled(1), colour::kAccent);
+  if (GetFocus() == Window())
+    canvas.FrameRound(area, 2, frame_.Look().Scaled(1), frame_.Look().Colours().Accent);
 }
 
 void LabelWindow::FitScrollBar() {
@@ -176,6 +174,23 @@ bool LabelWindow::OnKey(WPARAM key) {
   return false;
 }
 
+// Touchpads and fine wheels turn by less than a notch at a time.
+void LabelWindow::OnWheel(int delta) {
+  UINT lines = 3;  // a notch
+  SystemParametersInfoW(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
+  SCROLLINFO info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SIF_PAGE;
+  GetScrollInfo(Window(), SB_VERT, &info);
+  // The setting may also be a page (a very large number), which is the most.
+  const int step = static_cast<int>(std::min(lines, std::max(info.nPage, 1U)));
+  if ((delta < 0) != (turned_ < 0)) turned_ = 0;
+  turned_ += delta * step;
+  const int whole = turned_ / WHEEL_DELTA;
+  turned_ -= whole * WHEEL_DELTA;
+  if (whole != 0) ScrollTo(firstLine_ - whole);
+}
+
 LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_GETTEXT:
@@ -198,10 +213,13 @@ LRESULT LabelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       Repaint();
       return 0;
     case WM_VSCROLL:
+      turned_ = 0;
       OnScroll(LOWORD(wParam));
       return 0;
     case WM_MOUSEWHEEL:
-      ScrollTo(firstLine_ - kWheelLines * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA);
+      // Else the page gets it.
+      if (!scrolling_) return DefWindowProcW(Window(), message, wParam, lParam);
+      OnWheel(GET_WHEEL_DELTA_WPARAM(wParam));
       return 0;
     case WM_KEYDOWN:
       if (scrolling_ && OnKey(wParam)) return 0;

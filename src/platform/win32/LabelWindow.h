@@ -13,6 +13,7 @@ class LabelWindow : public ControlWindow {
 
   void BringUpToDate() override;
   std::string TipText() const override;
+  bool Scrolls() const override { return scrolling_; }
 
  protected:
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -27,9 +28,12 @@ class LabelWindow : public ControlWindow {
   void ScrollTo(int line);
   void OnScroll(int command);
   bool OnKey(WPARAM key);
+  void OnWheel(int delta);
 
   bool scrolling_ = false;
   int firstLine_ = 0;
+  /// What the wheel was turned since the last line that it scrolled.
+  int turned_ = 0;
 };
 
 }  // namespace talu

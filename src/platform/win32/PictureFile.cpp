@@ -1,6 +1,7 @@
 #include "platform/win32/PictureFile.h"
 
 #include "platform/win32/Text.h"
+#include "platform/win32/Win32TextFile.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -10,9 +11,24 @@ PictureFile::PictureFile(const std::string& path) {
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
     throw RuntimeError(error::kFileNotFound);
   }
+  // By its bytes: the loader of paths takes them for addresses, in which "#" and "%" mean
+  // something.
+  Win32TextFile file(path, OpenMode::Input);
+  const auto size = static_cast<std::size_t>(file.Size());
+  if (size == 0) throw RuntimeError(error::kInvalidPicture);
+  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
+  if (memory == nullptr) throw RuntimeError(error::kOutOfMemory);
+  IStream* stream = nullptr;
+  if (FAILED(CreateStreamOnHGlobal(memory, TRUE, &stream))) {
+    GlobalFree(memory);
+    throw RuntimeError(error::kOutOfMemory);
+  }
+  const std::unique_ptr<IStream, Release> held(stream);
+  const std::size_t got = file.Read(static_cast<char*>(GlobalLock(memory)), size);
+  GlobalUnlock(memory);
+  if (got != size) throw RuntimeError(error::kInvalidPicture);
   void* object = nullptr;
-  std::wstring file = Wide(path);
-  if (FAILED(OleLoadPicturePath(file.data(), nullptr, 0, 0, IID_IPicture, &object)) ||
+  if (FAILED(OleLoadPicture(stream, static_cast<LONG>(size), FALSE, IID_IPicture, &object)) ||
       object == nullptr) {
     throw RuntimeError(error::kInvalidPicture);
   }

@@ -11,7 +11,7 @@ namespace talu {
 /// A picture loaded by Windows' own loader (JPEG, GIF, bitmap, icon, metafile).
 class PictureFile : public Picture {
  public:
-  /// Raises 53 when the file is missing, 481 when it is not a picture.
+  /// Raises 53 when the file is missing, 481 when it is not a picture, and what opening it raises.
   explicit PictureFile(const std::string& path);
 
   /// Draws the picture over the whole of `area`, scaled just enough to cover it and cut evenly on

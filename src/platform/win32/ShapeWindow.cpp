@@ -30,10 +30,11 @@ void ShapeWindow::DrawAt(Canvas& canvas, int left, int top) const {
   // A bar that has only begun is the left part of a round one.
   RECT shape = area;
   shape.right = std::max(area.right, area.left + height);
-  const Colour filling = View().Bar ? colour::kAccent : colour::kTrack;
+  const Palette& colours = frame_.Look().Colours();
+  const Colour filling = View().Bar ? colours.Accent : colours.Track;
   const double radius = static_cast<double>(height) / 2;
   canvas.FillRoundWithin(area, shape, radius, filling);
-  if (!View().Bar) canvas.FrameRound(area, radius, frame_.Look().Scaled(1), colour::kEdge);
+  if (!View().Bar) canvas.FrameRound(area, radius, frame_.Look().Scaled(1), colours.Edge);
 }
 
 void ShapeWindow::Draw(Canvas& canvas) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "platform/win32/Windows.h"
 
 namespace talu {
@@ -11,12 +13,25 @@ void TrustSystemFolderOnly();
 /// the first event is handled.
 void LoadWhatIsAskedForLater();
 
+/// The search for libraries as Windows has it, as long as this lives: a program that is started
+/// meanwhile inherits that one, not ours. Nothing is loaded here by name meanwhile.
+class UsualLibrarySearch {
+ public:
+  UsualLibrarySearch();
+  ~UsualLibrarySearch();
+  UsualLibrarySearch(const UsualLibrarySearch&) = delete;
+  UsualLibrarySearch& operator=(const UsualLibrarySearch&) = delete;
+};
+
+/// The system's folder, without a backslash at its end; empty when Windows does not say.
+std::wstring SystemFolder();
+
 /// A function of a library that is loaded from the system folder by its full path; nullptr when
 /// either is missing.
-FARPROC FindSystemFunction(const char* library, const char* function);
+FARPROC FindSystemFunction(const wchar_t* library, const char* function);
 
 template <class Function>
-Function SystemFunction(const char* library, const char* function) {
+Function SystemFunction(const wchar_t* library, const char* function) {
   return reinterpret_cast<Function>(reinterpret_cast<void*>(FindSystemFunction(library, function)));
 }
 

@@ -17,6 +17,12 @@ std::string Narrow(std::wstring_view text) {
   return FromUtf16(text);
 }
 
+bool IsShorterThan(std::string_view path, std::uint32_t limit) {
+  // Without room for it, the length with its end is returned.
+  wchar_t buffer[1];
+  return GetFullPathNameW(Wide(path).c_str(), 1, buffer, nullptr) <= limit;
+}
+
 std::string SystemMessage(std::int32_t code) {
   wchar_t buffer[512];
   DWORD length = FormatMessageW(

@@ -20,6 +20,13 @@ TextBoxWindow::TextBoxWindow(FormFrame& frame, std::size_t index)
                SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
   if (View().Password) SendMessageW(Window(), EM_SETPASSWORDCHAR, kBullet, 0);
   TextBoxWindow::Update(Property::Text);
+  NoteLength();
+}
+
+void TextBoxWindow::NoteLength() const {
+  if (!View().Password) return;
+  const INT_PTR typed = GetWindowTextLengthW(Window()) + 1;
+  SetPropW(Window(), L"Typed", reinterpret_cast<HANDLE>(typed));
 }
 
 std::string TextBoxWindow::Contents() const {
@@ -42,6 +49,7 @@ void TextBoxWindow::Update(Property changed) {
 }
 
 void TextBoxWindow::OnNotification(int code) {
+  if (code == EN_CHANGE) NoteLength();
   if (code == EN_CHANGE && !setting_) frame_.Type(Index(), Contents());
   if (code == EN_SETFOCUS) frame_.Focus(Index());
 }
@@ -111,14 +119,15 @@ void TextBoxWindow::PaintBorder() {
 
 void TextBoxWindow::Draw(Canvas& canvas) {
   const int line = frame_.Look().Scaled(1);
+  const Palette& colours = frame_.Look().Colours();
   const bool enabled = View().Enabled;
   const bool focused = GetFocus() == Window();
   const RECT area = {0, 0, canvas.Width(), canvas.Height()};
-  canvas.FillRound(area, 3 * line, enabled ? colour::kCard : colour::kFaceDisabled);
+  canvas.FillRound(area, 3 * line, enabled ? colours.Card : colours.FaceDisabled);
   canvas.FrameRound(area, 3 * line, focused ? 2 * line : line,
-                    !enabled  ? colour::kEdgeDisabled
-                    : focused ? colour::kAccent
-                              : colour::kEdge);
+                    !enabled  ? colours.EdgeDisabled
+                    : focused ? colours.Accent
+                              : colours.Edge);
 }
 
 }  // namespace talu

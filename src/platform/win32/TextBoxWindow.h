@@ -22,6 +22,9 @@ class TextBoxWindow : public ControlWindow {
   /// Leaves room for the border and centres the line.
   void PlaceText(RECT& area) const;
   void PaintBorder();
+  /// Leaves the length of what a masked box has on its window, one more than that as the property
+  /// "Typed": the system tells it to no other process.
+  void NoteLength() const;
 
   bool setting_ = false;
 };

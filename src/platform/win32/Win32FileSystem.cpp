@@ -3,12 +3,16 @@
 #include <utility>
 
 #include "platform/win32/Text.h"
+#include "platform/win32/WhileLocked.h"
 #include "platform/win32/Win32TextFile.h"
 #include "platform/win32/Windows.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
 namespace {
+
+/// A new folder must have room for a file name of eight and three characters.
+constexpr std::uint32_t kFolderLimit = MAX_PATH - 12;
 
 bool IsFolder(DWORD attributes) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -75,7 +79,15 @@ bool Win32FileSystem::FolderExists(const std::string& path) {
 
 void Win32FileSystem::CreateFolder(const std::string& path) {
   if (path.empty()) throw RuntimeError(error::kInvalidProcedureCall);
-  if (CreateDirectoryW(Wide(path).c_str(), nullptr)) return;
+  if (!IsShorterThan(path, kFolderLimit)) throw RuntimeError(error::kPathNotFound);
+  const bool made = TryWhileLocked([&] {
+    if (CreateDirectoryW(Wide(path).c_str(), nullptr)) return true;
+    // A root that is there answers "access denied".
+    const DWORD reason = GetLastError();
+    SetLastError(FolderExists(path) ? ERROR_ALREADY_EXISTS : reason);
+    return false;
+  });
+  if (made) return;
   switch (GetLastError()) {
     case ERROR_ALREADY_EXISTS:
     case ERROR_FILE_EXISTS:
@@ -93,8 +105,7 @@ void Win32FileSystem::CreateFolder(const std::string& path) {
     case ERROR_DISK_FULL:
       throw RuntimeError(error::kDiskFull);
     default:
-      // An existing root is also reported as "access denied".
-      throw RuntimeError(FolderExists(path) ? error::kFileAlreadyExists : error::kPermissionDenied);
+      throw RuntimeError(error::kPermissionDenied);
   }
 }
 
@@ -105,7 +116,7 @@ void Win32FileSystem::DeleteFile(const std::string& path, bool force) {
   }
   const bool unlock = force && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
   if (unlock) SetFileAttributesW(Wide(path).c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
-  if (DeleteFileW(Wide(path).c_str())) return;
+  if (TryWhileLocked([&] { return DeleteFileW(Wide(path).c_str()) != FALSE; })) return;
   const DWORD reason = GetLastError();
   if (unlock) SetFileAttributesW(Wide(path).c_str(), attributes);
   throw RuntimeError(reason == ERROR_FILE_NOT_FOUND ? error::kFileNotFound
@@ -138,6 +149,7 @@ std::string Win32FileSystem::GetSpecialFolder(int number) {
 }
 
 std::unique_ptr<TextFile> Win32FileSystem::OpenTextFile(const std::string& path, OpenMode mode) {
+  if (!IsShorterThan(path, MAX_PATH)) throw RuntimeError(error::kPathNotFound);
   return std::make_unique<Win32TextFile>(path, mode);
 }
 

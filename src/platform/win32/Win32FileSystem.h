@@ -5,7 +5,8 @@
 namespace talu {
 
 /// The file-system object over kernel32. Paths may be as long as Windows' own limit (260
-/// characters, 248 for a folder); a longer one raises 76.
+/// characters, 248 for a folder); a longer one raises 76. What is locked is tried again for half a
+/// second before it fails.
 class Win32FileSystem : public FileSystemObject {
  public:
   bool FileExists(const std::string& path) override;

@@ -23,7 +23,7 @@ Win32Machine::Ole::~Ole() {
 }
 
 Win32Machine::Win32Machine()
-    : ado_([this] { windows_.ShowProgress(); }),
+    : ado_([this] { windows_.ShowProgress(); }, [this](HANDLE event) { windows_.WaitFor(event); }),
       processes_([this] { windows_.ShowProgress(); }),
       codePage_(CP_ACP),
       odbc_(codePage_),

@@ -2,11 +2,35 @@
 
 #include <utility>
 
+#include "platform/win32/SystemLibrary.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Windows.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
+namespace {
+
+/// The system's program that a command line names without a folder and without an ending; empty
+/// where it has none of that name. Windows itself would look beside Setup.exe first.
+std::wstring SystemProgram(const std::string& commandLine) {
+  const std::string name = commandLine.substr(0, commandLine.find(' '));
+  if (name.empty() || name.find_first_of("\\/:.\"") != std::string::npos) return {};
+  std::wstring path = SystemFolder();
+  if (path.empty()) return {};
+  path += L"\\" + Wide(name) + L".exe";
+  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES ? path : std::wstring();
+}
+
+/// Returns 0 or the system's error.
+DWORD StartAsUsual(const wchar_t* program, std::wstring& commandLine, BOOL inheritHandles,
+                   STARTUPINFOW& startup, PROCESS_INFORMATION& process) {
+  const UsualLibrarySearch usual;
+  const BOOL started = CreateProcessW(program, commandLine.data(), nullptr, nullptr, inheritHandles,
+                                      NORMAL_PRIORITY_CLASS, nullptr, nullptr, &startup, &process);
+  return started ? 0 : GetLastError();
+}
+
+}  // namespace
 
 Win32Processes::Win32Processes(std::function<void()> beforeWaiting)
     : beforeWaiting_(std::move(beforeWaiting)) {}
@@ -18,8 +42,7 @@ std::int32_t Win32Processes::RunAndWait(const std::string& commandLine) {
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process = {};
   // Whether it started shows in the handles: waiting for none fails at once with -1.
-  CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, NORMAL_PRIORITY_CLASS, nullptr,
-                 nullptr, &startup, &process);
+  StartAsUsual(nullptr, command, TRUE, startup, process);
   DWORD result = WAIT_FAILED;
   if (process.hProcess != nullptr) {
     result = WaitForSingleObject(process.hProcess, INFINITE);
@@ -37,10 +60,10 @@ void Win32Processes::Start(const std::string& commandLine, int windowStyle) {
   startup.dwFlags = STARTF_USESHOWWINDOW;
   startup.wShowWindow = static_cast<WORD>(windowStyle);
   PROCESS_INFORMATION process = {};
-  // Without an application name Windows looks along the PATH, as a command line does.
-  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, NORMAL_PRIORITY_CLASS,
-                      nullptr, nullptr, &startup, &process)) {
-    const DWORD reason = GetLastError();
+  const std::wstring program = SystemProgram(commandLine);
+  const DWORD reason =
+      StartAsUsual(program.empty() ? nullptr : program.c_str(), command, FALSE, startup, process);
+  if (reason != 0) {
     const bool missing = reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND ||
                          reason == ERROR_INVALID_NAME;
     throw RuntimeError(missing ? error::kFileNotFound : error::kInvalidProcedureCall);

@@ -1,6 +1,7 @@
 #include "platform/win32/Win32ShellOperations.h"
 
 #include "platform/win32/Text.h"
+#include "platform/win32/WhileLocked.h"
 #include "platform/win32/Windows.h"
 
 namespace talu {
@@ -13,8 +14,8 @@ bool IsAbsolute(const std::string& path) {
 /// Whether `path` means exactly one name, both to the shell and to kernel32.
 bool IsPlainName(const std::string& path) {
   return IsAbsolute(path) && path.find_first_of("*?/") == std::string::npos &&
-         path.find('\0') == std::string::npos && path.back() != '\\' && path.back() != '.' &&
-         path.back() != ' ';
+         path.find('\0') == std::string::npos && IsShorterThan(path, MAX_PATH) &&
+         path.back() != '\\' && path.back() != '.' && path.back() != ' ';
 }
 
 bool IsPlainFile(const std::string& path) {
@@ -23,25 +24,29 @@ bool IsPlainFile(const std::string& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kSpecial) == 0;
 }
 
-/// A plain file: not a folder, into which the shell copies under the file's own name, and not a
-/// protected file, whose protection the shell removes.
-bool IsPlainTarget(const std::string& path) {
-  const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
+/// Copies to a name that is free or a plain file's. Anything else is the shell's: a folder, into
+/// which it copies under the file's own name, and a protected file, whose protection it takes off.
+bool CopyToPlainTarget(const std::wstring& from, const std::wstring& to) {
+  // Most targets are not there yet, which the copy itself finds out.
+  if (CopyFileW(from.c_str(), to.c_str(), TRUE)) return true;
+  const DWORD reason = GetLastError();
+  const DWORD attributes = GetFileAttributesW(to.c_str());
   constexpr DWORD kSpecial = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT |
                              FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
                              FILE_ATTRIBUTE_SYSTEM;
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kSpecial) == 0;
+  const bool isThere = attributes != INVALID_FILE_ATTRIBUTES;
+  if (isThere && (attributes & kSpecial) == 0) return CopyFileW(from.c_str(), to.c_str(), FALSE);
+  SetLastError(isThere ? ERROR_FILE_EXISTS : reason);
+  return false;
 }
 
 bool CopyOneFile(const std::string& from, const std::string& to, int flags) {
   constexpr int kUnlike = FOF_MULTIDESTFILES | FOF_RENAMEONCOLLISION | FOF_ALLOWUNDO;
   if ((flags & FOF_NOCONFIRMATION) == 0 || (flags & kUnlike) != 0) return false;
   if (!IsPlainName(from) || !IsPlainName(to) || !IsPlainFile(from)) return false;
-  // Most targets are not there yet, which the copy itself finds out.
   const std::wstring source = Wide(from);
   const std::wstring target = Wide(to);
-  if (CopyFileW(source.c_str(), target.c_str(), TRUE)) return true;
-  return IsPlainTarget(to) && CopyFileW(source.c_str(), target.c_str(), FALSE);
+  return TryWhileLocked([&] { return CopyToPlainTarget(source, target); });
 }
 
 }  // namespace

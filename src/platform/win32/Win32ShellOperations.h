@@ -4,9 +4,10 @@
 
 namespace talu {
 
-/// `SHFileOperationA`, with a shortcut for the most common case: `CopyFileA`, which is several
-/// times faster, copies one plain file when no questions are to be asked. If that fails the shell
-/// copies it, and overcomes what it can (a read-only target, a missing folder).
+/// `SHFileOperationA`, with a short way for the commonest case: the copy of one plain file without
+/// questions is done by `CopyFileA`, several times faster, and goes to the shell only if that
+/// fails, so that what the shell would overcome (a read-only target, a missing folder) it still
+/// does. A file that is locked is tried again for half a second before.
 class Win32ShellOperations : public ShellOperations {
  public:
   int FileOperation(int operation, const std::string& from, const std::string& to,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/win32/Text.h"
+#include "platform/win32/WhileLocked.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
@@ -47,8 +48,12 @@ HANDLE Open(const std::string& path, OpenMode mode) {
 
 }  // namespace
 
-Win32TextFile::Win32TextFile(const std::string& path, OpenMode mode) : file_(Open(path, mode)) {
-  if (file_ == INVALID_HANDLE_VALUE) throw RuntimeError(OpenError(GetLastError()));
+Win32TextFile::Win32TextFile(const std::string& path, OpenMode mode) {
+  const bool opened = TryWhileLocked([&] {
+    file_ = Open(path, mode);
+    return file_ != INVALID_HANDLE_VALUE;
+  });
+  if (!opened) throw RuntimeError(OpenError(GetLastError()));
   LARGE_INTEGER size;
   if (GetFileSizeEx(file_, &size)) size_ = static_cast<std::uint64_t>(size.QuadPart);
   if (mode == OpenMode::Append) SetFilePointerEx(file_, {}, nullptr, FILE_END);

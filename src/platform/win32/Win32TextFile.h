@@ -23,7 +23,7 @@ class Win32TextFile : public TextFile {
   bool GoToEnd();
 
  private:
-  HANDLE file_;
+  HANDLE file_ = INVALID_HANDLE_VALUE;
   std::uint64_t size_ = 0;
 };
 

@@ -30,7 +30,7 @@ std::int64_t Microseconds() {
 
 }  // namespace
 
-Win32WindowSystem::Win32WindowSystem() = default;
+Win32WindowSystem::Win32WindowSystem(bool (*wantsHighContrast)()) : look_(wantsHighContrast) {}
 
 Win32WindowSystem::~Win32WindowSystem() {
   for (const auto& frame : frames_) frame->LetGo();
@@ -139,6 +139,19 @@ void Win32WindowSystem::DoEvents() {
   lastPump_ = Microseconds();
 }
 
+void Win32WindowSystem::WaitFor(HANDLE event) {
+  FinishHiding();
+  BringUpToDate();
+  waiting_ = true;
+  while (MsgWaitForMultipleObjectsEx(1, &event, INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE) ==
+         WAIT_OBJECT_0 + 1) {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) Dispatch(message);
+    BringUpToDate();
+  }
+  waiting_ = false;
+}
+
 int Win32WindowSystem::Run() {
   Settle();
   MSG message;
@@ -174,6 +187,8 @@ void Win32WindowSystem::Settle() {
 }
 
 void Win32WindowSystem::EndProgram() {
+  // A thread that is at work would be ended inside a library, whose own end might wait for it.
+  if (waiting_) TerminateProcess(GetCurrentProcess(), 0);
   ExitProcess(0);
 }
 

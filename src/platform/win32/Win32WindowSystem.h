@@ -18,7 +18,7 @@ namespace talu {
 /// painted about thirty times a second in `DoEvents`; after a handler everything is shown.
 class Win32WindowSystem : public WindowSystem, public HandlerWatch {
  public:
-  Win32WindowSystem();
+  explicit Win32WindowSystem(bool (*wantsHighContrast)() = &WantsHighContrast);
   ~Win32WindowSystem() override;
 
   void ShowForm(FormWindow& form) override;
@@ -39,6 +39,8 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   /// Paints what has changed, for use before this thread blocks. A bar alone is painted no more
   /// often than in `DoEvents`.
   void ShowProgress();
+  /// Handles what comes in until `event` is set.
+  void WaitFor(HANDLE event);
 
  private:
   FormFrame* Find(const FormWindow& form) const;
@@ -53,6 +55,8 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   std::vector<std::unique_ptr<FormFrame>> frames_;
   FormFrame* shown_ = nullptr;
   FormFrame* hiding_ = nullptr;
+  /// Whether `WaitFor` is at work.
+  bool waiting_ = false;
   std::optional<WINDOWPLACEMENT> place_;
   int handlers_ = 0;
   int showings_ = 0;

@@ -1,5 +1,7 @@
 #include "Command.h"
 
+#include <cstdlib>
+
 #include "Connection.h"
 #include "Errors.h"
 
@@ -8,6 +10,11 @@ namespace talu::wine {
 namespace {
 
 constexpr wchar_t kClassName[] = L"ADODB.Command";
+
+long DefaultTimeout() {
+  const char* const given = std::getenv("WINEADO_COMMAND_TIMEOUT");
+  return given != nullptr ? std::atol(given) : 30;
+}
 
 }  // namespace
 
@@ -37,7 +44,8 @@ Command::Command()
            DISPATCH_METHOD,
            {L"RecordsAffected", L"Parameters", L"Options"},
            [this](const Arguments& arguments, VARIANT&) { Execute(arguments); }},
-      }) {}
+      }),
+      timeout_(DefaultTimeout()) {}
 
 void Command::PutActiveConnection(const Arguments& arguments) {
   Connection* connection = nullptr;

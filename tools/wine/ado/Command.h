@@ -9,8 +9,9 @@
 namespace talu::wine {
 
 /// "ADODB.Command": ActiveConnection, CommandTimeout, CommandText, Execute. It keeps the session of
-/// the connection that it was bound to: closing the connection unbinds it, opening it again does
-/// not bind it again.
+/// the connection that it was bound to: closing the connection unbinds it, opening that again does
+/// not bind it anew. Its time-out is the data-access library's 30 s until it is set, or what the
+/// variable WINEADO_COMMAND_TIMEOUT says, for a test that has less time.
 class Command : public DispatchObject {
  public:
   Command();
@@ -21,7 +22,8 @@ class Command : public DispatchObject {
   void Execute(const Arguments& arguments) const;
 
   std::shared_ptr<OdbcSession> session_;
-  long timeout_ = 30;  // seconds: the data-access library's default
+  /// In seconds.
+  long timeout_;
   std::wstring text_;
 };
 
