@@ -10,10 +10,10 @@
 namespace talu::packcheck {
 namespace {
 
-constexpr std::array<std::string_view, 14> kKeys = {
-    "AppTitle",  "AppFolder", "DBFolder",      "FreshDBSript",  "DemoDBSript",
-    "SystemDSN", "Shotcut",   "RegnLocation",  "SpecialRegn",   "AddOns",
-    "DBSript",   "FinalMsg",  "WriteSettings", "UpgradeDBSript"};
+constexpr auto kKeys = std::to_array<std::string_view>(
+    {"AppTitle", "AppFolder", "DBFolder", "FreshDBSript", "DemoDBSript", "SystemDSN", "Shotcut",
+     "RegnLocation", "SpecialRegn", "AddOns", "DBSript", "FinalMsg", "WriteSettings",
+     "UpgradeDBSript"});
 
 bool IsKey(std::string_view text) {
   return std::ranges::find(kKeys, text) != kKeys.end();
