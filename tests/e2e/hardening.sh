@@ -98,7 +98,7 @@ touch "$PackDir"/{AddOns/Tool.msi,Application/Sub/Any.ocx}
 Play '@install Client; @finish'
 # Which msiexec is started is Windows' choice; the manuals say so.
 Is 'what was started and loaded' $'bait.exe nobodys.dll\nmsiexec.exe msiexec.exe' "$(Loaded)"
-True 'the log' grep -qF 'regsvr32 /s "C:\Other\' "$Host/Ta-luErrLog.txt"
+True 'the log' grep -qF 'regsvr32 /s "C:\Other' "$Host/Ta-luErrLog.txt"
 Host=$SampleHost
 
 Test 'the password is where the formats put it, and nowhere else'
