@@ -7,7 +7,6 @@
 #include <clocale>
 #include <cstdint>
 #include <stdexcept>
-#include <utility>
 
 #include "runtime/Unicode.h"
 
@@ -37,9 +36,9 @@ class Conversion {
   /// Converts all of it; `replace` takes what cannot be converted from the front of the rest and
   /// appends something in its place.
   template <class Replace>
-  std::string Convert(std::string bytes, const Replace& replace) const {
+  std::string Convert(std::string_view bytes, const Replace& replace) const {
     std::string result;
-    char* in = bytes.data();
+    char* in = const_cast<char*>(bytes.data());  // iconv only reads it
     std::size_t left = bytes.size();
     while (left > 0) {
       char buffer[4096];
@@ -101,7 +100,7 @@ std::string CodePage::ToText(std::string bytes) const {
     return converter_->Replace(rest, text);
   };
   return DecodePieces(bytes, [&](std::string_view piece, std::string& text) {
-    text += converter_->ToUtf8.Convert(std::string(piece), replace);
+    text += converter_->ToUtf8.Convert(piece, replace);
   });
 }
 
@@ -115,7 +114,7 @@ std::string CodePage::FromText(std::string text) const {
     bytes.append(character < 0x10000 ? 1 : 2, control ? static_cast<char>(character) : '?');
     return taken;
   };
-  return converter_->FromUtf8.Convert(std::move(text), replace);
+  return converter_->FromUtf8.Convert(text, replace);
 }
 
 std::string UpperCase(std::string_view text) {

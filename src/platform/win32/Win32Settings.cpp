@@ -12,7 +12,7 @@ void Win32Settings::SaveSetting(const std::string& application, const std::strin
   const std::wstring text = Wide(value);
   const LSTATUS status =
       RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), Wide(key).c_str(), REG_SZ, text.c_str(),
-                      static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+                      static_cast<DWORD>(text.size() + 1) * DWORD{sizeof(wchar_t)});
   if (status != ERROR_SUCCESS) throw RuntimeError(error::kInvalidProcedureCall);
 }
 
