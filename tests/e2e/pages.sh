@@ -72,24 +72,6 @@ Play "@install Client; message $InUse; expect LblMsg text $InUse; expect CmdNext
 Release
 True 'installed elsewhere' test -f "$(dirname "$Host")/Other/One.txt"
 
-Test 'a scanner that holds each new file for a moment changes nothing'
-InstallBelow Scanned
-Pack 'WriteSettings=\Conn.txt,Server=,SERVER|\Sub\Conn.txt,Server=,SERVER'
-mkdir -p "$Host"
-wine "$Root/build/win32/tests/e2e/scanner.exe" "${App%\\*}" >"$Machine/scanned" 2>&1 &
-Scanner=$!
-Soon 'the scanner' grep -q ready "$Machine/scanned"
-for Round in 1 2 3; do
-  rm -rf "$Host"
-  Play '@install Client; @finish'
-  LogIs < <(LogBegin && Deployed - | sed '/^Writing Settings not/i Writing Settings started...')
-  RecordIs < <(RecordBegin)
-  True 'the tree' diff -r -x Ta-luErrLog.txt -x Uninstall.dat -x Conn.txt -x Data "$PackDir/Application" "$Host"
-  Is 'settings' "Server=$Server Server=$Server" "$(cat "$Host"/{,Sub/}Conn.txt | tr '\r\n' '  ' | xargs)"
-done
-kill "$Scanner" && wait "$Scanner" || true
-True 'held' grep -q One.txt "$Machine/scanned"
-
 Test 'a location that cannot be written is refused'
 Play "@location Client; click CmdLocation; browse E:\\; expect TxtInstaPath text E:\\TA-LU\\Small
   type TxtServer SRV; click CmdNext; message $InUse; close FrmLocation; ended 0"
