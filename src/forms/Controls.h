@@ -40,7 +40,7 @@ class Control {
   Control(Form& form, ControlKind kind, const std::string& name, Place place);
 
   void Run(const Handler& handler);
-  /// Called after a property has changed, before the form is notified.
+  /// Called after a property has changed and the form has been notified.
   virtual void Changed(Property) {}
 
   ControlView view_;
