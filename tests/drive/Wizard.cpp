@@ -27,7 +27,7 @@ int showings = 0;
 /// A wizard that does not tell how often its pages were shown, nor whether it works.
 const bool kSilent = getenv("SILENT_WIZARD") != nullptr;
 /// One on a system that tells nobody outside how much a masked box has in it.
-const bool secretive = getenv("SECRETIVE_WIZARD") != nullptr;
+const bool kSecretive = getenv("SECRETIVE_WIZARD") != nullptr;
 WNDPROC boxProcedure = nullptr;
 
 /// Properties and control ids are numbers that travel as handles.
@@ -184,7 +184,7 @@ int main() {
   Add(location, "TxtInstaPath", "EDIT", "", button | WS_BORDER | ES_AUTOHSCROLL, 20, 60);
   Add(location, "CmdLocation", "BUTTON", "...", button, 240, 60, 30);
   Add(location, "TxtPsWord", "EDIT", "old", button | WS_BORDER | ES_PASSWORD, 20, 90);
-  if (secretive) {
+  if (kSecretive) {
     boxProcedure = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
         location.Controls["TxtPsWord"], GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(TellNoLength)));
   }
