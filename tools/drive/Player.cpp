@@ -258,7 +258,8 @@ void Player::PressKeys(const Step& step) {
     Until([&]() -> std::string {
       front = setup_.Front();
       if (front == nullptr) return setup_.PagesShown();
-      return BringToFront(front) ? "" : "another program keeps the keyboard";
+      if (!BringToFront(front)) return "another program keeps the keyboard";
+      return HasFocusWithin(front) ? "" : "nothing in its window takes keys";
     });
     if (&chord == &step.Keys.front()) BeginAct();
     Press(chord);

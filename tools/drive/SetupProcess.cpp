@@ -130,6 +130,14 @@ OtherWindow AsOther(HWND window) {
   return other;
 }
 
+/// The window with the focus in the thread of `window`; null without one.
+HWND FocusBeside(HWND window) {
+  GUITHREADINFO info = {};
+  info.cbSize = sizeof info;
+  const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+  return GetGUIThreadInfo(thread, &info) ? info.hwndFocus : nullptr;
+}
+
 }  // namespace
 
 void SetupProcess::Start(const std::string& program) {
@@ -349,10 +357,12 @@ int WidthOf(HWND window) {
 }
 
 bool HasFocus(HWND window) {
-  GUITHREADINFO info = {};
-  info.cbSize = sizeof info;
-  return GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info) &&
-         info.hwndFocus == window;
+  return FocusBeside(window) == window;
+}
+
+bool HasFocusWithin(HWND window) {
+  const HWND focus = FocusBeside(window);
+  return focus == window || IsChild(window, focus);
 }
 
 HWND FolderTree(HWND dialog) {

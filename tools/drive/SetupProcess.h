@@ -103,6 +103,9 @@ std::optional<bool> ValueOf(HWND window);
 int WidthOf(HWND window);
 
 bool HasFocus(HWND window);
+/// Whether the window or one in it has the focus. A page that has just come may not have it yet,
+/// and keys would be lost.
+bool HasFocusWithin(HWND window);
 
 /// The tree in a folder browser, which newer systems nest in their own controls; null when `dialog`
 /// is something else.
