@@ -318,11 +318,9 @@ std::optional<LRESULT> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 bool HasDesktop() {
   USEROBJECTFLAGS station = {};
   DWORD size = 0;
-  const bool visible = GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &station,
-                                                 sizeof station, &size) &&
-                       (station.dwFlags & WSF_VISIBLE) != 0;
-  DWORD session = 0;
-  return visible && ProcessIdToSessionId(GetCurrentProcessId(), &session) && session != 0;
+  return GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &station, sizeof station,
+                                   &size) &&
+         (station.dwFlags & WSF_VISIBLE) != 0;
 }
 
 bool HidesLength(HWND window) {
