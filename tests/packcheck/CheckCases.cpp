@@ -1,5 +1,9 @@
 #include "CheckCases.h"
 
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {
@@ -8,6 +12,8 @@ namespace {
 constexpr auto kClient = InstallMode::Client;
 constexpr auto kServer = InstallMode::Server;
 constexpr auto kUpgrade = InstallType::Upgrade;
+
+using nlohmann::json;
 
 /// Lines, each "|" a line end.
 std::string Lines(const std::string& text) {
@@ -209,6 +215,54 @@ const CheckCase kCases[] = {
     {"ACC-LINE", {{"packcheck.ignore", "ADD-FILE | AppCfg.txt | a.exe | not yet there"}}, "!a.exe"},
 };
 
+/// The text of a line of the data, a byte for each of its characters.
+std::string Bytes(const json& text) {
+  const std::string utf8 = text;
+  std::string bytes;
+  for (std::size_t at = 0; at < utf8.size(); ++at) {
+    const unsigned lead = static_cast<unsigned char>(utf8[at]);
+    if (lead > 0xC3) throw std::runtime_error("beyond \\u00ff: " + utf8);
+    bytes += static_cast<char>(lead < 0x80 ? lead : (lead << 6 | (utf8.at(++at) & 0x3FU)) & 0xFFU);
+  }
+  return Lines(bytes);
+}
+
+CheckCase Mistake(const json& line) {
+  CheckCase test;
+  for (const auto& [key, value] : line.items()) {
+    if (key == "mistake") {
+      test.Mistake = value;
+    } else if (key == "finds") {
+      test.Codes = value == "none" ? "" : value;
+    } else if (key == "says") {
+      test.Says = value;
+    } else if (key == "plan") {
+      test.Proof = Lines(value);
+    } else if (key == "batches") {
+      test.Pack[kA] = "--taluGO\r\n" + Bytes(value);
+    } else if (key == "script") {
+      test.Pack[kA] = Bytes(value);
+    } else if (key == "blocks") {
+      test.Pack["AppCfg.txt"] = Lines(kTitle + kRest) + Bytes(value);
+    } else if (key == "config") {
+      test.Pack["AppCfg.txt"] = Bytes(value);
+    } else if (key == "files") {
+      for (const auto& [path, text] : value.items()) {
+        test.Pack[path] = text.is_null() ? "-" : Bytes(text);
+      }
+    } else if (key == "mode" && value == "client") {
+      test.Mode = kClient;
+    } else if (key == "type" && (value == "demo" || value == "upgrade")) {
+      test.Type = value == "demo" ? InstallType::Demo : kUpgrade;
+    } else {
+      throw std::runtime_error("what is " + key + "?");
+    }
+  }
+  if (test.Mistake.empty() || !line.contains("finds"))
+    throw std::runtime_error("no mistake, or no finds");
+  return test;
+}
+
 }  // namespace
 
 Files PlainPack() {
@@ -218,8 +272,13 @@ Files PlainPack() {
   return files;
 }
 
-std::span<const CheckCase> CheckCases() {
-  return kCases;
+std::vector<CheckCase> CheckCases() {
+  std::vector<CheckCase> cases(std::begin(kCases), std::end(kCases));
+  std::ifstream mistakes(TALU_MISTAKES);
+  for (std::string line; std::getline(mistakes, line);) {
+    if (!line.starts_with("//")) cases.push_back(Mistake(json::parse(line)));
+  }
+  return cases;
 }
 
 }  // namespace talu::packcheck
