@@ -19,6 +19,18 @@ std::optional<std::string> CreatedName(const ErrorTrap& step, std::string_view b
   return name;
 }
 
+std::string DataFolder(const ErrorTrap& step, std::string_view batch) {
+  Position drive = 0;
+  Position ending = 0;
+  Position backslash = 0;
+  std::string folder;
+  step.Assign(drive, [&] { return InStr(batch, ":\\") - 1; });
+  step.Assign(ending, [&] { return InStr(drive, batch, ".mdf"); });
+  step.Assign(backslash, [&] { return InStrRev(batch, "\\", ending); });
+  step.Assign(folder, [&] { return Mid(batch, drive, backslash - drive); });
+  return folder;
+}
+
 std::optional<std::string> NamedDatabase(std::string_view batch, std::string_view statement) {
   if (!Contains(batch, statement)) return {};
   // Without the blank after USE, so that an earlier word with these letters is found first.

@@ -24,6 +24,11 @@ inline bool CreatesLogin(std::string_view batch) {
 std::optional<std::string> CreatedName(const ErrorTrap& step, std::string_view batch,
                                        std::string_view thing);
 
+/// The folder of a batch's first data file, which the build replaces by the database folder: from
+/// the first drive letter to the last backslash before ".mdf"; empty when it cannot be cut out. The
+/// trap gets each failing step's error.
+std::string DataFolder(const ErrorTrap& step, std::string_view batch);
+
 /// The statements that the backup looks for, in this order, and whether a batch may contain one;
 /// most batches of data contain neither word.
 inline constexpr std::array<std::string_view, 4> kNamingStatements = {

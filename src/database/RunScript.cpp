@@ -53,14 +53,7 @@ void DatabaseBuild::FinishBatch(const ErrorTrap& step) {
 
 // Replaces the folder of the first data file by the database folder.
 void DatabaseBuild::MoveDataFiles(const ErrorTrap& step) {
-  Position drive = 0;
-  Position ending = 0;
-  Position backslash = 0;
-  std::string oldFolder;
-  step.Assign(drive, [&] { return InStr(BatchText, ":\\") - 1; });
-  step.Assign(ending, [&] { return InStr(drive, BatchText, ".mdf"); });
-  step.Assign(backslash, [&] { return InStrRev(BatchText, "\\", ending); });
-  step.Assign(oldFolder, [&] { return Mid(BatchText, drive, backslash - drive); });
+  const std::string oldFolder = DataFolder(step, BatchText);
   step.Assign(BatchText,
               [&] { return Replace(BatchText, oldFolder, install_.State.DBFolderPath); });
 }

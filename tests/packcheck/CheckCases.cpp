@@ -149,8 +149,6 @@ const CheckCase kCases[] = {
     {"SQL-CREATE-NAME", Batches(Create("CREATE DATABASE [My Sales] ")),
      kRecord + "DBNames:1, [My\r\n"},
     {"SQL-CREATE-LAST", Batches("CREATE LOGIN Desk|GO|"), kFails},
-    {"SQL-CREATE-COMMENT", Batches("-- CREATE LOGIN is for later|PRINT 1|GO|"),
-     kRecord + "DBLogins:1, is\r\n"},
     {"SQL-DB-FILENAME", Batches("CREATE DATABASE Sales COLLATE Latin1_General_CI_AS|GO|"),
      kRecord + "DBNames:0"},
     {"SQL-DB-DRIVE", Batches(Create("CREATE DATABASE Sales ", "s.mdf", "s.ldf")), kFails},

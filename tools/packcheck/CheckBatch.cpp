@@ -18,47 +18,67 @@ const char* Thing(bool login) {
   return login ? "login" : "database";
 }
 
-/// The name as the build extracts it.
-std::optional<std::string> RecordedName(const std::string& text, bool login) {
-  const ErrorTrap pass([](const RuntimeError&) {});
-  return CreatedName(pass, text, Keyword(login));
+/// What the build cuts out of a batch.
+struct Cut {
+  /// The name that it records, if it can; the folder that it replaces.
+  std::optional<std::string> Name;
+  std::string Folder;
+  /// An error on the way fails the build.
+  bool NameFails = false;
+  bool FolderFails = false;
+};
+
+Cut CutOut(const std::string& text, bool login) {
+  Cut cut;
+  const ErrorTrap name([&cut](const RuntimeError&) { cut.NameFails = true; });
+  cut.Name = CreatedName(name, text, Keyword(login));
+  const ErrorTrap folder([&cut](const RuntimeError&) { cut.FolderFails = true; });
+  if (!login) cut.Folder = DataFolder(folder, text);
+  return cut;
 }
 
-void CheckName(const SqlBatch& batch, const SqlStatement& created, Findings& findings) {
+void CheckName(const Cut& cut, const SqlStatement& created, Findings& findings) {
   const char* thing = Thing(created.Login);
-  const std::optional<std::string> recorded = RecordedName(batch.Text, created.Login);
-  if (!recorded) {
+  if (!cut.Name) {
     findings.Add("SQL-CREATE-LAST", created.Place, {thing});
     return;
   }
-  const std::string name = Trim(*recorded);
+  const std::string name = Trim(*cut.Name);
   if (name == created.Name && !Contains(name, ",")) return;
   findings.Add("SQL-CREATE-NAME", created.Place, {Shown(name), thing, Shown(created.Name)});
 }
 
 /// Checks where the build moves the database files.
-void CheckFiles(const SqlBatch& batch, const SqlStatement& created, const SqlFacts& facts,
-                Findings& findings) {
-  const Position drive = InStr(batch.Text, ":\\") - 1;
-  if (drive < 1) {
-    findings.Add("SQL-DB-DRIVE", created.Place);
+void CheckFiles(const SqlBatch& batch, const Cut& cut, const SqlStatement& created,
+                const SqlFacts& facts, Findings& findings) {
+  if (cut.FolderFails) {
+    findings.Add(Contains(batch.Text, ":\\") ? KnownRule("SQL-DB-MDF") : KnownRule("SQL-DB-DRIVE"),
+                 created.Place);
     return;
   }
-  const Position ending = InStr(drive, batch.Text, ".mdf");
-  if (ending == 0) {
-    findings.Add("SQL-DB-MDF", created.Place);
-    return;
-  }
-  const Position backslash = InStrRev(batch.Text, "\\", ending);
-  const std::string folder = Mid(batch.Text, drive, backslash - drive);
   for (const SqlText& file : facts.FileNames) {
-    if (!Contains(file.Text, folder)) {
-      findings.Add("SQL-DB-FOLDERS", file.Place, {Shown(file.Text), Shown(folder)});
+    if (!Contains(file.Text, cut.Folder)) {
+      findings.Add("SQL-DB-FOLDERS", file.Place, {Shown(file.Text), Shown(cut.Folder)});
       continue;
     }
-    const std::string rest = Replace(file.Text, folder, "");
+    const std::string rest = Replace(file.Text, cut.Folder, "");
     if (rest.starts_with('\\') && InStrRev(rest, "\\") == 1) continue;
     findings.Add("SQL-DB-SUBFOLDER", file.Place, {Shown(file.Text), Shown(rest)});
+  }
+}
+
+/// A batch that creates nothing but has the words, in a comment, a text or a right that is granted.
+void CheckMention(const SqlBatch& batch, bool login, Findings& findings) {
+  const Cut cut = CutOut(batch.Text, login);
+  const std::string words = std::string("CREATE ") + Keyword(login);
+  const Place place = batch.PlaceOf(words);
+  if (cut.NameFails) {
+    findings.Add("SQL-CREATE-FAILS", place, {words, "no blank ends a name behind them"});
+  } else if (cut.FolderFails) {
+    findings.Add("SQL-CREATE-FAILS", place,
+                 {words + " and FILENAME", "there is no path to an .mdf file beside them"});
+  } else {
+    findings.Add("SQL-CREATE-MENTION", place, {words, Shown(Trim(*cut.Name)), Thing(login)});
   }
 }
 
@@ -77,19 +97,16 @@ void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Finding
   }
   const bool recorded = login ? CreatesLogin(batch.Text) : CreatesDatabase(batch.Text);
   if (first == nullptr) {
-    if (!recorded || !(login ? facts.CommentCreatesLogin : facts.CommentCreatesDatabase)) return;
-    // When nothing can be extracted, that error also fails the build.
-    const std::optional<std::string> name = RecordedName(batch.Text, login);
-    findings.Add("SQL-CREATE-COMMENT", batch.Start,
-                 {name ? Shown(Trim(*name)) : "nothing", Keyword(login)});
+    if (recorded) CheckMention(batch, login, findings);
     return;
   }
   if (!recorded) {
     findings.Add("SQL-DB-FILENAME", first->Place);
     return;
   }
-  CheckName(batch, *first, findings);
-  if (!login) CheckFiles(batch, *first, facts, findings);
+  const Cut cut = CutOut(batch.Text, login);
+  CheckName(cut, *first, findings);
+  if (!login) CheckFiles(batch, cut, *first, facts, findings);
 }
 
 /// The statement of the batch that names this database; the first statement for an empty name. A
@@ -103,6 +120,28 @@ const SqlStatement* Naming(const SqlFacts& facts, const std::string& bareName) {
 }
 
 }  // namespace
+
+void SqlBatch::Add(const std::string& file, int number, std::string_view line) {
+  if (Text.empty()) Start = {file, number, std::string(line)};
+  Text.append(kCrLf).append(TrimView(line));
+  Lines.push_back(number);
+}
+
+void SqlBatch::Clear() {
+  Text.clear();
+  Lines.clear();
+}
+
+Place SqlBatch::PlaceOf(std::string_view words) const {
+  std::string_view rest = Text;
+  for (const int number : Lines) {
+    rest.remove_prefix(kCrLf.size());
+    const std::string_view line = rest.substr(0, rest.find(kCrLf));
+    if (Contains(line, words)) return {Start.File, number, std::string(line)};
+    rest.remove_prefix(line.size());
+  }
+  return Start;
+}
 
 void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findings) {
   CheckKind(batch, facts, false, findings);

@@ -3,6 +3,8 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "CheckSql.h"
 #include "Finding.h"
@@ -14,6 +16,14 @@ struct SqlBatch {
   std::string Text;
   /// Where it begins.
   Place Start;
+  /// The numbers of its lines in the script.
+  std::vector<int> Lines;
+
+  /// Adds a line of `file`, trimmed as the build does.
+  void Add(const std::string& file, int number, std::string_view line);
+  void Clear();
+  /// The place of the first line that contains `words`; the beginning when none does.
+  Place PlaceOf(std::string_view words) const;
 };
 
 /// Checks what a batch creates: whether it is recorded under its name and its files are moved.

@@ -183,8 +183,7 @@ void ScriptSet::TakeDirective(std::string_view line, int number, std::string_vie
 
 void ScriptSet::TakeBatchLine(std::string_view line, int number) {
   CheckBatchLine(line, number);
-  if (batch_.Text.empty()) batch_.Start = At(number, line);
-  batch_.Text.append(kCrLf).append(TrimView(line));
+  batch_.Add(file_, number, line);
   sql_.TakeLine(file_, number, line);
 }
 
@@ -225,12 +224,12 @@ void ScriptSet::FinishBatch() {
   CheckCreated(batch_, sql_.Facts, findings_);
   if (index_ <= backedUp_) backup_.Collect(batch_, sql_.Facts);
   NoteUses();
-  batch_.Text.clear();
+  batch_.Clear();
 }
 
 void ScriptSet::TakeStatementLine(std::string_view line, int number) {
   if (!batch_.Text.empty()) TellUnfinished("discarded by " + file_);
-  batch_.Text.clear();
+  batch_.Clear();
   sql_.Facts.Clear();
   if (!std::exchange(hasDirective_, true)) {
     findings_.Add("SQL-LINE-LEAK", At(number, line), {lineModeFrom_});
@@ -253,7 +252,8 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
     if (statement.Verb != SqlStatement::Kind::Create) continue;
     findings_.Add("SQL-CREATE-LINE", statement.Place, {statement.Login ? "login" : "database"});
   }
-  if (index_ <= backedUp_) backup_.Collect({std::string(line), At(number, line)}, sql_.Facts);
+  if (index_ <= backedUp_)
+    backup_.Collect({std::string(line), At(number, line), {number}}, sql_.Facts);
   NoteUses();
 }
 

@@ -32,7 +32,6 @@ void SqlFollower::Restart() {
 void SqlFollower::Take(const sql::Token& token) {
   switch (token.Kind) {
     case TokenKind::Comment:
-      NoteComment(token.Raw);
       return;
     case TokenKind::Word:
     case TokenKind::Variable:
@@ -59,11 +58,6 @@ void SqlFollower::TakeSymbol(char symbol) {
   if (symbol == ';') aboutLogin_ = false;
   waiting_ = Waiting::Nothing;
   verb_.clear();
-}
-
-void SqlFollower::NoteComment(std::string_view comment) {
-  if (Contains(comment, "CREATE DATABASE")) Facts.CommentCreatesDatabase = true;
-  if (Contains(comment, "CREATE LOGIN")) Facts.CommentCreatesLogin = true;
 }
 
 void SqlFollower::TakeWord(const sql::Token& word) {

@@ -35,8 +35,6 @@ struct SqlFacts {
   std::vector<SqlText> FileNames;
   /// The texts after PASSWORD in a statement about a login.
   std::vector<SqlText> Passwords;
-  bool CommentCreatesDatabase = false;
-  bool CommentCreatesLogin = false;
 
   void Clear() { *this = {}; }
 };
@@ -67,7 +65,6 @@ class SqlFollower {
   void TakeKeyword(const sql::Token& word);
   void TakeText(std::string_view text);
   void TakeName(const sql::Token& name);
-  void NoteComment(std::string_view comment);
   Place Here() const { return {*file_, number_, std::string(line_)}; }
 
   const std::string* file_ = nullptr;

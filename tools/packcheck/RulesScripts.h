@@ -125,11 +125,21 @@ inline constexpr Rule kScriptRules[] = {
      "Write a blank behind the name, and an option behind that (ON PRIMARY, WITH PASSWORD = ...).",
      "The name is cut from the first blank behind the keyword to the next blank. Without a second "
      "blank in the batch there is nothing to cut."},
-    {"SQL-CREATE-COMMENT", Severity::Warning,
-     "A comment mentions CREATE {1}, so {0} is recorded as created and a failed build tries to "
-     "drop "
-     "it.",
-     "Word the comment differently.", "Batches are searched as they stand, comments included."},
+    {"SQL-CREATE-MENTION", Severity::Warning,
+     "The batch creates no {2} itself but has the words {0}, so {1} is recorded as created: "
+     "Uninstall.dat has it, and a failed build tries to drop it.",
+     "Word a comment or a message differently; what a text creates that is run by EXEC should be "
+     "created by a statement of its own.",
+     "Batches are searched as they stand, comments and texts included. What EXEC makes out of "
+     "pieces has no name that could be cut out of the batch."},
+    {"SQL-CREATE-FAILS", Severity::Error,
+     "The batch has the words {0} in a comment or a text and {1}, so cutting them out raises an "
+     "error and the build fails, whatever the batch does.",
+     "Word it differently, for instance 'CREATE ' + 'DATABASE' in a text and \"create database\" "
+     "in "
+     "a comment.",
+     "Batches are searched as they stand, comments and texts included. An error on the way is one "
+     "of the build, which then drops everything that it created."},
     {"SQL-DB-FILENAME", Severity::Warning,
      "The batch has no FILENAME in capitals, so the database is not recorded and its files go "
      "where "
