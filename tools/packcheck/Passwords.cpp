@@ -1,7 +1,5 @@
 #include "Passwords.h"
 
-#include <algorithm>
-
 #include "sql/Passwords.h"
 
 namespace talu::packcheck {
@@ -19,8 +17,9 @@ void HideRecordPasswords(std::string& text) {
     if (start == std::string::npos) return;
     ++start;
   }
-  const std::size_t end = std::min(text.find(',', start), text.size());
-  text.replace(start, end - start, kHiddenPassword);
+  // What follows is the rest of a password with a comma in it.
+  text.resize(start);
+  text += kHiddenPassword;
 }
 
 }  // namespace
