@@ -131,7 +131,7 @@ TEST_F(PlanTest, OldFolderIsTickedAndBackedUpAndItsDiskMayBeOfAnEarlierRun) {
 
 TEST_F(PlanTest, TellsItToAPerson) {
   Configure("FreshDBSript f.sql WriteSettings \\c.txt,Pw=,password AddOns a.exe FinalMsg Bye",
-            Block("SystemDSN", "SQL Server,Books,Sales,Clerk,secret\r\n"));
+            Block("SystemDSN", "SQL Server,Books,Sales,Clerk,secret, secret too\r\n"));
   pack.Put("AddOns/A.EXE", "");
   options.ExitCodes["a.exe"] = 3;
   options.FailSql = {{"SELECT", StatementError("No table.")}};
@@ -165,6 +165,16 @@ TEST_F(PlanTest, TellsAnErrorThatNoRequestRaised) {
   EXPECT_NE(Tell(1).find("  error        Invalid procedure call or argument\n  statement 1, f.sql "
                          "line 2\n"),
             std::string::npos);
+}
+
+TEST_F(PlanTest, SaysWhatItCannotTell) {
+  pack.Put("SQLScript/Fresh/f.sql",
+           "--taluGO\r\nEXEC (N'CREATE DATABASE [' + @n + N']')\r\nGO\r\nUSE Sales\r\nGO\r\n");
+  const std::string account = Tell(0);
+  EXPECT_NE(account.find("f.sql line 4, cannot tell whether there is a database Sales\n"),
+            std::string::npos)
+      << account;
+  EXPECT_NE(account.find("\n1 time above it cannot tell: "), std::string::npos) << account;
 }
 
 TEST_F(PlanTest, JournalIsJson) {

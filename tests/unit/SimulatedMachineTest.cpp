@@ -35,6 +35,25 @@ TEST(SimulatedServer, KnowsNamesAsAServerDoes) {
       {"IF EXISTS (SELECT 1) BEGIN ALTER DATABASE Gone SET OFFLINE DROP DATABASE Gone END", ""},
       {"RESTORE DATABASE Back FROM DISK='x' USE Back", ""},
       {"CREATE PROCEDURE P AS DROP DATABASE Sales", ""},
+      // The whole statement counts, not only its first words.
+      {"ALTER DATABASE  Sales\r\nON SET OFFLINE", "Incorrect syntax near the keyword 'ON'."},
+      {"ALTER DATABASE Sales", "Incorrect syntax near 'Sales'."},
+      {"DROP DATABASE  Sales\r\nLOG", "Incorrect syntax near 'LOG'."},
+      {"DROP DATABASE Sales; DROP LOGIN Clerk PRINT 1", ""},
+      {"DROP LOGIN  ['", "Unclosed quotation mark after the character string '''."},
+      {"DROP LOGIN 'Clerk'", "Incorrect syntax near 'Clerk'."},
+      {"CREATE DATABASE Alpha-Beta ON", "Incorrect syntax near '-'."},
+      {"USE Sales-Old", "Incorrect syntax near '-'."},
+      {"IF EXISTS (SELECT 1) BACKUP DATABASE Alpha-Beta TO DISK='x'", "Incorrect syntax near '-'."},
+      {"IF EXISTS (SELECT 1) BACKUP DATABASE Order TO DISK='x'",
+       "Incorrect syntax near the keyword 'Order'."},
+      {"BACKUP DATABASE [Order] TO DISK='x' BACKUP DATABASE @n TO DISK='y'", ""},
+      // What EXEC makes is not seen.
+      {"EXEC (N'CREATE DATABASE [' + @n + N']') USE Gone", ""},
+      {"EXEC dbo.P 'DATABASE' USE Gone", "Database 'Gone' does not exist."},
+      {"EXEC master..sp_addlogin 'Desk', 'x' DROP LOGIN Desk", ""},
+      {"EXEC sp_addlogin @loginame = N'Clerk', @passwd = 'x'",
+       "The server principal 'Clerk' already"},
   };
   for (const Case& test : cases) {
     SimulatedMachine machine;
@@ -53,6 +72,7 @@ TEST(SimulatedServer, KnowsNamesAsAServerDoes) {
     }
     EXPECT_TRUE(failure.starts_with(test.Failure) && failure.empty() == !*test.Failure)
         << test.Statement << ": " << failure;
+    EXPECT_EQ(machine.Server.Doubt().empty(), !std::string(test.Statement).starts_with("EXEC (N"));
   }
 }
 

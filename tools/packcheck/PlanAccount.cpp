@@ -117,6 +117,9 @@ void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
   if (event.Error) {
     ++counts_["failed sql"];
     out_ << ", fails: " << event.Error->Description;
+  } else if (const std::string& doubt = run.Machine.Server.Doubt(); !doubt.empty()) {
+    ++counts_["doubted sql"];
+    out_ << ", cannot tell " << doubt;
   }
   out_ << '\n'
        << kStatementIndent << Lines(sql::PasswordMask(event.Text("text")).Text(), kStatementIndent)
@@ -171,6 +174,11 @@ void PlanAccount::End(const PlannedRun& run) {
        << Counted(counts_["run"] + counts_["start"], "command") << ", "
        << Counted(counts_["msgbox"], "message") << "; " << Counted(journal.Requests(), "request")
        << " to the machine.\n";
+  if (counts_["doubted sql"] > 0) {
+    out_ << Counted(counts_["doubted sql"], "time")
+         << " above it cannot tell: what EXEC makes shows "
+         << "on a real server.\n";
+  }
   if (failures_ > 0) out_ << Counted(failures_, "failure") << " above.\n";
   if (options_.FailRequest == 0) return;
   const std::string& failed = journal.FailedRequest();

@@ -7,6 +7,7 @@
 #include "platform/simulated/SimulatedServer.h"
 #include "runtime/TextFunctions.h"
 #include "sql/Lexer.h"
+#include "sql/Names.h"
 
 namespace talu {
 namespace {
@@ -15,12 +16,13 @@ using sql::Token;
 
 constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
 
-/// Whether the statement can name a database or a login at all; most rows of data do not, and a
-/// large pack has millions.
+/// Whether the statement can name a database or a login at all, or call a procedure that does; most
+/// rows of data do not, and a large pack has millions.
 bool MayNameAny(std::string_view statement) {
   constexpr std::array<std::string_view, 3> kWords = {"DATABASE", "LOGIN", "USE"};
   for (std::size_t at = 0; at < statement.size(); ++at) {
     const char lower = static_cast<char>(statement[at] | 0x20);
+    if (lower == 'x' && at > 0 && EqualsUpper(statement.substr(at - 1, 4), "EXEC")) return true;
     if (lower != 'd' && lower != 'l' && lower != 'u') continue;
     if (at > 0 && sql::IsWordPart(statement[at - 1])) continue;
     for (const std::string_view word : kWords) {
@@ -55,6 +57,46 @@ RuntimeError CannotUse(const std::string& name) {
                         "' does not exist. Make sure that the name is entered correctly.");
 }
 
+/// Not a name: the current database, and statements about its parts.
+bool IsNoName(const Token& token, bool login) {
+  return !login && token.IsOneOf({"CURRENT", "SCOPED", "AUDIT", "ENCRYPTION", "HINT"});
+}
+
+/// Server messages 102, 156 and 105.
+RuntimeError Misplaced(const Token& token, const Token& before) {
+  const Token& shown = token.Kind == sql::TokenKind::End ? before : token;
+  if (!shown.IsClosed) {
+    return StatementError("Unclosed quotation mark after the character string '" +
+                          std::string(shown.Inside()) + "'.");
+  }
+  const bool keyword = shown.Kind == sql::TokenKind::Word && sql::IsReserved(shown.Raw);
+  return StatementError(std::string("Incorrect syntax near ") + (keyword ? "the keyword '" : "'") +
+                        shown.Value() + "'.");
+}
+
+/// Refuses a statement whose name is none, or is followed by what cannot stand there. `after` is
+/// the token behind the name.
+void RequireSyntax(const Token& verb, const Token& kind, const Token& name, const Token& after) {
+  if (!verb.IsOneOf({"CREATE", "ALTER", "DROP", "USE", "BACKUP"})) return;
+  if (name.Kind == sql::TokenKind::Variable || name.Is("CURRENT")) return;
+  const bool reserved = name.Kind == sql::TokenKind::Word && sql::IsReserved(name.Raw);
+  if (!name.IsName() || !name.IsClosed || reserved) throw Misplaced(name, kind);
+  if (!after.IsClosed) throw Misplaced(after, name);
+  const bool ends = after.Kind == sql::TokenKind::End || after.IsSymbol(";");
+  const bool begins = after.Kind == sql::TokenKind::Word && sql::BeginsStatement(after.Raw);
+  bool fits = false;
+  if (verb.Is("BACKUP")) {
+    fits = after.IsOneOf({"TO", "FILE", "FILEGROUP", "READ_WRITE_FILEGROUPS"});
+  } else if (verb.Is("ALTER") && kind.Is("DATABASE")) {
+    fits = after.IsOneOf({"SET", "MODIFY", "ADD", "REMOVE", "COLLATE"});
+  } else if (verb.IsOneOf({"DROP", "USE"})) {
+    fits = ends || begins || (after.IsSymbol(",") && verb.Is("DROP"));
+  } else {
+    fits = ends || after.IsSymbol("(") || after.Kind == sql::TokenKind::Word;
+  }
+  if (!fits) throw Misplaced(after, name);
+}
+
 }  // namespace
 
 bool SimulatedServer::Has(const std::string& name, bool login) const {
@@ -81,30 +123,77 @@ void SimulatedServer::ApplyNames(std::string_view statement) {
     // A body is not executed now.
     if (kind.IsOneOf({"PROC", "PROCEDURE", "FUNCTION", "TRIGGER"}) &&
         verb.IsOneOf({"CREATE", "ALTER"})) {
+      if (ContainsUpper(statement, "DATABASE")) inProcedures_.Databases = true;
+      if (ContainsUpper(statement, "LOGIN")) inProcedures_.Logins = true;
       return;
+    }
+    if (verb.IsOneOf({"EXEC", "EXECUTE"})) {
+      sql::Lexer arguments(statement, kind.At, statement.size());
+      ApplyCall(arguments, kind, statement);
     }
     if (before.IsOneOf({"GRANT", "DENY", "REVOKE"}) || before.IsSymbol(",")) continue;
     if (kind.IsOneOf({"DATABASE", "LOGIN"})) {
       const Token statementVerb = verb;
+      const Token statementKind = kind;
       const bool login = kind.Is("LOGIN");
       const bool ifExists = name.Is("IF");  // IF EXISTS name
       if (ifExists) {
         advance();
         advance();
       }
+      if (IsNoName(name, login)) continue;
+      sql::Lexer ahead = lexer;
+      RequireSyntax(statementVerb, statementKind, name, ahead.Next());
       ApplyName(statementVerb, name, login, asked || ifExists);
     } else if (verb.Is("USE")) {
+      if (IsNoName(kind, false)) continue;
+      RequireSyntax(verb, verb, kind, name);
       ApplyName(verb, kind, false, asked);
     }
   }
 }
 
+// What a text does that is run, or a procedure that has such a text, is not seen.
+void SimulatedServer::ApplyCall(const sql::Lexer& arguments, const Token& procedure,
+                                std::string_view statement) {
+  if (procedure.IsSymbol("(") || ContainsUpper(statement, "SP_EXECUTESQL")) {
+    unseen_.Databases = unseen_.Databases || ContainsUpper(statement, "DATABASE");
+    unseen_.Logins = unseen_.Logins || ContainsUpper(statement, "LOGIN");
+  }
+  unseen_.Databases = unseen_.Databases || inProcedures_.Databases;
+  unseen_.Logins = unseen_.Logins || inProcedures_.Logins;
+  sql::Lexer lexer = arguments;
+  Token called = lexer.Next();
+  Token next = lexer.Next();
+  while (next.IsSymbol(".")) {  // master.dbo.sp_addlogin, master..sp_addlogin
+    while (next.IsSymbol(".")) next = lexer.Next();
+    called = std::exchange(next, lexer.Next());
+  }
+  const std::string name = UCase(called.Value());
+  const bool login = name == "SP_ADDLOGIN" || name == "SP_GRANTLOGIN";
+  if (!login && name != "SP_ATTACH_DB" && name != "SP_ATTACH_SINGLE_FILE_DB") return;
+  if (next.Kind == sql::TokenKind::Variable) {  // @loginame = 'x'
+    lexer.Next();
+    next = lexer.Next();
+  }
+  if (next.Kind != sql::TokenKind::String && !next.IsName()) {
+    (login ? unseen_.Logins : unseen_.Databases) = true;
+    return;
+  }
+  const std::string made = next.Value();
+  if (Has(UCase(made), login)) throw Exists(made, login);
+  (login ? Logins : Databases).insert(UCase(made));
+}
+
 void SimulatedServer::ApplyName(const Token& verb, const Token& named, bool login, bool asked) {
-  // Not a name: the current database, and statements about its parts.
-  if (!login && named.IsOneOf({"CURRENT", "SCOPED", "AUDIT", "ENCRYPTION", "HINT"})) return;
   const std::string name = named.Value();
   const std::string upper = UCase(name);
-  const bool there = Has(upper, login);
+  bool there = Has(upper, login);
+  const bool required = verb.IsOneOf({"DROP", "ALTER", "USE"}) && !asked;
+  if (!there && required && (login ? unseen_.Logins : unseen_.Databases)) {
+    doubt_ = std::string("whether there is a ") + (login ? "login " : "database ") + name;
+    there = true;
+  }
   auto& names = login ? Logins : Databases;
   if (verb.Is("CREATE")) {
     if (there && !asked) throw Exists(name, login);

@@ -140,6 +140,7 @@ void SimulatedServer::Connect(const std::string& text) {
 }
 
 void SimulatedServer::Run(const std::string& statement, int timeout) {
+  doubt_.clear();
   JournalEvent event{"sql", {{"text", statement}}};
   if (timeout != 0) event.Fields.emplace_back("timeout", std::int64_t{timeout});
   journal_.Request(std::move(event), true, [&] {

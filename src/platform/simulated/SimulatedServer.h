@@ -33,6 +33,9 @@ class SimulatedServer : public Ado {
   /// The only password that is accepted; empty: every login is accepted.
   std::string Password;
   bool Reachable = true;
+  /// What of the last statement it could not tell, for instance "whether there is a database
+  /// Sales": what EXEC makes is not seen here. Empty when it could tell.
+  const std::string& Doubt() const { return doubt_; }
   /// Keeps nothing and accepts every statement except those set to fail.
   bool AcceptAll = false;
 
@@ -44,12 +47,22 @@ class SimulatedServer : public Ado {
   void Run(const std::string& statement, int timeout);
   void ApplyNames(std::string_view statement);
   void ApplyName(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
+  void ApplyCall(const sql::Lexer& arguments, const sql::Token& procedure,
+                 std::string_view statement);
   /// Whether the upper-cased name exists.
   bool Has(const std::string& name, bool login) const;
 
   Journal& journal_;
   SimulatedOdbc& odbc_;
   std::vector<std::pair<std::string, RuntimeError>> failures_;
+  /// Statements that are not seen here may have made some, or may when a procedure is called.
+  struct Unseen {
+    bool Databases = false;
+    bool Logins = false;
+  };
+  Unseen unseen_;
+  Unseen inProcedures_;
+  std::string doubt_;
 };
 
 /// The provider's error for a statement that the server refuses; `text` is the server's.
