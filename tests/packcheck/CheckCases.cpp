@@ -27,10 +27,15 @@ const std::string kScripts = "FreshDBSript|{|A.sql|}|DBSript|{|Sales|}|";
 const std::string kRest = kFolders + kScripts;
 const char* const kA = "SQLScript/Fresh/A.sql";
 const char* const kB = "SQLScript/Fresh/B.sql";
-const std::string kPlain = "--taluGO|USE master|GO|";
+const std::string kPlain = "--taluGO|use master|GO|";
 
 Files Config(const std::string& text) {
   return {{"AppCfg.txt", Lines(text)}};
+}
+/// A script that uses a database which is on the server.
+Files Using(Files files) {
+  files[kA] = Lines("--taluGO|USE Old|GO|");
+  return files;
 }
 /// Blocks behind the usual ones, and files that the pack has besides.
 Files More(const std::string& blocks, std::initializer_list<const char*> added = {}) {
@@ -108,9 +113,11 @@ const CheckCase kCases[] = {
      "msgbox Path not found"},
     {"CFG-FOLDER-TALU", Config(kTitle + "AppFolder|{|TA|}|DBFolder|{|Data|}|" + kScripts),
      "print C:\\Program Files\\TA-LU\\Uninstall.dat"},
-    {"CFG-DBSRIPT-FEW", Config(kTitle + kFolders + "FreshDBSript|{|A.sql|}|"), "!BACKUP"},
-    {"CFG-DBSRIPT-MANY", Config(kTitle + kFolders + "FreshDBSript|{|A.sql|}|DBSript|{|1|2|}|"),
-     "BACKUP DATABASE master"},
+    {"CFG-DBSRIPT-FEW SQL-BACKUP-MISSED",
+     Using(Config(kTitle + kFolders + "FreshDBSript|{|A.sql|}|")), "!BACKUP"},
+    {"CFG-DBSRIPT-MANY",
+     Using(Config(kTitle + kFolders + "FreshDBSript|{|A.sql|}|DBSript|{|1|2|}|")),
+     "BACKUP DATABASE Old"},
     // Scripts
     {"SQL-NOT-THERE", {{kA, "-"}}, "msgbox Path not found"},
     {"SQL-NOT-LISTED", {{kB, Lines("--taluGO|USE Other|GO|")}}, "!Other"},
@@ -146,7 +153,7 @@ const CheckCase kCases[] = {
      kRecord + "DBLogins:1, Desk\r\n"},
     {"SQL-CREATE-NAME", Batches("CREATE LOGIN Desk|WITH CHECK_POLICY = OFF|GO|"),
      kRecord + "DBLogins:1, Desk\r\nWITH\r\n"},
-    {"SQL-CREATE-NAME", Batches(Create("CREATE DATABASE [My Sales] ")),
+    {"SQL-CREATE-NAME SQL-BACKUP-BRACKETS", Batches(Create("CREATE DATABASE [My Sales] ")),
      kRecord + "DBNames:1, [My\r\n"},
     {"SQL-CREATE-LAST", Batches("CREATE LOGIN Desk|GO|"), kFails},
     {"SQL-DB-FILENAME", Batches("CREATE DATABASE Sales COLLATE Latin1_General_CI_AS|GO|"),

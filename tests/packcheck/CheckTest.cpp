@@ -63,6 +63,7 @@ class CheckTest : public testing::Test {
     options.Mode = test.Mode;
     options.Type = test.Type;
     options.ExitCodes = {{"My.exe", 5}};
+    options.Databases = {"Old"};
     std::string journal;
     try {
       const PlannedRun run(options, [&journal](const PlannedRun&, const JournalEvent& event) {

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "database/BatchNames.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
+#include "sql/Names.h"
 
 namespace talu::packcheck {
 namespace {
@@ -106,6 +108,13 @@ void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Finding
   }
   const Cut cut = CutOut(batch.Text, login);
   CheckName(cut, *first, findings);
+  if (first->When != BatchShape::Condition::None) {
+    findings.Add(
+        "SQL-CREATE-IF", first->Place,
+        {Thing(login), Shown(first->Name),
+         first->When == BatchShape::Condition::If ? "an IF decides whether it runs"
+                                                  : "only a call of the procedure runs it"});
+  }
   if (!login) CheckFiles(batch, cut, *first, facts, findings);
 }
 
@@ -135,12 +144,55 @@ void SqlBatch::Clear() {
 Place SqlBatch::PlaceOf(std::string_view words) const {
   std::string_view rest = Text;
   for (const int number : Lines) {
-    rest.remove_prefix(kCrLf.size());
+    rest.remove_prefix(std::min(kCrLf.size(), rest.size()));
     const std::string_view line = rest.substr(0, rest.find(kCrLf));
     if (Contains(line, words)) return {Start.File, number, std::string(line)};
     rest.remove_prefix(line.size());
   }
   return Start;
+}
+
+Place SqlBatch::PlaceOf(int number) const {
+  std::string_view rest = Text;
+  for (const int line : Lines) {
+    rest.remove_prefix(std::min(kCrLf.size(), rest.size()));
+    const std::size_t end = std::min(rest.find(kCrLf), rest.size());
+    if (line == number) return {Start.File, number, std::string(rest.substr(0, end))};
+    rest.remove_prefix(end);
+  }
+  return {Start.File, number, Start.Text};
+}
+
+void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& shape,
+                bool& countsTold, Findings& findings) {
+  for (const BatchShape::Spot& spot : shape.NotFirst()) {
+    findings.Add("SQL-GO-BEFORE", batch.PlaceOf(spot.Line), {UCase(spot.Word)});
+  }
+  for (const SqlText& variable : facts.Variables) {
+    findings.Add("SQL-VARIABLE", variable.Place, {Shown(variable.Text)});
+  }
+  for (const BatchShape::Spot& spot : shape.Makers()) {
+    const bool login = Contains(UCase(spot.Word), "LOGIN");
+    findings.Add("SQL-CREATE-PROC", batch.PlaceOf(spot.Line),
+                 {UCase(spot.Word), Thing(login), Keyword(login)});
+  }
+  std::set<std::string> created;
+  for (const SqlStatement& statement : facts.Statements) {
+    if (statement.Login) continue;
+    const std::string name = BareName(statement.Name);
+    if (statement.Verb == SqlStatement::Kind::Create) created.insert(name);
+    if (statement.Verb == SqlStatement::Kind::Use && created.contains(name)) {
+      findings.Add("SQL-USE-SAME", statement.Place, {statement.Name});
+    }
+  }
+  const BatchShape::Result& result = shape.FirstResult();
+  if (result.UnseenLine == 0 || !shape.NotFirst().empty()) return;
+  const std::string unseen = std::to_string(result.UnseenLine);
+  if (result.Rows) {
+    findings.Add("SQL-ROWS", batch.PlaceOf(result.Line), {unseen});
+  } else if (!std::exchange(countsTold, true)) {
+    findings.Add("SQL-COUNTS", batch.PlaceOf(result.Line), {unseen});
+  }
 }
 
 void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findings) {
@@ -151,11 +203,11 @@ void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findin
   }
 }
 
-void BackupNames::Collect(const SqlBatch& batch, const SqlFacts& facts) {
+void BackupNames::Collect(const SqlBatch& batch, const SqlFacts& facts, bool hasCode) {
   if (!MayNameDatabase(batch.Text)) return;
   for (const std::string_view statement : kNamingStatements) {
     try {
-      if (const auto name = NamedDatabase(batch.Text, statement)) Add(*name, batch, facts);
+      if (const auto name = NamedDatabase(batch.Text, statement)) Add(*name, batch, facts, hasCode);
     } catch (const RuntimeError& error) {
       const SqlStatement* naming = Naming(facts, "");
       findings_.Add(error.Number == error::kOverflow ? KnownRule("SQL-BACKUP-LONG")
@@ -166,7 +218,8 @@ void BackupNames::Collect(const SqlBatch& batch, const SqlFacts& facts) {
   }
 }
 
-void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts) {
+void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts,
+                      bool hasCode) {
   const std::string name = BackedUpName(candidate);
   const std::string bare = UCase(name);
   const SqlStatement* naming = bare.empty() ? nullptr : Naming(facts, bare);
@@ -182,7 +235,18 @@ void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const
   if (Length(candidate) > kLongestName) return;
   list_ += "," + candidate;
   names_.emplace(bare, name);
-  if (naming != nullptr || bare.empty()) return;
+  const bool isPlain = sql::IsPlainName(name);
+  if (bare.empty() || (naming == nullptr && isPlain && !hasCode)) return;
+  if (naming != nullptr) {
+    // A variable that is still in it has its own finding.
+    if (!isPlain && !Contains(name, "$("))
+      findings_.Add("SQL-BACKUP-BRACKETS", naming->Place, {name});
+    if (std::ranges::find(kSystemDatabases, bare) != kSystemDatabases.end()) {
+      findings_.Add("SQL-BACKUP-SYSTEM", naming->Place,
+                    {bare == "TEMPDB" ? "tries" : "makes", name});
+    }
+    return;
+  }
   const SqlStatement* first = Naming(facts, "");
   findings_.Add("SQL-BACKUP-NAME", first != nullptr ? first->Place : batch.Start, {Shown(name)});
 }

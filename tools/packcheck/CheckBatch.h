@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <map>
 #include <set>
 #include <string>
@@ -10,6 +11,9 @@
 #include "Finding.h"
 
 namespace talu::packcheck {
+
+inline constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB",
+                                                                     "TEMPDB"};
 
 /// What a script sends to the server in one go: a batch, or a line.
 struct SqlBatch {
@@ -22,12 +26,19 @@ struct SqlBatch {
   /// Adds a line of `file`, trimmed as the build does.
   void Add(const std::string& file, int number, std::string_view line);
   void Clear();
-  /// The place of the first line that contains `words`; the beginning when none does.
+  /// The place of the first line that contains `words`, or of a line by its number; the beginning
+  /// when there is none.
   Place PlaceOf(std::string_view words) const;
+  Place PlaceOf(int number) const;
 };
 
 /// Checks what a batch creates: whether it is recorded under its name and its files are moved.
 void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findings);
+
+/// Checks what the order of its statements does to a batch. `countsTold`: the script's finding on
+/// counted statements has been made.
+void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& shape,
+                bool& countsTold, Findings& findings);
 
 /// The databases that the backup before a build finds in one set of scripts.
 class BackupNames {
@@ -35,12 +46,14 @@ class BackupNames {
   explicit BackupNames(Findings& findings) : findings_(findings) {}
 
   /// Extracts the names from a batch as the backup does, and compares them with the actual ones.
-  void Collect(const SqlBatch& batch, const SqlFacts& facts);
+  /// A batch that is only a comment may name one for the backup alone.
+  void Collect(const SqlBatch& batch, const SqlFacts& facts, bool hasCode);
   /// Whether a database is backed up, or the reason why not has been reported.
   bool Covers(const std::string& bareName) const;
 
  private:
-  void Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts);
+  void Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts,
+           bool hasCode);
 
   Findings& findings_;
   std::string list_;

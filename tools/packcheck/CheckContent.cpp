@@ -27,14 +27,19 @@ std::string FirstComponent(const SimulatedDisk::Node& folder) {
   return "";
 }
 
-void CheckShortNames(CheckedPack& pack, const SimulatedDisk::Node& folder,
-                     const std::string& path) {
+void CheckFileNames(CheckedPack& pack, const SimulatedDisk::Node& folder, const std::string& path) {
   for (const auto& [upper, node] : folder.Children) {
     const std::string below = path + "\\" + node->Name;
     if (node->IsFolder) {
-      CheckShortNames(pack, *node, below);
+      CheckFileNames(pack, *node, below);
     } else if (Length(node->Name) < 4) {
       pack.Findings.Add("APP-SHORT-NAME", {below, 0, node->Name}, {Shown(node->Name)});
+    } else if (upper.ends_with(".MDF") || upper.ends_with(".LDF")) {
+      const bool stays = node->Name.ends_with(".mdf") || node->Name.ends_with(".ldf");
+      pack.Findings.Add("APP-DATABASE", {below, 0, node->Name},
+                        {Shown(node->Name), stays ? "is not copied to the machine"
+                                                  : "is copied to every machine, as its ending is "
+                                                    "not in small letters"});
     }
   }
 }
@@ -44,7 +49,7 @@ void CheckApplication(CheckedPack& pack) {
     pack.Findings.Add("APP-MISSING", {kApplication, 0, ""});
     return;
   }
-  CheckShortNames(pack, *pack.Find(kApplication), kApplication);
+  CheckFileNames(pack, *pack.Find(kApplication), kApplication);
 }
 
 /// Whether a special folder's path ends with the word that a shortcut names.

@@ -14,8 +14,6 @@ namespace {
 
 using sql::TokenKind;
 
-constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
-
 /// Words that begin no statement, but do begin the rest of one.
 constexpr std::array<std::string_view, 23> kGoesOn = {
     "AND",   "AS",     "CROSS", "ELSE", "END",   "FOR",    "FROM", "FULL",
@@ -68,6 +66,14 @@ bool IsUtf8(std::string_view text, int& line) {
   return first < text.size();
 }
 
+/// "table" for TABLE.
+std::string KindOfObject(std::string_view word) {
+  if (EqualsUpper(word, "PROC")) return "procedure";
+  std::string lower(word);
+  for (char& letter : lower) letter = static_cast<char>(letter | 0x20);
+  return lower;
+}
+
 /// Whether the author meant the line as GO, although it is not.
 bool IsMeantAsGo(std::string_view line) {
   const std::string_view stripped = Stripped(line);
@@ -90,7 +96,7 @@ void ScriptSet::Check(const Configuration& configuration) {
     ++index_;
     CheckFile(listed);
   }
-  if (!batch_.Text.empty()) TellUnfinished("never run");
+  if (HasUnfinished()) TellUnfinished("never run");
   CheckUnlisted(configuration);
 }
 
@@ -101,12 +107,15 @@ void ScriptSet::CheckFile(const CfgLine& listed) {
     return;
   }
   std::string text = *pack_.Read(file_);
+  // A comment that is left over does no harm in front of the next batch.
+  if (!HasUnfinished()) batch_.Start.File = file_;
   sql_.Restart();
   reader_.Begin();
   hasDirective_ = false;
   splitTold_ = false;
   toldRegion_ = 0;
   toldText_ = 0;
+  countsTold_ = false;
   if (CheckText(text)) TakeText(pack_.Machine.CodePage.ToText(std::move(text)));
 }
 
@@ -222,15 +231,30 @@ void ScriptSet::FinishBatch() {
     TellUnfinished("put in front of the first batch of " + file_);
   }
   CheckCreated(batch_, sql_.Facts, findings_);
-  if (index_ <= backedUp_) backup_.Collect(batch_, sql_.Facts);
+  TakeOrder(batch_);
   NoteUses();
   batch_.Clear();
 }
 
+void ScriptSet::TakeOrder(const SqlBatch& batch) {
+  CheckOrder(batch, sql_.Facts, sql_.Shape, countsTold_, findings_);
+  if (index_ <= backedUp_) backup_.Collect(batch, sql_.Facts, sql_.Shape.HasCode());
+  const BatchShape::Spot& object = sql_.Shape.Object();
+  // A USE before it in the same batch counts as well.
+  const bool used = std::ranges::any_of(sql_.Facts.Statements, [&](const SqlStatement& statement) {
+    return statement.Verb == SqlStatement::Kind::Use && statement.Place.Line <= object.Line;
+  });
+  if (object.Line == 0 || !inMaster_ || used) return;
+  findings_.Add("SQL-NO-USE", batch.PlaceOf(object.Line), {KindOfObject(object.Word)});
+  inMaster_ = false;  // told once
+}
+
 void ScriptSet::TakeStatementLine(std::string_view line, int number) {
-  if (!batch_.Text.empty()) TellUnfinished("discarded by " + file_);
-  batch_.Clear();
-  sql_.Facts.Clear();
+  if (!batch_.Text.empty()) {
+    if (batch_.Start.File != file_) TellUnfinished("discarded by " + file_);
+    batch_.Clear();
+    sql_.ClearBatch();
+  }
   if (!std::exchange(hasDirective_, true)) {
     findings_.Add("SQL-LINE-LEAK", At(number, line), {lineModeFrom_});
   }
@@ -252,8 +276,7 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
     if (statement.Verb != SqlStatement::Kind::Create) continue;
     findings_.Add("SQL-CREATE-LINE", statement.Place, {statement.Login ? "login" : "database"});
   }
-  if (index_ <= backedUp_)
-    backup_.Collect({std::string(line), At(number, line), {number}}, sql_.Facts);
+  TakeOrder({std::string(line), At(number, line), {number}});
   NoteUses();
 }
 
@@ -261,12 +284,18 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
 void ScriptSet::NoteUses() {
   for (const SqlStatement& statement : sql_.Facts.Statements) {
     const std::string name = BareName(statement.Name);
+    if (statement.Verb == SqlStatement::Kind::Use) inMaster_ = name == "MASTER";
     if (statement.Login || name.empty() || !known_.insert(name).second) continue;
     if (statement.Verb == SqlStatement::Kind::Create) continue;
     if (std::ranges::find(kSystemDatabases, name) != kSystemDatabases.end()) continue;
     used_.push_back({statement.Name, statement.Place});
   }
-  sql_.Facts.Clear();
+  sql_.ClearBatch();
+}
+
+// Whether something is gathered that the server would have to see.
+bool ScriptSet::HasUnfinished() const {
+  return !batch_.Text.empty() && (sql_.Shape.HasCode() || sql_.Inside() != TokenKind::End);
 }
 
 void ScriptSet::TellUnfinished(const std::string& what) {
@@ -276,10 +305,13 @@ void ScriptSet::TellUnfinished(const std::string& what) {
 void ScriptSet::CheckUnlisted(const Configuration& configuration) {
   const SimulatedDisk::Node* folder = pack_.Find(folder_.substr(0, folder_.size() - 1));
   if (folder == nullptr) return;
-  std::set<std::string> listed;
-  for (const CfgLine& line : configuration.Values(key_)) listed.insert(UCase(line.Text));
+  // As Windows finds them, which drops blanks behind a name.
+  std::set<const SimulatedDisk::Node*> listed;
+  for (const CfgLine& line : configuration.Values(key_)) {
+    listed.insert(pack_.Find(folder_ + std::string(line.Text)));
+  }
   for (const auto& [upper, node] : folder->Children) {
-    if (node->IsFolder || !upper.ends_with(".SQL") || listed.contains(upper)) continue;
+    if (node->IsFolder || !upper.ends_with(".SQL") || listed.contains(node.get())) continue;
     findings_.Add("SQL-NOT-LISTED", {folder_ + node->Name, 0, node->Name}, {key_});
   }
 }

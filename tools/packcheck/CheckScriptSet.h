@@ -45,6 +45,8 @@ class ScriptSet {
   void CheckGo(int number, std::string_view line);
   void CheckUnlisted(const Configuration& configuration);
   void FinishBatch();
+  void TakeOrder(const SqlBatch& batch);
+  bool HasUnfinished() const;
   void NoteUses();
   void TellUnfinished(const std::string& what);
   Place At(int number, std::string_view line) const { return {file_, number, std::string(line)}; }
@@ -64,6 +66,7 @@ class ScriptSet {
   BackupNames backup_;
   std::vector<SqlText> used_;
   std::set<std::string> known_;  // created or used, bare names
+  bool inMaster_ = true;         // as a build begins; false as well when that has been told
 
   // About the script being read:
   std::string file_;
@@ -73,6 +76,7 @@ class ScriptSet {
   bool splitTold_ = false;
   int toldRegion_ = 0;
   int toldText_ = 0;
+  bool countsTold_ = false;
 };
 
 }  // namespace talu::packcheck

@@ -12,9 +12,12 @@ void SqlFollower::TakeLine(const std::string& file, int number, std::string_view
   file_ = &file;
   number_ = number;
   line_ = line;
+  hasVariables_ = line.find("$(") != std::string_view::npos;
   sql::Lexer lexer(line, open_);
   for (sql::Token token = lexer.NextOrComment(); token.Kind != TokenKind::End;
        token = lexer.NextOrComment()) {
+    if (token.Kind != TokenKind::Comment) Shape.Take(token, number);
+    if (hasVariables_) NoteVariable(token);
     Take(token);
     if (!token.IsClosed && token.Opening > 0) openedLine_ = number;
   }
@@ -27,6 +30,28 @@ void SqlFollower::Restart() {
   waiting_ = Waiting::Nothing;
   verb_.clear();
   aboutLogin_ = false;
+  argument_ = 0;
+}
+
+void SqlFollower::ClearBatch() {
+  Facts = {};
+  Shape.Clear();
+}
+
+// What a command-line tool would have replaced. In a text it may be meant as it is.
+void SqlFollower::NoteVariable(const sql::Token& token) {
+  const bool isPath = token.Kind == TokenKind::String && waiting_ == Waiting::FileName;
+  if (token.Kind != TokenKind::Name && !token.IsSymbol("$") && !isPath) return;
+  std::string_view text = token.Raw;
+  if (token.Kind == TokenKind::Symbol) text = line_.substr(token.At);
+  const std::size_t start = text.find("$(");
+  if (start == std::string_view::npos) return;
+  if (token.Kind == TokenKind::Symbol && start != 0) return;
+  const std::size_t end = text.find(')', start);
+  if (end == std::string_view::npos || end == start + 2) return;
+  const std::string_view name = text.substr(start + 2, end - start - 2);
+  if (!std::ranges::all_of(name, sql::IsWordPart)) return;
+  Facts.Variables.push_back({std::string(text.substr(start, end + 1 - start)), Here()});
 }
 
 void SqlFollower::Take(const sql::Token& token) {
@@ -55,7 +80,11 @@ void SqlFollower::Take(const sql::Token& token) {
 void SqlFollower::TakeSymbol(char symbol) {
   if (symbol == '(') ++depth_;
   if (symbol == ')') depth_ = std::max(depth_ - 1, 0);
-  if (symbol == ';') aboutLogin_ = false;
+  if (symbol == ';') {
+    aboutLogin_ = false;
+    argument_ = 0;
+  }
+  if (symbol == ',' && argument_ > 0) ++argument_;
   waiting_ = Waiting::Nothing;
   verb_.clear();
 }
@@ -67,6 +96,7 @@ void SqlFollower::TakeWord(const sql::Token& word) {
     return;
   }
   waiting_ = Waiting::Nothing;
+  if (word.Is("SP_ADDLOGIN")) argument_ = 1;
   // Most words are not of interest; a few comparisons show it.
   constexpr std::string_view kFirst = "CADULFPcadulfp";
   if (word.Raw.size() < 3 || word.Raw.size() > 8 ||
@@ -97,6 +127,7 @@ void SqlFollower::TakeKeyword(const sql::Token& word) {
         verbLine_ == number_
             ? std::string(line_.substr(verbAt_, word.At + word.Raw.size() - verbAt_))
             : verb_.append(kCrLf).append(word.Raw);
+    statement_.When = Shape.Conditional();
     aboutLogin_ = login;
     waiting_ = Waiting::Name;
   } else if (word.Is("FILENAME")) {
@@ -109,8 +140,9 @@ void SqlFollower::TakeKeyword(const sql::Token& word) {
 
 void SqlFollower::TakeText(std::string_view text) {
   if (waiting_ == Waiting::FileName) Facts.FileNames.push_back({std::string(text), Here()});
-  if (waiting_ == Waiting::Password && !text.empty()) {
+  if ((waiting_ == Waiting::Password || argument_ == 2) && !text.empty()) {
     Facts.Passwords.push_back({std::string(text), Here()});
+    argument_ = 0;
   }
   waiting_ = Waiting::Nothing;
 }

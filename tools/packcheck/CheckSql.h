@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "CheckShape.h"
 #include "Finding.h"
 #include "sql/Lexer.h"
 
@@ -20,6 +21,8 @@ struct SqlStatement {
   /// The name as written, with its brackets; empty when it is not a name.
   std::string Name;
   packcheck::Place Place;
+  /// Of a CREATE: what makes it uncertain that it runs with its batch.
+  BatchShape::Condition When = BatchShape::Condition::None;
 };
 
 /// A text and its place.
@@ -33,10 +36,10 @@ struct SqlFacts {
   std::vector<SqlStatement> Statements;
   /// The texts after FILENAME.
   std::vector<SqlText> FileNames;
-  /// The texts after PASSWORD in a statement about a login.
+  /// The texts after PASSWORD in a statement about a login, and in the place of one.
   std::vector<SqlText> Passwords;
-
-  void Clear() { *this = {}; }
+  /// $(Name) in the code, a name or a file's path.
+  std::vector<SqlText> Variables;
 };
 
 /// Reads T-SQL line by line and collects `SqlFacts`.
@@ -54,7 +57,11 @@ class SqlFollower {
   /// The number of open parentheses.
   int Depth() const { return depth_; }
 
+  /// Begins the next batch.
+  void ClearBatch();
+
   SqlFacts Facts;
+  BatchShape Shape;
 
  private:
   enum class Waiting { Nothing, Name, FileName, Password };
@@ -65,6 +72,7 @@ class SqlFollower {
   void TakeKeyword(const sql::Token& word);
   void TakeText(std::string_view text);
   void TakeName(const sql::Token& name);
+  void NoteVariable(const sql::Token& token);
   Place Here() const { return {*file_, number_, std::string(line_)}; }
 
   const std::string* file_ = nullptr;
@@ -79,6 +87,9 @@ class SqlFollower {
   std::size_t verbAt_ = 0;
   int verbLine_ = 0;
   bool aboutLogin_ = false;
+  // Which argument of sp_addlogin is being read, from 1; 0 for none.
+  int argument_ = 0;
+  bool hasVariables_ = false;
   SqlStatement statement_;
 };
 

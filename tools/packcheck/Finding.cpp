@@ -49,8 +49,10 @@ void Findings::Add(KnownRule code, const Place& place,
                    std::initializer_list<std::string> arguments) {
   const Rule& rule = *code;
   Finding finding{&rule, place, Filled(rule.Will, arguments), Filled(rule.Do, arguments), 0, ""};
-  auto& listed = byFileAndCode_[{place.File, rule.Code}];
-  if (listed.size() == kListed) {
+  // Notes that say the same are one.
+  const bool note = rule.Weight == Severity::Note;
+  auto& listed = byFileAndCode_[{place.File, rule.Code, note ? finding.Will : ""}];
+  if (listed.size() == (note ? 1 : kListed)) {
     ++findings_[listed.back()].More;
     return;
   }

@@ -40,8 +40,8 @@ struct Finding {
   std::string ToJson() const;
 };
 
-/// The findings of a pack. At most twenty of a kind are listed for a file; the last one says how
-/// many more there are.
+/// The findings of a pack. At most twenty of a kind are listed for a file, and of notes that say
+/// the same the first; the last one says how many more there are.
 class Findings {
  public:
   /// Adds a finding of the rule with this code. `arguments` fill the places in the rule's texts and
@@ -56,7 +56,8 @@ class Findings {
 
  private:
   std::vector<Finding> findings_;
-  std::map<std::pair<std::string, std::string_view>, std::vector<std::size_t>> byFileAndCode_;
+  std::map<std::tuple<std::string, std::string_view, std::string>, std::vector<std::size_t>>
+      byFileAndCode_;
   std::set<std::tuple<std::string, int, std::string_view, std::string>> seen_;
 };
 

@@ -17,6 +17,10 @@ inline constexpr Rule kContentRules[] = {
      "Give the file a name of at least four characters, its ending included.",
      "The last four characters of each name are compared with .mdf and .ldf, which raises an error "
      "for a shorter name."},
+    {"APP-DATABASE", Severity::Warning, "The database file {0} {1}.",
+     "Take it out of Application; databases are made by the scripts.",
+     "Files that end in .mdf or .ldf, in small letters, stay behind, so that a developer's own "
+     "database is not shipped by mistake."},
     {"LNK-FIELDS", Severity::Error,
      "The line has {0} field(s) instead of three, so no shortcut is made.",
      "Write target, folder and name, separated by commas.",

@@ -79,6 +79,41 @@ inline constexpr Rule kScriptRules[] = {
      "The line {0} does not end the batch and is sent to the server with it.",
      "Write GO alone on its line; blanks around it are allowed, tabs and anything else are not.",
      "Only GO itself ends a batch: no number of repetitions, no semicolon, no comment behind it."},
+    {"SQL-GO-BEFORE", Severity::Error,
+     "This statement about a {0} has to be the first of its batch and is not, so the server "
+     "refuses "
+     "the whole batch and the build fails.",
+     "Put a line GO before it.",
+     "CREATE or ALTER PROCEDURE, FUNCTION, TRIGGER and VIEW, and CREATE SCHEMA, begin a batch; the "
+     "first four also take all that follows up to GO for their own text."},
+    {"SQL-USE-SAME", Severity::Error,
+     "USE {0} stands in the batch that creates the database, so the server does not find it yet, "
+     "refuses the batch and the build fails.",
+     "Put a line GO before USE, and one behind it.",
+     "Before a batch runs, the server looks for the databases that its USE statements name."},
+    {"SQL-ROWS", Severity::Warning,
+     "The statement returns rows before its batch ends, so an error from line {0} on is not seen, "
+     "and what stands there may be cancelled.",
+     "Put a line GO behind the statement, or leave it out if nothing needs its rows.",
+     "Of each batch only the first result is looked at. What follows it is not waited for."},
+    {"SQL-COUNTS", Severity::Note,
+     "The statement reports how many rows it changed before its batch ends, so an error from line "
+     "{0} on is not seen and the build goes on as if all were well.",
+     "Begin the first script with SET NOCOUNT ON and GO, which holds for all that follow, or put a "
+     "GO behind each statement.",
+     "Of each batch only the first result is looked at, and a count of rows is one. It is told "
+     "once "
+     "for a script."},
+    {"SQL-NO-USE", Severity::Warning,
+     "No USE of the product's database comes before it, so the {0} is created in master.",
+     "Put a batch USE with the name of the database before it.",
+     "A build begins in the server's database master, and USE master leads back there. It is told "
+     "once for each installation type."},
+    {"SQL-VARIABLE", Severity::Error, "{0} is sent to the server as it stands.",
+     "Write what it stands for in its place.",
+     "Names such as $(DatabaseName) are replaced by the command-line tool that a script was "
+     "written "
+     "for, with or without a :setvar line; nothing here replaces them."},
     {"SQL-TEXT-LINES", Severity::Note,
      "The text that begins here goes over several lines and reaches the server without the blanks "
      "at "
@@ -105,6 +140,18 @@ inline constexpr Rule kScriptRules[] = {
      "What the build creates is found by searching the batch for CREATE DATABASE and CREATE LOGIN, "
      "letter by letter. What is not found is not moved into the database folder, not dropped after "
      "a failure and not written to Uninstall.dat."},
+    {"SQL-CREATE-IF", Severity::Warning,
+     "The {0} {1} is recorded as created although {2}, so when anything fails later, the {0} {1} "
+     "that was there before is dropped.",
+     "Create it without a condition, in scripts for servers that do not have it; EXEC ('CREATE' + "
+     "' "
+     "LOGIN ...') makes a login that is not recorded.",
+     "The name is recorded before the batch is sent, whatever the batch then does. The rollback "
+     "drops what is recorded."},
+    {"SQL-CREATE-PROC", Severity::Warning,
+     "{0} makes a {1} that is not recorded, so it stays when the build fails and Uninstall.dat "
+     "lacks it.",
+     "Write CREATE {2} instead.", "Only CREATE DATABASE and CREATE LOGIN are looked for."},
     {"SQL-CREATE-LINE", Severity::Warning,
      "The script is read line by line, so the {0} is not recorded and stays when the build fails.",
      "Create databases and logins in a script that begins with --taluGO.",
@@ -189,6 +236,20 @@ inline constexpr Rule kScriptRules[] = {
      "look at the rest.",
      "Put the statement into a short batch of its own.",
      "Positions in a batch are 16-bit numbers in the backup. The build has no such limit."},
+    {"SQL-BACKUP-BRACKETS", Severity::Warning,
+     "The backup sends BACKUP DATABASE {0} without the brackets that the name needs, which the "
+     "server refuses, so the installation goes on without a backup, as only the log tells.",
+     "Give the database a name of letters, digits and _ that begins with a letter and is no "
+     "keyword "
+     "of SQL, or have it backed up by hand before.",
+     "Brackets are taken off the names before the backup, and none are put on."},
+    {"SQL-BACKUP-SYSTEM", Severity::Note,
+     "Every installation {0} a full backup of {1}, the server's own database, as the scripts name "
+     "it.",
+     "Write it in small letters (use master), which the backup does not look for, or leave it out: "
+     "a build begins in master.",
+     "Whatever databases the scripts name in capitals are backed up before the build, those of the "
+     "server too; tempdb cannot be."},
     {"SQL-BACKUP-MERGED", Severity::Warning,
      "The database {0} is not backed up, as its name is part of {1}, which is listed already.",
      "Name {0} in the scripts before {1}.",
@@ -196,7 +257,8 @@ inline constexpr Rule kScriptRules[] = {
     {"SQL-BACKUP-MISSED", Severity::Warning,
      "{0} installation changes the database {1} without a backup of it, since the backup looks for "
      "names in {2}.",
-     "Name the database there, for instance with a batch USE {1}.",
+     "Name the database there in a batch that is nothing but the comment -- USE {1}; a statement "
+     "would fail where that database is not on the server.",
      "The backup before a demo installation reads the upgrade scripts, and the one before an "
      "upgrade reads the demo scripts. A database that is used before it is created should be named "
      "in those."},
