@@ -167,7 +167,7 @@ const CheckCase kCases[] = {
      "'" + kData + "\\L\\s.ldf'"},
     {"SQL-BACKUP-NAME", Batches("USE master;|GO|"), "BACKUP DATABASE master; TO"},
     {"SQL-BACKUP-NAME", Batches("PRINT 1 -- BECAUSE it is|GO|"), "BACKUP DATABASE it is TO"},
-    {"SQL-BACKUP-CUT", Batches("ALTER DATABASE master|GO|"), kLog + "//\r\nInvalid procedure call"},
+    {"SQL-BACKUP-CUT SQL-REFUSED", Batches("ALTER DATABASE master|GO|"), kLog + "//\r\nInvalid procedure call"},
     {"SQL-BACKUP-LONG", Batches("PRINT '" + std::string(32767, 'x') + "'|USE master|GO|"),
      kLog + "//\r\nOverflow"},
     {"SQL-BACKUP-MERGED",

@@ -195,6 +195,10 @@ void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& 
   }
 }
 
+std::optional<std::string> RecordedName(const std::string& text, bool login) {
+  return CutOut(text, login).Name;
+}
+
 void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findings) {
   CheckKind(batch, facts, false, findings);
   CheckKind(batch, facts, true, findings);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -31,6 +32,10 @@ struct SqlBatch {
   Place PlaceOf(std::string_view words) const;
   Place PlaceOf(int number) const;
 };
+
+/// The name that the build records for a batch that creates a login or a database; nothing when that
+/// fails.
+std::optional<std::string> RecordedName(const std::string& text, bool login);
 
 /// Checks what a batch creates: whether it is recorded under its name and its files are moved.
 void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findings);

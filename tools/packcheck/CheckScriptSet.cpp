@@ -89,6 +89,7 @@ ScriptSet::ScriptSet(CheckedPack& pack, const TypeScripts& scripts, std::size_t 
       folder_(scripts.Folder.substr(1)),
       key_(scripts.Key),
       backedUp_(backedUp),
+      server_(pack.Machine, pack.Findings),
       backup_(pack.Findings) {}
 
 void ScriptSet::Check(const Configuration& configuration) {
@@ -97,6 +98,7 @@ void ScriptSet::Check(const Configuration& configuration) {
     CheckFile(listed);
   }
   if (HasUnfinished()) TellUnfinished("never run");
+  server_.End();
   CheckUnlisted(configuration);
 }
 
@@ -231,6 +233,7 @@ void ScriptSet::FinishBatch() {
     TellUnfinished("put in front of the first batch of " + file_);
   }
   CheckCreated(batch_, sql_.Facts, findings_);
+  server_.Take(batch_, true);
   TakeOrder(batch_);
   NoteUses();
   batch_.Clear();
@@ -276,7 +279,9 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
     if (statement.Verb != SqlStatement::Kind::Create) continue;
     findings_.Add("SQL-CREATE-LINE", statement.Place, {statement.Login ? "login" : "database"});
   }
-  TakeOrder({std::string(line), At(number, line), {number}});
+  const SqlBatch statement{std::string(line), At(number, line), {number}};
+  server_.Take(statement, false);
+  TakeOrder(statement);
   NoteUses();
 }
 

@@ -8,6 +8,7 @@
 #include "CheckBatch.h"
 #include "CheckConfiguration.h"
 #include "CheckPack.h"
+#include "CheckServer.h"
 #include "CheckSql.h"
 #include "database/ScriptReader.h"
 #include "database/TypeScripts.h"
@@ -28,6 +29,7 @@ class ScriptSet {
   /// place.
   const std::vector<SqlText>& Used() const { return used_; }
   const BackupNames& Backup() const { return backup_; }
+  ServerCheck& Server() { return server_; }
 
  private:
   void CheckFile(const CfgLine& listed);
@@ -63,6 +65,7 @@ class ScriptSet {
   SqlBatch batch_;
 
   SqlFollower sql_;
+  ServerCheck server_;
   BackupNames backup_;
   std::vector<SqlText> used_;
   std::set<std::string> known_;  // created or used, bare names

@@ -24,7 +24,13 @@ void CheckScripts(CheckedPack& pack, const Configuration& configuration) {
   std::array<ScriptSet, 3> sets = {ScriptSet(pack, kTypeScripts[0], backedUp),
                                    ScriptSet(pack, kTypeScripts[1], backedUp),
                                    ScriptSet(pack, kTypeScripts[2], backedUp)};
-  for (ScriptSet& set : sets) set.Check(configuration);
+  for (ScriptSet& set : sets) {
+    if (&set == &sets[2]) {
+      set.Server().Begin(sets[0].Server());
+      set.Server().Begin(sets[1].Server());
+    }
+    set.Check(configuration);
+  }
   for (std::size_t type = 0; type < sets.size(); ++type) {
     CheckBackedUp(kTypeScripts[type].WithArticle, sets[type], sets[ScannedType(type)],
                   pack.Findings);

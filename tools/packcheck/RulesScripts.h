@@ -172,6 +172,17 @@ inline constexpr Rule kScriptRules[] = {
      "Write a blank behind the name, and an option behind that (ON PRIMARY, WITH PASSWORD = ...).",
      "The name is cut from the first blank behind the keyword to the next blank. Without a second "
      "blank in the batch there is nothing to cut."},
+    {"SQL-REFUSED", Severity::Warning,
+     "On {0} this is refused: {1} Then the build fails and takes back what it created.",
+     "Name what an earlier batch makes, spelled alike, and make each name once; or ask first whether "
+     "it is there.",
+     "The server has its own databases, and what the scripts make of them, batch by batch. Where the "
+     "customer's server has more, the finding may be accepted."},
+    {"SQL-RECORD-GONE", Severity::Warning,
+     "The {0} {1} is recorded here, but the scripts drop it again: what uninstalls looks for it in "
+     "vain, and the rollback of a failed build stops at it.",
+     "Take the {0} away in a later installation, or do not make it.",
+     "The build records a name when it reads the words that make it; nothing takes it back."},
     {"SQL-CREATE-MENTION", Severity::Warning,
      "The batch creates no {2} itself but has the words {0}, so {1} is recorded as created: "
      "Uninstall.dat has it, and a failed build tries to drop it.",

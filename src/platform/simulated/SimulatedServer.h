@@ -27,6 +27,9 @@ class SimulatedServer : public Ado {
   /// Statements that contain `text` fail with this error.
   void FailStatements(const std::string& text, const RuntimeError& error);
 
+  /// Takes a statement's changes of names, without a journal. Raises the server's refusal.
+  void ApplyNames(std::string_view statement);
+
   /// Existing databases and logins, upper-cased.
   std::set<std::string> Databases;
   std::set<std::string> Logins;
@@ -45,7 +48,6 @@ class SimulatedServer : public Ado {
 
   void Connect(const std::string& text);
   void Run(const std::string& statement, int timeout);
-  void ApplyNames(std::string_view statement);
   void ApplyName(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
   void ApplyCall(const sql::Lexer& arguments, const sql::Token& procedure,
                  std::string_view statement);

@@ -1,0 +1,31 @@
+# shellcheck shell=bash disable=SC2154,SC2034
+# Packs made by chance that packcheck calls clean install as it foretells, byte for byte. RANDOM_PACKS of
+# them (2), from number RANDOM_SEED (1) on.
+Public='C:\users\Public\Desktop' Start='C:\ProgramData\Microsoft\Windows\Start Menu'
+printf '%s\n' "$Public" "$Start" "$Start\\Programs" >"$Machine/special-folders"
+packcheck=$Root/build/release/tools/packcheck/packcheck
+
+Found=0
+for ((Seed = ${RANDOM_SEED:-1}; Found < ${RANDOM_PACKS:-2}; ++Seed)); do
+  Made="$Machine/packs/$Seed"
+  mkdir -p "$Machine/packs"
+  "$Root/build/release/tests/properties/random_packs" --seed "$Seed" --write "$Made" >"$Made.txt"
+  # The add-on of such a pack is no program; and the place of the log must be known.
+  if ! "$packcheck" check "$Made" >/dev/null || [[ -d $Made/AddOns ]] ||
+    ! grep -A2 '^AppFolder' "$Made/AppCfg.txt" | grep -qx $'Shop\r'; then
+    rm -rf "$Made"
+    continue
+  fi
+  Found=$((Found + 1))
+  Type=Fresh Mode=Server
+  ((Seed % 3 != 1)) || Type=Demo
+  ((Seed % 5 != 4)) || Mode=Client
+  # What cannot be chosen is not tried.
+  [[ -n $(ScriptsOf "$Made" "$Type") ]] || Type=
+  Test "pack $Seed, ${Type:-what there is}, $Mode"
+  PutPack "$Made"
+  InstallBelow "Random $Seed" Shop
+  StartServer "$Machine/data $Seed" "$Machine/wine/drive_c"
+  Foretold "$Made" "$Mode" "${Type:-Fresh}" --special-folders "$Machine/special-folders"
+  StopServer
+done

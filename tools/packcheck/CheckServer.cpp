@@ -1,0 +1,53 @@
+#include "CheckServer.h"
+
+#include "database/BatchNames.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu::packcheck {
+
+void ServerCheck::Begin(const ServerCheck& other) {
+  server_.Databases.insert(other.server_.Databases.begin(), other.server_.Databases.end());
+  server_.Logins.insert(other.server_.Logins.begin(), other.server_.Logins.end());
+  described_ = "a server with what the fresh and demo scripts make";
+}
+
+void ServerCheck::Take(const SqlBatch& batch, bool records) {
+  try {
+    server_.ApplyNames(batch.Text);
+  } catch (const RuntimeError& refusal) {
+    const std::string words = refusal.Description.substr(refusal.Description.rfind(']') + 1);
+    if (!Contains(words, "does not exist")) {
+      findings_.Add("SQL-REFUSED", batch.Start, {described_, words});
+    } else if (server_.Doubt().empty()) {
+      missing_.push_back({words, batch.Start});
+    }
+  }
+  if (records && CreatesDatabase(batch.Text)) Record(batch, false);
+  if (records && CreatesLogin(batch.Text)) Record(batch, true);
+}
+
+// A name that is not there at once is the affair of the checks of the batch itself.
+void ServerCheck::Record(const SqlBatch& batch, bool login) {
+  const auto name = RecordedName(batch.Text, login);
+  if (!name) return;
+  const std::string upper = UCase(BackedUpName(Trim(*name)));
+  if (Has(upper, login)) recorded_.push_back({upper, login, batch.Start});
+}
+
+bool ServerCheck::Has(const std::string& name, bool login) const {
+  return (login ? server_.Logins : server_.Databases).contains(name);
+}
+
+void ServerCheck::End() {
+  for (const Recorded& recorded : recorded_) {
+    if (Has(recorded.Name, recorded.Login)) continue;
+    findings_.Add("SQL-RECORD-GONE", recorded.At,
+                  {recorded.Login ? "login" : "database", Shown(recorded.Name)});
+  }
+  if (server_.Databases.empty()) return;
+  for (const SqlText& missing : missing_) {
+    findings_.Add("SQL-REFUSED", missing.Place, {described_, missing.Text});
+  }
+}
+
+}  // namespace talu::packcheck
