@@ -153,6 +153,7 @@ Place SqlBatch::PlaceOf(std::string_view words) const {
 }
 
 Place SqlBatch::PlaceOf(int number) const {
+  if (number == Start.Line) return Start;
   std::string_view rest = Text;
   for (const int line : Lines) {
     rest.remove_prefix(std::min(kCrLf.size(), rest.size()));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "runtime/TextFunctions.h"
@@ -10,47 +11,13 @@ namespace talu::packcheck {
 
 using sql::TokenKind;
 
+// clang-format off
 enum class BatchShape::Word {
-  None,
-  Alter,
-  Begin,
-  Bulk,
-  Case,
-  Create,
-  Delete,
-  Drop,
-  Else,
-  End,
-  Except,
-  Exec,
-  For,
-  Function,
-  Other,
-  If,
-  Insert,
-  Into,
-  Maker,
-  Merge,
-  NoCount,
-  Off,
-  On,
-  Or,
-  Procedure,
-  Rights,
-  Schema,
-  Select,
-  Set,
-  Statistics,
-  Table,
-  To,
-  Transaction,
-  Trigger,
-  Union,
-  Update,
-  Values,
-  View,
-  While,
+  None, Alter, Begin, Case, Create, Delete, Drop, Else, End, Exec, For, Function, Other, If,
+  Insert, Into, Maker, Merge, NoCount, Off, On, Or, Procedure, Rights, Schema, Select, Set,
+  Statistics, Table, To, Transaction, Trigger, Union, Update, Values, View, While
 };
+// clang-format on
 
 // Most words of a batch are none of these; length and first letter show it.
 BatchShape::Word BatchShape::Known(const sql::Token& token) {
@@ -58,63 +25,30 @@ BatchShape::Word BatchShape::Known(const sql::Token& token) {
     std::string_view Upper;
     Word Is;
   };
-  static constexpr auto kWords = std::to_array<Entry>({{"ALTER", Word::Alter},
-                                                       {"BEGIN", Word::Begin},
-                                                       {"BULK", Word::Bulk},
-                                                       {"CASE", Word::Case},
-                                                       {"CREATE", Word::Create},
-                                                       {"DECLARE", Word::Set},
-                                                       {"DELETE", Word::Delete},
-                                                       {"DENY", Word::Rights},
-                                                       {"DROP", Word::Drop},
-                                                       {"ELSE", Word::Else},
-                                                       {"END", Word::End},
-                                                       {"EXCEPT", Word::Union},
-                                                       {"EXEC", Word::Exec},
-                                                       {"EXECUTE", Word::Exec},
-                                                       {"FOR", Word::For},
-                                                       {"FROM", Word::To},
-                                                       {"FUNCTION", Word::Function},
-                                                       {"GRANT", Word::Rights},
-                                                       {"IF", Word::If},
-                                                       {"INSERT", Word::Insert},
-                                                       {"INTERSECT", Word::Union},
-                                                       {"INTO", Word::Into},
-                                                       {"MERGE", Word::Merge},
-                                                       {"NOCOUNT", Word::NoCount},
-                                                       {"OFF", Word::Off},
-                                                       {"ON", Word::On},
-                                                       {"OR", Word::Or},
-                                                       {"PRINT", Word::Set},
-                                                       {"PROC", Word::Procedure},
-                                                       {"PROCEDURE", Word::Procedure},
-                                                       {"RAISERROR", Word::Set},
-                                                       {"RETURN", Word::Set},
-                                                       {"REVOKE", Word::Rights},
-                                                       {"SCHEMA", Word::Schema},
-                                                       {"SELECT", Word::Select},
-                                                       {"SET", Word::Set},
-                                                       {"SP_ADDLOGIN", Word::Maker},
-                                                       {"SP_ATTACH_DB", Word::Maker},
-                                                       {"SP_GRANTLOGIN", Word::Maker},
-                                                       {"STATISTICS", Word::Statistics},
-                                                       {"TABLE", Word::Table},
-                                                       {"TO", Word::To},
-                                                       {"TRAN", Word::Transaction},
-                                                       {"TRANSACTION", Word::Transaction},
-                                                       {"TRIGGER", Word::Trigger},
-                                                       {"TRUNCATE", Word::Other},
-                                                       {"UNION", Word::Union},
-                                                       {"UPDATE", Word::Update},
-                                                       {"USE", Word::Set},
-                                                       {"VALUES", Word::Values},
-                                                       {"VIEW", Word::View},
-                                                       {"WHILE", Word::While}});
+  using enum Word;
+  // clang-format off
+  static constexpr Entry kWords[] = {
+    {"ALL", Union}, {"ALTER", Alter}, {"BACKUP", Set}, {"BEGIN", Begin}, {"BREAK", Set},
+    {"CASE", Case}, {"CHECKPOINT", Set}, {"CLOSE", Set}, {"COMMIT", Set}, {"CONTINUE", Set},
+    {"CREATE", Create}, {"DBCC", Set}, {"DEALLOCATE", Set}, {"DECLARE", Set}, {"DELETE", Delete},
+    {"DENY", Rights}, {"DROP", Drop}, {"ELSE", Else}, {"END", End}, {"EXCEPT", Union},
+    {"EXEC", Exec}, {"EXECUTE", Exec}, {"FETCH", Set}, {"FOR", For}, {"FROM", To},
+    {"FUNCTION", Function}, {"GOTO", Set}, {"GRANT", Rights}, {"IF", If}, {"INSERT", Insert},
+    {"INTERSECT", Union}, {"INTO", Into}, {"KILL", Set}, {"MERGE", Merge}, {"NOCOUNT", NoCount},
+    {"OFF", Off}, {"ON", On}, {"OPEN", Set}, {"OR", Or}, {"PRINT", Set}, {"PROC", Procedure},
+    {"PROCEDURE", Procedure}, {"RAISERROR", Set}, {"RECONFIGURE", Set}, {"RESTORE", Set},
+    {"RETURN", Set}, {"REVOKE", Rights}, {"ROLLBACK", Set}, {"SAVE", Set}, {"SCHEMA", Schema},
+    {"SELECT", Select}, {"SET", Set}, {"SP_ADDLOGIN", Maker}, {"SP_ATTACH_DB", Maker},
+    {"SP_GRANTLOGIN", Maker}, {"STATISTICS", Statistics}, {"TABLE", Table}, {"THROW", Set},
+    {"TO", To}, {"TRAN", Transaction}, {"TRANSACTION", Transaction}, {"TRIGGER", Trigger},
+    {"TRUNCATE", Other}, {"UNION", Union}, {"UPDATE", Update}, {"USE", Set}, {"VALUES", Values},
+    {"VIEW", View}, {"WAITFOR", Set}, {"WHILE", While}};
+  // clang-format on
   static constexpr auto kBegins = [] {
     std::array<unsigned char, 27> begins{};
     std::size_t at = 0;
     for (std::size_t letter = 0; letter < begins.size(); ++letter) {
-      while (at < kWords.size() && kWords[at].Upper[0] < static_cast<char>('A' + letter)) ++at;
+      while (at < std::size(kWords) && kWords[at].Upper[0] < static_cast<char>('A' + letter)) ++at;
       begins[letter] = static_cast<unsigned char>(at);
     }
     return begins;
@@ -141,7 +75,7 @@ BatchShape::Condition BatchShape::Conditional() const {
   return conditional_ ? Condition::If : Condition::None;
 }
 
-void BatchShape::Take(const sql::Token& token, int line) {
+void BatchShape::Follow(const sql::Token& token, int line) {
   line_ = line;
   ++sinceDrop_;
   if (naming_.Line != 0) TakeObjectName(token);

@@ -22,7 +22,11 @@ class BatchShape {
   enum class Condition { None, If, Body };
 
   /// Follows the next token, of this line; comments are passed over.
-  void Take(const sql::Token& token, int line);
+  void Take(const sql::Token& token, int line) {
+    // Most tokens of a large script stand in the parentheses of rows, where nothing begins.
+    const bool bracket = token.Raw == "(" || token.Raw == ")";
+    if (depth_ == 0 || naming_.Line != 0 || bracket) Follow(token, line);
+  }
   /// Starts the next batch. What SET NOCOUNT said stays.
   void Clear();
 
@@ -47,6 +51,7 @@ class BatchShape {
 
  private:
   enum class Word;
+  void Follow(const sql::Token& token, int line);
   static Word Known(const sql::Token& token);
   void TakeSymbol(char symbol);
   void TakeWord(Word word, const sql::Token& token);
