@@ -32,6 +32,11 @@ const std::string kPlain = "--taluGO|use master|GO|";
 Files Config(const std::string& text) {
   return {{"AppCfg.txt", Lines(text)}};
 }
+std::string Utf16(const std::string& ascii) {
+  std::string bytes = "\xFF\xFE";
+  for (const char character : Lines(ascii)) bytes.append({character, '\0'});
+  return bytes;
+}
 /// A script that uses a database which is on the server.
 Files Using(Files files) {
   files[kA] = Lines("--taluGO|USE Old|GO|");
@@ -121,9 +126,9 @@ const CheckCase kCases[] = {
     // Scripts
     {"SQL-NOT-THERE", {{kA, "-"}}, "msgbox Path not found"},
     {"SQL-NOT-LISTED", {{kB, Lines("--taluGO|USE Other|GO|")}}, "!Other"},
-    {"SQL-UTF16", {{kA, std::string("\xFF\xFE-\0-\0\r\0\n\0", 10)}}, kFormat},
+    {"SQL-UTF16", {{kA, Utf16("--taluGO|PRINT 1|GO|")}}, kFormat},
     {"SQL-UTF8", Batches("PRINT 'caf\xC3\xA9'|GO|"), "PRINT 'caf\u00c3\u00a9'"},
-    {"SQL-LINE-ENDS", {{kA, "--taluGO\nUSE master\nGO\n"}}, "!sql"},
+    {"SQL-LINE-ENDS", {{kA, "--taluGO\nuse master\nGO\n"}}, "!sql"},
     {"SQL-NO-DIRECTIVE", Script("USE master|GO|"), kFormat},
     {"SQL-LATE-DIRECTIVE", Script("-- Sales|" + kPlain), kFormat},
     {"SQL-LINE-LEAK", Two("--taluLineByLine|PRINT 1|", "PRINT 2|"), "sql PRINT 2"},

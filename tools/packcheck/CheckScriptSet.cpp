@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdint>
-#include <cstring>
 #include <utility>
 
+#include "CheckScriptText.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {
@@ -29,41 +28,6 @@ bool GoesOn(std::string_view statement) {
   const std::string_view word = statement.substr(0, end);
   return std::ranges::any_of(kGoesOn,
                              [&](std::string_view upper) { return EqualsUpper(word, upper); });
-}
-
-/// The position of the first byte outside ASCII from `at` on; the size when there is none.
-std::size_t FirstHighByte(std::string_view text, std::size_t at) {
-  std::uint64_t eight = 0;
-  for (; at + sizeof eight <= text.size(); at += sizeof eight) {
-    std::memcpy(&eight, text.data() + at, sizeof eight);
-    if ((eight & 0x8080808080808080U) != 0) break;
-  }
-  while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
-  return at;
-}
-
-/// The length of the UTF-8 character outside ASCII at `at`; 0 when there is none.
-std::size_t Utf8Length(std::string_view text, std::size_t at) {
-  const auto lead = static_cast<unsigned char>(text[at]);
-  if (lead < 0xC2 || lead > 0xF4) return 0;
-  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  if (at + length > text.size()) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((static_cast<unsigned char>(text[at + i]) & 0xC0) != 0x80) return 0;
-  }
-  return length;
-}
-
-/// Whether the text is UTF-8 with letters outside ASCII; sets `line` to that of the first one.
-bool IsUtf8(std::string_view text, int& line) {
-  const std::size_t first = FirstHighByte(text, 0);
-  for (std::size_t at = first; at < text.size(); at = FirstHighByte(text, at)) {
-    const std::size_t length = Utf8Length(text, at);
-    if (length == 0) return false;
-    at += length;
-  }
-  line = 1 + static_cast<int>(std::ranges::count(text.substr(0, first), '\n'));
-  return first < text.size();
 }
 
 /// "table" for TABLE.
@@ -118,17 +82,8 @@ void ScriptSet::CheckFile(const CfgLine& listed) {
   toldRegion_ = 0;
   toldText_ = 0;
   countsTold_ = false;
-  if (CheckText(text)) TakeText(pack_.Machine.CodePage.ToText(std::move(text)));
-}
-
-bool ScriptSet::CheckText(const std::string& text) {
-  if (MarkOf(text).Utf16) {
-    findings_.Add("SQL-UTF16", {file_, 0, ""});
-    return false;
-  }
-  int line = 0;
-  if (!pack_.IsUtf8 && IsUtf8(text, line)) findings_.Add("SQL-UTF8", {file_, line, ""});
-  return true;
+  const std::string meant = MeantText(pack_, std::move(text), file_);
+  TakeText(meant);
 }
 
 void ScriptSet::TakeText(const std::string& text) {
@@ -136,12 +91,7 @@ void ScriptSet::TakeText(const std::string& text) {
   NumberedLines lines(text);
   std::string_view line;
   int number = 0;
-  bool lineEndsTold = false;
   while (lines.Next(line, number)) {
-    if (const std::size_t feed = line.find('\n');
-        feed != std::string_view::npos && !std::exchange(lineEndsTold, true)) {
-      findings_.Add("SQL-LINE-ENDS", At(number, line.substr(0, feed)));
-    }
     if (TrimView(line).empty()) {
       if (reader_.BatchMode()) CheckTextLine(line);
       continue;

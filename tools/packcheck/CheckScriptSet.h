@@ -33,8 +33,6 @@ class ScriptSet {
 
  private:
   void CheckFile(const CfgLine& listed);
-  /// Returns false when the script has no usable lines.
-  bool CheckText(const std::string& text);
   void TakeText(const std::string& text);
   /// Returns false when the build stops at the line.
   bool TakeLine(std::string_view line, int number);

@@ -17,17 +17,24 @@ inline constexpr Rule kScriptRules[] = {
     {"SQL-UTF16", Severity::Error,
      "The file is in UTF-16, so no line is taken for a directive and the build stops with \"Script "
      "format is not correct....\".",
-     "Save the file as plain 8-bit text in the Windows code page (\"ANSI\").",
+     "Save the file as plain 8-bit text in the Windows code page (\"ANSI\"); what else is found in "
+     "it is left then.",
      "Scripts are read byte by byte. Some tools save scripts in UTF-16 unless told otherwise."},
     {"SQL-UTF8", Severity::Warning,
      "The file is in UTF-8, so each letter outside ASCII reaches the server as two or more wrong "
      "ones.",
-     "Save the file in the Windows code page (\"ANSI\").",
+     "Save the file in the Windows code page (\"ANSI\"); what else is found in it is left then.",
      "The bytes of a script go to the server as text in the Windows code page."},
+    {"SQL-LETTERS", Severity::Warning,
+     "The code page of the machine has no {0}, so saved in it the script would lose them.",
+     "Put such a letter into a text by its number, for instance N'...' + NCHAR({1}) + N'...', or "
+     "tell check by --code-page which machines the pack is for.",
+     "A script is 8-bit text and can hold the letters of one code page; the server knows them "
+     "all."},
     {"SQL-LINE-ENDS", Severity::Error,
      "Only a line feed stands behind the line, so it and what follows, up to the next carriage "
      "return, are read as one line.",
-     "Save the file with Windows line ends (CR LF).",
+     "Save the file with Windows line ends (CR LF); what else is found in it is left then.",
      "A line ends at a carriage return. A script that has none is one line; as it holds the "
      "directive, it is taken for that and nothing is run."},
     {"SQL-NO-DIRECTIVE", Severity::Error,
