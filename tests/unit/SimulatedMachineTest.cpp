@@ -7,6 +7,7 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "PathCases.h"
 #include "platform/simulated/SimulatedMachine.h"
 
 namespace talu {
@@ -76,6 +77,40 @@ TEST(SimulatedServer, KnowsNamesAsAServerDoes) {
   }
 }
 
+TEST(SimulatedDisk, TakesPathsAsWindowsDoes) {
+  const SimulatedDisk disk("D:\\Pack");
+  for (const auto& [given, meant] : kPathCases) EXPECT_EQ(disk.FullPath(given), meant) << given;
+}
+
+TEST(SimulatedDisk, RefusesTheNamesThatWindowsRefuses) {
+  SimulatedMachine machine;
+  machine.Disk.MakeFolders("C:\\t");
+  const auto error = [&](auto work) {
+    try {
+      work();
+      return 0;
+    } catch (const RuntimeError& error) {
+      return static_cast<int>(error.Number);
+    }
+  };
+  const std::pair<const char*, int> folders[] = {
+      {"Shop ", 0}, {"Shop \\Data", 76}, {"Desk.", 0}, {"Desk.\\Data", 0},
+      {"a\tb", 52}, {"a|b", 52},         {"CON", 70},  {"nul.txt", 70},
+      {"com9", 70}, {"Aux .x", 70},      {"COM0", 0},  {"Conn", 0}};
+  for (const auto& [name, number] : folders) {
+    const std::string path = std::string("C:\\t\\") + name;
+    EXPECT_EQ(error([&] { machine.Files.CreateFolder(path); }), number) << name;
+    EXPECT_EQ(machine.Disk.FolderExists(path), number == 0) << name;
+  }
+  const std::pair<const char*, int> files[] = {
+      {"a.txt ", 0}, {"a\tb", 52}, {"prn.txt", 75}, {"Shop \\x", 76}};
+  for (const auto& [name, number] : files) {
+    const std::string path = std::string("C:\\t\\") + name;
+    EXPECT_EQ(error([&] { machine.Files.OpenTextFile(path, OpenMode::Append); }), number) << name;
+  }
+  EXPECT_EQ(error([&] { machine.Files.OpenTextFile("C:\\t\\Shop \\x", OpenMode::Input); }), 76);
+}
+
 class HostFolderTest : public testing::Test {
  protected:
   HostFolderTest() {
@@ -120,7 +155,7 @@ TEST_F(HostFolderTest, KeepTheirSpellingAndAreNotWrittenTo) {
 }
 
 TEST_F(HostFolderTest, AreRefusedWhereWindowsCannotHaveThem) {
-  for (const char* name : {"a:b", "end.", "end ", "\xFF.txt", "sub/readme"}) {
+  for (const char* name : {"a:b", "end.", "end ", "a\tb", "nul.txt", "\xFF.txt", "sub/readme"}) {
     if (std::string(name) == "sub/readme") Put("sub/README");
     Put(name);
     EXPECT_THROW(machine.Disk.AddHostFolder(folder, "C:\\x"), std::runtime_error) << name;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "../unit/PathCases.h"
 #include "Scratch.h"
 #include "platform/win32/Win32Clock.h"
 #include "platform/win32/Win32FileSystem.h"
@@ -195,6 +196,28 @@ TEST(FileSystem, WorksUpToWindowsOwnLimitOfAPath) {
   EXPECT_TRUE(files.FileExists(path));
   EXPECT_EQ(files.GetFolder(folder)->Files().at(0).Path, path);
   EXPECT_EQ(ErrorOf([&] { files.OpenTextFile(path + "longer", OpenMode::Output); }), 76);
+}
+
+// The simulated disk has the same cases.
+TEST(FileSystem, TakesPathsAsTheSimulatedDiskSays) {
+  for (const auto& [given, meant] : kPathCases) {
+    wchar_t buffer[MAX_PATH];
+    std::string full =
+        Narrow({buffer, GetFullPathNameW(Wide(given).c_str(), MAX_PATH, buffer, nullptr)});
+    if (full.ends_with('\\')) full.pop_back();
+    EXPECT_EQ(full, meant) << given;
+  }
+  const Scratch scratch;
+  Win32FileSystem files;
+  const auto create = [&](const char* name) {
+    return ErrorOf([&] { files.CreateFolder(scratch / name); });
+  };
+  EXPECT_EQ(create("Shop "), 0);
+  EXPECT_EQ(create("Shop \\Data"), 76);
+  EXPECT_EQ(create("Desk."), 0);
+  EXPECT_EQ(create("Desk.\\Data"), 0);
+  EXPECT_EQ(create("a\tb"), 52);
+  EXPECT_EQ(create("CON"), 70);
 }
 
 TEST(FileSystem, KnowsTheSpecialFolders) {

@@ -4,6 +4,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "platform/simulated/NamesOnWindows.h"
 #include "platform/simulated/SimulatedDisk.h"
 #include "runtime/TextFunctions.h"
 #include "runtime/Unicode.h"
@@ -28,8 +29,8 @@ std::string NameOnWindows(const fs::path& path) {
   if (OnlyCharacters(name) != name) {
     throw std::runtime_error(OnlyCharacters(Utf8(path)) + ": the name is not UTF-8");
   }
-  if (name.find_first_of("\\:*?\"<>|") != std::string::npos || name.ends_with('.') ||
-      name.ends_with(' ')) {
+  if (Contains(name, "\\") || HasForbiddenCharacter(name) || IsDeviceName(name) ||
+      name.ends_with('.') || name.ends_with(' ')) {
     throw std::runtime_error(Utf8(path) + ": Windows does not allow this name");
   }
   return name;

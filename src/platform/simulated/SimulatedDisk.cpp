@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/simulated/NamesOnWindows.h"
 #include "runtime/RuntimeError.h"
 #include "runtime/TextFiles.h"
 #include "runtime/TextFunctions.h"
@@ -52,14 +53,7 @@ std::string SimulatedDisk::FullPath(const std::string& path) const {
   } else if (whole.size() < 2 || whole[1] != ':') {
     whole = currentFolder_ + "\\" + whole;
   }
-  std::string full;
-  for (const std::string& piece : Split(whole, '\\')) {
-    const std::size_t end = piece.find_last_not_of(" .");
-    if (end == std::string::npos) continue;
-    if (!full.empty()) full += '\\';
-    full.append(piece, 0, end + 1);
-  }
-  return full;
+  return NormalizedPath(whole);
 }
 
 std::string SimulatedDisk::OwnSpelling(const std::string& path) {
@@ -75,8 +69,12 @@ std::string SimulatedDisk::OwnSpelling(const std::string& path) {
 
 SimulatedDisk::Node* SimulatedDisk::Find(const std::string& path) {
   if (path.empty() || Length(path) >= kMaxPath) return nullptr;
+  return NodeAt(FullPath(path));
+}
+
+SimulatedDisk::Node* SimulatedDisk::NodeAt(const std::string& fullPath) {
   Node* node = &root_;
-  for (const std::string& piece : Split(FullPath(path), '\\')) {
+  for (const std::string& piece : Split(fullPath, '\\')) {
     const auto child = node->Children.find(UCase(piece));
     if (child == node->Children.end()) return nullptr;
     node = child->second.get();
@@ -88,7 +86,7 @@ SimulatedDisk::Node* SimulatedDisk::Parent(const std::string& fullPath, std::str
   const std::size_t at = fullPath.rfind('\\');
   if (at == std::string::npos) return nullptr;
   name = fullPath.substr(at + 1);
-  Node* parent = Find(fullPath.substr(0, at));
+  Node* parent = NodeAt(fullPath.substr(0, at));
   return parent != nullptr && parent->IsFolder ? parent : nullptr;
 }
 
@@ -109,9 +107,8 @@ void SimulatedDisk::CreateFolder(const std::string& path) {
   std::string name;
   Node* parent = Length(full) < kMaxFolderPath ? Parent(full, name) : nullptr;
   if (parent == nullptr) throw RuntimeError(error::kPathNotFound);
-  if (name.find_first_of(":*?\"<>|") != std::string::npos)
-    throw RuntimeError(error::kBadFileNumber);
-  if (parent->Denied) throw RuntimeError(error::kPermissionDenied);
+  if (HasForbiddenCharacter(name)) throw RuntimeError(error::kBadFileNumber);
+  if (parent->Denied || IsDeviceName(name)) throw RuntimeError(error::kPermissionDenied);
   auto node = std::make_unique<Node>();
   node->Name = name;
   node->IsFolder = true;
@@ -151,9 +148,8 @@ SimulatedDisk::Node& SimulatedDisk::FileForWriting(const std::string& path) {
   std::string name;
   Node* parent = Length(full) < kMaxPath ? Parent(full, name) : nullptr;
   if (parent == nullptr) throw RuntimeError(error::kPathNotFound);
-  if (name.find_first_of(":*?\"<>|") != std::string::npos)
-    throw RuntimeError(error::kBadFileNumber);
-  if (parent->Denied) throw RuntimeError(error::kPathFileAccess);
+  if (HasForbiddenCharacter(name)) throw RuntimeError(error::kBadFileNumber);
+  if (parent->Denied || IsDeviceName(name)) throw RuntimeError(error::kPathFileAccess);
   auto made = std::make_unique<Node>();
   made->Name = name;
   made->Content = std::make_shared<FileContent>();

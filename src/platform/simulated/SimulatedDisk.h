@@ -75,13 +75,13 @@ class SimulatedDisk {
   /// Sets the free space in bytes; unlimited at first.
   void SetFreeSpace(std::uint64_t bytes) { freeSpace_ = bytes; }
 
-  /// A path with drive, without doubled or trailing backslashes; trailing blanks and dots of a
-  /// component are dropped, as in Windows.
+  /// A path with drive, as `NormalizedPath` makes it.
   std::string FullPath(const std::string& path) const;
   /// The path as its folders are spelled; unchanged when nothing exists there.
   std::string OwnSpelling(const std::string& path);
 
  private:
+  Node* NodeAt(const std::string& fullPath);
   Node* Parent(const std::string& fullPath, std::string& name);
 
   std::string currentFolder_;

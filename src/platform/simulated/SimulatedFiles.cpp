@@ -130,7 +130,8 @@ std::unique_ptr<TextFile> SimulatedFiles::OpenTextFile(const std::string& path, 
     if (node == nullptr) {
       const std::string full = disk_.FullPath(path);
       const std::size_t at = full.rfind('\\');
-      const bool folderThere = at != std::string::npos && disk_.FolderExists(full.substr(0, at));
+      const bool folderThere =
+          at != std::string::npos && disk_.FolderExists(full.substr(0, at + 1));
       throw RuntimeError(folderThere ? error::kFileNotFound : error::kPathNotFound);
     }
     if (node->IsFolder || node->Denied) throw RuntimeError(error::kPathFileAccess);
