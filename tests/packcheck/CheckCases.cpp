@@ -42,10 +42,16 @@ Files Using(Files files) {
   files[kA] = Lines("--taluGO|USE Old|GO|");
   return files;
 }
+/// A file with these bytes, or with some.
+struct Added {
+  Added(const char* path, std::string bytes = "x") : Path(path), Bytes(std::move(bytes)) {}
+  const char* Path;
+  std::string Bytes;
+};
 /// Blocks behind the usual ones, and files that the pack has besides.
-Files More(const std::string& blocks, std::initializer_list<const char*> added = {}) {
+Files More(const std::string& blocks, const std::vector<Added>& added = {}) {
   Files files = Config(kTitle + kRest + blocks);
-  for (const char* file : added) files[file] = "x";
+  for (const Added& file : added) files[file.Path] = file.Bytes;
   return files;
 }
 /// The only script.
@@ -73,6 +79,7 @@ Files UpgradeOnly() {
           {"SQLScript/Upgrade/A.sql", Lines("--taluGO|USE Sales|GO|")}};
 }
 
+const std::string kLong(100, 'd');
 const std::string kLog = "print C:\\Program Files\\TA-LU\\Shop\\Ta-luErrLog.txt //\r\n";
 const std::string kRecord = "print C:\\Program Files\\TA-LU\\Shop\\Uninstall.dat ";
 const std::string kFails = kLog + "//\r\nInvalid procedure call or argument";
@@ -176,7 +183,8 @@ const CheckCase kCases[] = {
     {"SQL-BACKUP-LONG", Batches("PRINT '" + std::string(32767, 'x') + "'|USE master|GO|"),
      kLog + "//\r\nOverflow"},
     {"SQL-BACKUP-MERGED",
-     Batches(Create("CREATE DATABASE Sales2 ") + Create("CREATE DATABASE Sales ")),
+     Batches(Create("CREATE DATABASE Sales2 ") +
+             Create("CREATE DATABASE Sales ", "C:\\D\\t.mdf", "C:\\D\\t.ldf")),
      "!BACKUP DATABASE Sales TO"},
     {"SQL-BACKUP-MISSED", UpgradeOnly(), "!BACKUP", kServer, kUpgrade},
     // Deployment
@@ -203,6 +211,33 @@ const CheckCase kCases[] = {
      {{"Application/Bin/a.dll", "x"}},
      "start regsvr32 /s \"C:\\Program Files\\TA-LU\\Shop\\Bin\\a.dll\"",
      kClient},
+    {"REG-EXPORT",
+     More("RegnLocation|{|\\Parts|}|",
+          {{"Application/Parts/a.ocx", Library("Alpha DllRegisterServer")},
+           {"Application/Parts/b.ocx", Library("Alpha Beta Gamma")}}),
+     "start regsvr32 /s \"C:\\Program Files\\TA-LU\\Shop\\Parts\\b.ocx\"", kClient,
+     InstallType::Fresh, "Parts\\b.ocx: warning", "a library that is no component"},
+    {"REG-EXPORT", More("SpecialRegn|{|a.ocx|}|", {"SpecialRegn/a.ocx"}),
+     "start regsvr32 /s \"C:\\Windows\\system\\a.ocx\"", kClient},
+    {"APP-LONG-PATH",
+     {{"Application/" + kLong + "/" + std::string(131, 'f'), "x"}},
+     "copy D:\\Pack\\Application\\" + kLong + "\\f",
+     kClient,
+     InstallType::Fresh,
+     "its path has 260 characters",
+     "a file one letter too long"},
+    {"", {{"Application/" + kLong + "/" + std::string(130, 'f'), "x"}}, "", kClient},
+    {"APP-LONG-PATH",
+     {{"Application/" + kLong + "/" + std::string(119, 'f') + "/a.txt", "x"}},
+     "!a.txt",
+     kClient,
+     InstallType::Fresh,
+     "its path has 248 characters",
+     "a folder one letter too long"},
+    {"",
+     {{"Application/" + kLong + "/" + std::string(118, 'f') + "/a.txt", "x"}},
+     "a.txt",
+     kClient},
     {"SPC-FILE", More("SpecialRegn|{|a.ocx|}|"),
      "copy D:\\Pack\\SpecialRegn\\a.ocx C:\\Windows\\system 6416 The path", kClient},
     {"ADD-FILE", More("AddOns|{|a.exe|}|"), "run D:\\Pack\\AddOns\\a.exe -1", kClient},
@@ -220,8 +255,8 @@ const CheckCase kCases[] = {
      "delete C:\\Program Files\\TA-LU\\Shop\\A.txt", kClient},
     {"SET-VALUE", More("WriteSettings|{|\\a.txt,x,NAME|}|"),
      "print C:\\Program Files\\TA-LU\\Shop\\a.txt x\r\n", kClient},
-    {"PW-CLEAR", More("SystemDSN|{|SQL Server,Shop,Sales,u,secret|}|"),
-     kRecord + "SystemDSN:SQL Server,Shop,Sales,u,secret", kClient},
+    {"PW-CLEAR", More("SystemDSN|{|SQL Server,Shop,master,sa,secret|}|"),
+     kRecord + "SystemDSN:SQL Server,Shop,master,sa,secret", kClient},
     {"ACC-LINE", {{"packcheck.ignore", "ADD-FILE | AppCfg.txt | a.exe | not yet there"}}, "!a.exe"},
 };
 
@@ -279,6 +314,7 @@ Files PlainPack() {
   Files files = Config(kTitle + kRest);
   files[kA] = Lines(kPlain);
   files["Application/Shop.exe"] = "MZ";
+  files["Setup.exe"] = "MZ";
   return files;
 }
 

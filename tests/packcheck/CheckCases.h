@@ -28,6 +28,9 @@ struct CheckCase {
   std::string Mistake = {};
 };
 
+/// A library of Windows with these exports, which stand in the order of their bytes.
+std::string Library(const std::string& exported);
+
 /// A pack without any finding.
 Files PlainPack();
 

@@ -6,6 +6,7 @@
 #include "Wizard.h"
 #include "database/TypeScripts.h"
 #include "runtime/TextFunctions.h"
+#include "runtime/Unicode.h"
 
 namespace talu::packcheck {
 namespace {
@@ -71,6 +72,7 @@ Configuration::Configuration(CheckedPack& pack) : pack_(pack) {
   CheckLimits();
   CheckWhatIsThere();
   CheckFolderNames();
+  CheckScriptLists();
   CheckBackupCount();
 }
 
@@ -102,9 +104,15 @@ bool Configuration::CheckText() {
                        {"a UTF-8 mark", "its first line is no key"});
     text_.erase(0, 3);
   }
+  const bool utf8 = !mark.Utf8 && !pack_.IsUtf8 && OnlyCharacters(text_) == text_;
   text_ = pack_.Machine.CodePage.ToText(std::move(text_));
   NumberedLines lines(text_);
   CfgLine line;
+  while (utf8 && lines.Next(line.Text, line.Number)) {
+    if (IsAscii(line.Text)) continue;
+    pack_.Findings.Add("CFG-UTF8", line.Place(), {Shown(line.Text)});
+  }
+  lines = NumberedLines(text_);
   while (lines.Next(line.Text, line.Number)) {
     if (!Contains(line.Text, "\n")) continue;
     line.Text = line.Text.substr(0, line.Text.find('\n'));
@@ -120,7 +128,10 @@ void Configuration::ReadLines() {
   std::vector<CfgLine> lines;
   NumberedLines scanner(text_);
   CfgLine line;
-  while (scanner.Next(line.Text, line.Number)) lines.push_back(line);
+  while (scanner.Next(line.Text, line.Number)) {
+    lines.push_back(line);
+    if (IsKey(line.Text)) keysThere_.insert(line.Text);
+  }
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::string_view next = i + 1 < lines.size() ? lines[i + 1].Text : "";
     if (inBlock_) {
@@ -161,12 +172,33 @@ void Configuration::TakeOutside(const CfgLine& line) {
     emptyLines_.clear();
     return;
   }
+  if (!key && TakeCrowdedKey(line)) return;
   candidate_ = line;
   if (key) {
     keyLine_ = line;
   } else if (const std::string keys = KeysBegunBy(line.Text, ""); !keys.empty()) {
     pack_.Findings.Add("CFG-KEY-BEGINNING", line.Place(), {keys});
   }
+}
+
+// A line such as "AppTitle {" or "AppTitle = Desk", unless the key has a line of its own elsewhere.
+bool Configuration::TakeCrowdedKey(const CfgLine& line) {
+  const std::string_view stripped = Stripped(line.Text);
+  const std::size_t end = std::min(stripped.find_first_of("{=: \t"), stripped.size());
+  const auto key = std::ranges::find(kKeys, UCase(stripped.substr(0, end)),
+                                     [](std::string_view known) { return UCase(known); });
+  if (key == kKeys.end() || end == stripped.size() || keysThere_.contains(*key)) return false;
+  pack_.Findings.Add("CFG-KEY-LINE", line.Place(), {std::string(*key)});
+  const std::size_t value = stripped.find_first_not_of("=: \t", end);
+  const std::string_view rest = value == std::string_view::npos ? "" : stripped.substr(value);
+  keyLine_ = {line.Number, *key};
+  if (rest == "{") {
+    OpenBlock(line);
+  } else if (!rest.empty()) {
+    blocks_.push_back({std::string(*key), line.Number, {{line.Number, rest}}, 1, "", ""});
+    keyLine_ = {};
+  }
+  return true;
 }
 
 void Configuration::OpenBlock(const CfgLine& brace) {
@@ -264,46 +296,6 @@ void Configuration::CheckLimits() {
       pack_.Findings.Add("CFG-TOO-MANY", PlaceOf(key),
                          {std::string(key), ends ? "Setup.exe ends" : "its step does nothing"});
     }
-  }
-}
-
-void Configuration::CheckWhatIsThere() {
-  const Place file{"AppCfg.txt", 0, ""};
-  if (Values("AppTitle").empty()) pack_.Findings.Add("CFG-NO-TITLE", file);
-  if (Values("AppFolder").empty()) pack_.Findings.Add("CFG-NO-APPFOLDER", file);
-  if (Values("DBFolder").empty()) pack_.Findings.Add("CFG-NO-DBFOLDER", file);
-  for (const TypeScripts& scripts : kTypeScripts) {
-    if (!Values(scripts.Key).empty()) return;
-  }
-  pack_.Findings.Add("CFG-NO-SCRIPTS", file);
-}
-
-void Configuration::CheckFolderNames() {
-  for (const std::string_view key : {"AppFolder", "DBFolder"}) {
-    const std::vector<CfgLine> values = Values(key);
-    if (values.empty()) continue;
-    const std::string_view name = values.front().Text;
-    if (name.find_first_of("\\/:*?\"<>|") != std::string_view::npos) {
-      pack_.Findings.Add("CFG-FOLDER-NAME", values.front().Place(), {Shown(name)});
-    } else if (key == "AppFolder" && std::string_view("TA-LU").starts_with(name)) {
-      pack_.Findings.Add("CFG-FOLDER-TALU", values.front().Place(), {std::string(name)});
-    }
-  }
-}
-
-void Configuration::CheckBackupCount() {
-  const std::size_t count = Values("DBSript").size();
-  std::size_t longest = 0;
-  for (const auto& [type, withArticle, folder, key] : kTypeScripts) {
-    const std::size_t scripts = Values(key).size();
-    longest = std::max(longest, scripts);
-    if (scripts <= count) continue;
-    pack_.Findings.Add("CFG-DBSRIPT-FEW", PlaceOf(key),
-                       {std::to_string(count), std::string(key), std::to_string(scripts)});
-  }
-  if (count > longest) {
-    pack_.Findings.Add("CFG-DBSRIPT-MANY", PlaceOf("DBSript"),
-                       {std::to_string(count), std::to_string(longest)});
   }
 }
 

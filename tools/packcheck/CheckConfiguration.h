@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,17 +47,20 @@ class Configuration {
   void ReadLines();
   void TakeOutside(const CfgLine& line);
   void TakeInside(const CfgLine& line, std::string_view next);
+  bool TakeCrowdedKey(const CfgLine& line);
   void OpenBlock(const CfgLine& brace);
   std::string IntendedKey(const CfgLine& brace);
   void CheckLimits();
   void CheckWhatIsThere();
   void CheckFolderNames();
+  void CheckScriptLists();
   void CheckBackupCount();
 
   CheckedPack& pack_;
   std::string text_;
   std::vector<Block> blocks_;
   // While reading:
+  std::set<std::string_view> keysThere_;  // those that have a line of their own
   bool inBlock_ = false;
   CfgLine keyLine_;    // a key's own line that waits for its "{"; number 0 for none
   CfgLine candidate_;  // the last line outside a block; number 0 for none

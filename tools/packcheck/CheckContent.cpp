@@ -1,30 +1,37 @@
 #include "CheckContent.h"
 
+#include <algorithm>
 #include <map>
 
+#include "Exports.h"
+#include "ScriptTexts.h"
+#include "platform/simulated/NamesOnWindows.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {
 namespace {
 
-constexpr std::string_view kNotInNames = "\\/:*?\"<>|";
 const std::string kApplication = "Application";
+constexpr std::string_view kEveryServersDatabases = ",MASTER,MODEL,MSDB,TEMPDB,";
 
 bool IsComponent(const std::string& upperName) {
   return Contains(upperName, ".OCX") || Contains(upperName, ".DLL");
 }
 
-/// The first component in or below a folder, as a path relative to it; empty when there is none.
-std::string FirstComponent(const SimulatedDisk::Node& folder) {
+/// The components in and below a folder, each as a path relative to it, by it.
+void FindComponents(const SimulatedDisk::Node& folder, const std::string& path,
+                    std::map<std::string, const SimulatedDisk::Node*>& found) {
   for (const auto& [upper, node] : folder.Children) {
-    if (!node->IsFolder && IsComponent(upper)) return node->Name;
+    if (node->IsFolder) {
+      FindComponents(*node, path + node->Name + "\\", found);
+    } else if (IsComponent(upper)) {
+      found.emplace(path + node->Name, node.get());
+    }
   }
-  for (const auto& [upper, node] : folder.Children) {
-    if (!node->IsFolder) continue;
-    const std::string below = FirstComponent(*node);
-    if (!below.empty()) return node->Name + "\\" + below;
-  }
-  return "";
+}
+
+bool CanBeRegistered(const SimulatedDisk::Node& file) {
+  return Exports(*file.Content, "DllRegisterServer");
 }
 
 void CheckFileNames(CheckedPack& pack, const SimulatedDisk::Node& folder, const std::string& path) {
@@ -44,12 +51,33 @@ void CheckFileNames(CheckedPack& pack, const SimulatedDisk::Node& folder, const 
   }
 }
 
-void CheckApplication(CheckedPack& pack) {
+/// Reports what Windows cannot copy, where the operator chooses the usual folder.
+void CheckLengths(CheckedPack& pack, const SimulatedDisk::Node& folder, const std::string& path,
+                  const std::string& installed) {
+  for (const auto& [upper, node] : folder.Children) {
+    const std::string below = path + "\\" + node->Name;
+    const std::string target = installed + "\\" + node->Name;
+    if (Length(target) >= (node->IsFolder ? kMaxFolderPath : kMaxPath)) {
+      pack.Findings.Add("APP-LONG-PATH", {below, 0, node->Name},
+                        {std::to_string(Length(target)),
+                         node->IsFolder ? "it is not made, and what it holds" : "it"});
+    } else if (node->IsFolder) {
+      CheckLengths(pack, *node, below, target);
+    }
+  }
+}
+
+void CheckApplication(CheckedPack& pack, const Configuration& configuration) {
   if (!pack.HasFolder(kApplication)) {
     pack.Findings.Add("APP-MISSING", {kApplication, 0, ""});
     return;
   }
-  CheckFileNames(pack, *pack.Find(kApplication), kApplication);
+  const SimulatedDisk::Node& application = *pack.Find(kApplication);
+  CheckFileNames(pack, application, kApplication);
+  const std::vector<CfgLine> name = configuration.Values("AppFolder");
+  const std::string installed =
+      "C:\\Program Files\\TA-LU\\" + (name.empty() ? "" : std::string(name.front().Text));
+  CheckLengths(pack, application, kApplication, installed);
 }
 
 /// Whether a special folder's path ends with the word that a shortcut names.
@@ -76,12 +104,28 @@ void CheckShortcut(CheckedPack& pack, const CfgLine& line) {
   if (!IsSpecialFolder(pack.Machine.Scripting.SpecialFolders, fields[1])) {
     findings.Add("LNK-FOLDER", line.Place(), {Shown(fields[1])});
   }
-  if (fields[2].find_first_of(kNotInNames) != std::string::npos) {
-    findings.Add("LNK-NAME", line.Place(), {Shown(fields[2])});
+  const std::string& name = fields[2];
+  if (Contains(name, "\\") || Contains(name, "/") || HasForbiddenCharacter(name) ||
+      IsDeviceName(name)) {
+    findings.Add("LNK-NAME", line.Place(), {Shown(name)});
+  }
+  if (fields.size() > 3) findings.Add("LNK-COMMA", line.Place(), {Shown(name)});
+}
+
+/// Reports the database and the login of a data source that no script has.
+void CheckNamed(CheckedPack& pack, const CfgLine& line, const std::vector<std::string>& fields,
+                const ScriptTexts& scripts) {
+  const std::string database = Trim(fields[2]);
+  if (!Contains(kEveryServersDatabases, "," + UCase(database) + ",") && scripts.Lack(database)) {
+    pack.Findings.Add("DSN-DATABASE", line.Place(), {Shown(database)});
+  }
+  const std::string login = Trim(fields[3]);
+  if (UCase(login) != "SA" && scripts.Lack(login)) {
+    pack.Findings.Add("DSN-LOGIN", line.Place(), {Shown(login)});
   }
 }
 
-void CheckDataSource(CheckedPack& pack, const CfgLine& line) {
+void CheckDataSource(CheckedPack& pack, const CfgLine& line, const ScriptTexts& scripts) {
   const std::vector<std::string> fields = Split(line.Text, ',');
   const std::string driver = fields.empty() ? "" : Trim(fields[0]);
   const bool access = driver == "Microsoft Access Driver (*.mdb)";
@@ -92,36 +136,59 @@ void CheckDataSource(CheckedPack& pack, const CfgLine& line) {
     const bool described = !access && fields.size() >= 3;
     pack.Findings.Add("DSN-FIELDS", line.Place(),
                       {std::to_string(fields.size()), described ? "" : ", nor is it described"});
-  } else if (!TrimView(fields[4]).empty()) {
+    return;
+  }
+  if (!TrimView(fields[4]).empty()) {
     pack.Findings.Add("PW-CLEAR", line.Place(),
                       {"The password of the data source", "the pack, the log or Uninstall.dat"});
   }
+  if (fields.size() > 5) pack.Findings.Add("DSN-COMMA", line.Place());
+  if (driver == "SQL Server") CheckNamed(pack, line, fields, scripts);
 }
 
 void CheckRegistration(CheckedPack& pack, const Configuration& configuration) {
   Findings& findings = pack.Findings;
   const std::vector<CfgLine> lines = configuration.Values("RegnLocation");
   for (const CfgLine& line : lines) {
-    const SimulatedDisk::Node* folder = pack.Find(kApplication + std::string(line.Text));
+    const std::string path = kApplication + std::string(line.Text);
+    const SimulatedDisk::Node* folder = pack.Find(path);
+    std::map<std::string, const SimulatedDisk::Node*> components;
     if (!line.Text.starts_with('\\')) {
       findings.Add("REG-BACKSLASH", line.Place(), {Shown(line.Text)});
     } else if (folder == nullptr || !folder->IsFolder) {
       findings.Add("REG-FOLDER", line.Place(), {Shown(line.Text)});
-    } else if (FirstComponent(*folder).empty()) {
+    } else if (FindComponents(*folder, "", components); components.empty()) {
       findings.Add("REG-NOTHING", line.Place(), {Shown(line.Text)});
+    }
+    for (const auto& [name, file] : components) {
+      if (CanBeRegistered(*file)) continue;
+      std::string place = path;
+      if (!place.ends_with('\\')) place += '\\';
+      place += name;
+      findings.Add("REG-EXPORT", {place, 0, name}, {Shown(name)});
     }
   }
   const SimulatedDisk::Node* application = pack.Find(kApplication);
   if (!lines.empty() || application == nullptr) return;
-  const std::string component = FirstComponent(*application);
-  if (component.empty()) return;
-  findings.Add("REG-WHOLE", configuration.PlaceOf("RegnLocation"), {Shown(component)});
+  std::map<std::string, const SimulatedDisk::Node*> components;
+  FindComponents(*application, "", components);
+  if (components.empty()) return;
+  auto shown = std::ranges::find_if(
+      components, [](const auto& component) { return !CanBeRegistered(*component.second); });
+  const bool isOne = shown == components.end();
+  if (isOne) shown = components.begin();
+  findings.Add("REG-WHOLE", configuration.PlaceOf("RegnLocation"),
+               {Shown(shown->first) + (isOne ? "" : ", which exports no DllRegisterServer")});
 }
 
 void CheckSpecialFile(CheckedPack& pack, const CfgLine& line) {
   const std::string name = Split(line.Text, ',').front();
-  if (pack.HasFile("SpecialRegn\\" + name)) return;
-  pack.Findings.Add("SPC-FILE", line.Place(), {Shown(name)});
+  const SimulatedDisk::Node* file = pack.Find("SpecialRegn\\" + name);
+  if (file == nullptr || file->IsFolder) {
+    pack.Findings.Add("SPC-FILE", line.Place(), {Shown(name)});
+  } else if (!CanBeRegistered(*file)) {
+    pack.Findings.Add("REG-EXPORT", line.Place(), {Shown(name)});
+  }
 }
 
 /// Whether Windows finds a program for a command line without quotes: a path may end at each blank.
@@ -145,6 +212,7 @@ void CheckAddOn(CheckedPack& pack, const CfgLine& value) {
                  {Shown(line)});
     return;
   }
+  if (package) findings.Add("ADD-RESTART", value.Place(), {Shown(line)});
   if (program ? !HasProgram(pack, line) : !pack.HasFile("AddOns\\" + line)) {
     findings.Add("ADD-FILE", value.Place(), {Shown(line)});
   }
@@ -170,7 +238,8 @@ void CheckSettings(CheckedPack& pack, const Configuration& configuration) {
       const std::string folder = ParentPath(file);
       const bool ofDatabases =
           !databaseFolder.empty() && UCase(folder) == "\\" + UCase(databaseFolder.front().Text);
-      if (!folder.empty() && !ofDatabases && !pack.HasFolder(kApplication + folder)) {
+      // The folder is in the middle of a path, where a blank at its end counts.
+      if (!folder.empty() && !ofDatabases && !pack.HasFolder(kApplication + folder + "\\")) {
         findings.Add("SET-FOLDER", line.Place(), {Shown(file)});
       }
     }
@@ -194,9 +263,13 @@ void CheckSettings(CheckedPack& pack, const Configuration& configuration) {
 }  // namespace
 
 void CheckContent(CheckedPack& pack, const Configuration& configuration) {
-  CheckApplication(pack);
+  if (!pack.HasFile("Setup.exe")) pack.Findings.Add("SETUP-MISSING", {"Setup.exe", 0, ""});
+  CheckApplication(pack, configuration);
   for (const CfgLine& line : configuration.Values("Shotcut")) CheckShortcut(pack, line);
-  for (const CfgLine& line : configuration.Values("SystemDSN")) CheckDataSource(pack, line);
+  const ScriptTexts scripts(pack, configuration);
+  for (const CfgLine& line : configuration.Values("SystemDSN")) {
+    CheckDataSource(pack, line, scripts);
+  }
   CheckRegistration(pack, configuration);
   for (const CfgLine& line : configuration.Values("SpecialRegn")) CheckSpecialFile(pack, line);
   for (const CfgLine& line : configuration.Values("AddOns")) CheckAddOn(pack, line);

@@ -54,6 +54,7 @@ ScriptSet::ScriptSet(CheckedPack& pack, const TypeScripts& scripts, std::size_t 
       key_(scripts.Key),
       backedUp_(backedUp),
       server_(pack.Machine, pack.Findings),
+      made_(pack.Findings),
       backup_(pack.Findings) {}
 
 void ScriptSet::Check(const Configuration& configuration) {
@@ -183,6 +184,8 @@ void ScriptSet::FinishBatch() {
     TellUnfinished("put in front of the first batch of " + file_);
   }
   CheckCreated(batch_, sql_.Facts, findings_);
+  made_.TakeNames(batch_, sql_.Facts);
+  made_.TakeFiles(batch_, sql_.Facts);
   server_.Take(batch_, true);
   TakeOrder(batch_);
   NoteUses();
@@ -230,6 +233,7 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
     findings_.Add("SQL-CREATE-LINE", statement.Place, {statement.Login ? "login" : "database"});
   }
   const SqlBatch statement{std::string(line), At(number, line), {number}};
+  if (!sql_.Facts.Statements.empty()) made_.TakeNames(statement, sql_.Facts);
   server_.Take(statement, false);
   TakeOrder(statement);
   NoteUses();

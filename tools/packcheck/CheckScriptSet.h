@@ -10,6 +10,7 @@
 #include "CheckPack.h"
 #include "CheckServer.h"
 #include "CheckSql.h"
+#include "CheckTwice.h"
 #include "database/ScriptReader.h"
 #include "database/TypeScripts.h"
 
@@ -64,6 +65,7 @@ class ScriptSet {
 
   SqlFollower sql_;
   ServerCheck server_;
+  MadeOnce made_;
   BackupNames backup_;
   std::vector<SqlText> used_;
   std::set<std::string> known_;  // created or used, bare names

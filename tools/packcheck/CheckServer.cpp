@@ -8,7 +8,12 @@ namespace talu::packcheck {
 void ServerCheck::Begin(const ServerCheck& other) {
   server_.Databases.insert(other.server_.Databases.begin(), other.server_.Databases.end());
   server_.Logins.insert(other.server_.Logins.begin(), other.server_.Logins.end());
-  described_ = "a server with what the fresh and demo scripts make";
+  isUpgrade_ = true;
+}
+
+const char* ServerCheck::Described() const {
+  return isUpgrade_ ? "a server with what the fresh and demo scripts make"
+                    : "a server without the product";
 }
 
 void ServerCheck::Take(const SqlBatch& batch, bool records) {
@@ -16,9 +21,11 @@ void ServerCheck::Take(const SqlBatch& batch, bool records) {
     server_.ApplyNames(batch.Text);
   } catch (const RuntimeError& refusal) {
     const std::string words = refusal.Description.substr(refusal.Description.rfind(']') + 1);
-    if (!Contains(words, "does not exist")) {
-      findings_.Add("SQL-REFUSED", batch.Start, {described_, words});
-    } else if (server_.Doubt().empty()) {
+    // What these scripts make twice is named with both places.
+    const bool exists = Contains(words, "already exists");
+    if (exists ? isUpgrade_ : !Contains(words, "does not exist")) {
+      findings_.Add("SQL-REFUSED", batch.Start, {Described(), words});
+    } else if (!exists && server_.Doubt().empty()) {
       missing_.push_back({words, batch.Start});
     }
   }
@@ -46,7 +53,7 @@ void ServerCheck::End() {
   }
   if (server_.Databases.empty()) return;
   for (const SqlText& missing : missing_) {
-    findings_.Add("SQL-REFUSED", missing.Place, {described_, missing.Text});
+    findings_.Add("SQL-REFUSED", missing.Place, {Described(), missing.Text});
   }
 }
 

@@ -27,6 +27,8 @@ class ServerCheck {
  private:
   void Record(const SqlBatch& batch, bool login);
   bool Has(const std::string& name, bool login) const;
+  /// The server, for a finding.
+  const char* Described() const;
 
   struct Recorded {
     std::string Name;
@@ -36,7 +38,7 @@ class ServerCheck {
 
   SimulatedServer server_;
   Findings& findings_;
-  const char* described_ = "a server without the product";
+  bool isUpgrade_ = false;
   std::vector<Recorded> recorded_;
   std::vector<SqlText> missing_;
 };

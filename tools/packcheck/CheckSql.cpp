@@ -151,7 +151,7 @@ void SqlFollower::TakeName(const sql::Token& name) {
   waiting_ = Waiting::Nothing;
   // Continue as other statements: USE HINT, ALTER DATABASE SCOPED ..., GRANT CREATE DATABASE TO.
   if (name.IsOneOf({"HINT", "PLAN", "SCOPED", "AUDIT", "ENCRYPTION", "TO", "CURRENT"})) return;
-  if (statement_.Login && statement_.Verb != SqlStatement::Kind::Create) return;
+  if (statement_.Login && statement_.Verb == SqlStatement::Kind::Alter) return;
   statement_.Name = name.Raw;
   Facts.Statements.push_back(statement_);
 }

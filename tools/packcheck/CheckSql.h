@@ -10,7 +10,7 @@
 
 namespace talu::packcheck {
 
-/// A statement that names a database or creates a login.
+/// A statement that names a database, or creates or drops a login.
 struct SqlStatement {
   enum class Kind { Create, Alter, Drop, Use };
 

@@ -13,6 +13,10 @@ inline constexpr Rule kConfigurationRules[] = {
      "Save the file as plain 8-bit text in the Windows code page (\"ANSI\").",
      "The file is read byte by byte. A byte-order mark belongs to the first line, which then is no "
      "key any more; in UTF-16 no line is what it looks like."},
+    {"CFG-UTF8", Severity::Warning, "The file is in UTF-8, so the line is read as {0}.",
+     "Save the file in the Windows code page (\"ANSI\").",
+     "The file is read in the Windows code page, in which a letter outside ASCII is one byte. An "
+     "editor may save UTF-8 without a byte-order mark unless told otherwise."},
     {"CFG-LINE-ENDS", Severity::Error,
      "Only a line feed stands behind the line, so it and what follows, up to the next carriage "
      "return, are read as one line.",
@@ -48,6 +52,10 @@ inline constexpr Rule kConfigurationRules[] = {
     {"CFG-KEY-CASE", Severity::Error,
      "The line is not the key {0}, as upper and lower case differ, so the block counts as absent.",
      "Write {0}.", "Keys are compared letter by letter, case included."},
+    {"CFG-KEY-LINE", Severity::Error,
+     "More than the key {0} stands on the line, so it is no key and the block counts as absent.",
+     "Put {0}, \"{\", each value and \"}\" on a line of its own.",
+     "A key line is compared as it stands. Outside of blocks, any other line is passed over."},
     {"CFG-KEY-BEGINNING", Severity::Error,
      "The line stands for {0}, so the next block is read as theirs.",
      "Write the key out or delete the line.",
@@ -112,15 +120,27 @@ inline constexpr Rule kConfigurationRules[] = {
      "DemoDBSript or UpgradeDBSript.",
      "A type of installation is offered when its list of scripts has a line."},
     {"CFG-FOLDER-NAME", Severity::Error,
-     "A folder named {0} cannot be created, so the installation stops at the location page.",
-     "Use a plain folder name: one level, without \\ / : * ? \" < > |.",
-     "AppFolder and DBFolder are names of one folder each, created one level at a time."},
+     "A folder named {0} cannot be created{1}, so the installation stops at the location page.",
+     "Use a plain folder name: one level, without \\ / : * ? \" < > | and tabs, and none of CON, "
+     "PRN, AUX, NUL, COM1 to COM9 and LPT1 to LPT9.",
+     "AppFolder and DBFolder are names of one folder each, created one level at a time. Before "
+     "Windows 11 the names of devices mean these in every folder, whatever their ending."},
+    {"CFG-FOLDER-END", Severity::Error,
+     "Windows makes the folder {0} without the blanks and dots at its end, so {1}.",
+     "Take the blanks and dots at the end away.",
+     "At the end of a path Windows drops blanks and dots, in the middle of one it keeps them, but "
+     "for a single dot. So such a folder is made under one name and looked for under another."},
     {"CFG-FOLDER-TALU", Severity::Warning,
      "The installation folder contains \"\\{0}\" before the application folder is added, so it is "
      "not added: the files go into the TA-LU folder itself, and the shortcuts lead nowhere.",
      "Choose a name that \"TA-LU\" does not begin with.",
      "The application folder is appended only where its name does not occur in the path yet, and "
      "the path always has \\TA-LU in it."},
+    {"CFG-SCRIPT-TWICE", Severity::Warning,
+     "The script is listed in line {0} already, so it runs twice, and where it creates something, "
+     "the build fails.",
+     "Delete one of the lines.",
+     "Scripts run in the order of the list, as often as they are listed."},
     {"CFG-DBSRIPT-FEW", Severity::Warning,
      "DBSript has {0} value(s) and {1} has {2}, so the backup before the build reads only the "
      "first "

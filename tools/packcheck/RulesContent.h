@@ -12,6 +12,17 @@ inline constexpr Rule kContentRules[] = {
      "Put the product's files into a folder Application beside Setup.exe.",
      "Copying, both registrations and the shortcuts are skipped together with a message when the "
      "folder is missing; settings files and add-ons follow all the same."},
+    {"SETUP-MISSING", Severity::Warning,
+     "The pack folder has no Setup.exe, so there is nothing to start.",
+     "Copy Setup.exe into the pack folder.",
+     "Setup.exe takes the folder in which it lies for the pack."},
+    {"APP-LONG-PATH", Severity::Error,
+     "Below C:\\Program Files its path has {0} characters, so {1} is missing after the "
+     "installation, without a message.",
+     "Shorten the names of the file or of the folders above it.",
+     "Windows takes paths of at most 259 characters, and of 247 for a folder that is to be made. "
+     "What cannot be copied is passed over, of a folder with all that is in it. Where the operator "
+     "chooses a longer path than C:\\Program Files, shorter ones are lost as well."},
     {"APP-SHORT-NAME", Severity::Warning,
      "The log reports \"Can't copy\" for {0}, although it is copied.",
      "Give the file a name of at least four characters, its ending included.",
@@ -43,8 +54,12 @@ inline constexpr Rule kContentRules[] = {
      "The word is compared with the last part of each special folder's path, from which the blanks "
      "are taken out; in the word itself they stay. Case does not matter."},
     {"LNK-NAME", Severity::Error, "A shortcut named {0} cannot be saved.",
-     "Use a plain file name, without \\ / : * ? \" < > |.",
+     "Use a plain file name, without \\ / : * ? \" < > | and tabs, and not that of a device (CON, "
+     "NUL, COM1 and the like).",
      "The name becomes the name of a .lnk file."},
+    {"LNK-COMMA", Severity::Warning, "The name ends at its comma, so the shortcut is called {0}.",
+     "Choose a name without a comma.",
+     "The line is divided at every comma; what stands behind the third field is not read."},
     {"DSN-FIELDS", Severity::Error,
      "The line has {0} field(s) instead of five, so an error is logged and the data source is not "
      "tested{1}.",
@@ -57,6 +72,22 @@ inline constexpr Rule kContentRules[] = {
      "Write exactly SQL Server or Microsoft Access Driver (*.mdb).",
      "Only for these two drivers, case included, is a description built. The lines are read from "
      "the last to the first."},
+    {"DSN-COMMA", Severity::Warning,
+     "What stands behind the fifth field is not read, so a password with a comma in it is cut off "
+     "there and its login refused.",
+     "Choose a password without a comma, or delete what is behind it.",
+     "The line is divided at every comma, and there is no way to write one in a field."},
+    {"DSN-DATABASE", Severity::Warning,
+     "No script mentions the database {0}, so the test of the data source fails, and so does the "
+     "product, unless the server has that database already.",
+     "Correct the name, or let a script make the database.",
+     "The name of the database stands in the data source as it stands in the line. The data source "
+     "is tested by opening it."},
+    {"DSN-LOGIN", Severity::Warning,
+     "No script mentions the login {0}, so the test of the data source fails, and so does the "
+     "product, unless the server has that login already.",
+     "Correct the name, or let a script make the login and its user.",
+     "Each data source is tested by opening it with its user and password."},
     {"REG-BACKSLASH", Severity::Error,
      "The folder {0} is glued to the application folder's name, so no component in it is "
      "registered.",
@@ -73,6 +104,12 @@ inline constexpr Rule kContentRules[] = {
      "Delete the line, or put the components there.",
      "Files with .ocx or .dll in their names are registered, in any case and in folders below "
      "too."},
+    {"REG-EXPORT", Severity::Warning,
+     "{0} exports no DllRegisterServer, so regsvr32 registers nothing, without a message.",
+     "Bring a component, or keep the file out of SpecialRegn and out of the folders of "
+     "RegnLocation.",
+     "regsvr32 calls that function of a library. One without it, a .NET library for instance, has "
+     "nothing to register; nor has a file that only has .dll or .ocx in its name."},
     {"REG-WHOLE", Severity::Note,
      "RegnLocation names no folder, so every .ocx and .dll of the application is registered, for "
      "instance {0}.",
@@ -104,6 +141,13 @@ inline constexpr Rule kContentRules[] = {
      "Give the file a name without blanks.",
      "Programs are started by their path without quotes. Windows tries each part up to a blank as "
      "the program. The same holds for the folders above the pack, which the author does not know."},
+    {"ADD-RESTART", Severity::Note,
+     "If {0} asks for a restart, Windows restarts without a question and the installation ends "
+     "there.",
+     "Nothing, if the package never asks for one; else set its property REBOOT to ReallySuppress.",
+     "Packages are installed with /quiet. Without windows to ask in, the Windows Installer "
+     "restarts "
+     "the machine by itself, also where a file that it replaces is in use."},
     {"SET-FIELDS", Severity::Error,
      "The line has {0} field(s) instead of three, so the step ends with an error and the lines "
      "from "

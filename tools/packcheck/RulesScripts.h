@@ -231,6 +231,16 @@ inline constexpr Rule kScriptRules[] = {
      "The file {0} is moved to {1} under the database folder, which nobody creates.",
      "Put all files of the database into one folder.",
      "What stands behind the replaced folder stays. The database folder has no folders inside."},
+    {"SQL-DB-SAME-FILE", Severity::Error,
+     "The file {0} is moved to the same place as {1} ({2}), so its database cannot be created and "
+     "the build fails.",
+     "Give every database file a name of its own.",
+     "Of each path only what stands behind its folder is kept, so two files of one name in two "
+     "folders are one file in the database folder."},
+    {"SQL-CREATE-AGAIN", Severity::Error,
+     "The {0} {1} is created already ({2}), so this fails and the build takes back what it "
+     "created.",
+     "Delete one of the two.", "A failed statement fails the build."},
     {"SQL-BACKUP-NAME", Severity::Warning,
      "The backup takes {0} for the name of a database and sends a BACKUP DATABASE for it, which "
      "does "
