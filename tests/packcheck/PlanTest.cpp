@@ -2,6 +2,7 @@
 
 #include "PackFolder.h"
 #include "Plan.h"
+#include "PlanAccount.h"
 #include "PlanCommand.h"
 
 namespace talu::packcheck {
@@ -37,7 +38,7 @@ class PlanTest : public testing::Test {
   Texts Statements() { return Run()->Machine.Journal.Texts("sql", "text"); }
   std::string Tell(int status, bool json = false) {
     std::ostringstream out;
-    EXPECT_EQ(PlanCommand({options, json, save}, out), status);
+    EXPECT_EQ(PlanCommand({.Run = options, .Json = json, .Save = save}, out), status);
     return out.str();
   }
 
@@ -161,10 +162,66 @@ TEST_F(PlanTest, TellsItToAPerson) {
 }
 
 TEST_F(PlanTest, TellsAnErrorThatNoRequestRaised) {
-  pack.Put("SQLScript/Fresh/f.sql", "--taluGO\r\nCREATE LOGIN Clerk\r\nGO\r\n");
-  EXPECT_NE(Tell(1).find("  error        Invalid procedure call or argument\n  statement 1, f.sql "
-                         "line 2\n"),
-            std::string::npos);
+  struct Case {
+    const char* Script;
+    const char* Told;
+  };
+  const Case cases[] = {
+      {"--taluGO\r\n\r\nPRINT 1\r\nGO\r\nCREATE LOGIN Clerk\r\nGO\r\n",
+       "  error        f.sql line 5: Invalid procedure call or argument\n"
+       "               (the build looks in the batch for a name's end,"},
+      // Its files are moved by then.
+      {"--taluGO\r\nPRINT 1\r\nGO\r\nCREATE DATABASE "
+       "Sales\r\nON(FILENAME='C:\\D\\S.mdf')\r\nGO\r\n",
+       "  error        f.sql line 4: Invalid procedure call or argument\n"},
+      {"--taluGO\r\nALTER DATABASE Sales\r\nGO\r\n",
+       "  error        f.sql line 2: Invalid procedure call or argument\n"
+       "               (the backup looks for a name"},
+      {"--taluLineByLine\r\nPRINT 1\r\n DROP DATABASE\r\nPRINT 2\r\nALTER DATABASE x\r\n",
+       "  error        f.sql line 5: Invalid procedure call or argument\n"},
+  };
+  Configure("FreshDBSript f.sql DBSript 1");
+  options.AcceptAll = true;
+  for (const Case& test : cases) {
+    pack.Put("SQLScript/Fresh/f.sql", test.Script);
+    const std::string told = Tell(1);
+    EXPECT_NE(told.find(test.Told), std::string::npos) << told;
+    EXPECT_EQ(told.find("  error        Inv"), std::string::npos) << told;
+  }
+  pack.Put("Application/a.b", "");
+  EXPECT_NE(Tell(1).find("(a file's name has less than four characters;"), std::string::npos);
+}
+
+TEST_F(PlanTest, ShowsAHundredOfAKindUnlessTold) {
+  Configure("FreshDBSript f.sql");
+  for (int i = 1; i <= 120; ++i) pack.Put("Application/f" + std::to_string(i) + ".txt", "");
+  std::string script = "--taluLineByLine\r\n";
+  for (int i = 0; i < 250; ++i) script += i == 249 ? "PRINT 'last'\r\n" : "PRINT 1\r\n";
+  pack.Put("SQLScript/Fresh/f.sql", script);
+  options.FailSql = {{"last"}};
+  const auto counts = [&](int listed) {
+    std::ostringstream out;
+    PlanCommand({.Run = options, .Listed = listed, .Save = save}, out);
+    const std::string told = out.str();
+    std::string counted;
+    for (const char* part :
+         {"\n  statement ", "\n  file ", "statement    (149 more; --full shows all)",
+          "statement    (249; --full shows all)", "file         (21 more; --full",
+          ", f.sql line 251, fails: ", "\n250 statements (1 failed), "}) {
+      int found = 0;
+      for (std::size_t at = told.find(part); at != std::string::npos;
+           at = told.find(part, at + 1)) {
+        ++found;
+      }
+      counted += std::to_string(found) + " ";
+    }
+    return counted;
+  };
+  EXPECT_EQ(counts(PlanCommandOptions().Listed), "102 0 1 0 0 1 1 ");
+  EXPECT_EQ(counts(PlanAccount::kAll), "250 0 0 0 0 1 1 ");
+  EXPECT_EQ(counts(0), "2 0 0 1 0 1 1 ");
+  options.Mode = InstallMode::Client;
+  EXPECT_EQ(counts(100), "0 101 0 0 1 0 0 ");
 }
 
 TEST_F(PlanTest, SaysWhatItCannotTell) {

@@ -30,7 +30,7 @@ class TroubleTest : public testing::Test {
   }
   int Plan(bool json = false) {
     std::ostringstream out;
-    const int status = PlanCommand({options, json, {}}, out);
+    const int status = PlanCommand({.Run = options, .Json = json, .Save = {}}, out);
     account = out.str();
     return status;
   }

@@ -30,9 +30,15 @@ PlannedRun::PlannedRun(const PlanOptions& options, const Watcher& watcher)
       }
     });
   }
+  Machine.Journal.OnNote = [this](std::string_view what, const std::string& path) {
+    if (what != "open" || !Contains(path, "\\SQLScript\\")) return;
+    scriptPath_ = path;
+    ++scriptsOpened_;
+  };
   Machine.Windows.Run([this] { Main(Wizard); });
   stop_ = PlanOperator(options, Machine.Windows).Play();
   Machine.Journal.Watch({});
+  Machine.Journal.OnNote = {};
 }
 
 void PlannedRun::SetUp(const PlanOptions& options) {

@@ -80,6 +80,10 @@ class PlannedRun {
   /// Why it stopped before; empty when it finished.
   const std::string& Stop() const { return stop_; }
 
+  /// The path of the script that is being read, or was read last, and how many have been opened.
+  const std::string& ScriptPath() const { return scriptPath_; }
+  int ScriptsOpened() const { return scriptsOpened_; }
+
   /// The machine after the installation. Its journal is empty when there is a watcher.
   SimulatedMachine Machine;
   talu::Wizard Wizard;
@@ -88,6 +92,8 @@ class PlannedRun {
   void SetUp(const PlanOptions& options);
 
   std::string stop_;
+  std::string scriptPath_;
+  int scriptsOpened_ = 0;
 };
 
 /// Runs a plan and keeps its journal. Raises as `PlannedRun` does.

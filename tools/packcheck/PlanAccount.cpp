@@ -1,5 +1,6 @@
 #include "PlanAccount.h"
 
+#include <algorithm>
 #include <array>
 #include <iomanip>
 #include <ostream>
@@ -71,7 +72,7 @@ void PlanAccount::Take(PlannedRun& run, const JournalEvent& event) {
   } else if (kind == "delete") {
     Tell("deletes", text("path"), event);
   } else if (kind == "print") {
-    TakePrint(event);
+    TakePrint(run, event);
   } else if (kind == "copy") {
     // A component is copied into a folder, under its own name.
     const std::string from = text("from");
@@ -98,6 +99,7 @@ void PlanAccount::Take(PlannedRun& run, const JournalEvent& event) {
 }
 
 void PlanAccount::TakePage(const PlannedRun& run, const JournalEvent& event) {
+  EndPage();
   connections_ = 0;
   out_ << '\n' << event.Text("form");
   if (const ControlView* title = run.Machine.Windows.Shown("LblTitleMsg")) {
@@ -107,6 +109,14 @@ void PlanAccount::TakePage(const PlannedRun& run, const JournalEvent& event) {
 }
 
 void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
+  const std::string& doubt = run.Machine.Server.Doubt();
+  if (event.Error) {
+    ++counts_["failed sql"];
+  } else if (!doubt.empty()) {
+    ++counts_["doubted sql"];
+  } else if (!Passes("statement")) {
+    return;
+  }
   out_ << "  statement " << counts_["sql"];
   // Statements of no script come from the backup before the build connects, or the rollback.
   if (const auto& origin = run.Wizard.Page<FrmSQLNonQuery>().Build.Executing()) {
@@ -115,10 +125,8 @@ void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
     out_ << (connections_ < 2 ? ", backup" : ", rollback");
   }
   if (event.Error) {
-    ++counts_["failed sql"];
     out_ << ", fails: " << event.Error->Description;
-  } else if (const std::string& doubt = run.Machine.Server.Doubt(); !doubt.empty()) {
-    ++counts_["doubted sql"];
+  } else if (!doubt.empty()) {
     out_ << ", cannot tell " << doubt;
   }
   out_ << '\n'
@@ -126,13 +134,13 @@ void PlanAccount::TakeStatement(PlannedRun& run, const JournalEvent& event) {
        << '\n';
 }
 
-void PlanAccount::TakePrint(const JournalEvent& event) {
+void PlanAccount::TakePrint(PlannedRun& run, const JournalEvent& event) {
   const std::string path = event.Text("path");
   const std::string text = event.Text("text");
   if (path.ends_with("\\Uninstall.dat")) {
     Tell("record", WithoutLineEnds(text), event);
   } else if (path.ends_with("\\Ta-luErrLog.txt")) {
-    TakeLogEntry(text);
+    TakeLogEntry(run, text);
   } else {
     const std::string hidden = Replace(text, options_.Password, kHiddenPassword);
     Tell("writes", path + ": " + WithoutLineEnds(hidden), event);
@@ -140,20 +148,79 @@ void PlanAccount::TakePrint(const JournalEvent& event) {
 }
 
 // Reports errors only. Their entries have a second "//" line before the text and a second line end
-// after it; no other entry has both.
-void PlanAccount::TakeLogEntry(const std::string& entry) {
+// after it; no other entry has both. What stands between is the error and, on the page of the
+// databases, the batch.
+void PlanAccount::TakeLogEntry(PlannedRun& run, const std::string& entry) {
   constexpr std::string_view kHead = "//\r\n//\r\n";
-  if (!entry.starts_with(kHead) || !entry.ends_with("\r\n\r\n\r\n")) return;
-  const std::string error =
-      entry.substr(kHead.size(), entry.find('\r', kHead.size()) - kHead.size());
+  constexpr std::string_view kTail = "\r\n\r\n\r\n";
+  if (!entry.starts_with(kHead) || !entry.ends_with(kTail)) return;
+  const std::size_t end = std::min(entry.find('\r', kHead.size()), entry.size() - kTail.size());
+  const std::string error = entry.substr(kHead.size(), end - kHead.size());
   if (error == std::exchange(lastError_, "")) return;
-  Tell("error", error);
+  std::string told = error;
+  if (end + kCrLf.size() < entry.size() - kTail.size()) {
+    const std::string_view batch = std::string_view(entry).substr(
+        end + kCrLf.size(), entry.size() - kTail.size() - end - kCrLf.size());
+    if (const auto origin = OriginOf(run, batch)) {
+      told = origin->Script + " line " + std::to_string(origin->Line) + ": " + error;
+    }
+  }
+  Tell("error", told + Explained(run, error));
   // The wizard tests every data source over one connection: each after the first gets this entry,
   // which does no harm.
   if (error != "Operation is not allowed when the object is open.") ++failures_;
 }
 
+std::optional<DatabaseBuild::BatchOrigin> PlanAccount::OriginOf(PlannedRun& run,
+                                                                std::string_view batch) {
+  if (placesOf_ != run.ScriptsOpened()) {
+    placesOf_ = run.ScriptsOpened();
+    places_.reset();
+    const std::string& path = run.ScriptPath();
+    const SimulatedDisk::Node* script = run.Machine.Disk.Find(path);
+    if (script == nullptr || script->IsFolder || script->Content->Size > kLongestText) return {};
+    places_.emplace(path.substr(path.rfind('\\') + 1),
+                    run.Machine.CodePage.ToText(script->Content->All()));
+  }
+  if (!places_) return std::nullopt;
+  // The build may log several errors of a batch before it sends it, the backup only one.
+  const bool again = connections_ > 0 && statementsAtPlace_ == counts_["sql"];
+  statementsAtPlace_ = counts_["sql"];
+  return places_->Find(batch, run.Wizard.State.DBFolderPath, again);
+}
+
+/// What an error of the run-time means that says nothing by itself.
+std::string PlanAccount::Explained(const PlannedRun& run, const std::string& error) const {
+  const std::string nothing = StandardDescription(error::kInvalidProcedureCall);
+  if (error.ends_with("-" + nothing)) {
+    return "\r\n(a file's name has less than four characters; it is copied all the same)";
+  }
+  if (error != nothing || run.Machine.Windows.VisibleForm() != "FrmSQLNonQuery") return "";
+  if (connections_ == 0) {
+    return "\r\n(the backup looks for a name in the batch and finds no blank behind it; "
+           "packcheck check tells which)";
+  }
+  return "\r\n(the build looks in the batch for a name's end, a drive or .mdf and does not find "
+         "it; "
+         "packcheck check tells which)";
+}
+
+// Whether this one, which succeeded, is still shown.
+bool PlanAccount::Passes(const char* label) {
+  return ++onPage_[label] <= listed_;
+}
+
+void PlanAccount::EndPage() {
+  for (const auto& [label, count] : onPage_) {
+    if (count <= listed_) continue;
+    out_ << "  " << std::left << std::setw(kLabelWidth) << label << " (" << count - listed_
+         << (listed_ > 0 ? " more" : "") << "; --full shows all)\n";
+  }
+  onPage_.clear();
+}
+
 void PlanAccount::Tell(const char* label, const std::string& text, const JournalEvent& event) {
+  if (!event.Error && !Passes(label)) return;
   Tell(label, event.Error ? text + "  fails: " + event.Error->Description : text);
 }
 
@@ -163,6 +230,7 @@ void PlanAccount::Tell(const char* label, const std::string& text) {
 }
 
 void PlanAccount::End(const PlannedRun& run) {
+  EndPage();
   const Journal& journal = run.Machine.Journal;
   if (!finalMessage_.empty()) Tell("last words", finalMessage_);
   out_ << '\n'

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "PlanAccount.h"
 #include "database/TypeScripts.h"
 #include "runtime/Unicode.h"
 
@@ -129,6 +130,8 @@ std::vector<std::string> Texts(const std::vector<std::string>& arguments) {
 PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments) {
   PlanCommandOptions options;
   options.Json = arguments.Json;
+  if (arguments.Brief) options.Listed = 0;
+  if (arguments.Full) options.Listed = PlanAccount::kAll;
   options.Save = HostPath(arguments.Save);
   PlanOptions& run = options.Run;
   run.Pack = HostFolder("PACK", arguments.Pack);

@@ -25,6 +25,8 @@ struct PlanArguments {
   bool AcceptAll = false;
   bool Twice = false;
   bool Json = false;
+  bool Brief = false;
+  bool Full = false;
   std::string Save;
 };
 

@@ -19,7 +19,7 @@ void RequireEmpty(const std::filesystem::path& folder) {
 int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
   if (!options.Save.empty()) RequireEmpty(options.Save);
   std::ostream nowhere(nullptr);
-  PlanAccount account(options.Run, options.Json ? nowhere : out);
+  PlanAccount account(options.Run, options.Json ? nowhere : out, options.Listed);
   PlannedRun run(options.Run, [&](PlannedRun& sofar, const JournalEvent& event) {
     if (options.Json) out << event.ToJson() << '\n';
     account.Take(sofar, event);

@@ -11,6 +11,8 @@ struct PlanCommandOptions {
   PlanOptions Run;
   /// The journal, one JSON object per line, instead of the account.
   bool Json = false;
+  /// How many of a kind that succeed the account shows of a page; it counts the others.
+  int Listed = 100;
   /// A new or empty host folder for the machine's drives at the end, one folder per drive, without
   /// the pack. Empty: they are not saved.
   std::filesystem::path Save;

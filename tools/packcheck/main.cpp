@@ -36,7 +36,14 @@ CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
   add("PACK", given.Pack, "", "The pack folder")->required();
   add("--type", given.Type, "TYPE", "fresh, demo or upgrade")->required();
   add("--mode", given.Mode, "MODE", "server or client")->required();
-  plan.add_flag("--json", given.Json, "Print the journal, one JSON object a line");
+  CLI::Option* const json =
+      plan.add_flag("--json", given.Json, "Print the journal, one JSON object a line");
+  CLI::Option* const brief = plan.add_flag(
+      "--brief", given.Brief, "Show what fails and count the rest (a page shows 100 of a kind)");
+  plan.add_flag("--full", given.Full, "Show all, however much it is")
+      ->excludes(brief)
+      ->excludes(json);
+  brief->excludes(json);
   add("--save", given.Save, "DIR", "Save the drives at the end into a new folder");
 
   group = "What the operator does";
