@@ -243,6 +243,10 @@ void CheckSettings(CheckedPack& pack, const Configuration& configuration) {
         findings.Add("SET-FOLDER", line.Place(), {Shown(file)});
       }
     }
+    const std::string name = file.substr(file.find_last_of("\\/") + 1);
+    if (HasForbiddenCharacter(name) || IsDeviceName(name)) {
+      findings.Add("SET-NAME", line.Place(), {Shown(file)});
+    }
     if (const auto [earlier, isNew] = written.emplace(UCase(file), line.Number); !isNew) {
       findings.Add("SET-TWICE", line.Place(), {Shown(file), std::to_string(earlier->second)});
     }

@@ -53,6 +53,7 @@ void MadeOnce::TakeNames(const SqlBatch& batch, const SqlFacts& facts) {
 }
 
 void MadeOnce::TakeFiles(const SqlBatch& batch, const SqlFacts& facts) {
+  if (facts.FileNames.empty()) return;
   const std::string folder = MovedFolder(batch.Text);
   if (folder.empty() || HasCondition(batch.Text)) return;
   const auto created = std::ranges::find_if(facts.Statements, [](const SqlStatement& statement) {

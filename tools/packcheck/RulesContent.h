@@ -167,6 +167,12 @@ inline constexpr Rule kContentRules[] = {
      "Put a folder of that name under Application, or write the file somewhere else.",
      "The step creates files, not folders. The application's folders are there by then, and the "
      "database folder."},
+    {"SET-NAME", Severity::Error,
+     "No file named {0} can be made, so the step ends with an error and the lines from here on are "
+     "not written.",
+     "Use a plain file name, without : * ? \" < > | and tabs, and not that of a device (CON.txt, "
+     "NUL.txt and the like).",
+     "The step has no way to go on after an error."},
     {"SET-TWICE", Severity::Warning,
      "The file {0} is written anew, so what line {1} wrote is lost.", "Use a file for each value.",
      "Each line deletes its file and writes one line into a new one."},
