@@ -101,6 +101,8 @@ TEST(LateBound, RaisesWhateverWayAnObjectTellsOfItsFailure) {
   object.Info = {};
   object.Info.scode = static_cast<SCODE>(0x800A0E79);
   EXPECT_TRUE(raised().starts_with("3705 ")) << raised();
+  object.Info = {};
+  EXPECT_TRUE(raised().starts_with(std::to_string(DISP_E_EXCEPTION) + " ")) << raised();
   object.Result = DISP_E_BADPARAMCOUNT;
   EXPECT_TRUE(raised().starts_with(std::to_string(DISP_E_BADPARAMCOUNT) + " ")) << raised();
 }

@@ -45,9 +45,10 @@ std::int32_t ShortNumber(HRESULT code) {
   std::string description = TakeText(failure.bstrDescription);
   std::string source = TakeText(failure.bstrSource);
   SysFreeString(failure.bstrHelpFile);
-  // Objects give either an HRESULT or a short number.
+  // Objects give an HRESULT, a short number, or nothing.
   if (failure.wCode == 0) {
-    Raise(failure.scode, std::move(description), std::move(source));
+    Raise(failure.scode != 0 ? failure.scode : DISP_E_EXCEPTION, std::move(description),
+          std::move(source));
   } else {
     if (description.empty()) description = StandardDescription(failure.wCode);
     throw RuntimeError(failure.wCode, std::move(description), std::move(source));
