@@ -59,12 +59,15 @@ InstallBelow Middle
 Pack 'FreshDBSript=Build.sql|Rows.sql'
 { Create && printf '%s\nGO\n' 'USE One' $'CREATE TABLE Broken (\n  Id INT)' 'CREATE TABLE Whole (Id INT)'; } |
   Script Build.sql
-Script Rows.sql <<<$'--taluLineByLine\nINSERT INTO Whole VALUES (1)'
+# Nobody reads its rows, so the second one's error stays with the driver.
+Unread='SELECT Id FROM Whole DROP DATABASE NoSuch'
+Script Rows.sql <<<$'--taluLineByLine\nINSERT INTO Whole VALUES (1)\n'"$Unread"
 Play "@install Server; message [FreeTDS][SQL Server]the middle breaks; $Failed"
 Is 'the statements' "CREATE TABLE Broken ( / Id INT)
 CREATE TABLE Whole (Id INT)
 INSERT INTO Whole VALUES (1)
-$(Dropped)" "$(Statements | tail -n 11)"
+$Unread
+$(Dropped)" "$(Statements | tail -n 12)"
 AreThere ''
 LogIs <<END
 $(LogBegin)

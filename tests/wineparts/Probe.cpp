@@ -3,6 +3,8 @@
 //
 //   new NAME CLASS                    makes an object
 //   call|get|put|bind NAME MEMBER ARGUMENTS
+//                                     an object that comes back has the name `it`
+//   drop NAME                         lets an object go; answers how many are alive
 //   dsn REQUEST DRIVER ATTRIBUTES     SQLConfigDataSource; "|" stands for the NUL between pairs
 //
 // Arguments are separated by "|": a whole number, "-" (left out), "@NAME" (an object), "*N" (a
@@ -75,6 +77,10 @@ VARIANT Argument(const std::string& text) {
   return value;
 }
 
+void Drop(const std::string& name) {
+  if (const auto object = objects.extract(name)) object.mapped()->Release();
+}
+
 std::string Call(WORD kind, IDispatch* object, const std::string& member,
                  const std::string& arguments) {
   std::vector<std::wstring> names{Wide(member)};
@@ -114,6 +120,11 @@ std::string Call(WORD kind, IDispatch* object, const std::string& member,
   }
   if (FAILED(code)) return Hex(code);
   if (V_VT(&result) == VT_EMPTY) return "ok";
+  if (V_VT(&result) == VT_DISPATCH) {
+    Drop("it");
+    objects["it"] = V_DISPATCH(&result);
+    return "ok";
+  }
   return SUCCEEDED(VariantChangeType(&result, &result, 0, VT_BSTR)) ? Narrow(V_BSTR(&result)) : "?";
 }
 
@@ -131,6 +142,11 @@ std::string Run(const std::string& line) {
     rest = Narrow(Wide(rest), CP_ACP) + std::string(2, '\0');
     const auto request = static_cast<WORD>(std::stoi(name));
     return SQLConfigDataSource(nullptr, request, member.c_str(), rest.c_str()) ? "ok" : "refused";
+  }
+  if (verb == "drop") {
+    Drop(name);
+    const FARPROC alive = GetProcAddress(GetModuleHandleW(L"wineado"), "ObjectsAlive");
+    return std::to_string(alive());
   }
   words >> member;
   if (verb == "new") {

@@ -10,25 +10,12 @@ namespace talu::wine {
 
 namespace {
 
-/// A value converted to another type, freed at the end of its scope.
-class Converted {
- public:
-  Converted(VARIANT& value, VARTYPE type) {
-    const HRESULT code = VariantChangeType(&value_, &value, 0, type);
-    if (FAILED(code)) throw BadCall{code};
-  }
-  ~Converted() { VariantClear(&value_); }
-  Converted(const Converted&) = delete;
-  Converted& operator=(const Converted&) = delete;
+constexpr WORD kPuts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
 
-  const VARIANT& Value() const { return value_; }
+std::atomic<int> alive = 0;
 
- private:
-  VARIANT value_{};
-};
-
-std::wstring TextOf(const VARIANT& value) {
-  return {V_BSTR(&value), SysStringLen(V_BSTR(&value))};
+void Require(const VARIANT& value, VARTYPE type) {
+  if (V_VT(&value) != type) throw BadCall{DISP_E_TYPEMISMATCH};
 }
 
 bool SameName(const wchar_t* left, const wchar_t* right) {
@@ -47,7 +34,8 @@ void Report(const AutomationError& failure, EXCEPINFO& error) {
 Arguments::Arguments(const DISPPARAMS& given, std::size_t parameterCount)
     : values_(parameterCount) {
   // Named arguments come first; the others follow in reverse order.
-  if (given.cArgs > parameterCount) throw BadCall{DISP_E_BADPARAMCOUNT};
+  if (given.cArgs > parameterCount || given.cNamedArgs > given.cArgs)
+    throw BadCall{DISP_E_BADPARAMCOUNT};
   for (UINT i = 0; i < given.cArgs; ++i) {
     std::size_t position = given.cArgs - 1 - i;
     if (i < given.cNamedArgs) {
@@ -66,30 +54,33 @@ bool Arguments::Has(std::size_t position) const {
 
 std::wstring Arguments::Text(std::size_t position) const {
   if (!Has(position)) return {};
-  VARIANT& value = *values_[position];
-  // A batch of a script may have 100 MB, so it is copied no more than needed.
-  if (V_VT(&value) == VT_BSTR) return TextOf(value);
-  return TextOf(Converted(value, VT_BSTR).Value());
+  const VARIANT& value = *values_[position];
+  Require(value, VT_BSTR);
+  return {V_BSTR(&value), SysStringLen(V_BSTR(&value))};
 }
 
 long Arguments::Number(std::size_t position, long otherwise) const {
   if (!Has(position)) return otherwise;
-  return V_I4(&Converted(*values_[position], VT_I4).Value());
+  Require(*values_[position], VT_I4);
+  return V_I4(values_[position]);
 }
 
 IUnknown* Arguments::Object(std::size_t position) const {
   if (!Has(position)) return nullptr;
-  VARIANT& value = *values_[position];
-  switch (V_VT(&value)) {
-    case VT_DISPATCH:
-    case VT_UNKNOWN:
-      return V_UNKNOWN(&value);
-    case VT_DISPATCH | VT_BYREF:
-    case VT_UNKNOWN | VT_BYREF:
-      return *V_UNKNOWNREF(&value);
-    default:
-      return nullptr;
-  }
+  Require(*values_[position], VT_DISPATCH);
+  return V_DISPATCH(values_[position]);
+}
+
+DispatchObject::DispatchObject(std::vector<Member> members) : members_(std::move(members)) {
+  ++alive;
+}
+
+DispatchObject::~DispatchObject() {
+  --alive;
+}
+
+int DispatchObject::Alive() {
+  return alive;
 }
 
 STDMETHODIMP DispatchObject::QueryInterface(REFIID id, void** object) {
@@ -107,7 +98,7 @@ STDMETHODIMP_(ULONG) DispatchObject::AddRef() {
 
 STDMETHODIMP_(ULONG) DispatchObject::Release() {
   const ULONG left = --references_;
-  if (left == 0) delete this;
+  if (left == 0 && IsInItsThread()) delete this;
   return left;
 }
 
@@ -122,7 +113,10 @@ STDMETHODIMP DispatchObject::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
   return DISP_E_BADINDEX;
 }
 
-STDMETHODIMP DispatchObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
+STDMETHODIMP DispatchObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID,
+                                           DISPID* ids) {
+  if (!IsInItsThread()) return RPC_E_WRONG_THREAD;
+  if (!IsEqualIID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
   std::fill(ids, ids + count, DISPID_UNKNOWN);
   const auto member = std::find_if(members_.begin(), members_.end(), [&](const Member& candidate) {
     return SameName(candidate.Name, names[0]);
@@ -155,13 +149,21 @@ const Member* DispatchObject::Find(DISPID id, WORD kinds) const {
   return nullptr;
 }
 
-STDMETHODIMP DispatchObject::Invoke(DISPID id, REFIID, LCID, WORD kinds, DISPPARAMS* given,
+STDMETHODIMP DispatchObject::Invoke(DISPID id, REFIID reserved, LCID, WORD kinds, DISPPARAMS* given,
                                     VARIANT* result, EXCEPINFO* error, UINT*) {
+  if (!IsInItsThread()) return RPC_E_WRONG_THREAD;
+  if (!IsEqualIID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
   const Member* member = Find(id, kinds);
   if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
   try {
     VARIANT answer{};
-    member->Run(Arguments(*given, member->Parameters.size()), answer);
+    const Arguments arguments(*given, member->Parameters.size());
+    // A new value goes by this name, by reference as well.
+    if ((member->Kinds & kPuts) != 0 &&
+        (given->cNamedArgs != 1 || *given->rgdispidNamedArgs != DISPID_PROPERTYPUT ||
+         !arguments.Has(0)))
+      return DISP_E_PARAMNOTOPTIONAL;
+    member->Run(arguments, answer);
     if (result != nullptr) {
       *result = answer;
     } else {
@@ -191,6 +193,13 @@ VARIANT NumberResult(long number) {
   VARIANT result{};
   V_VT(&result) = VT_I4;
   V_I4(&result) = number;
+  return result;
+}
+
+VARIANT ObjectResult(IDispatch* object) {
+  VARIANT result{};
+  V_VT(&result) = VT_DISPATCH;
+  V_DISPATCH(&result) = object;
   return result;
 }
 

@@ -23,7 +23,7 @@ struct BadCall {
 };
 
 /// The arguments of one call, by the position of the member's parameters, whether given by position
-/// or by name.
+/// or by name. The library itself converts values; here they must have the parameter's own type.
 class Arguments {
  public:
   /// Raises `BadCall` when `given` names or counts more than `parameterCount` parameters.
@@ -31,11 +31,11 @@ class Arguments {
 
   /// Whether the caller gave this argument: an optional one may be left out in two ways.
   bool Has(std::size_t position) const;
-  /// Empty when omitted. Raises `BadCall` when the value has no text.
+  /// Empty when omitted. Raises `BadCall` when the value is not a text.
   std::wstring Text(std::size_t position) const;
   /// `otherwise` when omitted. Raises `BadCall` when the value is not a number.
   long Number(std::size_t position, long otherwise = 0) const;
-  /// Null when the argument is not an object or contains none.
+  /// Null when omitted, or the value contains none. Raises `BadCall` when it is not an object.
   IUnknown* Object(std::size_t position) const;
 
  private:
@@ -54,8 +54,12 @@ struct Member {
 };
 
 /// A late-bound object: all members are used by name. It counts its references and deletes itself.
+/// It serves the thread only that made it, its apartment; let go by another one, it stays alive.
 class DispatchObject : public IDispatch {
  public:
+  /// How many objects there are.
+  static int Alive();
+
   DispatchObject(const DispatchObject&) = delete;
   DispatchObject& operator=(const DispatchObject&) = delete;
 
@@ -71,19 +75,23 @@ class DispatchObject : public IDispatch {
 
  protected:
   /// Members with the same name (a property's get and put) differ in their kinds.
-  explicit DispatchObject(std::vector<Member> members) : members_(std::move(members)) {}
-  virtual ~DispatchObject() = default;
+  explicit DispatchObject(std::vector<Member> members);
+  virtual ~DispatchObject();
 
  private:
   const Member* Find(DISPID id, WORD kinds) const;
+  bool IsInItsThread() const { return GetCurrentThreadId() == thread_; }
 
   std::vector<Member> members_;
   std::atomic<ULONG> references_ = 1;
+  DWORD thread_ = GetCurrentThreadId();
 };
 
 /// A text as a result. The caller of `Invoke` owns it.
 VARIANT TextResult(const std::wstring& text);
 /// A whole number as a result.
 VARIANT NumberResult(long number);
+/// An object as a result; it takes over the reference.
+VARIANT ObjectResult(IDispatch* object);
 
 }  // namespace talu::wine

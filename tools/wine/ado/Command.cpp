@@ -4,6 +4,7 @@
 
 #include "Connection.h"
 #include "Errors.h"
+#include "Recordset.h"
 
 namespace talu::wine {
 
@@ -21,7 +22,7 @@ long DefaultTimeout() {
 Command::Command()
     : DispatchObject({
           {L"ActiveConnection",
-           DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF,
+           DISPATCH_PROPERTYPUTREF,
            {L"Value"},
            [this](const Arguments& arguments, VARIANT&) { PutActiveConnection(arguments); }},
           {L"CommandTimeout",
@@ -43,7 +44,7 @@ Command::Command()
           {L"Execute",
            DISPATCH_METHOD,
            {L"RecordsAffected", L"Parameters", L"Options"},
-           [this](const Arguments& arguments, VARIANT&) { Execute(arguments); }},
+           [this](const Arguments& arguments, VARIANT& result) { result = Execute(arguments); }},
       }),
       timeout_(DefaultTimeout()) {}
 
@@ -66,12 +67,14 @@ void Command::PutTimeout(const Arguments& arguments) {
   timeout_ = seconds;
 }
 
-void Command::Execute(const Arguments& arguments) const {
-  if (!session_ || !session_->IsOpen()) throw InvalidConnection(kClassName);
+VARIANT Command::Execute(const Arguments& arguments) const {
+  // Automation looks at the arguments before the object does at its state.
   const bool wantsMore = arguments.Has(0) || arguments.Has(1) || arguments.Number(2, -1) != -1;
   if (wantsMore) throw FeatureNotAvailable(kClassName);
+  if (!session_ || !session_->IsOpen()) throw InvalidConnection(kClassName);
   if (text_.empty()) throw NoCommandText(kClassName);
-  session_->Execute(text_, timeout_);
+  const bool hasRows = session_->Execute(text_, timeout_);
+  return ObjectResult(new Recordset(hasRows ? session_ : nullptr));
 }
 
 }  // namespace talu::wine

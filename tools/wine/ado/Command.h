@@ -8,7 +8,8 @@
 
 namespace talu::wine {
 
-/// "ADODB.Command": ActiveConnection, CommandTimeout, CommandText, Execute. It keeps the session of
+/// "ADODB.Command": ActiveConnection, by reference only, CommandTimeout, CommandText, Execute,
+/// which returns the first rows, or a closed recordset when there are none. It keeps the session of
 /// the connection that it was bound to: closing the connection unbinds it, opening that again does
 /// not bind it anew. Its time-out is the data-access library's 30 s until it is set, or what the
 /// variable WINEADO_COMMAND_TIMEOUT says, for a test that has less time.
@@ -19,7 +20,7 @@ class Command : public DispatchObject {
  private:
   void PutActiveConnection(const Arguments& arguments);
   void PutTimeout(const Arguments& arguments);
-  void Execute(const Arguments& arguments) const;
+  VARIANT Execute(const Arguments& arguments) const;
 
   std::shared_ptr<OdbcSession> session_;
   /// In seconds.

@@ -59,6 +59,11 @@ STDAPI DllGetClassObject(REFCLSID wanted, REFIID id, void** object) {
   return CLASS_E_CLASSNOTAVAILABLE;
 }
 
+/// For tests: how many objects have not been let go.
+STDAPI_(int) ObjectsAlive() {
+  return talu::wine::DispatchObject::Alive();
+}
+
 /// Never: the library stays until its process ends.
 STDAPI DllCanUnloadNow() {
   return S_FALSE;

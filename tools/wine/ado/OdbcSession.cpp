@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "Automation.h"
@@ -124,11 +125,15 @@ class Statement {
       throw ProviderError(StatementNumber(cause), cause.Text);
     }
   }
-  ~Statement() { SQLFreeHandle(SQL_HANDLE_STMT, handle_); }
+  ~Statement() {
+    if (handle_ != nullptr) SQLFreeHandle(SQL_HANDLE_STMT, handle_);
+  }
   Statement(const Statement&) = delete;
   Statement& operator=(const Statement&) = delete;
 
   SQLHANDLE Handle() const { return handle_; }
+  /// The caller frees it.
+  SQLHANDLE Keep() { return std::exchange(handle_, nullptr); }
 
  private:
   SQLHANDLE handle_ = nullptr;
@@ -163,14 +168,24 @@ OdbcSession::~OdbcSession() {
 
 void OdbcSession::Close() {
   if (connection_ == nullptr) return;
+  Discard();
   SQLDisconnect(connection_);
   SQLFreeHandle(SQL_HANDLE_DBC, connection_);
   SQLFreeHandle(SQL_HANDLE_ENV, environment_);
   connection_ = nullptr;
 }
 
-void OdbcSession::Execute(const std::wstring& batch, int timeout) {
-  const Statement statement(connection_);
+void OdbcSession::Discard() {
+  if (rows_ != nullptr) SQLFreeHandle(SQL_HANDLE_STMT, std::exchange(rows_, nullptr));
+}
+
+bool OdbcSession::Execute(const std::wstring& batch, int timeout) {
+  if (HasRows()) {
+    // The provider would quietly open a second connection, with another current database.
+    throw ProviderError(kUnspecifiedFailure,
+                        L"Connection is busy with results for another command");
+  }
+  Statement statement(connection_);
   SQLSetStmtAttrW(statement.Handle(), SQL_ATTR_QUERY_TIMEOUT,
                   AsPointer(static_cast<std::uintptr_t>(timeout)), 0);
   // A text ends at its first NUL, as with OLE DB, whose commands take no length. The interface is
@@ -180,10 +195,20 @@ void OdbcSession::Execute(const std::wstring& batch, int timeout) {
 
   // A first statement that changed no row returns "no data"; others may follow it.
   if (code == SQL_NO_DATA) code = SQL_SUCCESS;
-  // The error of a later statement arrives with its own result. The driver manager ends the results
-  // with the first error.
-  while (SQL_SUCCEEDED(code)) code = SQLMoreResults(statement.Handle());
-  if (code == SQL_NO_DATA) return;
+  // ADO executes up to the first recordset only, as the documentation of NextRecordset says. Counts
+  // of rows are none with this provider: an error behind them is raised (knowledge base, 254304),
+  // and a backup that tells its progress comes to its end. The driver manager ends the results with
+  // the first error.
+  while (SQL_SUCCEEDED(code)) {
+    SQLSMALLINT columns = 0;
+    SQLNumResultCols(statement.Handle(), &columns);
+    if (columns > 0) {
+      rows_ = statement.Keep();
+      return true;
+    }
+    code = SQLMoreResults(statement.Handle());
+  }
+  if (code == SQL_NO_DATA) return false;
   const Diagnostic cause = Cause(SQL_HANDLE_STMT, statement.Handle());
   throw ProviderError(StatementNumber(cause), cause.Text);
 }

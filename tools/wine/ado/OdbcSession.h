@@ -22,14 +22,21 @@ class OdbcSession {
   void Close();
   bool IsOpen() const { return connection_ != nullptr; }
 
-  /// Runs a batch to its end, discards its rows, and raises its first error: 0x80040E14, or the
-  /// more specific number where the provider has one; 0x80040E31 after `timeout` (seconds, 0 for
-  /// none); 0x80004005 when the server is gone.
-  void Execute(const std::wstring& batch, int timeout);
+  /// Runs a batch to its first rows, which stay unread, and returns true; or to its end when it has
+  /// none. Raises the first error on the way: 0x80040E14, or the more specific number where the
+  /// provider has one; 0x80040E31 after `timeout` (seconds, 0 for none); 0x80004005 when the server
+  /// is gone, or rows of an earlier batch are unread.
+  bool Execute(const std::wstring& batch, int timeout);
+  bool HasRows() const { return rows_ != nullptr; }
+  /// Ends the batch whose rows are unread: statements that the server has not come to are not run,
+  /// and errors of those that it has come to are lost.
+  void Discard();
 
  private:
   HANDLE environment_ = nullptr;
   HANDLE connection_ = nullptr;
+  /// The statement with unread rows.
+  HANDLE rows_ = nullptr;
 };
 
 }  // namespace talu::wine
