@@ -70,6 +70,7 @@ TEST_F(PlanArgumentsTest, FaultsAreToldByOption) {
       {&PlanArguments::InstallPath, "\\\\server\\share", "--install-path: "},
       {&PlanArguments::PackPath, "D:Pack", "--pack-path: "},
       {&PlanArguments::Disk, "/nowhere", "--disk: "},
+      {&PlanArguments::Compare, "/nowhere", "--compare: "},
       {&PlanArguments::FailRequest, "0", "--fail-request: "},
       {&PlanArguments::FailRequest, "99999999999", "--fail-request: "},
       {&PlanArguments::SpecialFolders, "/nowhere", "--special-folders: cannot read /nowhere"},
@@ -85,6 +86,9 @@ TEST_F(PlanArgumentsTest, FaultsAreToldByOption) {
   given.Type = "fresh";
   given.OldPath = "C:\\Old";
   EXPECT_EQ(Error(), "--old-path goes with --type upgrade only");
+  given.OldPath.clear();
+  given.Compare = given.Pack;
+  EXPECT_EQ(Error(), "--compare wants --install-path with a folder of C:");
 }
 
 TEST(Passwords, AreHiddenWhereTheFormGivesThemAway) {

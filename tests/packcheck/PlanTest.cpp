@@ -38,13 +38,16 @@ class PlanTest : public testing::Test {
   Texts Statements() { return Run()->Machine.Journal.Texts("sql", "text"); }
   std::string Tell(int status, bool json = false) {
     std::ostringstream out;
-    EXPECT_EQ(PlanCommand({.Run = options, .Json = json, .Save = save}, out), status);
+    EXPECT_EQ(
+        PlanCommand({.Run = options, .Json = json, .Save = save, .Compare = compare}, out),
+        status);
     return out.str();
   }
 
   HostFolder pack;
   PlanOptions options;
   std::filesystem::path save;
+  std::filesystem::path compare;
 };
 
 TEST_F(PlanTest, GoesTheWayOfTypeAndMode) {
@@ -128,6 +131,43 @@ TEST_F(PlanTest, OldFolderIsTickedAndBackedUpAndItsDiskMayBeOfAnEarlierRun) {
             "help");
   EXPECT_NE(saved.Get(app + "Uninstall.dat").find("DBNames:1, Sales"), std::string::npos);
   EXPECT_THROW(Tell(0), std::runtime_error) << "what was saved is not overwritten";
+}
+
+TEST_F(PlanTest, TellsWhatAMachineHasOtherwise) {
+  Configure("FreshDBSript f.sql WriteSettings \\c.txt,Pw=,password",
+            Block("Shotcut", "\\Help.txt,Desktop,Help\r\n"));
+  pack.Put("Application/Sub/Picture.bin", std::string("\0\1", 2));
+  pack.Put("Application/First.bkp", "the pack's");
+  options.InstallPath = "C:\\In\\Here";
+  options.Password = "secret";
+  HostFolder machine;
+  save = machine.Path / "saved";
+  Tell(0);
+  save.clear();
+  compare = machine.Path / "saved" / "C";
+  const std::string app = "saved/C/In/Here/TA-LU/App/";
+  machine.Put(app + "Data/Sales.mdf", "the server's");
+  machine.Put(app + "First.bkp", "the server's");
+  EXPECT_EQ(Tell(0), "11 files and folders and 1 shortcuts are as planned\n");
+
+  machine.Put(app + "More.txt", "");
+  machine.Put(app + "Sub/Picture.bin", std::string("\0\2", 2));
+  machine.Put(app + "c.txt", "Pw=secreT\r\n");
+  std::string log = machine.Get(app + "Ta-luErrLog.txt");
+  log.replace(log.find("Started"), 7, "Planned");
+  machine.Put(app + "Ta-luErrLog.txt", log);
+  for (const char* gone : {"In/Here/TA-LU/App/First.bkp", "In/Here/TA-LU/App/Help.txt",
+                           "Users/Public/Desktop/Help.lnk"}) {
+    std::filesystem::remove(compare / gone);
+  }
+  const std::string below = "C:\\In\\Here\\TA-LU\\App\\";
+  EXPECT_EQ(
+      Tell(1),
+      below + "c.txt differs in line 1, which has a password\n" + below + "First.bkp is missing\n" +
+          below + "Help.txt is missing\n" + below + "Sub\\Picture.bin differs\n" + below +
+          "Ta-luErrLog.txt differs in line 2: \"Installation Started...\" is planned, "
+          "\"Installation Planned...\" there\n" +
+          below + "More.txt is not planned\nC:\\Users\\Public\\Desktop\\Help.lnk is missing\n");
 }
 
 TEST_F(PlanTest, TellsItToAPerson) {

@@ -30,7 +30,7 @@ class TroubleTest : public testing::Test {
   }
   int Plan(bool json = false) {
     std::ostringstream out;
-    const int status = PlanCommand({.Run = options, .Json = json, .Save = {}}, out);
+    const int status = PlanCommand({.Run = options, .Json = json, .Save = {}, .Compare = {}}, out);
     account = out.str();
     return status;
   }

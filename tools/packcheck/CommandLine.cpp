@@ -1,5 +1,8 @@
 #include "CommandLine.h"
 
+#include <cstdlib>
+#include <stdexcept>
+
 #ifdef _WIN32
 #include <windows.h>
 // Needs windows.h before it.
@@ -46,5 +49,20 @@ std::vector<std::string> Utf8Arguments(int count, char** arguments) {
   return result;
 }
 #endif
+
+std::string Utf8Environment(const std::string& name) {
+#ifdef _WIN32
+  const auto* const wide =
+      _wgetenv(std::filesystem::path(std::u8string(name.begin(), name.end())).c_str());
+  const std::u8string text = std::filesystem::path(wide != nullptr ? wide : L"").u8string();
+  std::string value(text.begin(), text.end());
+#else
+  const char* const text = std::getenv(name.c_str());
+  std::string value = text != nullptr ? text : "";
+#endif
+  if (value.empty())
+    throw std::runtime_error("--password-from: there is no " + name + " in the environment");
+  return value;
+}
 
 }  // namespace talu::packcheck

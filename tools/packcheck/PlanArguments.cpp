@@ -155,6 +155,12 @@ PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments) {
   run.CodePage = arguments.CodePage;
   if (!arguments.Now.empty()) run.Now = TimeOf(arguments.Now);
   if (!arguments.Disk.empty()) run.Disk = HostFolder("--disk", arguments.Disk);
+  if (!arguments.Compare.empty()) {
+    options.Compare = HostFolder("--compare", arguments.Compare);
+    if (!run.InstallPath.starts_with("C:\\")) {
+      throw std::runtime_error("--compare wants --install-path with a folder of C:");
+    }
+  }
   run.Databases = Texts(arguments.Databases);
   run.Logins = Texts(arguments.Logins);
   for (const std::string& text : arguments.FailSql) run.FailSql.push_back(FailureOf(text));

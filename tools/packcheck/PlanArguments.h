@@ -13,7 +13,7 @@ struct PlanArguments {
   std::string Pack;
   std::string Type;
   std::string Mode;
-  std::string Server, User, InstallPath, OldPath, PackPath, Now, Disk;
+  std::string Server, User, InstallPath, OldPath, PackPath, Now, Disk, Compare;
   std::optional<std::string> Password;
   std::vector<std::string> Databases;
   std::vector<std::string> Logins;

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "PlanAccount.h"
+#include "PlanComparison.h"
 
 namespace talu::packcheck {
 namespace {
@@ -19,13 +20,17 @@ void RequireEmpty(const std::filesystem::path& folder) {
 int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
   if (!options.Save.empty()) RequireEmpty(options.Save);
   std::ostream nowhere(nullptr);
-  PlanAccount account(options.Run, options.Json ? nowhere : out, options.Listed);
+  const bool compare = !options.Compare.empty();
+  PlanAccount account(options.Run, options.Json || compare ? nowhere : out, options.Listed);
+  std::vector<std::string> shortcuts;
   PlannedRun run(options.Run, [&](PlannedRun& sofar, const JournalEvent& event) {
     if (options.Json) out << event.ToJson() << '\n';
+    if (event.Kind == "shortcut" && !event.Error) shortcuts.push_back(event.Text("path"));
     account.Take(sofar, event);
   });
   account.End(run);
   if (!options.Save.empty()) run.Machine.Disk.SaveTo(options.Save, options.Run.PackPath);
+  if (compare) return IsAsPlanned(run, options.Run, shortcuts, options.Compare, out) ? 0 : 1;
   return run.Finished() && account.Failures() == 0 ? 0 : 1;
 }
 

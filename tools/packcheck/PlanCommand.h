@@ -16,10 +16,14 @@ struct PlanCommandOptions {
   /// A new or empty host folder for the machine's drives at the end, one folder per drive, without
   /// the pack. Empty: they are not saved.
   std::filesystem::path Save;
+  /// A host folder that is C: of a machine after the same installation: what differs is told in
+  /// place of the account. Empty: nothing is compared.
+  std::filesystem::path Compare;
 };
 
 /// Plans an installation and describes it on `out`, in UTF-8, as it runs. Returns 0 when it reached
-/// Finish and nothing failed, 1 when the wizard stopped before or something is reported as failed.
+/// Finish and nothing failed, 1 when the wizard stopped before or something is reported as failed;
+/// of a comparison 0 when all is as planned, 1 otherwise.
 /// Raises std::runtime_error with a line for the user when it cannot be planned or saved.
 int PlanCommand(const PlanCommandOptions& options, std::ostream& out);
 

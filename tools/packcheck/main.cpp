@@ -45,11 +45,19 @@ CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
       ->excludes(json);
   brief->excludes(json);
   add("--save", given.Save, "DIR", "Save the drives at the end into a new folder");
+  add("--compare", given.Compare, "DIR",
+      "A folder that is C: of a machine after this installation: tell what differs from the plan");
 
   group = "What the operator does";
   add("--server", given.Server, "NAME", "Type this database server (SERVER)");
   add("--user", given.User, "NAME", "Type this SQL user (sa)");
   add("--password", given.Password, "TEXT", "Type this password (password)");
+  plan.add_option_function<std::string>(
+          "--password-from",
+          [&](const std::string& name) { given.Password = Utf8Environment(name); },
+          "Type what this environment variable holds")
+      ->type_name("NAME")
+      ->group(group);
   add("--install-path", given.InstallPath, "PATH",
       "Browse for this folder (what the page shows, else C:\\Program Files)");
   add("--old-path", given.OldPath, "PATH",
