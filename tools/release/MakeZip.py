@@ -37,13 +37,31 @@ def page(root, name):
     return frame.replace("@TITLE@", html.escape(title)).replace("@BODY@", body)
 
 
+def steady(package):
+    """An .msi as if it were always made at the same time: wixl gives it a new code and the current time."""
+    time = (119600064 * 10**9).to_bytes(8, "little")
+    code = b"{7C1E0B52-94D3-4F68-A2B7-51E60D8F3C94}"
+    package, found = re.subn(rb"\{[0-9A-F-]{36}\}(\0\0@\0\0\0).{8}(@\0\0\0).{8}",
+                             lambda match: code + match[1] + time + match[2] + time, package, flags=re.DOTALL)
+    assert found == 1, "the .msi is not as wixl writes it"
+    return package
+
+
 def contents(root):
     built = root / "build/win32"
     files = {
         "packcheck.exe": (built / "tools/packcheck/packcheck.exe").read_bytes(),
         "drive.exe": (built / "tools/drive/drive.exe").read_bytes(),
         "Pack/Setup.exe": (built / "src/platform/win32/Setup.exe").read_bytes(),
+        "Check/win32_tests.exe": (built / "tests/win32/win32_tests.exe").read_bytes(),
     }
+    for name in ("check-this-machine.cmd", "Check/Check.js"):
+        text = (root / "tools/release" / pathlib.Path(name).name).read_bytes()
+        files[name] = text.replace(b"\n", b"\r\n")
+    sample = built / "samples/SalesDesk/pack"
+    for path in filter(pathlib.Path.is_file, sample.rglob("*")):
+        data = path.read_bytes()
+        files[f"Check/Pack/{path.relative_to(sample)}"] = steady(data) if path.suffix == ".msi" else data
     # Other files in the folder are not part of the release.
     starter = root / "samples/Starter"
     tracked = subprocess.run(["git", "-C", starter, "ls-files", "-z"], capture_output=True, text=True, check=True)
