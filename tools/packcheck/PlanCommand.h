@@ -15,10 +15,10 @@ struct PlanCommandOptions {
   int Listed = 100;
   /// A new or empty host folder for the machine's drives at the end, one folder per drive, without
   /// the pack. Empty: they are not saved.
-  std::filesystem::path Save;
+  std::filesystem::path Save = {};
   /// A host folder that is C: of a machine after the same installation: what differs is told in
   /// place of the account. Empty: nothing is compared.
-  std::filesystem::path Compare;
+  std::filesystem::path Compare = {};
 };
 
 /// Plans an installation and describes it on `out`, in UTF-8, as it runs. Returns 0 when it reached
