@@ -11,24 +11,24 @@ TEST_F(ConfigurationTest, ReadersTakeBlocksByTheReversedPrefixTest) {
     std::string file;
     const char* key;
     int count;
-    std::vector<std::string> values;  // from index 1
+    Texts values;  // from index 1
   };
   const Case cases[] = {
-      {"a plain block", Block("AppTitle", {"Desk"}), "AppTitle", 1, {"Desk", ""}},
-      {"a blank behind the key", Block("AppTitle ", {"Desk"}), "AppTitle", 0, {""}},
-      {"the key in lower case", Block("apptitle", {"Desk"}), "AppTitle", 0, {""}},
-      {"a line that the key begins with", Block("App", {"Desk"}), "AppTitle", 1, {"Desk"}},
-      {"a longer line", Block("FreshDBSript", {"a.sql"}), "DBSript", 0, {""}},
-      {"a blank value line", Block("AppTitle", {"A", "", "B"}), "AppTitle", 2, {"A", "", "B"}},
-      {"a value of blanks", Block("AppTitle", {"  ", "B"}), "AppTitle", 1, {"  ", "B"}},
-      {"a brace as a value", Block("AppTitle", {"{", "B"}), "AppTitle", 2, {"{", "B"}},
+      {"a plain block", Block("AppTitle", "Desk"), "AppTitle", 1, {"Desk", ""}},
+      {"a blank behind the key", Block("AppTitle ", "Desk"), "AppTitle", 0, {""}},
+      {"the key in lower case", Block("apptitle", "Desk"), "AppTitle", 0, {""}},
+      {"a line that the key begins with", Block("App", "Desk"), "AppTitle", 1, {"Desk"}},
+      {"a longer line", Block("FreshDBSript", "a.sql"), "DBSript", 0, {""}},
+      {"a blank value line", Block("AppTitle", "A||B"), "AppTitle", 2, {"A", "", "B"}},
+      {"a value of blanks", Block("AppTitle", "  |B"), "AppTitle", 1, {"  ", "B"}},
+      {"a brace as a value", Block("AppTitle", "{|B"), "AppTitle", 2, {"{", "B"}},
       {"a blank line before another block",
-       "\r\n" + Block("Other", {"X"}) + Block("AppTitle", {"Desk"}),
+       "\r\n" + Block("Other", "X") + Block("AppTitle", "Desk"),
        "AppTitle",
        1,
        {"X", "Desk"}},
       {"two blocks of one key",
-       Block("AppTitle", {"A"}) + Block("AppTitle", {"B"}),
+       Block("AppTitle", "A") + Block("AppTitle", "B"),
        "AppTitle",
        2,
        {"A", "B"}},
@@ -49,11 +49,11 @@ TEST_F(ConfigurationTest, ReadersTakeBlocksByTheReversedPrefixTest) {
 }
 
 TEST_F(ConfigurationTest, PastTheLast16BitLineBothReadersOverflow) {
-  const std::vector<std::string> most(32767, "x");
+  const std::string most = Replace(std::string(32766, '|'), "|", "x|") + "x";
   Put("AppCfg.txt", Block("AppTitle", most));
   EXPECT_EQ(wizard.GetCfgCount("AppTitle"), 32767);
   EXPECT_EQ(wizard.GetCfgValue("AppTitle", 32767), "x");
-  Put("AppCfg.txt", Block("AppTitle", most) + Block("AppTitle", {"one more"}));
+  Put("AppCfg.txt", Block("AppTitle", most) + Block("AppTitle", "one more"));
   for (const bool counting : {true, false}) {
     try {
       counting ? void(wizard.GetCfgCount("AppTitle")) : void(wizard.GetCfgValue("AppTitle", 1));
@@ -75,8 +75,7 @@ TEST_F(ConfigurationTest, WithoutTheFileTheProgramEndsWithTheErrorBox) {
   machine.Disk.DeleteFile("D:\\Pack\\AppCfg.txt", false);
   Start();
   EXPECT_TRUE(windows.Ended());
-  EXPECT_EQ(windows.Messages(),
-            std::vector<std::string>{"Run-time error '53':\r\n\r\nFile not found"});
+  EXPECT_EQ(windows.Messages(), Texts{"Run-time error '53':\r\n\r\nFile not found"});
 }
 
 TEST_F(ConfigurationTest, StartUpKeepsTitleAndPicture) {

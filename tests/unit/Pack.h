@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -14,35 +15,74 @@
 
 namespace talu {
 
-/// Lines joined the way the platform's text files end them.
-inline std::string CrLfLines(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const std::string& line : lines) text += line + "\r\n";
+using Texts = std::vector<std::string>;
+
+/// Lines as the platform's text files end them: each "|" is a line end, and one more comes last.
+inline std::string Lines(const std::string& text) {
+  return Replace(text, "|", "\r\n") + "\r\n";
+}
+
+/// A configuration block of lines that "|" divides.
+inline std::string Block(const std::string& key, const std::string& values) {
+  return Lines(key + "|{" + (values.empty() ? "" : "|" + values) + "|}");
+}
+
+/// The parts of a simulated machine, `part` in place of its own of that kind.
+template <class Part>
+Machine With(SimulatedMachine& machine, Part& part) {
+  const auto choose = [&part]<class Kind>(Kind& own) -> Kind& {
+    if constexpr (std::is_base_of_v<Kind, Part>) return part;
+    return own;
+  };
+  Machine& own = machine.Parts;
+  return {.Windows = choose(own.Windows),
+          .Files = own.Files,
+          .Shell = own.Shell,
+          .DataAccess = choose(own.DataAccess),
+          .Odbc = choose(own.Odbc),
+          .Programs = own.Programs,
+          .Scripting = own.Scripting,
+          .Settings = own.Settings,
+          .Clock = own.Clock,
+          .CodePage = own.CodePage,
+          .AppPath = own.AppPath};
+}
+
+/// The lists joined.
+inline Texts All(std::initializer_list<Texts> parts) {
+  Texts joined;
+  for (const Texts& part : parts) joined.insert(joined.end(), part.begin(), part.end());
+  return joined;
+}
+
+/// A text of these lines, as a raw string holds them.
+inline std::string Joined(const Texts& lines) {
+  std::string text = "\n";
+  for (const std::string& line : lines) text += line + "\n";
   return text;
 }
 
-/// A configuration block.
-inline std::string Block(const std::string& key, const std::vector<std::string>& values) {
-  return CrLfLines({key, "{"}) + CrLfLines(values) + "}\r\n";
-}
-
-/// A machine with a small pack in D:\Pack, and a wizard that has not started.
+/// A machine with a small pack in D:\Pack, and a wizard that has not started. Line ends in the
+/// texts that its members return are shown as "|".
 class PackTest : public testing::Test {
  public:
   PackTest() { Configure({}); }
 
-  /// Writes AppCfg.txt: the title and the folder names, then `blocks`.
-  void Configure(const std::vector<std::string>& blocks) {
-    std::string text = Block("AppTitle", {"Sales Desk"}) + Block("AppFolder", {"App"}) +
-                       Block("DBFolder", {"Data"});
-    for (const std::string& block : blocks) text += block;
-    machine.Disk.WriteFile("D:\\Pack\\AppCfg.txt", text);
+  /// Writes AppCfg.txt: the title and the folder names, then blocks, each "KEY=LINE|LINE".
+  void Configure(const Texts& blocks) {
+    std::string text =
+        Block("AppTitle", "Sales Desk") + Block("AppFolder", "App") + Block("DBFolder", "Data");
+    for (const std::string& block : blocks) {
+      const std::size_t equals = block.find('=');
+      text += Block(block.substr(0, equals), block.substr(equals + 1));
+    }
+    Put("AppCfg.txt", text);
   }
   void Put(const std::string& path, const std::string& bytes) {
     machine.Disk.WriteFile("D:\\Pack\\" + path, bytes);
   }
   std::string Get(const std::string& path) {
-    return machine.Disk.ReadFile(path).value_or("(none)");
+    return Replace(machine.Disk.ReadFile(path).value_or("(none)"), "\r\n", "|");
   }
 
   void Start() {
@@ -76,32 +116,45 @@ class PackTest : public testing::Test {
     return view != nullptr ? view->Text : "(none)";
   }
   int Width() { return windows.Shown("ShpProgBar")->Width; }
-  std::vector<std::string> Statements() { return machine.Journal.Texts("sql", "text"); }
+  Texts Statements() {
+    Texts statements = machine.Journal.Texts("sql", "text");
+    for (std::string& statement : statements) statement = Replace(statement, "\r\n", "|");
+    return statements;
+  }
   /// The log's entries, without the frame that every entry has.
-  std::vector<std::string> LogEntries() { return Entries("Ta-luErrLog.txt", "//\r\n"); }
-  std::vector<std::string> Records() { return Entries("Uninstall.dat", ""); }
+  Texts LogEntries() { return Entries("Ta-luErrLog.txt", "//|"); }
+  Texts Records() { return Entries("Uninstall.dat", ""); }
+  /// The log's entries between two of them.
+  Texts Between(const std::string& first, const std::string& last) {
+    const Texts entries = LogEntries();
+    const auto start = std::ranges::find(entries, first);
+    const auto end = std::find(start, entries.end(), last);
+    EXPECT_NE(end, entries.end()) << last;
+    return start == entries.end() ? entries : Texts(start + 1, end);
+  }
+  /// What a control was given, in order.
+  Texts Given(const std::string& control) {
+    Texts values;
+    for (const JournalEvent& event : machine.Journal.Events()) {
+      if (event.Text("control") == control) values.push_back(event.Text("value"));
+    }
+    return values;
+  }
 
   /// From now on the journal tells where pending events are let through.
   void NoteEvents() {
     windows.DuringEvents = [this] { machine.Journal.Add({"events", {}}); };
   }
-  /// The journal, a short line for each event: what a control was given, what an entry or a record
-  /// says, of the rest its first text. A failed request is marked.
-  std::vector<std::string> Story() {
-    std::vector<std::string> story;
+  /// The journal, a line for each event: what a control was given, what an entry or a record says,
+  /// of the rest all that was asked for. A carriage return alone is shown as "~", a NUL as "&". A
+  /// failed request is marked. With `first` it begins behind the first line that begins so.
+  Texts Story(const std::string& first = "") {
+    Texts story;
+    bool begun = first.empty();
     for (const JournalEvent& event : machine.Journal.Events()) {
-      std::string line = event.Kind;
-      if (event.Kind == "set") {
-        line = event.Text("control") + " " + event.Text("value");
-      } else if (event.Kind == "print") {
-        line = event.Text("path").ends_with("Ta-luErrLog.txt") ? "log " : "record ";
-        line += event.Text("text");
-      } else if (!event.Fields.empty()) {
-        line += " " + event.Text(event.Fields.front().first);
-      }
-      line = Replace(line, "\r\n", "|").substr(0, 60);
-      while (line.ends_with('|')) line.pop_back();
-      story.push_back(line + (event.Error ? " FAILED" : ""));
+      const std::string line = Told(event);
+      if (begun) story.push_back(line);
+      begun = begun || line.starts_with(first);
     }
     return story;
   }
@@ -112,13 +165,30 @@ class PackTest : public testing::Test {
   std::string app = "C:\\Progs\\TA-LU\\App";
 
  private:
-  std::vector<std::string> Entries(const std::string& file, const std::string& head) {
-    std::vector<std::string> entries;
+  static std::string Told(const JournalEvent& event) {
+    std::string line = event.Kind;
+    if (event.Kind == "set") {
+      line = event.Text("control") + " " + event.Text("value");
+    } else if (event.Kind == "print" && event.Text("path").ends_with("Ta-luErrLog.txt")) {
+      line = "log " + event.Text("text").substr(4);
+    } else if (event.Kind == "print" && event.Text("path").ends_with("Uninstall.dat")) {
+      line = "record " + event.Text("text");
+    } else {
+      for (const auto& [name, value] : event.Fields)
+        if (name != "ok") line += " " + event.Text(name);
+    }
+    line = Replace(Replace(line, "\r\n", "|"), "\r", "~");
+    std::ranges::replace(line, '\0', '&');
+    while (line.ends_with('|') || line.ends_with(' ')) line.pop_back();
+    return line + (event.Error ? " FAILED" : "");
+  }
+  Texts Entries(const std::string& file, const std::string& head) {
+    Texts entries;
     for (const JournalEvent& event : machine.Journal.Events()) {
       if (event.Kind != "print" || event.Error || !event.Text("path").ends_with(file)) continue;
-      const std::string text = event.Text("text");
-      EXPECT_TRUE(text.starts_with(head) && text.ends_with("\r\n\r\n")) << text;
-      entries.push_back(text.substr(head.size(), text.size() - head.size() - 4));
+      const std::string text = Replace(event.Text("text"), "\r\n", "|");
+      EXPECT_TRUE(text.starts_with(head) && text.ends_with("||")) << text;
+      entries.push_back(text.substr(head.size(), text.size() - head.size() - 2));
     }
     return entries;
   }

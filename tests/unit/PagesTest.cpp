@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <sstream>
 
 #include "Pack.h"
 #include "pages/FrmAuthentication.h"
@@ -9,104 +10,127 @@ namespace {
 
 class PagesTest : public PackTest {
  protected:
-  PagesTest() {
-    Configure({Block("FreshDBSript", {"f.sql"}), Block("DemoDBSript", {}),
-               Block("UpgradeDBSript", {"u.sql"})});
+  PagesTest() { Configure({"FreshDBSript=f.sql", "DemoDBSript=", "UpgradeDBSript=u.sql"}); }
+
+  /// Plays steps that ";" divides, as docs/drive.md has them:
+  ///
+  ///   click|hover CONTROL, type CONTROL TEXT
+  ///   browse PATH                    what the next folder browser will answer
+  ///   wait FORM                      the page that is shown; empty when none is
+  ///   message TEXT                   the last message box, empty when there was none
+  ///   expect CONTROL text|tip TEXT, expect CONTROL enabled|visible|value true|false
+  void Play(const std::string& steps) {
+    for (const std::string& step : Split(steps, ';')) {
+      std::istringstream words(step);
+      std::string verb;
+      std::string name;
+      std::string rest;
+      words >> verb >> name;
+      std::getline(words, rest);
+      if (!rest.empty()) rest.erase(0, 1);
+      if (verb == "click") {
+        EXPECT_TRUE(windows.Click(name)) << step;
+      }
+      if (verb == "hover") {
+        EXPECT_TRUE(windows.Hover(name)) << step;
+      }
+      if (verb == "type") {
+        EXPECT_TRUE(windows.Type(name, rest)) << step;
+      }
+      if (verb == "browse") windows.BrowseAnswers = {name};
+      if (verb == "wait") {
+        EXPECT_EQ(windows.VisibleForm(), name) << step;
+      }
+      if (verb == "message") {
+        const std::string text = name + (rest.empty() ? "" : " " + rest);
+        EXPECT_EQ(windows.Messages().empty() ? "" : windows.Messages().back(), text);
+      }
+      if (verb == "expect") Expect(step, name, rest);
+      const std::string verbs = " click hover type browse wait message expect ";
+      EXPECT_TRUE(Contains(verbs, " " + verb + " ")) << step;
+    }
   }
-  bool Visible(const std::string& control) { return windows.Shown(control)->Visible; }
-  bool Enabled(const std::string& control) { return windows.Shown(control)->Enabled; }
+
+  std::string backup = "C:\\Progs\\TA-LU\\App BackUp\\AppFolderBkp_7_3_2012_9_";
+
+ private:
+  void Expect(const std::string& step, const std::string& control, const std::string& what) {
+    const ControlView* view = windows.Shown(control);
+    ASSERT_NE(view, nullptr) << step;
+    const auto word = [](bool value) { return std::string(value ? "true" : "false"); };
+    const std::pair<std::string, std::string> properties[] = {{"text ", view->Text},
+                                                              {"tip ", view->ToolTipText},
+                                                              {"enabled ", word(view->Enabled)},
+                                                              {"visible ", word(view->Visible)},
+                                                              {"value ", word(view->Value)}};
+    for (const auto& [property, value] : properties) {
+      if (!what.starts_with(property)) continue;
+      EXPECT_EQ(property + value, what) << step;
+      return;
+    }
+    ADD_FAILURE() << step;
+  }
 };
 
 TEST_F(PagesTest, TypesWithoutScriptsAreGreyAndTheFirstOtherIsSelected) {
   Start();
-  for (const char* control : {"OptDemo", "LblDemo", "LblDemoDescription"}) {
-    EXPECT_FALSE(Enabled(control)) << control;
-  }
-  EXPECT_TRUE(windows.Shown("OptFresh")->Value);
-  EXPECT_EQ(Shown("LblNotRes"), "");
+  Play(
+      "expect OptDemo enabled false; expect LblDemo enabled false"
+      "; expect LblDemoDescription enabled false; expect OptFresh value true"
+      "; expect LblNotRes text ");
   // A selected option that loses its scripts stays selected and Next goes on.
   Configure({});
-  windows.Click("CmdNext");
-  windows.Click("CmdPrev");
-  EXPECT_FALSE(Enabled("OptFresh"));
-  EXPECT_TRUE(windows.Shown("OptFresh")->Value);
+  Play("click CmdNext; click CmdPrev; expect OptFresh enabled false; expect OptFresh value true");
 }
 
 TEST_F(PagesTest, WithoutAnyScriptsNothingIsSelectedAndNextKeepsTheType) {
   Configure({});
   Start();
-  for (const char* option : {"OptFresh", "OptDemo", "OptUpgrade"}) {
-    EXPECT_FALSE(windows.Shown(option)->Value) << option;
-  }
-  EXPECT_TRUE(windows.Click("CmdNext"));
-  EXPECT_EQ(windows.VisibleForm(), "FrmMode");
+  Play(
+      "expect OptFresh value false; expect OptDemo value false; expect OptUpgrade value false"
+      "; click CmdNext; wait FrmMode");
   EXPECT_EQ(wizard.State.SetupType, 0);
 }
 
 TEST_F(PagesTest, OldFolderControlsFollowTheirClicks) {
-  Configure(
-      {Block("FreshDBSript", {"f"}), Block("DemoDBSript", {"d"}), Block("UpgradeDBSript", {"u"})});
+  Configure({"FreshDBSript=f", "DemoDBSript=d", "UpgradeDBSript=u"});
   Start();
-  EXPECT_FALSE(Visible("ChkOldLocation"));
-  windows.Click("OptUpgrade");
-  EXPECT_TRUE(Visible("ChkOldLocation") && Visible("LblOldLocation"));
-  EXPECT_FALSE(Visible("TxtInstaPath"));
-  windows.Click("ChkOldLocation");
-  EXPECT_TRUE(Visible("TxtInstaPath") && Visible("CmdLocation"));
+  Play(
+      "expect ChkOldLocation visible false; click OptUpgrade; expect ChkOldLocation visible true"
+      "; expect LblOldLocation visible true; expect TxtInstaPath visible false"
+      "; click ChkOldLocation; expect TxtInstaPath visible true; expect CmdLocation visible true");
   EXPECT_TRUE(wizard.State.UseOldLocation);
-  windows.BrowseAnswers = {"C:\\Old"};
-  windows.Click("CmdLocation");
-  windows.Click("CmdLocation");  // cancelled
+  Play("browse C:\\Old; click CmdLocation; click CmdLocation");  // then cancelled
   windows.BrowseError = RuntimeError(error::kPathNotFound);
-  windows.Click("CmdLocation");  // fails, silently
-  EXPECT_TRUE(windows.Messages().empty());
+  Play("click CmdLocation; message ; expect TxtInstaPath text C:\\Old");  // fails, silently
   EXPECT_EQ(wizard.State.OldInstallPath, "C:\\Old");
-  EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Old");
-  windows.Click("OptDemo");
-  EXPECT_TRUE(Visible("ChkOldLocation") && Visible("TxtInstaPath"));
-  windows.Click("OptFresh");
-  EXPECT_FALSE(Visible("ChkOldLocation") || Visible("TxtInstaPath"));
+  Play(
+      "click OptDemo; expect ChkOldLocation visible true; expect TxtInstaPath visible true"
+      "; click OptFresh; expect ChkOldLocation visible false; expect TxtInstaPath visible false");
   EXPECT_TRUE(wizard.State.UseOldLocation);
-  windows.Click("OptUpgrade");
-  EXPECT_TRUE(Visible("TxtInstaPath"));
-  windows.Click("ChkOldLocation");
-  EXPECT_FALSE(wizard.State.UseOldLocation || Visible("TxtInstaPath"));
+  Play(
+      "click OptUpgrade; expect TxtInstaPath visible true; click ChkOldLocation"
+      "; expect TxtInstaPath visible false");
+  EXPECT_FALSE(wizard.State.UseOldLocation);
 }
 
 TEST_F(PagesTest, BackAndNextFollowTheMode) {
   Start();
-  windows.Click("CmdNext");
-  EXPECT_TRUE(windows.Shown("OptServer")->Value);
-  windows.Click("CmdNext");
-  EXPECT_EQ(windows.VisibleForm(), "FrmAuthentication");
+  Play("click CmdNext; expect OptServer value true; click CmdNext; wait FrmAuthentication");
   EXPECT_EQ(Width(), 220);
   EXPECT_NE(Shown("LblNotRes"), "");
-  windows.Type("TxtUsrName", " sa ");
-  windows.Type("TxtPsWord", "secret");
-  EXPECT_FALSE(Enabled("CmdNext"));
-  windows.Type("TxtServer", "SRV1");
-  windows.Click("CmdNext");
-  EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
-  EXPECT_EQ(Shown("LblTitleMsg"), "Select Location ");
-  EXPECT_FALSE(Visible("TxtServer"));
+  Play(
+      "type TxtUsrName  sa ; type TxtPsWord secret; expect CmdNext enabled false"
+      "; type TxtServer SRV1; click CmdNext; wait FrmLocation"
+      "; expect LblTitleMsg text Select Location ; expect TxtServer visible false");
   EXPECT_EQ(Width(), 440);
-  windows.Click("CmdPrev");
-  EXPECT_EQ(windows.VisibleForm(), "FrmAuthentication");
-  EXPECT_EQ(Shown("TxtUsrName"), " sa ") << "as it was typed";
-  windows.Click("CmdPrev");
-  EXPECT_EQ(windows.VisibleForm(), "FrmMode");
-  windows.Click("OptClient");
-  EXPECT_FALSE(windows.Shown("OptServer")->Value);
-  windows.Click("CmdNext");
-  EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
+  Play(
+      "click CmdPrev; wait FrmAuthentication; expect TxtUsrName text  sa ; click CmdPrev"
+      "; wait FrmMode; click OptClient; expect OptServer value false; click CmdNext"
+      "; wait FrmLocation; click CmdPrev; wait FrmMode; expect OptClient value true"
+      "; click OptServer; click CmdPrev; wait FrmType");
   EXPECT_EQ(wizard.State.SqlUser, "sa");
-  windows.Click("CmdPrev");
-  EXPECT_EQ(windows.VisibleForm(), "FrmMode");
-  EXPECT_TRUE(windows.Shown("OptClient")->Value);
-  windows.Click("OptServer");
-  windows.Click("CmdPrev");
   EXPECT_EQ(wizard.State.Mode, 1) << "only Next stores the choice";
-  EXPECT_EQ(windows.VisibleForm(), "FrmType");
   windows.Close();
   EXPECT_TRUE(windows.Ended());
 }
@@ -114,28 +138,20 @@ TEST_F(PagesTest, BackAndNextFollowTheMode) {
 TEST_F(PagesTest, AuthenticationStoresFirstAndStaysUntilTheServerAgrees) {
   machine.Server.Password = "right";
   Start();
-  windows.Click("CmdNext");
-  windows.Click("CmdNext");
-  EXPECT_FALSE(Enabled("CmdNext"));
-  windows.Type("TxtUsrName", "sa");
-  windows.Type("TxtPsWord", "wrong");
-  windows.Type("TxtServer", "  ");
-  ASSERT_TRUE(windows.Click("CmdNext"));  // a server of blanks enables Next, and fails
+  // A server of blanks enables Next, and fails.
+  Play(
+      "click CmdNext; click CmdNext; expect CmdNext enabled false; type TxtUsrName sa"
+      "; type TxtPsWord wrong; type TxtServer   ; click CmdNext");
   EXPECT_EQ(wizard.State.ServerName, "");
-  windows.Type("TxtServer", "SRV1");
-  ASSERT_TRUE(windows.Click("CmdNext"));
-  EXPECT_EQ(Shown("LblMsg"), "Authentication failed...");
-  EXPECT_FALSE(Enabled("CmdNext"));
+  Play(
+      "type TxtServer SRV1; click CmdNext; expect LblMsg text Authentication failed..."
+      "; expect CmdNext enabled false");
   EXPECT_EQ(wizard.State.SqlPassword, "wrong");
-  windows.Type("TxtPsWord", "right");
-  windows.Type("TxtUsrName", " ");
-  EXPECT_FALSE(Enabled("CmdNext"));
-  windows.Type("TxtUsrName", "sa");
-  ASSERT_TRUE(windows.Click("CmdNext"));
-  EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
+  Play(
+      "type TxtPsWord right; type TxtUsrName  ; expect CmdNext enabled false"
+      "; type TxtUsrName sa; click CmdNext; wait FrmLocation; message ");
   EXPECT_EQ(machine.Journal.Texts("connect", "text").back(),
             "driver={SQL Server};server=SRV1;uid=sa;pwd=right;database=Master");
-  EXPECT_TRUE(windows.Messages().empty());
 }
 
 TEST_F(PagesTest, AtItsLoadAuthenticationLooksAtTheLoginOnly) {
@@ -144,17 +160,13 @@ TEST_F(PagesTest, AtItsLoadAuthenticationLooksAtTheLoginOnly) {
     other.State.SqlUser = "sa";
     other.State.SqlPassword = password;
     windows.Run([&] { other.Page<FrmAuthentication>().Show(); });
-    EXPECT_EQ(Enabled("CmdNext"), *password != '\0');
+    EXPECT_EQ(windows.Shown("CmdNext")->Enabled, *password != '\0');
   }
 }
 
 TEST_F(PagesTest, AChosenRootGetsProductAndApplicationFolder) {
-  struct Case {
-    const char* root;
-    const char* installPath;
-    const char* box;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      // chosen, kept, in the box
       {"C:\\Progs", "C:\\Progs\\TA-LU", "C:\\Progs\\TA-LU\\App"},
       {"C:\\", "C:\\TA-LU", "C:\\TA-LU\\App"},
       {"C:\\TA-LU\\Old", "C:\\TA-LU\\Old", "C:\\TA-LU\\Old\\App"},
@@ -162,73 +174,59 @@ TEST_F(PagesTest, AChosenRootGetsProductAndApplicationFolder) {
       {"C:\\Apple\\TA-LU", "C:\\Apple\\TA-LU", "C:\\Apple\\TA-LU"},
   };
   GoToLocation("OptFresh", "OptClient", "C:\\x");
-  for (const Case& test : cases) {
-    windows.BrowseAnswers = {test.root};
-    windows.Click("CmdLocation");
-    EXPECT_EQ(wizard.State.InstallPath, test.installPath);
-    EXPECT_EQ(Shown("TxtInstaPath"), test.box);
+  for (const auto& [root, installPath, box] : cases) {
+    Play(std::string("browse ") + root + "; click CmdLocation; expect TxtInstaPath text " + box);
+    EXPECT_EQ(wizard.State.InstallPath, installPath);
   }
-  windows.Click("CmdLocation");  // cancelled
-  EXPECT_EQ(wizard.State.InstallPath, cases[4].installPath);
-  windows.Hover("TxtInstaPath");
-  EXPECT_EQ(windows.Shown("TxtInstaPath")->ToolTipText, "C:\\Apple\\TA-LU");
+  Play("click CmdLocation");  // cancelled
+  EXPECT_EQ(wizard.State.InstallPath, "C:\\Apple\\TA-LU");
   windows.Focus("TxtServer");
   EXPECT_EQ(windows.Shown("TxtServer")->SelLength, 4);
-  windows.Type("TxtInstaPath", "");
-  EXPECT_TRUE(Enabled("CmdNext")) << "an emptied box leaves the button";
-  windows.Type("TxtInstaPath", "C:\\Typed");
+  Play(
+      "hover TxtInstaPath; expect TxtInstaPath tip C:\\Apple\\TA-LU"
+      "; type TxtInstaPath ; expect CmdNext enabled true; type TxtInstaPath C:\\Typed");
   windows.BrowseError = RuntimeError(error::kPathNotFound, "Path not found", "Shell");
-  windows.Click("CmdLocation");
-  EXPECT_EQ(windows.Messages().back(), "76/Path not found/Shell");
-  EXPECT_EQ(wizard.State.InstallPath + Shown("TxtInstaPath"), "");
+  Play("click CmdLocation; message 76/Path not found/Shell; expect TxtInstaPath text ");
+  EXPECT_EQ(wizard.State.InstallPath, "");
   // A name that is not read costs a box; the other is read, and the folder chosen.
   wizard.State.AppFolderName = "";
-  windows.BrowseAnswers = {"C:\\Progs"};
   machine.Journal.FailRequest(machine.Journal.Requests() + 1, RuntimeError(error::kDeviceIO));
-  windows.Click("CmdLocation");
-  EXPECT_EQ(windows.Messages().back(), "57/Device I/O error/");
-  EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Progs\\TA-LU\\App");
+  Play(
+      "browse C:\\Progs; click CmdLocation; message 57/Device I/O error/"
+      "; expect TxtInstaPath text C:\\Progs\\TA-LU\\App");
 }
 
 TEST_F(PagesTest, UpgradeIntoTheOldFolderFillsTheLocation) {
   Start();
-  windows.Click("OptUpgrade");
-  windows.Click("ChkOldLocation");
-  windows.BrowseAnswers = {"C:\\Old"};
-  windows.Click("CmdLocation");
-  windows.Click("CmdNext");
-  windows.Click("OptClient");
-  windows.Click("CmdNext");
+  Play(
+      "click OptUpgrade; click ChkOldLocation; browse C:\\Old; click CmdLocation; click CmdNext"
+      "; click OptClient; click CmdNext; expect TxtInstaPath text C:\\Old\\TA-LU\\App");
   EXPECT_EQ(wizard.State.InstallPath, "C:\\Old\\TA-LU");
-  EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Old\\TA-LU\\App");
 
   // What is backed up is the old folder, wherever the new one is.
   machine.Disk.WriteFile("C:\\Old\\old.txt", "old");
   machine.Disk.WriteFile("C:\\New\\App\\new.txt", "new");
-  windows.Type("TxtInstaPath", "C:\\New\\App");
-  windows.Type("TxtServer", "SRV1");
-  windows.Click("CmdNext");
-  const std::string backup = "C:\\New\\App BackUp\\AppFolderBkp_7_3_2012_9_5";
+  Play("type TxtInstaPath C:\\New\\App; type TxtServer SRV1; click CmdNext");
+  backup = "C:\\New\\App BackUp\\AppFolderBkp_7_3_2012_9_5";
   EXPECT_EQ(Get(backup + "\\old.txt"), "old");
   EXPECT_EQ(Get(backup + "\\new.txt"), "(none)");
 }
 
 TEST_F(PagesTest, NextMakesFoldersLogAndRecord) {
-  Configure({Block("FreshDBSript", {"f.sql"})});
+  Configure({"FreshDBSript=f.sql"});
   machine.Disk.MakeFolders("C:\\Progs");
   GoToLocation("OptFresh", "OptClient", "C:\\Progs");
   const auto before = Story().size();
-  windows.Click("CmdNext");
+  Play("click CmdNext; wait FrmApplication");
   EXPECT_EQ(Story().at(before), "CmdNext false") << "while it works";
   const std::string log = Get(app + "\\Ta-luErrLog.txt");
-  EXPECT_TRUE(log.starts_with("//\r\nInstallation Started...\r\nApplication Folder created-" + app +
-                              "\r\n\r\n//\r\nAppFolder created :" + app +
-                              "\r\n\r\n//\r\nDBFolder created :" + app + "\\Data\r\n\r\n"))
+  EXPECT_TRUE(log.starts_with("//|Installation Started...|Application Folder created-" + app +
+                              "||//|AppFolder created :" + app + "||//|DBFolder created :" + app +
+                              "\\Data||"))
       << log;
   EXPECT_EQ(Get(app + "\\Uninstall.dat"),
-            "AppFolder:" + app + "\r\n\r\nDBFolder:" + app + "\\Data\r\n\r\nServer:SRV1\r\n\r\n");
+            "AppFolder:" + app + "||DBFolder:" + app + "\\Data||Server:SRV1||");
   EXPECT_TRUE(machine.Disk.FolderExists(app + "\\Data"));
-  EXPECT_EQ(windows.VisibleForm(), "FrmApplication");
 }
 
 TEST_F(PagesTest, NextOverAnInstallationBacksItUpAndGoesOnWithItsRecord) {
@@ -238,26 +236,24 @@ TEST_F(PagesTest, NextOverAnInstallationBacksItUpAndGoesOnWithItsRecord) {
   machine.Disk.Find(app + "\\Ta-luErrLog.txt")->ReadOnly = true;
   GoToLocation("OptFresh", "OptServer", "C:\\Progs");
   wizard.State.ServerName = "";  // Next does all its work and stays
-  windows.Click("CmdNext");
-  const std::string backup = "C:\\Progs\\TA-LU\\App BackUp\\AppFolderBkp_7_3_2012_9_5";
-  EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
-  EXPECT_TRUE(Enabled("CmdNext"));
-  EXPECT_EQ(Get(backup + "\\Sub\\old.txt"), "old");
-  EXPECT_EQ(Get(backup + "\\Ta-luErrLog.txt"), "(none)") << "the reset comes first";
-  EXPECT_EQ(Shown("LblMsg"), "Taking Backup of installation folders...");
+  Play(
+      "click CmdNext; wait FrmLocation; expect CmdNext enabled true"
+      "; expect LblMsg text Taking Backup of installation folders...");
+  EXPECT_EQ(Get(backup + "5\\Sub\\old.txt"), "old");
+  EXPECT_EQ(Get(backup + "5\\Ta-luErrLog.txt"), "(none)") << "the reset comes first";
   std::string pointers;
   for (const JournalEvent& event : machine.Journal.Events()) {
     if (event.Text("property") == "MousePointer") pointers += event.Text("value") + ",";
   }
   EXPECT_EQ(pointers, "11,0,");
   EXPECT_FALSE(Get(app + "\\Ta-luErrLog.txt").starts_with("old"));
-  EXPECT_TRUE(Get(app + "\\Uninstall.dat").starts_with("old record\r\nAppFolder:"));
-  windows.Click("CmdNext");
-  EXPECT_EQ(std::ranges::count(machine.Journal.Texts("mkdir", "path"), backup), 1)
+  EXPECT_TRUE(Get(app + "\\Uninstall.dat").starts_with("old record|AppFolder:"));
+  Play("click CmdNext");
+  EXPECT_EQ(std::ranges::count(machine.Journal.Texts("mkdir", "path"), backup + "5"), 1)
       << "one a minute";
   machine.Clock.Time.Minute = 6;
-  windows.Click("CmdNext");
-  EXPECT_EQ(Get("C:\\Progs\\TA-LU\\App BackUp\\AppFolderBkp_7_3_2012_9_6\\Sub\\old.txt"), "old");
+  Play("click CmdNext");
+  EXPECT_EQ(Get(backup + "6\\Sub\\old.txt"), "old");
 }
 
 TEST_F(PagesTest, ImpatientClicksDuringTheBackupAreRefused) {
@@ -268,8 +264,7 @@ TEST_F(PagesTest, ImpatientClicksDuringTheBackupAreRefused) {
     windows.Click("CmdNext");
     windows.Click("CmdPrev");
   };
-  windows.Click("CmdNext");
-  EXPECT_EQ(windows.VisibleForm(), "FrmApplication");
+  Play("click CmdNext; wait FrmApplication");
   EXPECT_EQ(machine.Journal.Texts("show", "form").back(), "FrmApplication");
   EXPECT_EQ(std::ranges::count(LogEntries(), "Installation finished."), 1);
 }
@@ -285,8 +280,7 @@ TEST_F(PagesTest, AMinuteThatPassesBeforeTheCopyLeavesTheBackupEmpty) {
     const auto* log = machine.Disk.Find(app + "\\Ta-luErrLog.txt");
     if (kind == "mkdir" && log != nullptr) writers = log->Writers;
   };
-  windows.Click("CmdNext");
-  const std::string backup = "C:\\Progs\\TA-LU\\App BackUp\\AppFolderBkp_7_3_2012_9_";
+  Play("click CmdNext");
   EXPECT_TRUE(machine.Disk.FolderExists(backup + "5"));
   EXPECT_FALSE(machine.Disk.FileExists(backup + "5\\old.txt"));
   EXPECT_FALSE(machine.Disk.FolderExists(backup + "6"));
@@ -295,49 +289,33 @@ TEST_F(PagesTest, AMinuteThatPassesBeforeTheCopyLeavesTheBackupEmpty) {
 
 TEST_F(PagesTest, FailuresOfNextAreShownAndLeaveItDisabled) {
   const std::string inUse = "Location in use,Please select Another Location...";
-  machine.Disk.WriteFile("C:\\Other\\TA-LU\\App\\Uninstall.dat", "");
-  GoToLocation("OptFresh", "OptClient", "C:\\Nowhere");
-  windows.Click("CmdNext");
-  EXPECT_EQ(windows.Messages().back(), "Path not found");
-  EXPECT_FALSE(Enabled("CmdNext"));
-  // A folder whose name the application's folder has already: the box reads the same each time.
-  for (const bool enabled : {true, false, true}) {
-    windows.BrowseAnswers = {"C:\\Apple"};
-    windows.Click(enabled ? "CmdLocation" : "CmdNext");
-    EXPECT_EQ(Shown("TxtInstaPath"), "C:\\Apple\\TA-LU");
-    EXPECT_EQ(Enabled("CmdNext"), enabled);
-  }
-
+  const std::string record = "C:\\Other\\TA-LU\\App\\Uninstall.dat";
+  machine.Disk.WriteFile(record, "");
   machine.Disk.MakeFolders("C:\\Denied").Denied = true;
-  windows.BrowseAnswers = {"C:\\Denied"};
-  windows.Click("CmdLocation");
-  EXPECT_TRUE(Enabled("CmdNext"));
-  windows.Click("CmdNext");
-  EXPECT_EQ(windows.Messages().back(), inUse);
-  EXPECT_EQ(Shown("LblMsg"), inUse);
-  EXPECT_FALSE(Enabled("CmdNext"));
-
-  machine.Disk.Find("C:\\Other\\TA-LU\\App\\Uninstall.dat")->Writers = 1;
-  windows.BrowseAnswers = {"C:\\Other"};
-  windows.Click("CmdLocation");
-  windows.Click("CmdNext");
-  EXPECT_EQ(windows.Messages().back(), inUse);
-  machine.Disk.Find("C:\\Other\\TA-LU\\App\\Uninstall.dat")->Writers = 0;
-  machine.Disk.Find("C:\\Other\\TA-LU\\App\\Uninstall.dat")->ReadOnly = true;
-  windows.Type("TxtServer", "SRV2");
-  windows.Click("CmdNext");
-  EXPECT_EQ(windows.Messages().back(), "Path/File access error");
-  EXPECT_EQ(windows.VisibleForm(), "FrmLocation");
+  GoToLocation("OptFresh", "OptClient", "C:\\Nowhere");
+  Play("click CmdNext; message Path not found; expect CmdNext enabled false");
+  // A folder whose name the application's folder has already: the box reads the same each time.
+  const std::string same = "expect TxtInstaPath text C:\\Apple\\TA-LU; expect CmdNext enabled ";
+  Play("browse C:\\Apple; click CmdLocation; " + same + "true; click CmdNext; " + same +
+       "false; browse C:\\Apple; click CmdLocation; " + same + "true");
+  Play(
+      "browse C:\\Denied; click CmdLocation; expect CmdNext enabled true; click CmdNext; "
+      "message " +
+      inUse + "; expect LblMsg text " + inUse + "; expect CmdNext enabled false");
+  machine.Disk.Find(record)->Writers = 1;
+  Play("browse C:\\Other; click CmdLocation; click CmdNext; message " + inUse);
+  machine.Disk.Find(record)->Writers = 0;
+  machine.Disk.Find(record)->ReadOnly = true;
+  Play("type TxtServer SRV2; click CmdNext; message Path/File access error; wait FrmLocation");
 }
 
 TEST_F(PagesTest, WithoutAnApplicationFolderNameOnlyTheRootIsMade) {
-  Put("AppCfg.txt", Block("AppTitle", {"T"}) + Block("DBFolder", {"Data"}));
+  Put("AppCfg.txt", Block("AppTitle", "T") + Block("DBFolder", "Data"));
   machine.Disk.MakeFolders("C:\\Progs");
   GoToLocation("OptFresh", "OptClient", "C:\\Progs");
-  windows.Click("CmdNext");
-  EXPECT_EQ(machine.Journal.Texts("mkdir", "path"), std::vector<std::string>{"C:\\Progs\\TA-LU"});
+  Play("click CmdNext; message Bad file name or number");  // the log was never started
+  EXPECT_EQ(machine.Journal.Texts("mkdir", "path"), Texts{"C:\\Progs\\TA-LU"});
   EXPECT_EQ(wizard.State.AppFolderPath, "");
-  EXPECT_EQ(windows.Messages().back(), "Bad file name or number") << "the log was never started";
 }
 
 TEST_F(PagesTest, AddRegistryLogsAndSaves) {
@@ -345,7 +323,7 @@ TEST_F(PagesTest, AddRegistryLogsAndSaves) {
   wizard.State.AppFolderPath = app;
   wizard.State.LogFileNumber = 1;
   wizard.Page<FrmLocation>().AddRegistry();
-  EXPECT_EQ(machine.Journal.Texts("setting", "value"), std::vector<std::string>{app});
+  EXPECT_EQ(machine.Journal.Texts("setting", "value"), Texts{app});
   machine.Journal.FailRequest(machine.Journal.Requests() + 3, RuntimeError(error::kPathNotFound));
   wizard.Page<FrmLocation>().AddRegistry();
   EXPECT_EQ(LogEntries().back(), "Failed to add Registry entry: TA-LU , Application , , " + app);
@@ -354,7 +332,7 @@ TEST_F(PagesTest, AddRegistryLogsAndSaves) {
   wizard.Page<FrmLocation>().AddRegistry();
   EXPECT_EQ(LogEntries().size(), entries);
   wizard.WriteErrLog("");
-  EXPECT_TRUE(Get(app + "\\Ta-luErrLog.txt").ends_with(app + "\r\n\r\n//\r\n\r\n\r\n"));
+  EXPECT_TRUE(Get(app + "\\Ta-luErrLog.txt").ends_with(app + "||//|||"));
 }
 
 }  // namespace

@@ -1,12 +1,10 @@
 // The simulated machine itself, where packs depend on how it compares with a real one.
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 
+#include "HostFolder.h"
 #include "PathCases.h"
 #include "platform/simulated/SimulatedMachine.h"
 
@@ -113,17 +111,7 @@ TEST(SimulatedDisk, RefusesTheNamesThatWindowsRefuses) {
 
 class HostFolderTest : public testing::Test {
  protected:
-  HostFolderTest() {
-    std::string name = (std::filesystem::temp_directory_path() / "disk.XXXXXX").string();
-    folder = mkdtemp(name.data());
-  }
-  ~HostFolderTest() override { std::filesystem::remove_all(folder); }
-  void Put(const std::string& path, const std::string& bytes = "x") {
-    std::filesystem::create_directories((folder / path).parent_path());
-    std::ofstream(folder / path, std::ios::binary) << bytes;
-  }
-
-  std::filesystem::path folder;
+  HostFolder folder;
   SimulatedMachine machine;
 };
 
@@ -131,8 +119,8 @@ class HostFolderTest : public testing::Test {
 TEST_F(HostFolderTest, AreListedByTheirUpperCasedUnicodeNames) {
   const std::vector<std::string> order = {"'q", "a b", "a-b", "a.txt", "ab", "B", "[b]", "_u",
                                           "{e", "é",   "÷",   "œ",     "Š",  "ÿ", "ž",   "€"};
-  for (const std::string& name : order) Put(name);
-  machine.Disk.AddHostFolder(folder, "C:\\x");
+  for (const std::string& name : order) folder.Put(name, "");
+  machine.Disk.AddHostFolder(folder.Path, "C:\\x");
   std::vector<std::string> listed;
   for (const FolderItem& item : machine.Files.GetFolder("c:\\X")->Files()) {
     listed.push_back(item.Name);
@@ -141,27 +129,29 @@ TEST_F(HostFolderTest, AreListedByTheirUpperCasedUnicodeNames) {
 }
 
 TEST_F(HostFolderTest, KeepTheirSpellingAndAreNotWrittenTo) {
-  Put("windows/system/old.txt", "old");
-  machine.Disk.AddHostFolder(folder, "C:");
+  folder.Put("windows/system/old.txt", "old");
+  machine.Disk.AddHostFolder(folder.Path, "C:");
   EXPECT_EQ(machine.Files.GetSpecialFolder(0), "C:\\windows");
   machine.Files.OpenTextFile("C:\\WINDOWS\\System\\OLD.TXT", OpenMode::Append)->Write(" new");
   machine.Files.FileOperation(2, "C:\\windows\\system\\old.txt", "C:\\copy.txt", 0);
-  machine.Disk.SaveTo(folder / "saved", "C:\\Program Files");
-  const auto size = [&](const char* path) { return std::filesystem::file_size(folder / path); };
+  machine.Disk.SaveTo(folder.Path / "saved", "C:\\Program Files");
+  const auto size = [&](const char* path) {
+    return std::filesystem::file_size(folder.Path / path);
+  };
   EXPECT_EQ(size("saved/C/windows/system/old.txt"), 7U);
   EXPECT_EQ(size("saved/C/copy.txt"), 7U);
   EXPECT_EQ(size("windows/system/old.txt"), 3U);
-  EXPECT_FALSE(std::filesystem::exists(folder / "saved/C/Program Files"));
+  EXPECT_FALSE(std::filesystem::exists(folder.Path / "saved/C/Program Files"));
 }
 
 TEST_F(HostFolderTest, AreRefusedWhereWindowsCannotHaveThem) {
   for (const char* name : {"a:b", "end.", "end ", "a\tb", "nul.txt", "\xFF.txt", "sub/readme"}) {
-    if (std::string(name) == "sub/readme") Put("sub/README");
-    Put(name);
-    EXPECT_THROW(machine.Disk.AddHostFolder(folder, "C:\\x"), std::runtime_error) << name;
-    std::filesystem::remove(folder / name);
+    if (std::string(name) == "sub/readme") folder.Put("sub/README", "");
+    folder.Put(name, "");
+    EXPECT_THROW(machine.Disk.AddHostFolder(folder.Path, "C:\\x"), std::runtime_error) << name;
+    std::filesystem::remove(folder.Path / name);
   }
-  EXPECT_NO_THROW(machine.Disk.AddHostFolder(folder, "C:\\x"));
+  EXPECT_NO_THROW(machine.Disk.AddHostFolder(folder.Path, "C:\\x"));
 }
 
 }  // namespace
