@@ -1,14 +1,7 @@
-// What goes wrong within an installation, and what goes wrong with packcheck itself.
-#include <linux/capability.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
-#include <array>
-#include <functional>
+// What goes wrong within an installation, and what cannot be told of it.
 #include <new>
 #include <sstream>
 
-#include "CheckCommand.h"
 #include "PackFolder.h"
 #include "PlanCommand.h"
 
@@ -70,47 +63,6 @@ TEST_F(TroubleTest, WhatCannotBeToldEndsThePlan) {
       if (event.Kind == kind) throw std::bad_alloc();
     };
     EXPECT_THROW(PlannedRun(options, watch), std::runtime_error) << kind;
-  }
-}
-
-/// While it lives even root cannot read what the permissions do not allow. (Another user could not
-/// even come to the folder where it lies below root's own.)
-class WithoutPrivilege {
- public:
-  WithoutPrivilege() {
-    EXPECT_EQ(syscall(SYS_capget, &header_, usual_.data()), 0);
-    auto fewer = usual_;
-    fewer[0].effective &= ~(1U << CAP_DAC_OVERRIDE | 1U << CAP_DAC_READ_SEARCH);
-    EXPECT_EQ(syscall(SYS_capset, &header_, fewer.data()), 0);
-  }
-  ~WithoutPrivilege() { EXPECT_EQ(syscall(SYS_capset, &header_, usual_.data()), 0); }
-  WithoutPrivilege(const WithoutPrivilege&) = delete;
-  WithoutPrivilege& operator=(const WithoutPrivilege&) = delete;
-
- private:
-  __user_cap_header_struct header_{_LINUX_CAPABILITY_VERSION_3, 0};
-  std::array<__user_cap_data_struct, 2> usual_{};
-};
-
-TEST_F(TroubleTest, AFileThatCannotBeReadIsNamed) {
-  namespace fs = std::filesystem;
-  fs::permissions(pack.Path, fs::perms(0755));
-  std::ostringstream out;
-  const std::pair<const char*, std::function<void()>> commands[] = {
-      {"check", [&] { CheckCommand({pack.Path}, out); }}, {"plan", [&] { Plan(); }}};
-  for (const char* file : {"AppCfg.txt", "SQLScript/Fresh/f.sql"}) {
-    fs::permissions(pack.Path / file, fs::perms::none);
-    for (const auto& [name, command] : commands) {
-      std::string said = "(nothing)";
-      try {
-        const WithoutPrivilege without;
-        command();
-      } catch (const std::runtime_error& error) {
-        said = error.what();
-      }
-      EXPECT_EQ(said, (pack.Path / file).string() + " cannot be read: Permission denied") << name;
-    }
-    fs::permissions(pack.Path / file, fs::perms(0644));
   }
 }
 

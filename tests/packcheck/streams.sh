@@ -44,6 +44,23 @@ CASES
 Is 'a plan of a huge configuration' "$("$packcheck" plan "$folder/huge" --type fresh --mode client 2>&1 |
   sed -n '/^  message/,/^$/p' | tr -s ' \n' ' ')" " message Run-time error '7': Out of memory "
 
+# A file that may not be read is named, to root too, without what makes root an exception.
+lesser=()
+((EUID)) || lesser=(setpriv --bounding-set=-all --inh-caps=-all)
+small=$folder/small
+mkdir -p "$small/SQLScript/Fresh" "$small/Application"
+printf '%s\r\n{\r\n%s\r\n}\r\n' AppTitle A AppFolder App DBFolder Data FreshDBSript f.sql >"$small/AppCfg.txt"
+printf '%s\r\n' --taluLineByLine 'USE master' >"$small/SQLScript/Fresh/f.sql"
+for file in AppCfg.txt SQLScript/Fresh/f.sql; do
+  chmod 0 "$small/$file"
+  for command in "check $small" "plan $small --type fresh --mode server"; do
+    # shellcheck disable=SC2086
+    Is "$command without $file" "$("${lesser[@]}" "$packcheck" $command 2>&1 >"$folder/out" || echo $?)" \
+      "packcheck: $small/$file cannot be read: Permission denied"$'\n2'
+  done
+  chmod 644 "$small/$file"
+done
+
 # A standard output that takes nothing, or is closed. What is saved then has none of it.
 while read -r command; do
   # shellcheck disable=SC2086
