@@ -18,7 +18,7 @@ bool Is(const std::string& text, std::string_view pattern) {
          Contains(std::string_view(text).substr(star), pattern.substr(star + 1));
 }
 
-bool IsOneOf(const std::string& text, const std::vector<std::string_view>& patterns) {
+bool IsOneOf(const std::string& text, const std::vector<std::string>& patterns) {
   return std::ranges::any_of(patterns, [&](std::string_view pattern) { return Is(text, pattern); });
 }
 
@@ -45,7 +45,9 @@ std::vector<std::string> Kept(const Lines& whole, std::size_t at,
                               const std::vector<const Consequence*>& consequences) {
   std::vector<bool> lost(whole.size(), false);
   for (const Consequence* one : consequences) {
-    for (auto [begin, end] : one->Between) {
+    for (const auto& [from, to] : one->Between) {
+      std::string_view begin = from;
+      std::string_view end = to;
       const auto cutPlus = [](std::string_view& pattern) {
         const bool plus = pattern.ends_with('+');
         if (plus) pattern.remove_suffix(1);
@@ -74,7 +76,7 @@ std::vector<std::string> Kept(const Lines& whole, std::size_t at,
 std::vector<const Consequence*> ConsequencesOf(const Lines& whole, std::size_t at,
                                                std::int32_t number) {
   std::vector<const Consequence*> found;
-  for (const Consequence& one : kConsequences) {
+  for (const Consequence& one : Consequences()) {
     if (Applies(one, whole, at, number)) found.push_back(&one);
   }
   return found;

@@ -1,365 +1,361 @@
 #include "Consequences.h"
 
+#include <algorithm>
+#include <map>
+#include <sstream>
+#include <tuple>
+
 #include "runtime/RuntimeError.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu {
 namespace {
 
-constexpr std::string_view kBox = "msgbox Run-time error";
-constexpr std::string_view kCopied = "set FrmApplication Lblmsg Caption File copying finished";
-constexpr std::string_view kRegistered = "set FrmApplication Lblmsg Caption All Files registered";
-constexpr std::string_view kNoConnection =
-    "log //~The connection cannot be used to perform this operation.";
-constexpr std::string_view kBar = "set FrmApplication ShpProgBar Width";
-/// With "+": the line is lost too.
-constexpr std::string_view kSuccess =
-    "set FrmSQLNonQuery LblMsg Caption Database creation completed+";
-constexpr std::string_view kSucceeded = kSuccess.substr(0, kSuccess.size() - 1);
+constexpr const char* kTable = R"(
+(backups)
+  means sql USE Master$; sql IF  EXISTS
+(failed build)
+  means FrmSQLNonQuery ShpProgBar; FrmSQLNonQuery LblMsg; log Database creation not finished; msgbox
+(rollback)
+  means sql USE Master 300; sql ALTER; sql DROP; log //~[Microsoft]
+(next again)
+  means FrmLocation; FrmApplication; msgbox; config; browse; delete; mkdir; folder; files; copy; log; record;
+    open APP\Ta; close APP\Ta; open APP\Un; close APP\Un; events
 
-using Lines = std::vector<std::string_view>;
+# The pages.
+Nobody catches an error of the first page: the program ends with the error box;
+  within .. hide FrmType | told error box | skips .. | instead msgbox Run-time error; end
+nor of a page that loads or is shown, nor of the last entry.
+  fails picture; show; log Installation finished. | within hide FrmType .. | told error box | skips .. | instead
+    msgbox Run-time error; end
+A connection test that fails leaves the page, which says so; the next try tests again.
+  within show FrmAuthentication .. hide FrmAuthentication | told status line | perhaps FrmAuthentication; create
+    connection; connect; disconnect
+An error of the dated copy's tree leaves its level, silently: the top one,
+  fails folder DATED$; folder,files,folders C:\Progs\TA-LU\App$; mkdir DATED\DB$; mkdir DATED\Parts$; mkdir
+    DATED\Zones$; log //~Creating New Folder - DATED\DB$; log //~Creating New Folder - DATED\Parts$; log
+    //~Creating New Folder - DATED\Zones$; folder DATED\Zones; folder,files,folders APP\Zones | within folder
+    DATED$ .. FrmLocation MousePointer 0 | told nowhere | skips .. FrmLocation MousePointer 0
+a folder's,
+  fails folder DATED\DB; folder,files,folders APP\DB | within folder DATED$ .. FrmLocation MousePointer 0 | told
+    nowhere | skips .. mkdir DATED\Parts$
+or that of a folder in it.
+  fails folder DATED\Parts; folder,files,folders APP\Parts; mkdir DATED\Parts\Deep; log //~Creating New Folder -
+    DATED\Parts\Deep | within folder DATED$ .. FrmLocation MousePointer 0 | told nowhere | skips .. mkdir
+    DATED\Zones$
+FrmLocation shows a box; the operator chooses the folder again, and Next works again over what is there.
+  within show FrmLocation .. folder DATED$ | ahead-of hide FrmLocation | told box | perhaps (next again)
+(behind the dated copy)
+  within FrmLocation MousePointer 0 .. hide FrmLocation | told box | perhaps (next again)
+The backup folder is there when the application folder was.
+  within mkdir C:\Progs\TA-LU\App$ .. hide FrmLocation | loses mkdir C:\Progs\TA-LU\App BackUp
 
-Lines Times(std::size_t count, std::string_view line, Lines lines = {}) {
-  lines.insert(lines.end(), count, line);
-  return lines;
+# The backup of the databases.
+The scripts to scan are not counted: none is, and no database is backed up.
+  fails config | after create connection | skips .. close PACK\SQLScript\*b.sql+ | loses (backups)
+A script whose name is not read is not scanned,
+  fails config | before open PACK\SQLScript | skips .. close PACK\SQLScript+
+nor one that cannot be opened,
+  fails open PACK\SQLScript | within log Building .. connect | skips .. close PACK\SQLScript+
+nor one from where it cannot be read on:
+  fails read PACK\SQLScript | within log Building .. connect | skips .. close PACK\SQLScript
+its databases are not backed up.
+  fails config | before open PACK\SQLScript\*a.sql | loses (backups)
+(all are in the first script)
+  fails open PACK\SQLScript\*a.sql | within log Building .. connect | loses (backups)
+(all are read at once)
+  fails read PACK\SQLScript\*a.sql | before FrmSQLNonQuery ShpProgBar | within log Building .. connect | loses
+    (backups)
+Without a connection each statement of the backup fails:
+  fails connect | within log Building .. create command | loses (backups) | instead 7 x log //~The connection
+    cannot be used to perform this operation.
+a connection that could not be made is made again, without its text,
+  fails create connection | before connect driver | within log Building .. create command | skips .. create
+    command | loses (backups) | instead create connection; connect  failed:; log //~[Microsoft]; 7 x log //~The
+    connection cannot be used to perform this operation.
+and a command without its connection.
+  fails create command | before sql USE Master$ | loses (backups) | instead create command; 6 x log //~The
+    connection cannot be used to perform this operation.
+
+# The build.
+An error of the build fails it: it is rolled back, told, and the page stays;
+  fails log Building Database Started | ahead-of FrmSQLNonQuery LblMsg Database creation completed | skips
+    FrmSQLNonQuery LblMsg Database creation completed+ .. | instead (failed build) | perhaps (rollback)
+so does one from the first reading of the configuration to the last;
+  within read PACK\AppCfg.txt .. disconnect | ahead-of FrmSQLNonQuery LblMsg Database creation completed | skips
+    FrmSQLNonQuery LblMsg Database creation completed+ .. | instead (failed build) | perhaps (rollback)
+where it would have failed anyway, the box shows the last error.
+  fails log Building Database Started | ahead-of sql DROP LOGIN | loses msgbox | instead msgbox
+(so does one of the build)
+  within read PACK\AppCfg.txt .. sql USE Master 300 | ahead-of sql DROP LOGIN | loses msgbox | instead msgbox |
+    perhaps (rollback)
+(and one of its ending)
+  fails sql USE Master 300; sql ALTER; sql DROP; disconnect; log Database creation not finished; log Script
+    format | within sql USE Master 300 .. | loses msgbox | instead msgbox
+Without its connection the build ends at once, and has nothing to roll back:
+  fails create connection | after log Building | skips open PACK\AppCfg.txt .. | instead create connection;
+    connect  failed:; log //~[Microsoft]; FrmSQLNonQuery LblMsg; log Database authentication failed
+made again without its text, or not opened.
+  fails connect | after open PACK\AppCfg.txt | skips .. | instead FrmSQLNonQuery LblMsg; log Database
+    authentication failed
+A configuration that cannot be opened names no scripts,
+  fails open PACK\AppCfg.txt | before connect | skips connect .. | instead (failed build); disconnect
+nor does one that cannot be read on.
+  fails read PACK\AppCfg.txt | skips .. close PACK\AppCfg.txt
+A command that could not be made is made again: the first script has no connection.
+  fails create command | within read PACK\AppCfg.txt .. | loses sql ~ | instead create command; 4 x log //~The
+    connection cannot be used to perform this operation.
+A script that cannot be opened is not run,
+  fails open PACK\SQLScript | within read PACK\AppCfg.txt .. | skips .. close PACK\SQLScript+
+nor is one from where it cannot be read on.
+  fails read PACK\SQLScript | within read PACK\AppCfg.txt .. | skips .. close PACK\SQLScript
+What was not recorded is not dropped, and what was not created fails its list.
+  fails read PACK\AppCfg.txt; create command; open PACK\SQLScript; read PACK\SQLScript; sql ~IF NOT EXISTS |
+    within read PACK\AppCfg.txt .. | loses sql USE Master 300; sql ALTER; sql DROP
+A batch that is refused anyway has one error.
+  fails sql INSERT 2 300 failed | loses log //~[Microsoft]
+Where the malformed line is not read, the build ends as any that failed.
+  fails read PACK\AppCfg.txt; open PACK\SQLScript\*b.sql; read PACK\SQLScript\*b.sql | within read
+    PACK\AppCfg.txt .. | ahead-of log Script format | skips .. | instead close PACK\AppCfg.txt; disconnect;
+    FrmSQLNonQuery ShpProgBar; FrmSQLNonQuery LblMsg; log Database creation not finished | perhaps close
+    PACK\SQLScript; read PACK\AppCfg.txt
+An error entry that fails has nobody above it: the program ends, and nothing is rolled back.
+  fails log //~[Microsoft] | told error box | skips .. | instead end
+The first statement of the rollback that fails ends its list:
+  fails sql ALTER; sql DROP DATABASE | skips .. sql DROP LOGIN | instead sql USE Master 300
+that of the databases,
+  fails sql USE Master 300 | before sql ALTER | skips .. sql DROP LOGIN | instead sql USE Master 300
+or that of the logins.
+  fails sql USE Master 300 | before sql DROP LOGIN | skips .. sql DROP LOGIN+
+
+# The data sources.
+Data sources that are not counted are not made.
+  fails config | after log DSN creation started | skips .. log DSN(s) created
+Where the first line is not read there is none: nothing is registered, and the next one's connection is first.
+  fails config | before log creating - SQL Server,Stock | skips .. create connection | loses connect DSN=Stock;
+    record SystemDSN:SQL Server,Stock; log //~Operation is not allowed | instead log creating - $; 4 x log
+    //~Subscript out of range; record SystemDSN:$; connect DSN=Sales
+Where a later one is not read the one before stands for it.
+  fails config | before log creating - SQL Server,Sales | loses log creating - SQL Server,Sales; dsn SQL Server
+    DSN=Sales; record SystemDSN:SQL Server,Sales | instead log creating - SQL Server,Stock; dsn SQL Server
+    DSN=Stock; record SystemDSN:SQL Server,Stock
+A source that is not made fails its test, which ends the program,
+  fails dsn SQL Server DSN=Stock | within mkdir C:\Progs\TA-LU\App$ .. | told nowhere | skips create connection
+    .. | instead connect DSN=Stock; log //~[Microsoft][ODBC Driver Manager] Data source name not found; msgbox
+    Connection to Server failed; log Connection to Server failed; FrmApplication Lblmsg Connection to Server
+    failed; end
+unless an earlier installation made it;
+  fails dsn SQL Server DSN=Stock | told nowhere
+only the last one's outcome is shown.
+  fails dsn SQL Server DSN=Sales | told nowhere | loses FrmApplication Lblmsg DSN(s) created
+A server that cannot be reached ends the program.
+  fails connect DSN= | only unspecified | skips .. | instead msgbox Connection to Server failed; log Connection
+    to Server failed; FrmApplication Lblmsg Connection to Server failed; end
+After any other failure the next source opens the connection,
+  fails connect DSN= | not unspecified | loses log //~Operation is not allowed | instead connect DSN=Sales
+made again where it could not be made.
+  fails create connection | within log DSN creation started .. | loses connect DSN=Stock; log //~Operation is
+    not allowed | instead create connection; connect DSN=Sales
+An error entry that fails ends the step.
+  fails log //~Operation is not allowed | skips .. FrmApplication Lblmsg Started Copying
+
+# The copy.
+A file that is not copied is told nowhere,
+  fails copy | not out of memory | told nowhere
+An error of the tree leaves its level, silently: the top one,
+  fails folder C:\Progs\TA-LU\App$; folder,files,folders PACK\Application$; mkdir APP\Parts$; log //~Creating
+    New Folder - APP\Parts$; log //~Folder Already exists - APP\Parts$; mkdir APP\Zones; log //~Creating New
+    Folder - APP\Zones; log //~Folder Already exists - APP\Zones; folder APP\Zones; folder,files,folders
+    PACK\Application\Zones | within log Started Copying .. log File copying finished | told nowhere | skips ..
+    FrmApplication Lblmsg File copying finished | instead FrmApplication ShpProgBar Width
+or one in it.
+  fails folder APP\Parts; folder,files,folders PACK\Application\Parts; mkdir APP\Parts\Deep$; log //~Creating
+    New Folder - APP\Parts\Deep; log //~Folder Already exists - APP\Parts\Deep | within log Started Copying ..
+    log File copying finished | told nowhere | skips .. mkdir APP\Zones | skips .. log //~Folder Already exists
+    - APP\Zones
+Where there was no folder before, there is none to register,
+  fails folder C:\Progs\TA-LU\App$; folder,files,folders PACK\Application$; mkdir APP\Parts$ | within mkdir
+    C:\Progs\TA-LU\App$ .. | skips files APP\Parts$+ .. FrmApplication Lblmsg All Files registered | instead log
+    //~Path not found
+or nothing in it,
+  fails log //~Creating New Folder - APP\Parts$; folder APP\Parts$; folder,files PACK\Application\Parts$ |
+    within mkdir C:\Progs\TA-LU\App$ .. log File copying finished | skips files APP\Parts$ .. folders APP\Parts$
+    | skips folders APP\Parts$ .. FrmApplication Lblmsg All Files registered
+or no folder in it,
+  fails folders PACK\Application\Parts$; mkdir APP\Parts\Deep$ | within mkdir C:\Progs\TA-LU\App$ .. | skips
+    folders APP\Parts$ .. FrmApplication Lblmsg All Files registered
+or nothing in that,
+  fails log //~Creating New Folder - APP\Parts\Deep; folder APP\Parts\Deep; folder,files
+    PACK\Application\Parts\Deep; copy PACK\Application\Parts\Deep | within mkdir C:\Progs\TA-LU\App$ .. log File
+    copying finished | skips files APP\Parts\Deep$ .. folders APP\Parts\Deep$
+or no component.
+  fails copy PACK\Application\Parts\grid.ocx | within mkdir C:\Progs\TA-LU\App$ .. | skips files APP\Parts$ ..
+    folders APP\Parts$
+
+# The registration.
+Folders to register that are not counted are none: all are registered.
+  fails config | after log File Registration started | skips .. FrmApplication Lblmsg All Files registered |
+    perhaps folder,files,folders C:\Progs\TA-LU\App; folder,files,folders APP\; events; start regsvr32; log
+    regsvr32; FrmApplication ShpProgBar Width; FrmApplication Lblmsg Registering
+One whose name is not read is passed over,
+  fails config | before folder APP\Parts$ | skips .. FrmApplication Lblmsg All Files registered
+and one that cannot be opened, with all in it;
+  fails folder APP\Parts; folders APP\Parts$ | within log File Registration started .. | skips .. FrmApplication
+    Lblmsg All Files registered
+where its files cannot be listed, its folders still are.
+  fails files APP\Parts$ | within log File Registration started .. | skips .. folders APP\Parts$
+(the folder in it)
+  fails files APP\Parts\Deep$ | within log File Registration started .. | skips .. folders APP\Parts\Deep$
+Special components that are not counted are none.
+  fails config | after log Special Registration started | skips .. FrmApplication Lblmsg Special Registration
+    finished
+One whose name is not read has none,
+  fails config | before special folder | loses copy PACK\SpecialRegn; start regsvr32 /s "C:\Windows; log
+    regsvr32 /s "C:\Windows | instead copy PACK\SpecialRegn\ C:\Windows\system 6416; 2 x start regsvr32 /s
+    "C:\Windows\system\"; 2 x log regsvr32 /s "C:\Windows\system\"
+and without the system's folder it is looked for at the root.
+  fails special folder 0 | loses copy PACK\SpecialRegn; start regsvr32 /s "C:\Windows; log regsvr32 /s
+    "C:\Windows | instead copy PACK\SpecialRegn\link.ocx  6416; 2 x start regsvr32 /s "\link.ocx"; 2 x log
+    regsvr32 /s "\link.ocx"
+
+# The shortcuts.
+Shortcuts that are not counted are none, and nothing is said of them.
+  fails config | after log Special Registration finished | skips .. log Shotcut:C:\ProgramData+
+One whose line is not read is passed over,
+  fails config | after log Creating Shotcuts | skips .. log Shotcut:+ | instead log //~Subscript out of range
+or is the one before.
+  fails config | after log Shotcut: | before create shell | skips .. log Shotcut:+ | instead create shell;
+    special folders; create shortcut C:\Users\Public\Desktop; shortcut C:\Users\Public\Desktop; record
+    Shotcut:C:\Users\Public\Desktop; log Shotcut:C:\Users\Public\Desktop
+Without the special folders there is none,
+  fails special folders | skips .. log Shotcut:+
+nor without the shell, of which they are asked all the same.
+  fails create shell | skips .. log Shotcut:+ | instead log //~Object variable not set
+One that fails anywhere is tried in the next special folder of that name.
+  fails create shortcut; shortcut; mkdir C:\ProgramData | skips .. log Shotcut:+ | instead log Shotcut:*can't
+    created; log Shotcut:* created; record Shotcut:; create shortcut C:\Users\Operator; shortcut
+    C:\Users\Operator | perhaps mkdir C:\; create shortcut; shortcut; record ShotcutFolder:; log //~Object
+    variable not set; log //~Path not found
+
+# The rest.
+An error ends the settings files;
+  fails config | before FrmApplication Lblmsg Writing Settings started | skips .. log Writing Settings not
+    Finished+
+(from their first entry on)
+  within FrmApplication Lblmsg Writing Settings started .. FrmApplication Lblmsg Writing Settings not | skips ..
+    log Writing Settings not Finished+
+and one the add-ons,
+  fails config | before FrmApplication Lblmsg Execution of AddOn packs | skips .. log Final Message started
+but for one that cannot be started, which has an exit code for that.
+  fails run | told nowhere | skips .. record AddOns: | instead run; log Process Finished, Exit Code -1
+(from their first entry on)
+  fails config; log; record | within FrmApplication Lblmsg Execution of AddOn packs .. log Final Message started
+    | skips .. log Final Message started
+Closing lines that are not counted are none,
+  fails config | after log Final Message started | skips .. log Final Message write
+and the first, not read, is not shown.
+  fails config | before FrmApplication LblFinalMsg | skips .. log Final Message write
+)";
+
+using Names = std::map<std::string, std::vector<std::string>>;
+
+/// "a; 2 x b; c,d e; (name)": the lines a, b, b, c e, d e, and those of the name.
+std::vector<std::string> ListOf(const std::string& text, const Names& names) {
+  std::vector<std::string> list;
+  for (const std::string& piece : Split(text, ';')) {
+    const std::string item = Trim(piece);
+    const std::string first = item.substr(0, item.find(' '));
+    const std::string rest = item.substr(first.size());
+    if (const auto named = names.find(item); named != names.end()) {
+      list.insert(list.end(), named->second.begin(), named->second.end());
+    } else if (rest.starts_with(" x ")) {
+      list.insert(list.end(), std::stoul(first), rest.substr(3));
+    } else {
+      for (const std::string& kind : Split(first, ',')) list.push_back(kind + rest);
+    }
+  }
+  return list;
 }
 
-const Lines kBackups = {"sql USE Master$", "sql IF  EXISTS"};
-const Lines kFailed = {"set FrmSQLNonQuery ShpProgBar", "set FrmSQLNonQuery LblMsg",
-                       "log Database creation not finished", "msgbox "};
-const Lines kRollback = {"sql USE Master 300", "sql ALTER ", "sql DROP ", "log //~[Microsoft]"};
-const Lines kNextAgain = {"set FrmLocation ",
-                          "set FrmApplication ",
-                          "msgbox ",
-                          "config",
-                          "browse ",
-                          "delete ",
-                          "mkdir ",
-                          "folder ",
-                          "files ",
-                          "folders ",
-                          "copy ",
-                          "log ",
-                          "record ",
-                          "open APP\\Ta",
-                          "close APP\\Ta",
-                          "open APP\\Un",
-                          "close APP\\Un",
-                          "events"};
+/// The two sides of "..".
+std::pair<std::string, std::string> EndsOf(const std::string& text) {
+  const std::size_t dots = text.find("..");
+  return {Trim(text.substr(0, dots)), Trim(text.substr(dots + 2))};
+}
+
+// The clauses, by what they hold.
+const std::map<std::string, std::string Consequence::*> kLines = {
+    {"after", &Consequence::Prev},
+    {"before", &Consequence::Next},
+    {"ahead-of", &Consequence::Behind}};
+const std::map<std::string, std::vector<std::string> Consequence::*> kLists = {
+    {"fails", &Consequence::Fault},
+    {"loses", &Consequence::Lost},
+    {"instead", &Consequence::Instead},
+    {"perhaps", &Consequence::Maybe}};
+const std::map<std::string, std::int32_t Consequence::*> kNumbers = {{"only", &Consequence::Number},
+                                                                     {"not", &Consequence::But}};
+const std::map<std::string, std::int32_t> kErrorNumbers = {{"unspecified", error::kUnspecified},
+                                                           {"out of memory", error::kOutOfMemory}};
+const std::map<std::string, Told> kPlaces = {{"box", Told::Box},
+                                             {"error box", Told::ErrorBox},
+                                             {"status line", Told::StatusLine},
+                                             {"nowhere", Told::Nowhere}};
+
+/// Raises when there is no such clause, or not with these words.
+void AddClause(Consequence& one, const std::string& verb, const std::string& rest, Names& names) {
+  if (verb == "means") {
+    names[one.Words] = ListOf(rest, names);
+  } else if (verb == "within") {
+    std::tie(one.From, one.To) = EndsOf(rest);
+  } else if (verb == "skips") {
+    one.Between.push_back(EndsOf(rest));
+  } else if (verb == "told") {
+    one.Told = kPlaces.at(rest);
+  } else if (kLines.contains(verb)) {
+    one.*kLines.at(verb) = rest;
+  } else if (kNumbers.contains(verb)) {
+    one.*kNumbers.at(verb) = kErrorNumbers.at(rest);
+  } else {
+    one.*kLists.at(verb) = ListOf(rest, names);
+  }
+}
+
+std::vector<Consequence> ReadTable() {
+  // Of each consequence its words and its clauses, which are indented.
+  std::vector<std::pair<std::string, std::string>> read;
+  std::istringstream table(kTable);
+  for (std::string line; std::getline(table, line);) {
+    if (line.empty() || line.starts_with('#')) continue;
+    if (line.starts_with(' ')) {
+      read.back().second += Trim(line) + " ";
+    } else {
+      read.emplace_back(line, "");
+    }
+  }
+  Names names;
+  std::vector<Consequence> consequences;
+  for (const auto& [words, clauses] : read) {
+    Consequence one;
+    one.Words = words;
+    for (const std::string& clause : Split(clauses, '|')) {
+      std::istringstream parts(clause);
+      std::string verb;
+      std::string rest;
+      parts >> verb;
+      std::getline(parts, rest);
+      AddClause(one, verb, Trim(rest), names);
+    }
+    if (!names.contains(words)) consequences.push_back(one);
+  }
+  return consequences;
+}
 
 }  // namespace
 
-// One field a line would hide what belongs together.
-// clang-format off
-const std::vector<Consequence> kConsequences = {
-    // The pages.
-    {.Words = "Nobody catches an error of the first page: the program ends with the error box;",
-     .To = "hide FrmType", .Told = Told::ErrorBox, .Between = {{"", ""}}, .Instead = {kBox,
-      "end"}},
-    {.Words = "nor of a page that loads or is shown, nor of the last entry.",
-     .Fault = {"picture ", "show ", "log Installation finished."}, .From = "hide FrmType",
-      .Told = Told::ErrorBox, .Between = {{"", ""}}, .Instead = {kBox, "end"}},
-    {.Words = "A connection test that fails leaves the page, which says so; the next try tests "
-              "again.",
-     .From = "show FrmAuthentication", .To = "hide FrmAuthentication", .Told = Told::StatusLine,
-      .Maybe = {"set FrmAuthentication ", "create connection", "connect ", "disconnect"}},
-    {.Words = "An error of the dated copy's tree leaves its level, silently: the top one,",
-     .Fault = {"folder DATED$", "folder C:\\Progs\\TA-LU\\App$", "files C:\\Progs\\TA-LU\\App$",
-      "folders C:\\Progs\\TA-LU\\App$", "mkdir DATED\\DB$", "mkdir DATED\\Parts$",
-      "mkdir DATED\\Zones$", "log //~Creating New Folder - DATED\\DB$",
-      "log //~Creating New Folder - DATED\\Parts$", "log //~Creating New Folder - DATED\\Zones$",
-      "folder DATED\\Zones", "folder APP\\Zones", "files APP\\Zones", "folders APP\\Zones"},
-      .From = "folder DATED$", .To = "set FrmLocation  MousePointer 0", .Told = Told::Nowhere,
-      .Between = {{"", "set FrmLocation  MousePointer 0"}}},
-    {.Words = "a folder's,",
-     .Fault = {"folder DATED\\DB", "folder APP\\DB", "files APP\\DB", "folders APP\\DB"},
-      .From = "folder DATED$", .To = "set FrmLocation  MousePointer 0", .Told = Told::Nowhere,
-      .Between = {{"", "mkdir DATED\\Parts$"}}},
-    {.Words = "or that of a folder in it.",
-     .Fault = {"folder DATED\\Parts", "folder APP\\Parts", "files APP\\Parts",
-      "folders APP\\Parts", "mkdir DATED\\Parts\\Deep",
-      "log //~Creating New Folder - DATED\\Parts\\Deep"}, .From = "folder DATED$",
-      .To = "set FrmLocation  MousePointer 0", .Told = Told::Nowhere, .Between = {{"",
-      "mkdir DATED\\Zones$"}}},
-    {.Words = "FrmLocation shows a box; the operator chooses the folder again, and Next does "
-              "all its work again over what is there.",
-     .From = "show FrmLocation", .To = "folder DATED$", .Behind = "hide FrmLocation",
-      .Told = Told::Box, .Maybe = kNextAgain},
-    {.Words = "(behind the dated copy)",
-     .From = "set FrmLocation  MousePointer 0", .To = "hide FrmLocation", .Told = Told::Box,
-      .Maybe = kNextAgain},
-    {.Words = "The backup folder is there when the application folder was.",
-     .From = "mkdir C:\\Progs\\TA-LU\\App$", .To = "hide FrmLocation",
-      .Lost = {"mkdir C:\\Progs\\TA-LU\\App BackUp"}},
-
-    // The backup of the databases.
-    {.Words = "The scripts to scan are not counted: none is, and no database is backed up.",
-     .Fault = {"config"}, .Prev = "create connection", .Between = {{"",
-      "close PACK\\SQLScript\\*b.sql+"}}, .Lost = kBackups},
-    {.Words = "A script whose name is not read is not scanned,",
-     .Fault = {"config"}, .Next = "open PACK\\SQLScript", .Between = {{"",
-      "close PACK\\SQLScript+"}}},
-    {.Words = "nor one that cannot be opened,",
-     .Fault = {"open PACK\\SQLScript"}, .From = "log Building", .To = "connect ", .Between = {{"",
-      "close PACK\\SQLScript+"}}},
-    {.Words = "nor one from where it cannot be read on:",
-     .Fault = {"read PACK\\SQLScript"}, .From = "log Building", .To = "connect ", .Between = {{"",
-      "close PACK\\SQLScript"}}},
-    {.Words = "its databases are not backed up.",
-     .Fault = {"config"}, .Next = "open PACK\\SQLScript\\*a.sql", .Lost = kBackups},
-    {.Words = "(all are in the first script)",
-     .Fault = {"open PACK\\SQLScript\\*a.sql"}, .From = "log Building", .To = "connect ",
-      .Lost = kBackups},
-    {.Words = "(all are read at once)",
-     .Fault = {"read PACK\\SQLScript\\*a.sql"}, .Next = "set FrmSQLNonQuery ShpProgBar",
-      .From = "log Building", .To = "connect ", .Lost = kBackups},
-    {.Words = "Without a connection each statement of the backup fails:",
-     .Fault = {"connect "}, .From = "log Building", .To = "create command", .Lost = kBackups,
-      .Instead = Times(7, kNoConnection)},
-    {.Words = "a connection that could not be made is made again, without its text,",
-     .Fault = {"create connection"}, .Next = "connect driver", .From = "log Building",
-      .To = "create command", .Between = {{"", "create command"}}, .Lost = kBackups,
-      .Instead = Times(7, kNoConnection, {"create connection", "connect  failed: ",
-      "log //~[Microsoft]"})},
-    {.Words = "and a command without its connection.",
-     .Fault = {"create command"}, .Next = "sql USE Master$", .Lost = kBackups, .Instead = Times(6,
-      kNoConnection, {"create command"})},
-
-    // The build.
-    {.Words = "An error of the build fails it: it is rolled back, told, and the page stays;",
-     .Fault = {"log Building Database Started"}, .Behind = kSucceeded, .Between = {{kSuccess, ""}},
-      .Instead = kFailed, .Maybe = kRollback},
-    {.Words = "so does one from the first reading of the configuration to the last;",
-     .From = "read PACK\\AppCfg.txt", .To = "disconnect", .Behind = kSucceeded,
-      .Between = {{kSuccess, ""}}, .Instead = kFailed, .Maybe = kRollback},
-    {.Words = "where it would have failed anyway, the box shows the last error.",
-     .Fault = {"log Building Database Started"}, .Behind = "sql DROP LOGIN", .Lost = {"msgbox "},
-      .Instead = {"msgbox "}},
-    {.Words = "(so does one of the build)",
-     .From = "read PACK\\AppCfg.txt", .To = "sql USE Master 300", .Behind = "sql DROP LOGIN",
-      .Lost = {"msgbox "}, .Instead = {"msgbox "}, .Maybe = kRollback},
-    {.Words = "(and one of its ending)",
-     .Fault = {"sql USE Master 300", "sql ALTER ", "sql DROP ", "disconnect",
-      "log Database creation not finished", "log Script format"}, .From = "sql USE Master 300",
-      .Lost = {"msgbox "}, .Instead = {"msgbox "}},
-    {.Words = "Without its connection the build ends at once, and has nothing to roll back:",
-     .Fault = {"create connection"}, .Prev = "log Building", .Between = {{"open PACK\\AppCfg.txt",
-      ""}}, .Instead = {"create connection", "connect  failed: ", "log //~[Microsoft]",
-      "set FrmSQLNonQuery LblMsg", "log Database authentication failed"}},
-    {.Words = "made again without its text, or not opened.",
-     .Fault = {"connect "}, .Prev = "open PACK\\AppCfg.txt", .Between = {{"", ""}},
-      .Instead = {"set FrmSQLNonQuery LblMsg", "log Database authentication failed"}},
-    {.Words = "A configuration that cannot be opened names no scripts,",
-     .Fault = {"open PACK\\AppCfg.txt"}, .Next = "connect ", .Between = {{"connect ", ""}},
-      .Instead = {"disconnect", "set FrmSQLNonQuery ShpProgBar", "set FrmSQLNonQuery LblMsg",
-      "log Database creation not finished", "msgbox "}},
-    {.Words = "nor does one that cannot be read on.",
-     .Fault = {"read PACK\\AppCfg.txt"}, .Between = {{"", "close PACK\\AppCfg.txt"}}},
-    {.Words = "A command that could not be made is made again: the first script has no connection.",
-     .Fault = {"create command"}, .From = "read PACK\\AppCfg.txt", .Lost = {"sql ~"},
-      .Instead = Times(4, kNoConnection, {"create command"})},
-    {.Words = "A script that cannot be opened is not run,",
-     .Fault = {"open PACK\\SQLScript"}, .From = "read PACK\\AppCfg.txt", .Between = {{"",
-      "close PACK\\SQLScript+"}}},
-    {.Words = "nor is one from where it cannot be read on.",
-     .Fault = {"read PACK\\SQLScript"}, .From = "read PACK\\AppCfg.txt", .Between = {{"",
-      "close PACK\\SQLScript"}}},
-    {.Words = "What was not recorded is not dropped, and what was not created fails its list.",
-     .Fault = {"read PACK\\AppCfg.txt", "create command", "open PACK\\SQLScript",
-      "read PACK\\SQLScript", "sql ~IF NOT EXISTS"}, .From = "read PACK\\AppCfg.txt",
-      .Lost = {"sql USE Master 300", "sql ALTER ", "sql DROP "}},
-    {.Words = "A batch that is refused anyway has one error.",
-     .Fault = {"sql INSERT 2 300 failed"}, .Lost = {"log //~[Microsoft]"}},
-    {.Words = "Where the malformed line is not read, the build ends as any that failed.",
-     .Fault = {"read PACK\\AppCfg.txt", "open PACK\\SQLScript\\*b.sql",
-      "read PACK\\SQLScript\\*b.sql"}, .From = "read PACK\\AppCfg.txt",
-      .Behind = "log Script format", .Between = {{"", ""}}, .Instead = {"close PACK\\AppCfg.txt",
-      "disconnect", "set FrmSQLNonQuery ShpProgBar", "set FrmSQLNonQuery LblMsg",
-      "log Database creation not finished"}, .Maybe = {"close PACK\\SQLScript",
-      "read PACK\\AppCfg.txt"}},
-    {.Words = "An error entry that fails has nobody above it: the program ends, and nothing is "
-              "rolled back.",
-     .Fault = {"log //~[Microsoft]"}, .Told = Told::ErrorBox, .Between = {{"", ""}},
-      .Instead = {"end"}},
-    {.Words = "The first statement of the rollback that fails ends its list:",
-     .Fault = {"sql ALTER ", "sql DROP DATABASE "}, .Between = {{"", "sql DROP LOGIN"}},
-      .Instead = {"sql USE Master 300"}},
-    {.Words = "that of the databases,",
-     .Fault = {"sql USE Master 300"}, .Next = "sql ALTER ", .Between = {{"", "sql DROP LOGIN"}},
-      .Instead = {"sql USE Master 300"}},
-    {.Words = "or that of the logins.",
-     .Fault = {"sql USE Master 300"}, .Next = "sql DROP LOGIN", .Between = {{"",
-      "sql DROP LOGIN+"}}},
-
-    // The data sources.
-    {.Words = "Data sources that are not counted are not made.",
-     .Fault = {"config"}, .Prev = "log DSN creation started", .Between = {{"",
-      "log DSN(s) created"}}},
-    {.Words = "Where the first line is not read there is none: nothing is registered, and the "
-              "next one's connection is the first.",
-     .Fault = {"config"}, .Next = "log creating - SQL Server,Stock", .Between = {{"",
-      "create connection"}}, .Lost = {"connect DSN=Stock", "record SystemDSN:SQL Server,Stock",
-      "log //~Operation is not allowed"}, .Instead = {"log creating - $",
-      "log //~Subscript out of range", "log //~Subscript out of range",
-      "log //~Subscript out of range", "log //~Subscript out of range", "record SystemDSN:$",
-      "connect DSN=Sales"}},
-    {.Words = "Where a later one is not read the one before stands for it.",
-     .Fault = {"config"}, .Next = "log creating - SQL Server,Sales",
-      .Lost = {"log creating - SQL Server,Sales", "dsn SQL Server DSN=Sales",
-      "record SystemDSN:SQL Server,Sales"}, .Instead = {"log creating - SQL Server,Stock",
-      "dsn SQL Server DSN=Stock", "record SystemDSN:SQL Server,Stock"}},
-    {.Words = "A source that is not made fails its test, which ends the program,",
-     .Fault = {"dsn SQL Server DSN=Stock"}, .From = "mkdir C:\\Progs\\TA-LU\\App$",
-      .Told = Told::Nowhere, .Between = {{"create connection", ""}},
-      .Instead = {"connect DSN=Stock",
-      "log //~[Microsoft][ODBC Driver Manager] Data source name not found",
-      "msgbox Connection to Server failed", "log Connection to Server failed",
-      "set FrmApplication Lblmsg Caption Connection to Server failed", "end"}},
-    {.Words = "unless an earlier installation made it;",
-     .Fault = {"dsn SQL Server DSN=Stock"}, .Told = Told::Nowhere},
-    {.Words = "only the last one's outcome is shown.",
-     .Fault = {"dsn SQL Server DSN=Sales"}, .Told = Told::Nowhere,
-      .Lost = {"set FrmApplication Lblmsg Caption DSN(s) created"}},
-    {.Words = "A server that cannot be reached ends the program.",
-     .Fault = {"connect DSN="}, .Number = error::kUnspecified, .Between = {{"", ""}},
-      .Instead = {"msgbox Connection to Server failed", "log Connection to Server failed",
-      "set FrmApplication Lblmsg Caption Connection to Server failed", "end"}},
-    {.Words = "After any other failure the next source opens the connection,",
-     .Fault = {"connect DSN="}, .But = error::kUnspecified,
-      .Lost = {"log //~Operation is not allowed"}, .Instead = {"connect DSN=Sales"}},
-    {.Words = "made again where it could not be made.",
-     .Fault = {"create connection"}, .From = "log DSN creation started",
-      .Lost = {"connect DSN=Stock", "log //~Operation is not allowed"},
-      .Instead = {"create connection", "connect DSN=Sales"}},
-    {.Words = "An error entry that fails ends the step.",
-     .Fault = {"log //~Operation is not allowed"}, .Between = {{"",
-      "set FrmApplication Lblmsg Caption Started Copying"}}},
-
-    // The copy.
-    {.Words = "A file that is not copied is told nowhere,",
-     .Fault = {"copy "}, .But = error::kOutOfMemory, .Told = Told::Nowhere},
-    {.Words = "An error of the tree leaves its level, silently: the top one,",
-     .Fault = {"folder C:\\Progs\\TA-LU\\App$", "folder PACK\\Application$",
-      "files PACK\\Application$", "folders PACK\\Application$", "mkdir APP\\Parts$",
-      "log //~Creating New Folder - APP\\Parts$", "log //~Folder Already exists - APP\\Parts$",
-      "mkdir APP\\Zones", "log //~Creating New Folder - APP\\Zones",
-      "log //~Folder Already exists - APP\\Zones", "folder APP\\Zones",
-      "folder PACK\\Application\\Zones", "files PACK\\Application\\Zones",
-      "folders PACK\\Application\\Zones"}, .From = "log Started Copying",
-      .To = "log File copying finished", .Told = Told::Nowhere, .Between = {{"", kCopied}},
-      .Instead = {kBar}},
-    {.Words = "or one in it.",
-     .Fault = {"folder APP\\Parts", "folder PACK\\Application\\Parts",
-      "files PACK\\Application\\Parts", "folders PACK\\Application\\Parts",
-      "mkdir APP\\Parts\\Deep$", "log //~Creating New Folder - APP\\Parts\\Deep",
-      "log //~Folder Already exists - APP\\Parts\\Deep"}, .From = "log Started Copying",
-      .To = "log File copying finished", .Told = Told::Nowhere, .Between = {{"",
-      "mkdir APP\\Zones"}, {"", "log //~Folder Already exists - APP\\Zones"}}},
-    {.Words = "Where there was no folder before, there is none to register,",
-     .Fault = {"folder C:\\Progs\\TA-LU\\App$", "folder PACK\\Application$",
-      "files PACK\\Application$", "folders PACK\\Application$", "mkdir APP\\Parts$"},
-      .From = "mkdir C:\\Progs\\TA-LU\\App$", .Between = {{"files APP\\Parts$+", kRegistered}},
-      .Instead = {"log //~Path not found"}},
-    {.Words = "or nothing in it,",
-     .Fault = {"log //~Creating New Folder - APP\\Parts$", "folder APP\\Parts$",
-      "folder PACK\\Application\\Parts$", "files PACK\\Application\\Parts$"},
-      .From = "mkdir C:\\Progs\\TA-LU\\App$", .To = "log File copying finished",
-      .Between = {{"files APP\\Parts$", "folders APP\\Parts$"}, {"folders APP\\Parts$",
-      kRegistered}}},
-    {.Words = "or no folder in it,",
-     .Fault = {"folders PACK\\Application\\Parts$", "mkdir APP\\Parts\\Deep$"},
-      .From = "mkdir C:\\Progs\\TA-LU\\App$", .Between = {{"folders APP\\Parts$", kRegistered}}},
-    {.Words = "or nothing in that,",
-     .Fault = {"log //~Creating New Folder - APP\\Parts\\Deep", "folder APP\\Parts\\Deep",
-      "folder PACK\\Application\\Parts\\Deep", "files PACK\\Application\\Parts\\Deep",
-      "copy PACK\\Application\\Parts\\Deep"}, .From = "mkdir C:\\Progs\\TA-LU\\App$",
-      .To = "log File copying finished", .Between = {{"files APP\\Parts\\Deep$",
-      "folders APP\\Parts\\Deep$"}}},
-    {.Words = "or no component.",
-     .Fault = {"copy PACK\\Application\\Parts\\grid.ocx"}, .From = "mkdir C:\\Progs\\TA-LU\\App$",
-      .Between = {{"files APP\\Parts$", "folders APP\\Parts$"}}},
-
-    // The registration.
-    {.Words = "Folders to register that are not counted are none: all are registered.",
-     .Fault = {"config"}, .Prev = "log File Registration started", .Between = {{"", kRegistered}},
-      .Maybe = {"folder C:\\Progs\\TA-LU\\App", "files C:\\Progs\\TA-LU\\App",
-      "folders C:\\Progs\\TA-LU\\App", "folder APP\\", "files APP\\", "folders APP\\", "events",
-      "start regsvr32", "log regsvr32", kBar, "set FrmApplication Lblmsg Caption Registering"}},
-    {.Words = "One whose name is not read is passed over,",
-     .Fault = {"config"}, .Next = "folder APP\\Parts$", .Between = {{"", kRegistered}}},
-    {.Words = "and one that cannot be opened, with all in it;",
-     .Fault = {"folder APP\\Parts", "folders APP\\Parts$"},
-      .From = "log File Registration started", .Between = {{"", kRegistered}}},
-    {.Words = "where its files cannot be listed, its folders still are.",
-     .Fault = {"files APP\\Parts$"}, .From = "log File Registration started", .Between = {{"",
-      "folders APP\\Parts$"}}},
-    {.Words = "(the folder in it)",
-     .Fault = {"files APP\\Parts\\Deep$"}, .From = "log File Registration started",
-      .Between = {{"", "folders APP\\Parts\\Deep$"}}},
-    {.Words = "Special components that are not counted are none.",
-     .Fault = {"config"}, .Prev = "log Special Registration started", .Between = {{"",
-      "set FrmApplication Lblmsg Caption Special Registration finished"}}},
-    {.Words = "One whose name is not read has none,",
-     .Fault = {"config"}, .Next = "special folder", .Lost = {"copy PACK\\SpecialRegn",
-      "start regsvr32 /s \"C:\\Windows", "log regsvr32 /s \"C:\\Windows"},
-      .Instead = {"copy PACK\\SpecialRegn\\ C:\\Windows\\system 6416",
-      "start regsvr32 /s \"C:\\Windows\\system\\\"", "start regsvr32 /s \"C:\\Windows\\system\\\"",
-      "log regsvr32 /s \"C:\\Windows\\system\\\"", "log regsvr32 /s \"C:\\Windows\\system\\\""}},
-    {.Words = "and without the system's folder it is looked for at the root.",
-     .Fault = {"special folder 0"}, .Lost = {"copy PACK\\SpecialRegn",
-      "start regsvr32 /s \"C:\\Windows", "log regsvr32 /s \"C:\\Windows"},
-      .Instead = {"copy PACK\\SpecialRegn\\link.ocx  6416", "start regsvr32 /s \"\\link.ocx\"",
-      "start regsvr32 /s \"\\link.ocx\"", "log regsvr32 /s \"\\link.ocx\"",
-      "log regsvr32 /s \"\\link.ocx\""}},
-
-    // The shortcuts.
-    {.Words = "Shortcuts that are not counted are none, and nothing is said of them.",
-     .Fault = {"config"}, .Prev = "log Special Registration finished", .Between = {{"",
-      "log Shotcut:C:\\ProgramData+"}}},
-    {.Words = "One whose line is not read is passed over,",
-     .Fault = {"config"}, .Prev = "log Creating Shotcuts", .Between = {{"", "log Shotcut:+"}},
-      .Instead = {"log //~Subscript out of range"}},
-    {.Words = "or is the one before.",
-     .Fault = {"config"}, .Prev = "log Shotcut:", .Next = "create shell", .Between = {{"",
-      "log Shotcut:+"}}, .Instead = {"create shell", "special folders",
-      "create shortcut C:\\Users\\Public\\Desktop", "shortcut C:\\Users\\Public\\Desktop",
-      "record Shotcut:C:\\Users\\Public\\Desktop", "log Shotcut:C:\\Users\\Public\\Desktop"}},
-    {.Words = "Without the special folders there is none,",
-     .Fault = {"special folders"}, .Between = {{"", "log Shotcut:+"}}},
-    {.Words = "nor without the shell, of which they are asked all the same.",
-     .Fault = {"create shell"}, .Between = {{"", "log Shotcut:+"}},
-      .Instead = {"log //~Object variable not set"}},
-    {.Words = "One that fails anywhere is tried in the next special folder of that name.",
-     .Fault = {"create shortcut", "shortcut ", "mkdir C:\\ProgramData"}, .Between = {{"",
-      "log Shotcut:+"}}, .Instead = {"log Shotcut:*can't created", "log Shotcut:* created",
-      "record Shotcut:", "create shortcut C:\\Users\\Operator", "shortcut C:\\Users\\Operator"},
-      .Maybe = {"mkdir C:\\", "create shortcut ", "shortcut ", "record ShotcutFolder:",
-      "log //~Object variable not set", "log //~Path not found"}},
-
-    // The rest.
-    {.Words = "An error ends the settings files;",
-     .Fault = {"config"}, .Next = "set FrmApplication Lblmsg Caption Writing Settings started",
-      .Between = {{"", "log Writing Settings not Finished+"}}},
-    {.Words = "(from their first entry on)",
-     .From = "set FrmApplication Lblmsg Caption Writing Settings started",
-      .To = "set FrmApplication Lblmsg Caption Writing Settings not", .Between = {{"",
-      "log Writing Settings not Finished+"}}},
-    {.Words = "and one the add-ons,",
-     .Fault = {"config"}, .Next = "set FrmApplication Lblmsg Caption Execution of AddOn packs",
-      .Between = {{"", "log Final Message started"}}},
-    {.Words = "but for one that cannot be started, which has an exit code for that.",
-     .Fault = {"run "}, .Told = Told::Nowhere, .Between = {{"", "record AddOns:"}},
-      .Instead = {"run ", "log Process Finished, Exit Code -1"}},
-    {.Words = "(from their first entry on)",
-     .Fault = {"config", "log ", "record "},
-      .From = "set FrmApplication Lblmsg Caption Execution of AddOn packs",
-      .To = "log Final Message started", .Between = {{"", "log Final Message started"}}},
-    {.Words = "Closing lines that are not counted are none,",
-     .Fault = {"config"}, .Prev = "log Final Message started", .Between = {{"",
-      "log Final Message write"}}},
-    {.Words = "and the first, not read, is not shown.",
-     .Fault = {"config"}, .Next = "set FrmApplication LblFinalMsg", .Between = {{"",
-      "log Final Message write"}}},
-};
-// clang-format on
+const std::vector<Consequence>& Consequences() {
+  static const std::vector<Consequence> all = ReadTable();
+  return all;
+}
 
 }  // namespace talu

@@ -4,28 +4,20 @@
 
 #include <map>
 
-#include "Main.h"
-#include "runtime/TextFunctions.h"
+#include "unit/Pack.h"
 
 namespace talu {
 namespace {
 
 // A build may be the second one over the same server.
 constexpr const char* kDatabases =
-    "--taluGO\r\n"
+    "--taluGO|"
     "IF NOT EXISTS (SELECT name FROM sys.databases WHERE name = N'Sales') CREATE DATABASE Sales ON "
-    "(FILENAME='C:\\Old\\Sales.mdf')\r\nGO\r\n"
+    "(FILENAME='C:\\Old\\Sales.mdf')|GO|"
     "IF NOT EXISTS (SELECT name FROM sys.databases WHERE name = N'Stock') CREATE DATABASE Stock ON "
-    "(FILENAME='C:\\Old\\Stock.mdf')\r\nGO\r\n"
+    "(FILENAME='C:\\Old\\Stock.mdf')|GO|"
     "IF NOT EXISTS (SELECT name FROM sys.server_principals WHERE name = N'Seller') CREATE LOGIN "
-    "Seller WITH PASSWORD='x'\r\nGO\r\n";
-constexpr const char* kRows = "--taluLineByLine\r\nINSERT 1\r\nINSERT 2\r\n";
-
-std::string Block(const std::string& key, const std::vector<std::string>& values) {
-  std::string text = key + "\r\n{\r\n";
-  for (const std::string& value : values) text += value + "\r\n";
-  return text + "}\r\n";
-}
+    "Seller WITH PASSWORD='x'|GO|";
 
 }  // namespace
 
@@ -41,19 +33,17 @@ Installation::Installation(const Scenario& scenario) : scenario_(scenario) {
 }
 
 void Installation::PutPack() {
-  const std::vector<std::string> scripts = {"a.sql", "b.sql"};
   const std::map<std::string, std::string> pack = {
       {"AppCfg.txt",
-       Block("AppTitle", {"Sales Desk"}) + Block("AppFolder", {"App"}) + Block("DBFolder", {"DB"}) +
-           Block("FreshDBSript", scripts) + Block("UpgradeDBSript", scripts) +
-           Block("DemoDBSript", scripts) + Block("DBSript", {"Sales", "Stock"}) +
-           Block("SystemDSN",
-                 {"SQL Server,Sales,Sales,Seller,x", "SQL Server,Stock,Stock,Seller,x"}) +
-           Block("Shotcut", {"\\app.exe,Desktop,Sales", "\\app.exe,StartMenu,Sales"}) +
-           Block("RegnLocation", {"\\Parts"}) + Block("SpecialRegn", {"link.ocx"}) +
-           Block("AddOns", {"a.exe", "b.msi"}) +
-           Block("WriteSettings", {"\\s.txt,S=,SERVER", "\\u.txt,U=,USERNAME"}) +
-           Block("FinalMsg", {"Done"})},
+       Block("AppTitle", "Sales Desk") + Block("AppFolder", "App") + Block("DBFolder", "DB") +
+           Block("FreshDBSript", "a.sql|b.sql") + Block("UpgradeDBSript", "a.sql|b.sql") +
+           Block("DemoDBSript", "a.sql|b.sql") + Block("DBSript", "Sales|Stock") +
+           Block("SystemDSN", "SQL Server,Sales,Sales,Seller,x|SQL Server,Stock,Stock,Seller,x") +
+           Block("Shotcut", "\\app.exe,Desktop,Sales|\\app.exe,StartMenu,Sales") +
+           Block("RegnLocation", "\\Parts") + Block("SpecialRegn", "link.ocx") +
+           Block("AddOns", "a.exe|b.msi") +
+           Block("WriteSettings", "\\s.txt,S=,SERVER|\\u.txt,U=,USERNAME") +
+           Block("FinalMsg", "Done")},
       {"Skin\\WindowBack.jpg", "\xFF\xD8"},
       {"Application\\app.exe", "program"},
       {"Application\\help.txt", "text"},
@@ -68,9 +58,10 @@ void Installation::PutPack() {
     const std::string folder = std::string("D:\\Pack\\SQLScript\\") + type;
     // The backup finds the type's own database, and the server takes it for a comment.
     Disk().WriteFile(folder + "\\a.sql",
-                     kDatabases + ("INSERT 0 -- USE " + std::string(type)) + "\r\nGO\r\n");
+                     Lines(kDatabases + ("INSERT 0 -- USE " + std::string(type)) + "|GO"));
     const bool malformed = scenario_.End == Scenario::Ending::Malformed;
-    Disk().WriteFile(folder + "\\b.sql", malformed ? "INSERT 1\r\n" : kRows);
+    Disk().WriteFile(folder + "\\b.sql",
+                     Lines(malformed ? "INSERT 1" : "--taluLineByLine|INSERT 1|INSERT 2"));
   }
 }
 
@@ -78,18 +69,7 @@ void Installation::Run() {
   finished_ = false;
   wizard_.reset();  // before the windows that it shows
   Windows = std::make_unique<SimulatedWindows>(Machine.Journal, Disk());
-  talu::Machine parts{.Windows = *Windows,
-                      .Files = Machine.Files,
-                      .Shell = Machine.Files,
-                      .DataAccess = Machine.Server,
-                      .Odbc = Machine.Odbc,
-                      .Programs = Machine.Programs,
-                      .Scripting = Machine.Scripting,
-                      .Settings = Machine.Settings,
-                      .Clock = Machine.Clock,
-                      .CodePage = Machine.CodePage,
-                      .AppPath = "D:\\Pack"};
-  wizard_ = std::make_unique<talu::Wizard>(parts);
+  wizard_ = std::make_unique<talu::Wizard>(With(Machine, *Windows));
   Windows->Run([this] { Main(*wizard_); });
   std::map<std::string, int> tries;
   for (;;) {

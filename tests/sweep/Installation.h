@@ -23,24 +23,19 @@ struct Scenario {
   /// The build ends with its rollback when a batch of the scripts is refused or a script is
   /// malformed.
   Ending End;
-  /// The type whose scripts the backup before the build reads.
-  const char* Backup;
-
   /// The test that ends the process at every request takes it too.
   bool Cut;
 };
 
 inline constexpr std::array<Scenario, 8> kScenarios = {{
-    {"server, fresh", "OptFresh", "OptServer", false, Scenario::Ending::Finish, "Fresh", true},
-    {"server, demo", "OptDemo", "OptServer", false, Scenario::Ending::Finish, "Upgrade", false},
-    {"server, upgrade", "OptUpgrade", "OptServer", true, Scenario::Ending::Finish, "Demo", true},
-    {"client, fresh", "OptFresh", "OptClient", false, Scenario::Ending::Finish, "", true},
-    {"client, demo", "OptDemo", "OptClient", false, Scenario::Ending::Finish, "", false},
-    {"client, upgrade", "OptUpgrade", "OptClient", true, Scenario::Ending::Finish, "", false},
-    {"a batch is refused", "OptFresh", "OptServer", false, Scenario::Ending::Refused, "Fresh",
-     true},
-    {"a script is malformed", "OptFresh", "OptServer", false, Scenario::Ending::Malformed, "Fresh",
-     false},
+    {"server, fresh", "OptFresh", "OptServer", false, Scenario::Ending::Finish, true},
+    {"server, demo", "OptDemo", "OptServer", false, Scenario::Ending::Finish, false},
+    {"server, upgrade", "OptUpgrade", "OptServer", true, Scenario::Ending::Finish, true},
+    {"client, fresh", "OptFresh", "OptClient", false, Scenario::Ending::Finish, true},
+    {"client, demo", "OptDemo", "OptClient", false, Scenario::Ending::Finish, false},
+    {"client, upgrade", "OptUpgrade", "OptClient", true, Scenario::Ending::Finish, false},
+    {"a batch is refused", "OptFresh", "OptServer", false, Scenario::Ending::Refused, true},
+    {"a script is malformed", "OptFresh", "OptServer", false, Scenario::Ending::Malformed, false},
 }};
 
 /// A machine with the pack, and an operator who installs it and presses on after a setback.

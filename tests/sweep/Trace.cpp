@@ -34,9 +34,12 @@ std::string Short(std::string text) {
 std::string TextOf(const JournalEvent& event) {
   std::string text = event.Kind;
   if (event.Kind == "set") {
+    text = event.Text("form");
+    if (!event.Text("control").empty()) text += " " + event.Text("control");
+    const std::string property = event.Text("property");
+    if (property != "Caption") text += " " + property;
     // How far the bar goes is a sum of all that went before.
-    for (const char* field : {"form", "control", "property"}) text += " " + event.Text(field);
-    if (!text.ends_with(" Width")) text += " " + event.Text("value");
+    if (property != "Width") text += " " + event.Text("value");
   } else {
     for (const auto& [name, value] : event.Fields) {
       if (name != "ok") text += " " + event.Text(name);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 
 #include "Pack.h"
 #include "database/BatchNames.h"
@@ -612,14 +613,21 @@ TEST_F(DatabaseTest, WithoutAPathForItTheBackupIsTriedAllTheSame) {
 }
 
 TEST_F(DatabaseTest, TheBackupScansTheCrossedSets) {
-  Configure({"FreshDBSript=f", "DemoDBSript=d.sql", "UpgradeDBSript=u.sql", "DBSript=one"});
-  Put("SQLScript\\Demo\\d.sql", Lines("--taluLineByLine|USE DemoDB"));
-  Put("SQLScript\\Upgrade\\u.sql", Lines("--taluLineByLine|USE UpDB"));
-  machine.Server.Databases = {"DEMODB", "UPDB"};
-  Install("OptServer", "OptUpgrade");
-  ASSERT_EQ(Statements().size(), 3U);
-  EXPECT_TRUE(Contains(Statements().at(1), "BACKUP DATABASE DemoDB"));
-  EXPECT_EQ(Statements().back(), "USE UpDB");
+  using Case = std::array<const char*, 3>;
+  for (const auto& [type, scanned, built] :
+       {Case{"OptUpgrade", "DemoDB", "UpDB"}, Case{"OptDemo", "UpDB", "DemoDB"}}) {
+    Stage stage;
+    stage.Configure({"FreshDBSript=f", "DemoDBSript=d.sql", "UpgradeDBSript=u.sql", "DBSript=one"});
+    stage.Put("SQLScript\\Demo\\d.sql", Lines("--taluLineByLine|USE DemoDB"));
+    stage.Put("SQLScript\\Upgrade\\u.sql", Lines("--taluLineByLine|USE UpDB"));
+    stage.machine.Server.Databases = {"DEMODB", "UPDB"};
+    stage.machine.Disk.MakeFolders("C:\\Progs");
+    stage.Install("OptServer", type);
+    const Texts statements = stage.Statements();
+    ASSERT_EQ(statements.size(), 3U) << type;
+    EXPECT_TRUE(Contains(statements.at(1), std::string("BACKUP DATABASE ") + scanned)) << type;
+    EXPECT_EQ(statements.back(), std::string("USE ") + built);
+  }
 }
 
 }  // namespace

@@ -344,6 +344,7 @@ TEST_F(DeployTest, RegistrationWalksAndSurvives) {
   Configure({"RegnLocation=\\Missing|\\Parts"});
   for (const char* file : {"a.dll.bak", "b.Ocx.dll", "Deep\\c.dll"})
     Put(std::string("Application\\Parts\\") + file, "");
+  NoteEvents();
   Install("OptClient");
   const auto command = [&](const char* file) {
     return "regsvr32 /s \"" + app + "\\Parts\\" + file + "\"";
@@ -354,6 +355,9 @@ TEST_F(DeployTest, RegistrationWalksAndSurvives) {
   EXPECT_EQ(Registered(), expected) << "what holds both is taken twice";
   EXPECT_EQ(Between("File Registration started...", "All Files registered successfully").front(),
             "//|Path not found|");
+  Texts story = Story("log File Registration started");
+  story.erase(std::ranges::find(story, "log All Files registered successfully"), story.end());
+  EXPECT_EQ(std::ranges::count(story, "events"), 3) << "once before each file";
 }
 
 TEST_F(DeployTest, ManyRegistrationsStepTheBarBack) {
