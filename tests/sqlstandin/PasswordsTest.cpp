@@ -31,8 +31,8 @@ TEST(Journal, MasksPasswordsOnly) {
 }
 
 TEST(Journal, KeepsNoPassword) {
-  const TestFolder folder;
-  const RunningServer server(folder.Path());
+  const HostFolder folder;
+  const RunningServer server(folder.Path);
   const char* const batches[] = {
       "CREATE LOGIN x WITH PASSWORD = 'Secret",
       "CREATE LOGIN x WITH PASSWORD = \"Secret\"",
@@ -86,8 +86,8 @@ TEST(Journal, KeepsNoPassword) {
 }
 
 TEST(Journal, KeepsWhatIsNoPasswordInAnError) {
-  const TestFolder folder;
-  const RunningServer server(folder.Path());
+  const HostFolder folder;
+  const RunningServer server(folder.Path);
   LoggedIn client(server);
   client.Batch("CREATE LOGIN Clerk WITH PASSWORD = 'x y'");
   client.Batch("CREATE LOGIN Clerk WITH PASSWORD = 'x y'");

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Catalogue.h"
+#include "HostFolder.h"
 #include "Journal.h"
 #include "Mishaps.h"
 #include "Server.h"
@@ -19,25 +20,6 @@
 namespace talu::standin {
 
 inline const std::string kTestPassword = "Secret 1";
-
-/// A folder of its own for one test, removed at the end.
-class TestFolder {
- public:
-  TestFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "sqlstandin-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-  }
-  ~TestFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TestFolder(const TestFolder&) = delete;
-  TestFolder& operator=(const TestFolder&) = delete;
-  const std::filesystem::path& Path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
 
 /// A server within the test's process: drive C: is the folder "c" and has the folder "Data".
 class RunningServer {

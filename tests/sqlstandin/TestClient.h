@@ -1,5 +1,9 @@
 #pragma once
 
+#include <sybfront.h>
+// After sybfront.h.
+#include <sybdb.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -7,56 +11,69 @@
 
 #include "Messages.h"
 #include "Packets.h"
-#include "Requests.h"
 
 namespace talu::standin {
 
-/// The answer to one message, taken apart.
+/// What came back of a login or a batch.
 struct Answer {
   std::vector<SqlMessage> Messages;
-  std::vector<std::string> Columns;
   /// The values of all results, row by row; a null is "NULL".
   std::vector<std::vector<std::string>> Rows;
-  std::vector<std::uint64_t> Counts;
+  /// The rows that each statement changed, of those that say so.
+  std::vector<int> Counts;
   std::string Database;
-  bool IsAttention = false;
-  /// The server closed the connection instead of, or after, answering.
+  /// The server closed the connection.
   bool IsClosed = false;
 
   /// All of it on one line: "1,a;2,NULL" for rows, "!208" for errors, "i0:text" for own messages.
   std::string Summary() const;
 };
 
-/// A client that knows just enough of the protocol to say anything to the server.
+/// FreeTDS's own client library against the server.
 class TestClient {
  public:
-  explicit TestClient(std::uint16_t port);
+  explicit TestClient(std::uint16_t port) : port_(port) {}
   ~TestClient();
   TestClient(const TestClient&) = delete;
   TestClient& operator=(const TestClient&) = delete;
 
   Answer LogIn(const std::string& user, const std::string& password,
-               const std::string& database = "", std::uint32_t version = kTdsVersion74);
-  Answer Batch(std::string_view utf8);
-
-  void SendBatch(std::string_view utf8);
-  /// One message, in packets of `packetSize`.
-  void SendMessage(MessageType type, std::string_view payload, std::size_t packetSize = 4096);
-  /// False when the server has hung up.
-  bool SendBytes(std::string_view bytes);
-  /// Waits for one answer, or for the end of the connection.
-  Answer Receive();
+               const std::string& database = "", int version = DBVERSION_74);
+  Answer Batch(const std::string& utf8);
+  /// Sends a batch and takes it back some milliseconds later; returns when the server has agreed.
+  void Cancel(const std::string& utf8, int milliseconds);
 
  private:
-  std::string ReceiveBody();
+  std::uint16_t port_;
+  DBPROCESS* process_ = nullptr;
+};
 
+/// A client that sends what it is told to, be it no protocol at all.
+class RawClient {
+ public:
+  explicit RawClient(std::uint16_t port);
+  ~RawClient();
+  RawClient(const RawClient&) = delete;
+  RawClient& operator=(const RawClient&) = delete;
+
+  /// False when the server has hung up.
+  bool Send(std::string_view bytes) const;
+  void SendMessage(MessageType type, std::string_view payload) const;
+  /// A short answer with its header; empty when the server has hung up.
+  std::string Receive() const;
+  /// Logs in with this payload; returns whether the server lets it.
+  bool LogIn(const std::string& payload) const;
+
+ private:
   int socket_;
-  bool isClosed_ = false;
-  std::uint32_t version_ = 0;
 };
 
 /// The payload of a login.
 std::string LoginPayload(const std::string& user, const std::string& password,
-                         const std::string& database, std::uint32_t version);
+                         const std::string& database = "");
+/// The payload of a batch.
+std::string BatchPayload(std::string_view utf8);
+
+std::string Utf16(std::string_view utf8);
 
 }  // namespace talu::standin

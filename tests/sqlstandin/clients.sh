@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The server under real clients: FreeTDS's tsql and bsqldb, and ODBC through unixODBC's isql with the
-# connection string that the wizard uses. Usage: clients.sh PATH-TO-sqlstandin
+# The server as a program, under real clients: ODBC through unixODBC's isql with the connection string that
+# the wizard uses, and FreeTDS's tsql. Usage: clients.sh PATH-TO-sqlstandin
 set -u
 server=$1
 folder=$(mktemp -d)
@@ -51,23 +51,11 @@ INI
 export ODBCSYSINI=$folder/odbc FREETDSCONF=/dev/null
 
 start
-text=$(printf '%s\ngo\n' "CREATE DATABASE Sales ON (NAME=S, FILENAME='C:\\data\\Sales.mdf')" \
-  "USE Sales CREATE TABLE t (Id INT IDENTITY(1,1), Name NVARCHAR(20), Price FLOAT)" \
-  "INSERT INTO t VALUES (N'Ünal', 2.5), (N'b', NULL)" "SELECT * FROM t" "DROP DATABASE Nowhere" |
-  tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)
-expect "tsql reads rows" "$text" $'^1\tÜnal\t2.5$'
-expect "tsql sees the error" "$text" 'Msg 3701 \(severity 11'
-expect "a wrong password is refused" \
-  "$(tsql -H 127.0.0.1 -p "$port" -U sa -P wrong </dev/null 2>&1)" "Login failed for user 'sa'"
-
-printf 'USE Sales\nGO\nINSERT INTO t VALUES (N%sc%s, 1)\nGO\nSELECT COUNT(*) FROM t\nGO\n' "'" "'" \
-  >"$folder/script.sql"
-expect "bsqldb runs a script" \
-  "$(bsqldb -S "127.0.0.1:$port" -U sa -P Secret1 -i "$folder/script.sql" 2>&1)" '^ +3$'
-
-connection="driver={SQL Server};server=127.0.0.1,$port;uid=sa;pwd=Secret1;database=Sales"
-text=$(printf 'SELECT Name, Price FROM t WHERE Id = 1\nSELECT * FROM Nowhere\n' |
-  isql -k "$connection" -e -b -v 2>&1)
+connection="driver={SQL Server};server=127.0.0.1,$port;uid=sa;pwd=Secret1;database=Master"
+text=$(printf '%s\n' "CREATE DATABASE Sales ON (NAME=S, FILENAME='C:\\data\\Sales.mdf')" \
+  'USE Sales CREATE TABLE t (Id INT IDENTITY(1,1), Name NVARCHAR(20), Price FLOAT)' \
+  "INSERT INTO t VALUES (N'Ünal', 2.5), (N'b', NULL)" 'SELECT Name, Price FROM t WHERE Id = 1' \
+  'SELECT * FROM Nowhere' | isql -k "$connection" -e -b -v 2>&1)
 expect "ODBC reads rows" "$text" '\| Ünal +\| 2\.5 '
 expect "ODBC sees the error" "$text" "S0002.*Invalid object name 'Nowhere'"
 
@@ -78,7 +66,7 @@ expect "the database stands at its path" "$(ls "$folder/c/Data")" '^Sales\.mdf$'
 
 start --cut-text 'cut here'
 expect "a restart keeps the data" "$(printf 'SELECT COUNT(*) FROM Sales..t\ngo\n' |
-  tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" '^3$'
+  tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" '^2$'
 expect "a cut connection is noticed" "$(printf "PRINT 'cut here'\ngo\n" |
   tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" 'Unexpected EOF from the server'
 expect "a second server is refused the folder" "$(SQLSTANDIN_PASSWORD=x "$server" --port 0 \
@@ -86,6 +74,32 @@ expect "a second server is refused the folder" "$(SQLSTANDIN_PASSWORD=x "$server
 expect "a password is asked for" "$(env -u SQLSTANDIN_PASSWORD "$server" --data "$folder/x" 2>&1)" \
   '^sqlstandin: no password'
 expect "no password in the journal" "$(grep -c Secret1 "$folder/journal")" '^0$'
+stop
+
+# A machine that has nothing left for a client: without descriptors it waits, without a thread it is turned
+# away, and the next one finds the server as it was.
+asks() { [[ $(printf 'SELECT 7\ngo\n' | TDSVER=7.4 tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1) == *$'\n7\n'* ]]; }
+few=$(ulimit -Sn)
+ulimit -Sn 64
+start
+ulimit -Sn "$few"
+asks # the sanitizers look at an object of a new type through a pipe, which they could not open later
+for _ in $(seq 64); do exec {client}<>"/dev/tcp/127.0.0.1/$port" && clients+=("$client"); done
+for _ in $(seq 1200); do grep -q wait "$folder/out" && break || sleep 0.05; done
+ticks() { awk '{print $14 + $15}' "/proc/$pid/stat"; } # of 10 ms
+before=$(ticks)
+sleep 0.5
+expect "who waits for a descriptor takes no processor's time" "$(($(ticks) - before < 10))" '^1$'
+for client in "${clients[@]}"; do exec {client}>&-; done
+expect "a client after those that have gone" "$(asks && echo answered)" '^answered$'
+stop
+expect "they had to wait" "$(cat "$folder/out")" '^sqlstandin: clients have to wait: Too many open files$'
+few=$(ulimit -Ss)
+ulimit -Ss $((1 << 36)) # no address space has room for such a stack
+start
+ulimit -Ss "$few"
+expect "two clients without a thread" "$(asks || asks ||
+  grep -cx 'sqlstandin: a client is turned away: Resource temporarily unavailable' "$folder/out")" '^2$'
 stop
 
 SQLSTANDIN_PASSWORD=Secret1 timeout 30 "$server" --port 0 --data "$folder/state" --journal /dev/full \
