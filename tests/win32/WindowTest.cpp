@@ -118,9 +118,6 @@ TEST_F(WindowTest, MakesOneChildWindowAControlInPlace) {
 }
 
 TEST_F(WindowTest, ScreenReadersHearWhatEveryControlIs) {
-  page_["TxtPath"].LabelledBy = "LblPath";
-  page_["CmdLocation"].LabelledBy = "LblDemo";
-  page_["CmdLocation"].Text = "...";
   Show();
   const auto nameOf = [&](const std::string& control) {
     IAccessible* object = nullptr;
@@ -150,8 +147,7 @@ TEST_F(WindowTest, ScreenReadersHearWhatEveryControlIs) {
   GetClassNameA(Control("ShpProgBar"), className, sizeof className);
   EXPECT_STREQ(className, PROGRESS_CLASSA);
   EXPECT_EQ(SendMessageA(Control("ShpProgBar"), PBM_GETPOS, 0, 0), 2930);
-  page_["ShpProgBar"].Width = 5860;
-  page_.Changed("ShpProgBar", Property::Width);
+  page_.ShpProgBar.Width = 5860;
   Settle();
   EXPECT_EQ(SendMessageA(Control("ShpProgBar"), PBM_GETPOS, 0, 0), 5860);
 }
@@ -176,7 +172,7 @@ TEST_F(WindowTest, ClicksReachTheFormWhichSetsTheValue) {
 }
 
 TEST_F(WindowTest, CanBeUsedByKeyboardAlone) {
-  page_["OptDemo"].Value = true;
+  page_.OptDemo.Value = true;
   Show();
   EXPECT_EQ(Focused(), "OptDemo") << "the selected option is the group's one stop";
   Press(VK_DOWN);
@@ -204,8 +200,7 @@ TEST_F(WindowTest, CanBeUsedByKeyboardAlone) {
   Press(VK_RETURN);
   EXPECT_EQ(page_.Doings, Doings({"click CmdPrev"})) << "a focused button comes first";
   SetFocus(Control("OptFresh"));
-  page_["CmdNext"].Enabled = false;
-  page_.Changed("CmdNext", Property::Enabled);
+  page_.CmdNext.Enabled = false;
   Press(VK_RETURN);
   Press(VK_ESCAPE);
   EXPECT_EQ(page_.Doings.size(), 1u);
@@ -217,25 +212,21 @@ TEST_F(WindowTest, TypingReachesTheFormAndItsOwnTextsDoNotEcho) {
   SendMessageA(Control("TxtPath"), EM_SETSEL, 0, -1);
   for (const wchar_t c : {L'C', L'\u8868'}) SendMessageW(Control("TxtPath"), WM_CHAR, c, 1);
   EXPECT_EQ(page_.Doings, Doings({"focus TxtPath", "type TxtPath C", "type TxtPath C\u8868"}));
-  page_["TxtPath"].Text = "D:\\\u0436pps";
-  page_.Changed("TxtPath", Property::Text);
-  page_["TxtPath"].SelStart = 3;
-  page_["TxtPath"].SelLength = 4;
-  page_.Changed("TxtPath", Property::Selection);
-  EXPECT_EQ(page_.Doings.size(), 3u);
+  page_.Doings.clear();
+  page_.TxtPath.Text = "D:\\\u0436pps";
+  page_.TxtPath.SelStart = 3;
+  page_.TxtPath.SelLength = 4;
+  EXPECT_EQ(page_.Doings, Doings({"type TxtPath D:\\\u0436pps"})) << "once, by the form itself";
   EXPECT_EQ(TextOf("TxtPath"), "D:\\\u0436pps");
   EXPECT_EQ(SendMessageA(Control("TxtPath"), EM_GETSEL, 0, 0), MAKELONG(3, 7));
   SendMessageA(Control("TxtPath"), WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
-  EXPECT_EQ(page_["TxtPath"].ToolTipText, "D:\\\u0436pps");
+  EXPECT_EQ(page_.TxtPath.ToolTipText.Get(), "D:\\\u0436pps");
 }
 
 TEST_F(WindowTest, FocusLeavesAControlThatIsDisabledInItsOwnClick) {
   Show();
   SetFocus(Control("CmdNext"));
-  page_.OnClick = [&] {
-    page_["CmdNext"].Enabled = false;
-    page_.Changed("CmdNext", Property::Enabled);
-  };
+  page_.OnClick = [&] { page_.CmdNext.Enabled = false; };
   Press(VK_SPACE);
   EXPECT_EQ(page_.Doings.back(), "click CmdNext");
   EXPECT_FALSE(IsWindowEnabled(Control("CmdNext")));
@@ -245,14 +236,11 @@ TEST_F(WindowTest, FocusLeavesAControlThatIsDisabledInItsOwnClick) {
 TEST_F(WindowTest, ShowsTextsAndBarsWhenAskedOrWhenTheHandlerIsOver) {
   Show();
   const COLORREF track = PixelOf("ShpProgBase", 300, 5);
-  page_["LblMsg"].Text = "Copying - x";
-  page_.Changed("LblMsg", Property::Caption);
+  page_.LblMsg.Caption = "Copying - x";
   EXPECT_EQ(TextOf("LblMsg"), "Copying - x") << "asked for, so up to date";
   page_.OnClick = [&] {
-    page_["ShpProgBar"].Width = 5860;
-    page_.Changed("ShpProgBar", Property::Width);
-    page_["LblTitleMsg"].Text = "R & D \u8868";
-    page_.Changed("LblTitleMsg", Property::Caption);
+    page_.ShpProgBar.Width = 5860;
+    page_.LblTitleMsg.Caption = "R & D \u8868";
   };
   SendMessageA(Control("CmdNext"), BM_CLICK, 0, 0);
   EXPECT_EQ(GetPropA(Control("ShpProgBar"), "Width"), reinterpret_cast<HANDLE>(5860));
@@ -262,16 +250,14 @@ TEST_F(WindowTest, ShowsTextsAndBarsWhenAskedOrWhenTheHandlerIsOver) {
   EXPECT_EQ(Narrow(title), "R & D \u8868");
   Settle();
   EXPECT_NE(PixelOf("ShpProgBar", 300, 5), track);
-  page_["ShpProgBar"].Visible = false;
-  page_.Changed("ShpProgBar", Property::Visible);
+  page_.ShpProgBar.Visible = false;
   Settle();
   EXPECT_EQ(PixelOf("ShpProgBase", 300, 5), track);
 }
 
 TEST_F(WindowTest, PaintsAndTakesInputWhileAHandlerWorks) {
   Show();
-  page_["LblMsg"].Text = "working";
-  page_.Changed("LblMsg", Property::Caption);
+  page_.LblMsg.Caption = "working";
   Sleep(60);
   windows_.DoEvents();
   wchar_t text[32] = L"";
@@ -303,7 +289,7 @@ TEST_F(WindowTest, TheNextPageAppearsWhereTheLastOneStood) {
   EXPECT_EQ(second.top, 47);
   EXPECT_FALSE(IsWindowVisible(frame_));
 
-  windows_.UpdateControl(page_, page_.IndexOf("LblMsg"), Property::Caption);
+  page_.LblMsg.Caption = "hidden";
   windows_.HideForm(next);
   EXPECT_TRUE(IsWindowVisible(FindFrame("FrmNext"))) << "until the next page covers it";
   Settle();
@@ -321,18 +307,17 @@ TEST_F(WindowTest, LongTextsCanAlwaysBeRead) {
     SendMessageW(frame_, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
     return Narrow(info.lpszText);
   };
-  EXPECT_EQ(tip("LblMsg"), page_["LblMsg"].Text);
+  EXPECT_EQ(tip("LblMsg"), page_.LblMsg.Caption.Get());
   EXPECT_EQ(tip("LblTitleMsg"), "") << "it fits";
-  page_["LblTitleMsg"].ToolTipText = "own";
-  EXPECT_EQ(tip("LblTitleMsg"), "own");
+  page_.TxtPath.ToolTipText = "own";
+  EXPECT_EQ(tip("TxtPath"), "own");
 
   const HWND final = Control("LblFinalMsg");
   EXPECT_NE(GetWindowLongA(final, GWL_STYLE) & WS_VSCROLL, 0);
   SetFocus(final);
   Press(VK_END);
   EXPECT_GT(GetScrollPos(final, SB_VERT), 0);
-  page_["LblFinalMsg"].Text = "short";
-  page_.Changed("LblFinalMsg", Property::Caption);
+  page_.LblFinalMsg.Caption = "short";
   EXPECT_EQ(TextOf("LblFinalMsg"), "short");
   EXPECT_EQ(GetWindowLongA(final, GWL_STYLE) & (WS_VSCROLL | WS_TABSTOP), 0);
 }
@@ -356,7 +341,7 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
   // The smallest bitmap there is: one black pixel.
   std::string bitmap("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\1\0\0\0\1\0\x18", 30);
   bitmap.resize(58);
-  page_["ImgBack"].Picture = windows_.LoadPicture(scratch.Write("100% black #1.bmp", bitmap));
+  page_.ImgBack.Picture = windows_.LoadPicture(scratch.Write("100% black #1.bmp", bitmap));
   Show();
   EXPECT_EQ(PixelOf("ImgBack", 2, 2), RGB(0, 0, 0));
   const COLORREF card = PixelOf("LblTitleMsg", 460, 5);
@@ -370,8 +355,7 @@ TEST_F(WindowTest, APictureStandsBehindALightCard) {
     EXPECT_GE(Contrast(ToColorref(own.OnAccent), ToColorref(face)), 4.5) << std::hex << face;
   }
   EXPECT_GE(Contrast(ToColorref(own.Disabled), ToColorref(own.FaceDisabled)), 4.5);
-  page_["ImgBack"].Picture = nullptr;
-  page_.Changed("ImgBack", Property::Picture);
+  page_.ImgBack.Picture = nullptr;
   Settle();
   EXPECT_GT(GetRValue(PixelOf("ImgBack", 2, 2)), 200) << "a plain light ground";
 
@@ -413,7 +397,8 @@ TEST_F(HighContrastTest, ThePagesHaveTheOperatorsColoursAtOnce) {
 TEST_F(WindowTest, TheWheelScrollsByTheSettingFromAnywhereOnThePage) {
   UINT setting = 3;
   SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &setting, 0);
-  page_["LblFinalMsg"].Text += "\rSix.\rSeven.\rEight.\rNine.\rTen.\rEleven.\rTwelve.\rThirteen.";
+  page_.LblFinalMsg.Caption = page_.LblFinalMsg.Caption.Get() +
+                              "\rSix.\rSeven.\rEight.\rNine.\rTen.\rEleven.\rTwelve.\rThirteen.";
   Show();
   const HWND final = Control("LblFinalMsg");
   struct Case {
