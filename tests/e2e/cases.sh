@@ -93,6 +93,24 @@ Copied() { python3 -B "$Texts" copied "$@"; }
 # Statements: what the server that was started last was told, one statement a line.
 Statements() { python3 -B "$Texts" statements "$ServerData/journal.jsonl"; }
 
+# Counts: every table of the sample's databases with its number of rows, over the wire.
+Counts() {
+  local database table
+  for database in SalesDesk_Sales SalesDesk_Stock; do
+    for table in $(Query "$database" 'SELECT name FROM sys.tables ORDER BY name'); do
+      echo "$database.$table $(Query "$database" "SELECT COUNT(*) FROM [$table]")"
+    done
+  done
+}
+
+# SpecialFolders: a file with the machine's folders for shortcuts that the sample names, as packcheck takes them.
+SpecialFolders() {
+  local start='C:\ProgramData\Microsoft\Windows\Start Menu'
+  printf '%s\n' 'C:\users\Public\Desktop' "$start" "$start\\Programs" "$start\\Programs\\StartUp" \
+    >"$Machine/special-folders"
+  echo "$Machine/special-folders"
+}
+
 # Foretold PACK MODE TYPE [OPTION...]: installs below Folder; what packcheck plan foretells with these options
 # is what the machine and the server then see, byte for byte.
 Foretold() {
@@ -101,10 +119,13 @@ Foretold() {
   before=$(Statements | wc -l)
   rm -rf "$Machine/before" "$Machine/plan"
   cp -al "$drive" "$Machine/before"
+  # The wizard writes on in the record of an earlier installation.
+  [[ ! -d $Host ]] || cp -a --remove-destination "$Host" "$(dirname "$Machine/before/${Host#"$drive/"}")"
   Play "@install $mode $type; @finish"
 
   # The minute is in the names of the backups.
-  stamp=$(grep -m1 -oE '_[0-9_]+\.bkp' "$ServerData/journal.jsonl" | tr -c '0-9\n' ' ' || true)
+  stamp=$({ ls "$Host BackUp" && cat "$ServerData/journal.jsonl"; } 2>/dev/null |
+    grep -m1 -oE '(_[0-9]+){5}' | tr _ ' ' || true)
   read -r day month year hour minute <<<"${stamp:-1 1 2026 0 0}"
   "$Root/build/release/tools/packcheck/packcheck" plan "$pack" --type "${type,}" --mode "${mode,}" \
     --server "$Server" --user sa --password "$SQL_PASSWORD" --install-path "$Folder" \

@@ -1,7 +1,6 @@
 # shellcheck shell=bash disable=SC2154,SC2034
 # What somebody could plant beside Setup.exe or read in what it leaves.
-# shellcheck source=tests/e2e/sample.sh
-source "$Root/tests/e2e/sample.sh"
+InstallBelow 'Program Files' SalesDesk
 Setup=$Root/build/win32/src/platform/win32/Setup.exe
 Planted=$Machine/wine/drive_c/Planted
 StartServer "$Machine/server" "$Machine/wine/drive_c"

@@ -1,10 +1,11 @@
 # shellcheck shell=bash disable=SC2154,SC2034
 # The sample in all six kinds of installation: what packcheck foretells is what the machine and the
-# server then see, byte for byte.
-Public='C:\users\Public\Desktop' Start='C:\ProgramData\Microsoft\Windows\Start Menu'
-printf '%s\n' "$Public" "$Start" "$Start\\Programs" "$Start\\Programs\\StartUp" >"$Machine/special-folders"
+# server then see, byte for byte, and the databases have the rows that another client makes of the scripts.
 DriveC=$Machine/wine/drive_c
 PutPack "$Sample"
+
+Test 'packcheck has nothing to say about the sample but what it accepts'
+True 'the check' "$Root/build/release/tools/packcheck/packcheck" check "$Sample"
 
 for Mode in Server Client; do
   for Type in Fresh Demo Upgrade; do
@@ -18,8 +19,17 @@ for Mode in Server Client; do
       LoadScripts "$Sample" Fresh "$ServerDrive"
       There=(--database SalesDesk_Sales --database SalesDesk_Stock --login SalesDeskUser)
     fi
-    Foretold "$Sample" "$Mode" "$Type" --special-folders "$Machine/special-folders" "${There[@]}" \
+    Foretold "$Sample" "$Mode" "$Type" --special-folders "$(SpecialFolders)" "${There[@]}" \
       --exit LabelPrinter.exe=7
+    if [[ $Mode == Server ]]; then
+      Rows=$(Counts)
+      StopServer
+      Data="$Machine/reference of $Type"
+      StartServer "$Data" "$Data/drive_c"
+      [[ $Type != Upgrade ]] || LoadScripts "$Sample" Fresh "$Data/drive_c"
+      LoadScripts "$Sample" "$Type" "$Data/drive_c"
+      Is 'rows' "$(Counts)" "${Rows:-none}"
+    fi
     StopServer
   done
 done
