@@ -3,9 +3,6 @@
 
   Texts.py log FILE < ENTRIES       the log holds exactly these entries, one a line
   Texts.py record FILE < RECORDS    the same for the uninstall record
-  Texts.py copied SOURCE WINDOWS-SOURCE TARGET THERE
-                                    the log's entries for a copied tree; THERE is a regular expression
-                                    for the sub-folders that were there before
   Texts.py statements JOURNAL       what the server was told, or what a plan foretells, one statement a
                                     line, without the passwords of logins
 
@@ -38,20 +35,6 @@ def written(path, entries, before):
     sys.exit(1)
 
 
-def copied(source, windows_source, target, there):
-    """Files come before folders, and either in the order of their names in capitals."""
-    items = sorted(pathlib.Path(source).iterdir(), key=lambda item: item.name.upper())
-    for item in items:
-        if item.is_file() and not item.name.endswith((".mdf", ".ldf")):
-            print(f"// / Copying file - {target}\\{windows_source}\\{item.name}")
-    for item in items:
-        if item.is_dir():
-            folder = f"{target}\\{item.name}"
-            known = re.fullmatch(there, item.name)
-            print(f"// / {'Folder Already exists' if known else 'Creating New Folder'} - {folder}")
-            copied(item, f"{windows_source}\\{item.name}", folder, there)
-
-
 def statements(journal):
     for line in pathlib.Path(journal).read_text("utf-8").splitlines():
         event = json.loads(line)
@@ -64,4 +47,4 @@ command = sys.argv[1]
 if command in ("log", "record"):
     written(sys.argv[2], sys.stdin.read().splitlines(), "//\r\n" if command == "log" else "")
 else:
-    {"copied": copied, "statements": statements}[command](*sys.argv[2:])
+    statements(sys.argv[2])

@@ -87,9 +87,6 @@ LogBegin() {
 }
 RecordBegin() { printf '%s\n' "AppFolder:$App" "DBFolder:${1-$App\\Data}" "Server:$Server"; }
 
-# Copied SOURCE WINDOWS-SOURCE TARGET THERE: the log's entries for a tree that was copied.
-Copied() { python3 -B "$Texts" copied "$@"; }
-
 # Statements: what the server that was started last was told, one statement a line.
 Statements() { python3 -B "$Texts" statements "$ServerData/journal.jsonl"; }
 
@@ -112,7 +109,8 @@ SpecialFolders() {
 }
 
 # Foretold PACK MODE TYPE [OPTION...]: installs below Folder; what packcheck plan foretells with these options
-# is what the machine and the server then see, byte for byte.
+# is what the machine and the server then see, byte for byte. Steps are others than the usual ones, Except the files
+# that no plan can foretell.
 Foretold() {
   local pack=$1 mode=$2 type=$3 before stamp day month year hour minute drive=$Machine/wine/drive_c name
   shift 3
@@ -121,24 +119,24 @@ Foretold() {
   cp -al "$drive" "$Machine/before"
   # The wizard writes on in the record of an earlier installation.
   [[ ! -d $Host ]] || cp -a --remove-destination "$Host" "$(dirname "$Machine/before/${Host#"$drive/"}")"
-  Play "@install $mode $type; @finish"
+  Play "${Steps:-@install $mode $type; @finish}"
 
   # The minute is in the names of the backups.
-  stamp=$({ ls "$Host BackUp" && cat "$ServerData/journal.jsonl"; } 2>/dev/null |
-    grep -m1 -oE '(_[0-9]+){5}' | tr _ ' ' || true)
+  stamp=$(cat <(ls "$Host BackUp" 2>/dev/null) "$ServerData/journal.jsonl" | grep -m1 -oE '(_[0-9]+){5}' |
+    tr _ ' ' || true)
   read -r day month year hour minute <<<"${stamp:-1 1 2026 0 0}"
   "$Root/build/release/tools/packcheck/packcheck" plan "$pack" --type "${type,}" --mode "${mode,}" \
     --server "$Server" --user sa --password "$SQL_PASSWORD" --install-path "$Folder" \
     --now "$(printf '%04d-%02d-%02d %02d:%02d' "$year" "$month" "$day" "$hour" "$minute")" \
     --disk "$Machine/before" --code-page "${CodePage:-1252}" --pack-path "${PackPath:-D:\\Pack}" "$@" \
     --json --save "$Machine/plan" >"$Machine/plan.jsonl" 2>"$Machine/out" ||
-    Problems+=("the plan: $(<"$Machine/out")")
+    (($? == 1)) || Problems+=("the plan: $(<"$Machine/out")") # with 1 it ends when something fails in it
   Is 'statements' "$(python3 -B "$Texts" statements "$Machine/plan.jsonl")" \
     "$(Statements | tail -n +$((before + 1)))"
   for name in Ta-luErrLog.txt Uninstall.dat; do
     True "$name" cmp "$Machine/plan/C/${Host#"$drive/"}/$name" "$Host/$name"
   done
   # What the server writes is the server's.
-  True 'the installed tree' diff -r -x '*.mdf' -x '*.ldf' -x '*.bkp' \
+  True 'the installed tree' diff -r -x "${Except:-}" -x '*.mdf' -x '*.ldf' -x '*.bkp' \
     "$Machine/plan/C/${Folder:3}" "$drive/${Folder:3}"
 }
