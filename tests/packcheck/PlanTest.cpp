@@ -38,9 +38,8 @@ class PlanTest : public testing::Test {
   Texts Statements() { return Run()->Machine.Journal.Texts("sql", "text"); }
   std::string Tell(int status, bool json = false) {
     std::ostringstream out;
-    EXPECT_EQ(
-        PlanCommand({.Run = options, .Json = json, .Save = save, .Compare = compare}, out),
-        status);
+    EXPECT_EQ(PlanCommand({.Run = options, .Json = json, .Save = save, .Compare = compare}, out),
+              status);
     return out.str();
   }
 

@@ -87,10 +87,10 @@ constexpr std::array kFragments = {
 
 /// What stands in place of a value, or around it; $V is the value.
 constexpr std::array kValues = {
-    "$V ",   " $V",  "$V.",    "$V\t",      "$V,x",   "",        " ",    "CON",     "NUL.txt",
-    "$V\\x", "A B",  "AppT",   "{",         "}",      "a:b",     "$V$V", "\\$V",    "TA",
-    "x,y",   ".",    "..",     "\xE4",      "lpt1",   "$V;",     "'$V",  "[$V]",    "-$V",
-    "$V.sql", "App", "AppTitle", "SystemDSN", "x\x01y", "sa,,",  "a?b",  "$V.mdf",  "A  B",
+    "$V ",    " $V", "$V.",      "$V\t",      "$V,x",   "",     " ",    "CON",    "NUL.txt",
+    "$V\\x",  "A B", "AppT",     "{",         "}",      "a:b",  "$V$V", "\\$V",   "TA",
+    "x,y",    ".",   "..",       "\xE4",      "lpt1",   "$V;",  "'$V",  "[$V]",   "-$V",
+    "$V.sql", "App", "AppTitle", "SystemDSN", "x\x01y", "sa,,", "a?b",  "$V.mdf", "A  B",
 };
 
 /// A pack as an author thinks of it: blocks of values, and scripts of batches.
@@ -189,7 +189,8 @@ class Maker {
                         {"SQL Server, Shop, " + pack_.Databases[0] + ", " + pack_.Logins[0] +
                          ", Key-" + pack_.Logins[0]}});
     }
-    if (Often()) blocks.push_back({"Shotcut", {"\\Shop.exe,Desktop,Shop", "\\Shop.exe,Programs,Shop"}});
+    if (Often())
+      blocks.push_back({"Shotcut", {"\\Shop.exe,Desktop,Shop", "\\Shop.exe,Programs,Shop"}});
     if (Often()) blocks.push_back({"WriteSettings", {"\\Help\\Server.txt,Server=,SERVER"}});
     if (Below(3) == 0) {
       blocks.push_back({"AddOns", {"Tool.exe"}});

@@ -165,7 +165,7 @@ Place SqlBatch::PlaceOf(int number) const {
 }
 
 void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& shape,
-                bool& countsTold, Findings& findings) {
+                Findings& findings) {
   for (const BatchShape::Spot& spot : shape.NotFirst()) {
     findings.Add("SQL-GO-BEFORE", batch.PlaceOf(spot.Line), {UCase(spot.Word)});
   }
@@ -188,12 +188,7 @@ void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& 
   }
   const BatchShape::Result& result = shape.FirstResult();
   if (result.UnseenLine == 0 || !shape.NotFirst().empty()) return;
-  const std::string unseen = std::to_string(result.UnseenLine);
-  if (result.Rows) {
-    findings.Add("SQL-ROWS", batch.PlaceOf(result.Line), {unseen});
-  } else if (!std::exchange(countsTold, true)) {
-    findings.Add("SQL-COUNTS", batch.PlaceOf(result.Line), {unseen});
-  }
+  findings.Add("SQL-ROWS", batch.PlaceOf(result.Line), {std::to_string(result.UnseenLine)});
 }
 
 std::optional<std::string> RecordedName(const std::string& text, bool login) {

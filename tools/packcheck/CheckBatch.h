@@ -33,17 +33,16 @@ struct SqlBatch {
   Place PlaceOf(int number) const;
 };
 
-/// The name that the build records for a batch that creates a login or a database; nothing when that
-/// fails.
+/// The name that the build records for a batch that creates a login or a database; nothing when
+/// that fails.
 std::optional<std::string> RecordedName(const std::string& text, bool login);
 
 /// Checks what a batch creates: whether it is recorded under its name and its files are moved.
 void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findings);
 
-/// Checks what the order of its statements does to a batch. `countsTold`: the script's finding on
-/// counted statements has been made.
+/// Checks what the order of its statements does to a batch.
 void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& shape,
-                bool& countsTold, Findings& findings);
+                Findings& findings);
 
 /// The databases that the backup before a build finds in one set of scripts.
 class BackupNames {

@@ -82,7 +82,6 @@ void ScriptSet::CheckFile(const CfgLine& listed) {
   splitTold_ = false;
   toldRegion_ = 0;
   toldText_ = 0;
-  countsTold_ = false;
   const std::string meant = MeantText(pack_, std::move(text), file_);
   TakeText(meant);
 }
@@ -193,7 +192,7 @@ void ScriptSet::FinishBatch() {
 }
 
 void ScriptSet::TakeOrder(const SqlBatch& batch) {
-  CheckOrder(batch, sql_.Facts, sql_.Shape, countsTold_, findings_);
+  CheckOrder(batch, sql_.Facts, sql_.Shape, findings_);
   if (index_ <= backedUp_) backup_.Collect(batch, sql_.Facts, sql_.Shape.HasCode());
   const BatchShape::Spot& object = sql_.Shape.Object();
   // A USE before it in the same batch counts as well.

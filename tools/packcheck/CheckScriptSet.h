@@ -79,7 +79,6 @@ class ScriptSet {
   bool splitTold_ = false;
   int toldRegion_ = 0;
   int toldText_ = 0;
-  bool countsTold_ = false;
 };
 
 }  // namespace talu::packcheck

@@ -14,8 +14,8 @@ using sql::TokenKind;
 // clang-format off
 enum class BatchShape::Word {
   None, Alter, Begin, Case, Create, Delete, Drop, Else, End, Exec, For, Function, Other, If,
-  Insert, Into, Maker, Merge, NoCount, Off, On, Or, Procedure, Rights, Schema, Select, Set,
-  Statistics, Table, To, Transaction, Trigger, Union, Update, Values, View, While
+  Insert, Into, Maker, Merge, On, Or, Procedure, Rights, Schema, Select, Set, Table,
+  To, Transaction, Trigger, Union, Update, Values, View, While
 };
 // clang-format on
 
@@ -34,12 +34,11 @@ BatchShape::Word BatchShape::Known(const sql::Token& token) {
     {"DENY", Rights}, {"DROP", Drop}, {"ELSE", Else}, {"END", End}, {"EXCEPT", Union},
     {"EXEC", Exec}, {"EXECUTE", Exec}, {"FETCH", Set}, {"FOR", For}, {"FROM", To},
     {"FUNCTION", Function}, {"GOTO", Set}, {"GRANT", Rights}, {"IF", If}, {"INSERT", Insert},
-    {"INTERSECT", Union}, {"INTO", Into}, {"KILL", Set}, {"MERGE", Merge}, {"NOCOUNT", NoCount},
-    {"OFF", Off}, {"ON", On}, {"OPEN", Set}, {"OR", Or}, {"PRINT", Set}, {"PROC", Procedure},
+    {"INTERSECT", Union}, {"INTO", Into}, {"KILL", Set}, {"MERGE", Merge}, {"ON", On}, {"OPEN", Set}, {"OR", Or}, {"PRINT", Set}, {"PROC", Procedure},
     {"PROCEDURE", Procedure}, {"RAISERROR", Set}, {"RECONFIGURE", Set}, {"RESTORE", Set},
     {"RETURN", Set}, {"REVOKE", Rights}, {"ROLLBACK", Set}, {"SAVE", Set}, {"SCHEMA", Schema},
     {"SELECT", Select}, {"SET", Set}, {"SP_ADDLOGIN", Maker}, {"SP_ATTACH_DB", Maker},
-    {"SP_GRANTLOGIN", Maker}, {"STATISTICS", Statistics}, {"TABLE", Table}, {"THROW", Set},
+    {"SP_GRANTLOGIN", Maker}, {"TABLE", Table}, {"THROW", Set},
     {"TO", To}, {"TRAN", Transaction}, {"TRANSACTION", Transaction}, {"TRIGGER", Trigger},
     {"TRUNCATE", Other}, {"UNION", Union}, {"UPDATE", Update}, {"USE", Set}, {"VALUES", Values},
     {"VIEW", View}, {"WAITFOR", Set}, {"WHILE", While}};
@@ -65,9 +64,7 @@ BatchShape::Word BatchShape::Known(const sql::Token& token) {
 }
 
 void BatchShape::Clear() {
-  const bool noCount = noCount_;
   *this = {};
-  noCount_ = noCount;
 }
 
 BatchShape::Condition BatchShape::Conditional() const {
@@ -131,8 +128,6 @@ void BatchShape::TakeWord(Word word, const sql::Token& token) {
       } else if (!blocks_.empty()) {
         blocks_.pop_back();
       }
-      return;
-    case Word::NoCount:
       return;
     case Word::To:
       inRights_ = false;
@@ -210,10 +205,7 @@ void BatchShape::TakeResultWord(Word word) {
       hasRows_ = true;
       return;
     case Word::Into:
-      if (open_ == Word::Select) {
-        hasRows_ = false;
-        hasCount_ = !noCount_;
-      }
+      if (open_ == Word::Select) hasRows_ = false;
       return;
     case Word::Insert:
     case Word::Update:
@@ -224,13 +216,9 @@ void BatchShape::TakeResultWord(Word word) {
       }
       Begin(word);
       insertHasSource_ = false;
-      hasCount_ = !noCount_;
       return;
     case Word::Values:
       insertHasSource_ = true;
-      return;
-    case Word::Statistics:
-      if (previous_ == Word::Update) hasCount_ = false;
       return;
     case Word::Exec:
       if (inRights_) return;
@@ -254,10 +242,6 @@ void BatchShape::TakeResultWord(Word word) {
     case Word::Set:
       conditional_ = std::exchange(pending_, false);
       return;
-    case Word::On:
-    case Word::Off:
-      if (previous_ == Word::NoCount) noCount_ = word == Word::On;
-      return;
     default:
       return;
   }
@@ -276,9 +260,9 @@ void BatchShape::Begin(Word word) {
 
 // The statement that was being read is whole.
 void BatchShape::Commit() {
-  if (result_.Line == 0 && (hasRows_ || hasCount_)) result_ = {hasRows_, openLine_, 0};
+  if (result_.Line == 0 && hasRows_) result_ = {openLine_, 0};
   open_ = Word::None;
-  hasRows_ = hasCount_ = false;
+  hasRows_ = false;
 }
 
 }  // namespace talu::packcheck

@@ -102,15 +102,9 @@ inline constexpr Rule kScriptRules[] = {
      "The statement returns rows before its batch ends, so an error from line {0} on is not seen, "
      "and what stands there may be cancelled.",
      "Put a line GO behind the statement, or leave it out if nothing needs its rows.",
-     "Of each batch only the first result is looked at. What follows it is not waited for."},
-    {"SQL-COUNTS", Severity::Note,
-     "The statement reports how many rows it changed before its batch ends, so an error from line "
-     "{0} on is not seen and the build goes on as if all were well.",
-     "Begin the first script with SET NOCOUNT ON and GO, which holds for all that follow, or put a "
-     "GO behind each statement.",
-     "Of each batch only the first result is looked at, and a count of rows is one. It is told "
-     "once "
-     "for a script."},
+     "A batch is followed up to the first rows that it returns. What comes after them is not "
+     "waited "
+     "for."},
     {"SQL-NO-USE", Severity::Warning,
      "No USE of the product's database comes before it, so the {0} is created in master.",
      "Put a batch USE with the name of the database before it.",
@@ -181,9 +175,11 @@ inline constexpr Rule kScriptRules[] = {
      "blank in the batch there is nothing to cut."},
     {"SQL-REFUSED", Severity::Warning,
      "On {0} this is refused: {1} Then the build fails and takes back what it created.",
-     "Name what an earlier batch makes, spelled alike, and make each name once; or ask first whether "
+     "Name what an earlier batch makes, spelled alike, and make each name once; or ask first "
+     "whether "
      "it is there.",
-     "The server has its own databases, and what the scripts make of them, batch by batch. Where the "
+     "The server has its own databases, and what the scripts make of them, batch by batch. Where "
+     "the "
      "customer's server has more, the finding may be accepted."},
     {"SQL-RECORD-GONE", Severity::Warning,
      "The {0} {1} is recorded here, but the scripts drop it again: what uninstalls looks for it in "
