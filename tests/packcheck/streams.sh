@@ -24,6 +24,7 @@ done
 
 # Its own failures are on standard error, in one line, and end with 2.
 mkdir "$folder/huge" "$folder/wrong"
+printf 'PRINT 1' >"$folder/a.sql"
 : >"$folder/wrong/"$'\xff\xfe'
 truncate -s 3G "$folder/huge/AppCfg.txt"
 export ASAN_OPTIONS=max_allocation_size_mb=1000 # the 3 GB would be taken for good
@@ -35,6 +36,9 @@ done <<CASES
 check $folder/nowhere --json|there is no folder $folder/nowhere
 check $folder/nowhere|there is no folder $folder/nowhere
 check --explain NONE|no finding is called NONE; "all" explains every one
+convert $folder/nowhere|there is no file $folder/nowhere
+convert $folder/a.sql --to $folder --in-place|convert: --to and --in-place exclude each other
+convert $folder/a.sql --code-page 12345|this system has no ANSI code page 12345
 check $folder/huge|AppCfg.txt: Out of memory
 check $folder/huge --json|AppCfg.txt: Out of memory
 check $folder/wrong --json|$folder/wrong/$(printf '\xef\xbf\xbd\xef\xbf\xbd'): the name is not UTF-8
@@ -78,6 +82,9 @@ check $pack
 check $pack --json
 check --explain all
 check --explain CFG-MISSING
+convert --help
+convert $folder/a.sql --in-place
+convert $folder/a.sql --to $folder/saved
 ${plan[*]} client
 ${plan[*]} client --json
 ${plan[*]} client --save $folder/saved
@@ -85,5 +92,6 @@ CASES
 # The first trouble is the one that is told.
 "$packcheck" check "$folder/nowhere" >&- 2>"$folder/error"
 Is 'a failure >&-' "$? $(<"$folder/error")" "2 packcheck: there is no folder $folder/nowhere"
+Is 'what could not be shown' "$(cat "$folder"/a.sql* "$folder"/saved/a.sql 2>/dev/null)" 'PRINT 1'
 grep -rqs 'installation in client mode' "$folder/saved" && Is 'what was saved' 'the account' 'files'
 exit $((failures > 0))

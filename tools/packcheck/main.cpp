@@ -6,9 +6,11 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "CheckCommand.h"
 #include "CommandLine.h"
+#include "ConvertCommand.h"
 #include "PlanArguments.h"
 #include "PlanCommand.h"
 #include "runtime/RuntimeError.h"
@@ -119,6 +121,53 @@ int RunCheck(const CheckArguments& given) {
   return CheckCommand({.Pack = pack, .CodePage = given.CodePage, .Json = given.Json}, std::cout);
 }
 
+struct ConvertArguments {
+  std::vector<std::string> Paths;
+  std::string To;
+  ConvertOptions Options;
+  ConvertTarget Target;
+};
+
+void AddConversion(CLI::App& command, ConvertArguments& given) {
+  command.footer(
+      "Every change is shown before anything is written. Exit status: 0 done, 1 a file was left as "
+      "it is, 2 it could not be done.");
+  command.add_flag("--in-place", given.Target.InPlace,
+                   "Write the files where they are, and keep each as it was beside it (.bak)");
+  command.add_flag("--dry-run", given.Target.DryRun, "Write nothing");
+  command.add_option("--code-page", given.Options.CodePage, kCodePageHelp)->type_name("NUMBER");
+  command.add_flag("--replace-letters", given.Options.ReplaceLetters,
+                   "Letters that the code page lacks become ?");
+}
+
+CLI::App& AddConvert(CLI::App& app, ConvertArguments& given) {
+  CLI::App& convert =
+      *app.add_subcommand("convert", "Make scripts of other tools into scripts of a pack");
+  convert.add_option("SCRIPT", given.Paths, "Scripts, or folders of them")
+      ->type_name("")
+      ->required();
+  convert.add_option("--to", given.To, "Write them into this folder, over nothing")
+      ->type_name("DIR")
+      ->allow_extra_args(false);
+  AddConversion(convert, given);
+  return convert;
+}
+
+std::filesystem::path FromUtf8(const std::string& text) {
+  return std::u8string(text.begin(), text.end());
+}
+
+int RunConvert(const ConvertArguments& given) {
+  std::vector<std::filesystem::path> paths;
+  for (const std::string& path : given.Paths) paths.push_back(FromUtf8(path));
+  ConvertTarget target = given.Target;
+  target.Folder = FromUtf8(given.To);
+  if (!given.To.empty() && target.InPlace) {
+    throw std::runtime_error("convert: --to and --in-place exclude each other");
+  }
+  return ConvertCommand(paths, given.Options, target, std::cout);
+}
+
 int Run(int count, char** arguments) {
   CLI::App app("packcheck tells what Setup.exe would do with an installation pack.");
   app.name("packcheck");
@@ -127,12 +176,15 @@ int Run(int count, char** arguments) {
   const CLI::App& plan = AddPlan(app, planned);
   CheckArguments checked;
   AddCheck(app, checked);
+  ConvertArguments converted;
+  const CLI::App& convert = AddConvert(app, converted);
   try {
     app.parse(Utf8Arguments(count, arguments));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kUsage;
   }
   if (plan.parsed()) return PlanCommand(ReadPlanArguments(planned), std::cout);
+  if (convert.parsed()) return RunConvert(converted);
   return RunCheck(checked);
 }
 

@@ -1,0 +1,257 @@
+// What becomes of scripts that other tools wrote.
+
+#include <sstream>
+
+#include "ConvertCommand.h"
+#include "PackFolder.h"
+#include "runtime/TextFunctions.h"
+
+namespace talu::packcheck {
+namespace {
+
+/// Lines, each "|" a line end.
+std::string Lines(const std::string& text) {
+  return Replace(text, "|", "\r\n");
+}
+
+std::string Utf16(const std::string& ascii, bool bigEndian = false) {
+  std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+  for (const char c : ascii) {
+    bytes += bigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+  }
+  return bytes;
+}
+
+struct ConvertCase {
+  const char* What;
+  std::string Before;
+  /// "=" for the same bytes; with "!" before it, why the file is left as it is.
+  std::string After;
+  int CodePage = 1252;
+};
+
+const std::string kFiles = " ON (FILENAME = 'C:\\D\\s.mdf')|GO|";
+
+const ConvertCase kCases[] = {
+    {"nothing", "--taluGO|PRINT 1|GO|", "="},
+    {"an empty file", "", "="},
+    {"line by line", "--taluLineByLine|USE Sales;|GO", "="},
+    // Encodings and line ends
+    {"UTF-16", Utf16("--taluGO\r\nGO\r\n"), "--taluGO|GO|"},
+    {"UTF-16, the other way round", Utf16("--taluGO\nGO\n", true), "--taluGO|GO|"},
+    {"UTF-16 without a mark", Utf16("--taluGO\nGO\n").substr(2), "--taluGO|GO|"},
+    {"half a letter of UTF-16", Utf16("GO") + "x",
+     "!it begins as UTF-16 but has an odd number of bytes"},
+    {"UTF-8", "--taluGO|PRINT 'caf\xC3\xA9 \xE2\x82\xAC'|GO|", "--taluGO|PRINT 'caf\xE9 \x80'|GO|"},
+    {"a mark of UTF-8", "\xEF\xBB\xBF--taluGO|GO|", "--taluGO|GO|"},
+    {"a mark and no UTF-8", "\xEF\xBB\xBF--taluGO|\xE9|GO|", "!it has bytes that are not UTF-8"},
+    {"the mark alone, where UTF-8 is the code page", "\xEF\xBB\xBF--taluGO|PRINT '\xC5\x82'|GO|",
+     "--taluGO|PRINT '\xC5\x82'|GO|", 65001},
+    {"the code page's own letters", "--taluGO|PRINT '\xE9\x81'|GO|", "="},
+    {"bytes of another code page", "--taluGO|PRINT '\x81!'|GO|",
+     "!it has bytes that are no letters of code page 932 (--code-page names another)", 932},
+    {"NUL characters", "--taluGO|" + std::string(80, 'x') + std::string(1, '\0'),
+     "!it has NUL characters, so it is no text"},
+    {"line feeds", "--taluGO\nPRINT 1\rGO\n\nPRINT 2|GO", "--taluGO|PRINT 1|GO||PRINT 2|GO"},
+    // Letters that are not there
+    {"a letter among values", "--taluGO|INSERT T VALUES (1, N'\xC5\x81uk')|GO|",
+     "--taluGO|INSERT T VALUES (1, NCHAR(321) + N'uk')|GO|"},
+    {"letters, rows and a pair of halves",
+     "--taluGO|INSERT T VALUES (N'a\xC5\x82', f(N'\xC3\xA9')),|(N'\xF0\x9F\x98\x80', 2)|GO|",
+     "--taluGO|INSERT T VALUES (N'a' + NCHAR(322), f(N'\xE9')),|"
+     "(NCHAR(55357) + NCHAR(56832), 2)|GO|"},
+    {"a letter in an argument", "--taluGO|EXEC p N'\xC5\x82'|GO|",
+     "!it has letters that code page 1252 lacks"},
+    {"a letter within a value", "--taluGO|INSERT T VALUES (CAST(N'\xC5\x82' AS xml))|GO|",
+     "!it has letters that code page 1252 lacks"},
+    {"a letter of a text that is no Unicode", "--taluGO|INSERT T VALUES ('\xC5\x82')|GO|",
+     "!it has letters that code page 1252 lacks"},
+    {"a letter that another code page has", "--taluGO|EXEC p N'\xC5\x82'|GO|",
+     "--taluGO|EXEC p N'\xB3'|GO|", 1250},
+    // The directive
+    {"no directive", "PRINT 1|GO|", "--taluGO|PRINT 1|GO|"},
+    {"no directive and no GO", "PRINT 1", "--taluGO|PRINT 1|GO|"},
+    {"a late directive", "-- Sales|  --TALUGO -- batches|PRINT 1|GO|",
+     "--TALUGO -- batches|-- Sales|PRINT 1|GO|"},
+    {"a late mention", "PRINT 1 -- --taluGO|GO|", "="},
+    {"a late directive of the other kind", "-- Sales|--taluLineByLine|PRINT 1|", "="},
+    // GO
+    {"the last GO", "--taluGO|PRINT 1|", "--taluGO|PRINT 1|GO|"},
+    {"the last GO and the last line end", "--taluGO|PRINT 1", "--taluGO|PRINT 1|GO|"},
+    {"tails", "--taluGO|PRINT 1|GO;|PRINT 2|\tgo\t|PRINT 3|GO -- end|PRINT 4|GO 1 /* x */|",
+     "--taluGO|PRINT 1|GO|PRINT 2|GO|PRINT 3|-- end|GO|PRINT 4|/* x */|GO|"},
+    {"three times", "--taluGO|INSERT T DEFAULT VALUES|GO 3|",
+     "--taluGO|INSERT T DEFAULT VALUES|GO|INSERT T DEFAULT VALUES|GO|"
+     "INSERT T DEFAULT VALUES|GO|"},
+    {"twice, mended", "--taluGO|/*|GO|*/USE A;|PRINT 1|GO 2|",
+     "--taluGO|/*|-- GO|*/USE A|GO|PRINT 1|GO|/*|-- GO|*/USE A|GO|PRINT 1|GO|"},
+    {"too often", "--taluGO|PRINT 1|GO 101|PRINT 2|GO|", "="},
+    {"words that begin like GO", "--taluGO|GOTO x|GO to|GO -1|GO 0|GO|", "="},
+    {"GO in a comment", "--taluGO|PRINT 1 /*|GO|*/|GO|", "--taluGO|PRINT 1 /*|-- GO|*/|GO|"},
+    {"GO in a text", "--taluGO|USE A;|PRINT '|GO|'|GO|", "="},
+    {"what stays open", "--taluGO|USE A;|GO|PRINT '|", "--taluGO|USE A|GO|PRINT '|"},
+    // USE
+    {"USE and others", "--taluGO|USE [A] SELECT 1|GO|use B;|  SELECT 2|GO|",
+     "--taluGO|USE [A]|GO|SELECT 1|GO|USE B|GO|  SELECT 2|GO|"},
+    {"USE, the way it is read", "--taluGO|/* A */|USE  A|GO|", "="},
+    {"USE behind a comment that hides it", "--taluGO|-- BECAUSE of|USE A|GO|",
+     "--taluGO|-- BECAUSE of|GO|USE A|GO|"},
+    {"USE that is no statement, or not the first",
+     "--taluGO|PRINT 1|USE A|GO|SELECT 1 OPTION (USE HINT ('x'))|GO|", "="},
+    {"USE in quotes", "--taluGO|use \"A b\"|GO|USE [a]]b]|GO|",
+     "--taluGO|USE [A b]|GO|USE [a]]b]|GO|"},
+    {"a blank file", "||", "="},
+    {"USE twice", "--taluGO|USE A USE B PRINT 1|GO|", "--taluGO|USE A|GO|USE B|GO|PRINT 1|GO|"},
+    {"a system database", "--taluGO|USE [master];|GO|USE master|GO|use MSDB PRINT 1|GO|",
+     "--taluGO|use [master];|GO|use master|GO|use MSDB PRINT 1|GO|"},
+    // What is created
+    {"the name and what follows", "--taluGO|CREATE DATABASE [S] | CONTAINMENT = NONE|" + kFiles,
+     "--taluGO|CREATE DATABASE [S] CONTAINMENT = NONE|" + kFiles},
+    {"in small letters", "--taluGO|create|database\tS\tON (Filename = 'C:\\D\\s.MDF')|GO|",
+     "--taluGO|CREATE DATABASE S ON (FILENAME = 'C:\\D\\s.mdf')|GO|"},
+    {"a login", "--taluGO|Create Login L|with password = 'x'|GO|",
+     "--taluGO|CREATE LOGIN L with password = 'x'|GO|"},
+    {"ALTER", "--taluGO|ALTER DATABASE S|SET OFFLINE|GO|ALTER DATABASE [S]|SET ONLINE|GO|",
+     "--taluGO|ALTER DATABASE S SET OFFLINE|GO|ALTER DATABASE [S]|SET ONLINE|GO|"},
+    {"a comment behind the name", "--taluGO|CREATE DATABASE S -- new|" + kFiles, "="},
+    {"a comment behind the name and nothing else", "--taluGO|ALTER DATABASE S|GO -- x|",
+     "--taluGO|ALTER DATABASE S|GO|-- x|GO|"},
+    {"a comment behind GO and a name", "--taluGO|USE A|GO -- x|", "--taluGO|USE A|GO|-- x|GO|"},
+    {"no GO is made", "--taluGO|USE A GO|PRINT 1|GO|", "="},
+    {"names of nothing", "--taluGO|GRANT CREATE DATABASE|TO a|ALTER DATABASE|SCOPED x|GO|", "="},
+    {"USE of what the batch creates", "--taluGO|create database S|use s;|PRINT 1|GO|",
+     "--taluGO|CREATE DATABASE S|GO|USE s|GO|PRINT 1|GO|"},
+    {"all at once", "USE [master]|CREATE DATABASE S|" + kFiles + "USE S CREATE TABLE T (a int)",
+     "--taluGO|use [master]|CREATE DATABASE S ON (FILENAME = 'C:\\D\\s.mdf')|GO|"
+     "USE S|GO|CREATE TABLE T (a int)|GO|"},
+};
+
+TEST(ConvertTest, WhatAScriptBecomes) {
+  for (const ConvertCase& test : kCases) {
+    SCOPED_TRACE(test.What);
+    const bool isUtf16 = test.Before.find('\0') < 64;
+    const std::string before = isUtf16 ? test.Before : Lines(test.Before);
+    const ConvertedFile file = Convert(before, FileKind::Script, {.CodePage = test.CodePage});
+    if (test.After.starts_with('!')) {
+      EXPECT_EQ(file.LeftBecause, test.After.substr(1));
+      EXPECT_FALSE(file.IsChanged());
+      continue;
+    }
+    EXPECT_EQ(file.LeftBecause, "");
+    EXPECT_EQ(file.After, test.After == "=" ? before : Lines(test.After));
+    const ConvertedFile again = Convert(file.After, FileKind::Script, {.CodePage = test.CodePage});
+    EXPECT_EQ(again.After, file.After);
+  }
+}
+
+TEST(ConvertTest, LettersInCommentsDoNotMatterAndOthersBecomeWhatTheAuthorSays) {
+  const std::string script = "--taluGO\r\n-- \xC5\x82\r\nEXEC p N'\xC5\x82'\r\nGO\r\n";
+  const ConvertedFile left = Convert(script, FileKind::Script, {});
+  ASSERT_EQ(left.Missing.size(), 1U);
+  EXPECT_EQ(left.Missing[0].Letter, "\xC5\x82");
+  EXPECT_EQ(left.Missing[0].Lines, std::vector{3});
+  EXPECT_EQ(left.Missing[0].InComments, 1U);
+  EXPECT_EQ(Convert(script, FileKind::Script, {.ReplaceLetters = true}).After,
+            "--taluGO\r\n-- ?\r\nEXEC p N'?'\r\nGO\r\n");
+  EXPECT_EQ(Convert("--taluGO\r\n/* \xC5\x82 */\r\n", FileKind::Script, {}).After,
+            "--taluGO\r\n/* ? */\r\nGO\r\n");
+}
+
+TEST(ConvertTest, AScriptBehindOneThatIsReadByLinesIsReadSo) {
+  EXPECT_FALSE(Convert("PRINT 1\r\nUSE A;", FileKind::ScriptBehindLines, {}).IsChanged());
+  EXPECT_FALSE(Convert("PRINT 1\r\n", FileKind::Configuration, {}).IsChanged());
+}
+
+class ConvertFolderTest : public testing::Test {
+ protected:
+  int RunConvert(const std::vector<std::string>& scripts, const ConvertTarget& target) {
+    std::vector<std::filesystem::path> paths;
+    for (const std::string& script : scripts) paths.push_back(folder.Path / script);
+    std::ostringstream out;
+    const int status = ConvertCommand(paths, options, target, out);
+    said = Replace(out.str(), folder.Path.string(), "");
+    return status;
+  }
+  std::string Trouble(const std::vector<std::string>& scripts, const ConvertTarget& target) {
+    try {
+      RunConvert(scripts, target);
+    } catch (const std::runtime_error& error) {
+      return Replace(error.what(), folder.Path.string(), "");
+    }
+    return "(none)";
+  }
+
+  HostFolder folder;
+  ConvertOptions options;
+  std::string said;
+};
+
+TEST_F(ConvertFolderTest, ShowsADiffWithoutPasswordsAndWhatWasDone) {
+  std::string rows;
+  for (int i = 1; i < 9; ++i) rows += "PRINT " + std::to_string(i) + "\n";
+  folder.Put("a.sql", "CREATE LOGIN L\nWITH PASSWORD = 'secret'\nGO\n" + rows + "GO;\n");
+  EXPECT_EQ(RunConvert({"a.sql"}, {}), 0);
+  EXPECT_EQ(
+      said,
+      "--- /a.sql\n+++ /a.sql\n"
+      "@@ -1,5 +1,5 @@\n"
+      "+--taluGO\n"
+      "-CREATE LOGIN L\n"
+      "-WITH PASSWORD = '***'\n"
+      "+CREATE LOGIN L WITH PASSWORD = '***'\n"
+      " GO\n PRINT 1\n PRINT 2\n"
+      "@@ -9,4 +9,4 @@\n"
+      " PRINT 6\n PRINT 7\n PRINT 8\n"
+      "-GO;\n"
+      "+GO\n"
+      "/a.sql: 12 lines end in CR LF now, GO alone on its line, the directive on top, the name and "
+      "what follows in one line\n"
+      "nothing is written yet: --in-place does it\n");
+}
+
+TEST_F(ConvertFolderTest, NothingIsOverwritten) {
+  folder.Put("in/a.sql", "PRINT 1");
+  folder.Put("in/b.SQL", "--taluGO\r\n");
+  folder.Put("in/c.txt", "x");
+  folder.Put("d/a.sql", "PRINT 2");
+  const ConvertTarget to{.Folder = folder.Path / "out/deep"};
+  EXPECT_EQ(RunConvert({"in"}, {.Folder = to.Folder, .DryRun = true}), 0);
+  EXPECT_FALSE(std::filesystem::exists(folder.Path / "out"));
+  EXPECT_EQ(RunConvert({"in"}, to), 0);
+  EXPECT_EQ(folder.Get("out/deep/a.sql"), "--taluGO\r\nPRINT 1\r\nGO\r\n");
+  EXPECT_EQ(folder.Get("out/deep/b.SQL"), "--taluGO\r\n");
+  EXPECT_EQ(folder.Get("out/deep/c.txt"), "(none)");
+  EXPECT_EQ(RunConvert({"in"}, to), 0) << "the same files are there already";
+  EXPECT_EQ(Trouble({"d/a.sql"}, to),
+            "/out/deep/a.sql is there already, and it is not overwritten");
+  EXPECT_EQ(Trouble({"in/a.sql"}, {.Folder = folder.Path / "in"}),
+            "/in/a.sql is there already, and it is not overwritten");
+  EXPECT_EQ(Trouble({"in/a.sql", "d/a.sql"}, {.Folder = folder.Path / "other"}),
+            "two files would become /other/a.sql");
+  EXPECT_EQ(Trouble({"none.sql"}, to), "there is no file /none.sql");
+  EXPECT_EQ(Trouble({"out"}, to), "/out has no .sql files");
+  EXPECT_FALSE(std::filesystem::exists(folder.Path / "other"));
+}
+
+TEST_F(ConvertFolderTest, InPlaceACopyStays) {
+  folder.Put("a.sql", "PRINT 1");
+  folder.Put("a.sql.bak", "older");
+  folder.Put("left.sql", "PRINT N'\xC5\x82'");
+  EXPECT_EQ(RunConvert({"a.sql", "left.sql"}, {.InPlace = true}), 1);
+  EXPECT_EQ(folder.Get("a.sql"), "--taluGO\r\nPRINT 1\r\nGO\r\n");
+  EXPECT_NE(said.find("@@ -1,1 +1,3 @@\n+--taluGO\n PRINT 1\n+GO\n"), std::string::npos) << said;
+  EXPECT_EQ(folder.Get("a.sql.bak"), "older");
+  EXPECT_EQ(folder.Get("a.sql.bak2"), "PRINT 1");
+  EXPECT_EQ(folder.Get("left.sql"), "PRINT N'\xC5\x82'");
+  EXPECT_NE(said.find("left as it is: it has letters that code page 1252 lacks\n"
+                      "    \"\xC5\x82\" (U+0142), line 1\n"
+                      "    code page 1250 has them all"),
+            std::string::npos)
+      << said;
+  EXPECT_EQ(RunConvert({"a.sql"}, {.InPlace = true}), 0);
+  EXPECT_EQ(said, "/a.sql: nothing to mend\n");
+  EXPECT_EQ(folder.Get("a.sql.bak3"), "(none)");
+}
+
+}  // namespace
+}  // namespace talu::packcheck

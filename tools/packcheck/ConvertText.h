@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/CodePage.h"
+
+namespace talu::packcheck {
+
+/// A text file as its author sees it.
+struct DecodedText {
+  /// In UTF-8, without a byte-order mark, every line that is ended ended by CR LF.
+  std::string Text;
+  /// "UTF-16", "UTF-8", or nothing for the code page's own.
+  std::string_view Encoding;
+  /// How many lines ended otherwise.
+  std::size_t OtherLineEnds = 0;
+};
+
+/// Reads a file's bytes; `number` is that of the code page. Raises std::runtime_error, with what is
+/// wrong with them, for bytes that are no text.
+DecodedText Decode(std::string_view bytes, const CodePage& codePage, int number);
+
+/// A letter that a code page lacks.
+struct MissingLetter {
+  /// In UTF-8.
+  std::string Letter;
+  char32_t Character = 0;
+  /// The lines, from 1, in which it is part of a text or a name; in others it is in a comment.
+  std::vector<int> Lines;
+  std::size_t InComments = 0;
+};
+
+/// The letters of `text` that the code page lacks, in order of their first place.
+std::vector<MissingLetter> MissingLetters(std::string_view text, const CodePage& codePage);
+
+/// The ANSI code pages that lack no letter of `text`.
+std::vector<int> CodePagesFor(std::string_view text);
+
+}  // namespace talu::packcheck
