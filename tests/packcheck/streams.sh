@@ -23,7 +23,7 @@ for command in "check $pack" "${plan[*]} server" "${plan[*]} client" "${plan[*]}
 done
 
 # Its own failures are on standard error, in one line, and end with 2.
-mkdir "$folder/huge" "$folder/wrong"
+mkdir "$folder/huge" "$folder/wrong" "$folder/empty"
 printf 'PRINT 1' >"$folder/a.sql"
 : >"$folder/wrong/"$'\xff\xfe'
 truncate -s 3G "$folder/huge/AppCfg.txt"
@@ -39,6 +39,8 @@ check --explain NONE|no finding is called NONE; "all" explains every one
 convert $folder/nowhere|there is no file $folder/nowhere
 convert $folder/a.sql --to $folder --in-place|convert: --to and --in-place exclude each other
 convert $folder/a.sql --code-page 12345|this system has no ANSI code page 12345
+fix $folder/nowhere|there is no folder $folder/nowhere
+fix $folder/empty|$folder/empty is no pack: it has no AppCfg.txt
 check $folder/huge|AppCfg.txt: Out of memory
 check $folder/huge --json|AppCfg.txt: Out of memory
 check $folder/wrong --json|$folder/wrong/$(printf '\xef\xbf\xbd\xef\xbf\xbd'): the name is not UTF-8
@@ -85,6 +87,7 @@ check --explain CFG-MISSING
 convert --help
 convert $folder/a.sql --in-place
 convert $folder/a.sql --to $folder/saved
+fix $pack
 ${plan[*]} client
 ${plan[*]} client --json
 ${plan[*]} client --save $folder/saved

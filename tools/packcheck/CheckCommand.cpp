@@ -10,6 +10,7 @@
 #include "CheckContent.h"
 #include "CheckPack.h"
 #include "CheckScripts.h"
+#include "FixPack.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {
@@ -18,6 +19,23 @@ namespace {
 constexpr int kClean = 0;
 constexpr int kWarnings = 1;
 constexpr int kErrors = 2;
+
+std::string Counted(int count, const std::string& thing) {
+  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+struct Counts {
+  explicit Counts(const Findings& findings) {
+    for (const Finding& finding : findings.All()) {
+      (finding.Accepted.empty() ? Of[finding.Rule->Weight] : Accepted) += 1 + finding.More;
+    }
+  }
+
+  std::map<Severity, int> Of;
+  int Accepted = 0;
+};
+
+}  // namespace
 
 void CheckEverything(CheckedPack& pack) {
   const Configuration configuration(pack);
@@ -29,11 +47,14 @@ void CheckEverything(CheckedPack& pack) {
   pack.Findings.Sort();
 }
 
-std::string Counted(int count, const std::string& thing) {
-  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+std::string CountFindings(const Findings& findings) {
+  Counts counts(findings);
+  std::string text = Counted(counts.Of[Severity::Error], "error") + ", " +
+                     Counted(counts.Of[Severity::Warning], "warning") + ", " +
+                     Counted(counts.Of[Severity::Note], "note");
+  if (counts.Accepted > 0) text += "; " + Counted(counts.Accepted, "finding") + " accepted";
+  return text;
 }
-
-}  // namespace
 
 int CheckCommand(const CheckOptions& options, std::ostream& out) {
   if (!std::filesystem::is_directory(options.Pack)) {
@@ -41,26 +62,15 @@ int CheckCommand(const CheckOptions& options, std::ostream& out) {
   }
   CheckedPack pack(options.Pack, options.CodePage);
   CheckEverything(pack);
-  std::map<Severity, int> counts;
-  int accepted = 0;
+  MarkMended(pack, options.Pack, options.CodePage, CheckEverything);
   for (const Finding& finding : pack.Findings.All()) {
     if (options.Json) out << finding.ToJson() << '\n';
-    if (!finding.Accepted.empty()) {
-      accepted += 1 + finding.More;
-      continue;
-    }
-    counts[finding.Rule->Weight] += 1 + finding.More;
-    if (!options.Json) out << finding.ToText();
+    if (!options.Json && finding.Accepted.empty()) out << finding.ToText();
   }
-  if (!options.Json) {
-    out << Counted(counts[Severity::Error], "error") << ", "
-        << Counted(counts[Severity::Warning], "warning") << ", "
-        << Counted(counts[Severity::Note], "note");
-    if (accepted > 0) out << "; " << Counted(accepted, "finding") << " accepted";
-    out << '\n';
-  }
-  if (counts[Severity::Error] > 0) return kErrors;
-  return counts[Severity::Warning] > 0 ? kWarnings : kClean;
+  if (!options.Json) out << CountFindings(pack.Findings) << '\n';
+  Counts counts(pack.Findings);
+  if (counts.Of[Severity::Error] > 0) return kErrors;
+  return counts.Of[Severity::Warning] > 0 ? kWarnings : kClean;
 }
 
 void ExplainCommand(const std::string& code, std::ostream& out) {

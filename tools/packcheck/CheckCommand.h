@@ -6,6 +6,9 @@
 
 namespace talu::packcheck {
 
+class CheckedPack;
+class Findings;
+
 struct CheckOptions {
   /// The pack folder.
   std::filesystem::path Pack;
@@ -19,6 +22,13 @@ struct CheckOptions {
 /// pack is clean (apart from notes and accepted findings), 1 with warnings, 2 with errors. Raises
 /// std::exception, with a line for the user, when the pack cannot be read.
 int CheckCommand(const CheckOptions& options, std::ostream& out);
+
+/// Checks a pack; its findings are in order then. Raises std::runtime_error, with a line for the
+/// user, for a file that cannot be read.
+void CheckEverything(CheckedPack& pack);
+
+/// How many findings of each weight there are: "2 errors, 1 warning, 0 notes".
+std::string CountFindings(const Findings& findings);
 
 /// Writes what the finding `code` means, in Markdown; all of them for "all". Raises
 /// std::runtime_error with a line for the user when there is no such code.

@@ -24,4 +24,8 @@ struct ConvertTarget {
 int ConvertCommand(const std::vector<std::filesystem::path>& scripts, const ConvertOptions& options,
                    const ConvertTarget& target, std::ostream& out);
 
+/// Does the same with AppCfg.txt and the scripts that it lists, and tells what `check` still finds.
+int FixCommand(const std::filesystem::path& pack, const ConvertOptions& options,
+               const ConvertTarget& target, std::ostream& out);
+
 }  // namespace talu::packcheck

@@ -27,7 +27,7 @@ std::string Finding::ToText() const {
   std::string text = Place.File;
   if (Place.Line > 0) text += ":" + std::to_string(Place.Line);
   text += std::string(": ") + SeverityName(Rule->Weight) + " " + std::string(Rule->Code) + ": " +
-          Will + "\n    " + Do + "\n";
+          Will + "\n    " + Do + (Mended ? " (packcheck fix does it.)" : "") + "\n";
   if (More > 0) text += "    (and " + std::to_string(More) + " more like this in the file)\n";
   return text;
 }
@@ -41,6 +41,7 @@ std::string Finding::ToJson() const {
                       {"will", Will},
                       {"do", Do}}};
   if (More > 0) event.Fields.emplace_back("more", static_cast<std::int64_t>(More));
+  if (Mended) event.Fields.emplace_back("fix", true);
   if (!Accepted.empty()) event.Fields.emplace_back("accepted", Accepted);
   return event.ToJson();
 }

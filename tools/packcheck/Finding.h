@@ -33,6 +33,8 @@ struct Finding {
   int More = 0;
   /// The author's reason to leave it so; empty when it is not accepted.
   std::string Accepted;
+  /// Whether `packcheck fix` mends it.
+  bool Mended = false;
 
   /// The finding for a terminal, in UTF-8.
   std::string ToText() const;

@@ -128,6 +128,7 @@ struct ConvertArguments {
   ConvertTarget Target;
 };
 
+/// What `convert` and `fix` have in common.
 void AddConversion(CLI::App& command, ConvertArguments& given) {
   command.footer(
       "Every change is shown before anything is written. Exit status: 0 done, 1 a file was left as "
@@ -151,6 +152,14 @@ CLI::App& AddConvert(CLI::App& app, ConvertArguments& given) {
       ->allow_extra_args(false);
   AddConversion(convert, given);
   return convert;
+}
+
+CLI::App& AddFix(CLI::App& app, ConvertArguments& given) {
+  CLI::App& fix = *app.add_subcommand("fix", "Mend what is mechanical in a pack");
+  given.Paths.resize(1);
+  fix.add_option("PACK", given.Paths.front(), "The pack folder")->type_name("")->required();
+  AddConversion(fix, given);
+  return fix;
 }
 
 std::filesystem::path FromUtf8(const std::string& text) {
@@ -178,6 +187,8 @@ int Run(int count, char** arguments) {
   AddCheck(app, checked);
   ConvertArguments converted;
   const CLI::App& convert = AddConvert(app, converted);
+  ConvertArguments fixed;
+  const CLI::App& fix = AddFix(app, fixed);
   try {
     app.parse(Utf8Arguments(count, arguments));
   } catch (const CLI::ParseError& error) {
@@ -185,6 +196,9 @@ int Run(int count, char** arguments) {
   }
   if (plan.parsed()) return PlanCommand(ReadPlanArguments(planned), std::cout);
   if (convert.parsed()) return RunConvert(converted);
+  if (fix.parsed()) {
+    return FixCommand(FromUtf8(fixed.Paths.front()), fixed.Options, fixed.Target, std::cout);
+  }
   return RunCheck(checked);
 }
 
