@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <iostream>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -134,10 +133,14 @@ Planned Try(const PlanOptions& options) {
 
 /// The scripts of which the account of a plan tells a failed statement.
 std::set<std::string> FailedScripts(const std::string& account) {
-  static const std::regex kFailed("statement [0-9]+, (.+) line [0-9]+, fails");
   std::set<std::string> scripts;
-  for (std::sregex_iterator at(account.begin(), account.end(), kFailed), end; at != end; ++at) {
-    scripts.insert((*at)[1]);
+  std::istringstream lines(account);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t name = line.find(", ");
+    const std::size_t end = line.find(" line ");
+    if (line.starts_with("  statement ") && end != std::string::npos && Contains(line, ", fails")) {
+      scripts.insert(line.substr(name + 2, end - name - 2));
+    }
   }
   return scripts;
 }
