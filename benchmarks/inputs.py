@@ -74,6 +74,7 @@ def write_large(pack, count):
     names = [f"Table {number:04}.sql" for number in range(count)]
     # What the backup knows is counted against the scripts that it searches.
     write_pack(pack, names, DBSript="\r\n".join(names))
+    (pack / "Setup.exe").touch()
     for number, name in enumerate(names):
         lines = ["--taluGO"]
         if number == 0:

@@ -122,8 +122,8 @@ Foretold() {
   Play "${Steps:-@install $mode $type; @finish}"
 
   # The minute is in the names of the backups.
-  stamp=$(cat <(ls "$Host BackUp" 2>/dev/null) "$ServerData/journal.jsonl" | grep -m1 -oE '(_[0-9]+){5}' |
-    tr _ ' ' || true)
+  stamp=$(cat <(ls "$Host BackUp" 2>/dev/null) "$ServerData/journal.jsonl" | grep -m1 -oE '(_[0-9]+){5}(\.bkp|$)' |
+    tr -c '0-9\n' ' ' || true)
   read -r day month year hour minute <<<"${stamp:-1 1 2026 0 0}"
   "$Root/build/release/tools/packcheck/packcheck" plan "$pack" --type "${type,}" --mode "${mode,}" \
     --server "$Server" --user sa --password "$SQL_PASSWORD" --install-path "$Folder" \

@@ -5,7 +5,7 @@ DriveC=$Machine/wine/drive_c
 PutPack "$Sample"
 
 Test 'packcheck has nothing to say about the sample but what it accepts'
-True 'the check' "$Root/build/release/tools/packcheck/packcheck" check "$Sample"
+True 'the check' "$Root/build/release/tools/packcheck/packcheck" check "$Machine/media/Pack"
 
 for Mode in Server Client; do
   for Type in Fresh Demo Upgrade; do
