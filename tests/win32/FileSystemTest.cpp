@@ -217,7 +217,6 @@ TEST(FileSystem, TakesPathsAsTheSimulatedDiskSays) {
   EXPECT_EQ(create("Desk."), 0);
   EXPECT_EQ(create("Desk.\\Data"), 0);
   EXPECT_EQ(create("a\tb"), 52);
-  EXPECT_EQ(create("CON"), 70);
 }
 
 TEST(FileSystem, KnowsTheSpecialFolders) {
