@@ -206,7 +206,8 @@ class Trial {
       if (!missed.empty()) weigh("the upgrade changes without a backup" + Listed(missed));
       return;
     }
-    if (planned.LastStatement.empty()) return;
+    // What a few letters are part of, the rollback has, too.
+    if (planned.LastStatement.size() < 8) return;
     options.FailSql = {{planned.LastStatement}};
     const Planned failed = Try(options);
     if (!failed.MadeDatabases.empty() || !failed.MadeLogins.empty()) {

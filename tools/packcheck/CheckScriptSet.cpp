@@ -185,7 +185,7 @@ void ScriptSet::FinishBatch() {
   CheckCreated(batch_, sql_.Facts, findings_);
   made_.TakeNames(batch_, sql_.Facts);
   made_.TakeFiles(batch_, sql_.Facts);
-  server_.Take(batch_, true);
+  server_.Take(batch_, sql_.Facts, true);
   TakeOrder(batch_);
   NoteUses();
   batch_.Clear();
@@ -233,7 +233,7 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
   }
   const SqlBatch statement{std::string(line), At(number, line), {number}};
   if (!sql_.Facts.Statements.empty()) made_.TakeNames(statement, sql_.Facts);
-  server_.Take(statement, false);
+  server_.Take(statement, sql_.Facts, false);
   TakeOrder(statement);
   NoteUses();
 }

@@ -1,5 +1,7 @@
 #include "CheckServer.h"
 
+#include <algorithm>
+
 #include "database/BatchNames.h"
 #include "runtime/TextFunctions.h"
 
@@ -16,7 +18,8 @@ const char* ServerCheck::Described() const {
                     : "a server without the product";
 }
 
-void ServerCheck::Take(const SqlBatch& batch, bool records) {
+void ServerCheck::Take(const SqlBatch& batch, const SqlFacts& facts, bool records) {
+  madeAny_ = madeAny_ || !server_.Databases.empty() || CreatesDatabase(batch.Text);
   try {
     server_.ApplyNames(batch.Text);
   } catch (const RuntimeError& refusal) {
@@ -28,17 +31,22 @@ void ServerCheck::Take(const SqlBatch& batch, bool records) {
     } else if (!exists && server_.Doubt().empty()) {
       missing_.push_back({words, batch.Start});
     }
+    return;
   }
-  if (records && CreatesDatabase(batch.Text)) Record(batch, false);
-  if (records && CreatesLogin(batch.Text)) Record(batch, true);
+  if (records && CreatesDatabase(batch.Text)) Record(batch, facts, false);
+  if (records && CreatesLogin(batch.Text)) Record(batch, facts, true);
 }
 
-// A name that is not there at once is the affair of the checks of the batch itself.
-void ServerCheck::Record(const SqlBatch& batch, bool login) {
+// A name that the batch does not make is the affair of the checks of the batch itself.
+void ServerCheck::Record(const SqlBatch& batch, const SqlFacts& facts, bool login) {
   const auto name = RecordedName(batch.Text, login);
   if (!name) return;
   const std::string upper = UCase(BackedUpName(Trim(*name)));
-  if (Has(upper, login)) recorded_.push_back({upper, login, batch.Start});
+  const bool dropped = std::ranges::any_of(facts.Statements, [&](const SqlStatement& statement) {
+    return statement.Verb == SqlStatement::Kind::Drop && statement.Login == login &&
+           BareName(statement.Name) == upper;
+  });
+  if (dropped || Has(upper, login)) recorded_.push_back({upper, login, batch.Start});
 }
 
 bool ServerCheck::Has(const std::string& name, bool login) const {
@@ -51,7 +59,7 @@ void ServerCheck::End() {
     findings_.Add("SQL-RECORD-GONE", recorded.At,
                   {recorded.Login ? "login" : "database", Shown(recorded.Name)});
   }
-  if (server_.Databases.empty()) return;
+  if (!madeAny_) return;
   for (const SqlText& missing : missing_) {
     findings_.Add("SQL-REFUSED", missing.Place, {Described(), missing.Text});
   }

@@ -19,13 +19,13 @@ class ServerCheck {
   /// Adds what another type makes, for an upgrade of it.
   void Begin(const ServerCheck& other);
   /// Sends a batch. `records`: the build records what it creates, as it does not for a line.
-  void Take(const SqlBatch& batch, bool records);
+  void Take(const SqlBatch& batch, const SqlFacts& facts, bool records);
   /// Reports what is recorded and there no more; and names that are not there, unless no script
   /// makes a database: they are the customer's then.
   void End();
 
  private:
-  void Record(const SqlBatch& batch, bool login);
+  void Record(const SqlBatch& batch, const SqlFacts& facts, bool login);
   bool Has(const std::string& name, bool login) const;
   /// The server, for a finding.
   const char* Described() const;
@@ -39,6 +39,7 @@ class ServerCheck {
   SimulatedServer server_;
   Findings& findings_;
   bool isUpgrade_ = false;
+  bool madeAny_ = false;
   std::vector<Recorded> recorded_;
   std::vector<SqlText> missing_;
 };
