@@ -25,6 +25,7 @@ server = os.environ["Server"]
 INSTEAD = {
     "./test": "./test sample",
     "./test SUITE": "./test sample",
+    "./test release": "./test sample",
     "./demo && ./test": "./test sample",
     "./test --repeat 10 --busy 4 drive": "./test --repeat 2 --busy 1 sample",
     "./bench": "./bench --quick",
