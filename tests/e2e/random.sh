@@ -10,8 +10,9 @@ for ((Seed = ${RANDOM_SEED:-1}; Found < ${RANDOM_PACKS:-2}; ++Seed)); do
   Made="$Machine/packs/$Seed"
   mkdir -p "$Machine/packs"
   "$Root/build/release/tests/properties/random_packs" --seed "$Seed" --write "$Made" >"$Made.txt"
-  # The add-on of such a pack is no program; and the place of the log must be known.
-  if ! "$packcheck" check "$Made" >/dev/null || [[ -d $Made/AddOns ]] ||
+  # The add-on of such a pack is no program, what EXEC runs only a real server knows, and the place of the log
+  # must be known.
+  if ! "$packcheck" check "$Made" >/dev/null || [[ -d $Made/AddOns ]] || grep -q EXEC "$Made.txt" ||
     ! grep -A2 '^AppFolder' "$Made/AppCfg.txt" | grep -qx $'Shop\r'; then
     rm -rf "$Made"
     continue
@@ -19,7 +20,8 @@ for ((Seed = ${RANDOM_SEED:-1}; Found < ${RANDOM_PACKS:-2}; ++Seed)); do
   Found=$((Found + 1))
   Type=Fresh Mode=Server
   ((Seed % 3 != 1)) || Type=Demo
-  ((Seed % 5 != 4)) || Mode=Client
+  # The server of a client that has a data source would have the product.
+  ((Seed % 5 != 4)) || grep -q '^SystemDSN' "$Made/AppCfg.txt" || Mode=Client
   # What cannot be chosen is not tried.
   [[ -n $(ScriptsOf "$Made" "$Type") ]] || Type=
   Test "pack $Seed, ${Type:-what there is}, $Mode"
