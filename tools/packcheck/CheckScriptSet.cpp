@@ -153,6 +153,11 @@ void ScriptSet::CheckBatchLine(std::string_view line, int number) {
   CheckTextLine(line);
   if (sql_.Inside() != TokenKind::End) return;
   if (IsMeantAsGo(line)) findings_.Add("SQL-GO-TAIL", At(number, line), {Shown(line)});
+  CheckToolLine(line, number);
+}
+
+// A line for the command-line tool that the script was written for.
+void ScriptSet::CheckToolLine(std::string_view line, int number) {
   const std::string_view stripped = Stripped(line);
   if (stripped.size() > 1 && stripped[0] == ':' &&
       std::isalpha(static_cast<unsigned char>(stripped[1])) != 0) {
@@ -220,6 +225,7 @@ void ScriptSet::TakeStatementLine(std::string_view line, int number) {
     return;
   }
   const std::string_view stripped = Stripped(line);
+  if (sql_.Inside() == TokenKind::End) CheckToolLine(line, number);
   const bool goesOn = sql_.Inside() == TokenKind::End && GoesOn(stripped);
   sql_.TakeLine(file_, number, line);
   const bool open = sql_.Inside() != TokenKind::End || sql_.Depth() > 0;

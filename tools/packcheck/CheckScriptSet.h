@@ -42,6 +42,7 @@ class ScriptSet {
   void TakeBatchLine(std::string_view line, int number);
   void TakeStatementLine(std::string_view line, int number);
   void CheckBatchLine(std::string_view line, int number);
+  void CheckToolLine(std::string_view line, int number);
   void CheckTextLine(std::string_view line);
   void CheckGo(int number, std::string_view line);
   void CheckUnlisted(const Configuration& configuration);
