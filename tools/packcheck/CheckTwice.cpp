@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "database/BatchNames.h"
+#include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
 #include "sql/Lexer.h"
 
@@ -72,10 +73,8 @@ void MadeOnce::TakeFiles(const SqlBatch& batch, const SqlFacts& facts) {
 
 std::string MovedFolder(const std::string& batch) {
   if (!CreatesDatabase(batch)) return "";
-  const Position drive = InStr(batch, ":\\") - 1;
-  const Position ending = drive < 1 ? 0 : InStr(drive, batch, ".mdf");
-  if (ending == 0) return "";
-  return Mid(batch, drive, InStrRev(batch, "\\", ending) - drive);
+  const ErrorTrap pass([](const RuntimeError&) {});
+  return DataFolder(pass, batch);
 }
 
 }  // namespace talu::packcheck
