@@ -62,12 +62,17 @@ export TALU_RUN=$Mark TALU_TESTS=$Tests
 export TMPDIR=$Root/build/tmp/${Mark##*/}
 mkdir -p "$Logs" "$TMPDIR"
 
-# Occupy: this clone's build folder is ours, until we end; a command within ours shares it.
+# Occupy: this clone's build folder is ours, until we end; a command within ours shares it. A process of its
+# own holds the lock and dies with us: a descriptor of ours would be handed down, and a program that outlives
+# us would go on holding it.
 Occupied=
 Occupy() {
+  local from held
   [[ -z $Within && -z $Occupied ]] || return 0
-  exec 8>"$Root/build/in-use"
-  flock -n 8 || Fail "another command is at work in this clone: wait for it, or end it"
+  exec {from}< <(exec setpriv --pdeathsig KILL flock --nonblock --no-fork "$Root/build/in-use" \
+    sh -c 'echo held; exec sleep infinity' 2>/dev/null)
+  IFS= read -r -u "$from" held || Fail "another command is at work in this clone: wait for it, or end it"
+  exec {from}<&-
   Occupied=1
 }
 
