@@ -161,9 +161,9 @@ TEST(ScriptingHost, ListsTheSpecialFoldersOfAllUsersFirst) {
   const auto folders = Win32ScriptingHost().CreateShell()->SpecialFolders();
   ASSERT_GT(folders.size(), 10u);
   const auto path = [](int folder) {
-    char text[MAX_PATH];
-    SHGetFolderPathA(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, text);
-    return std::string(text);
+    wchar_t text[MAX_PATH];
+    SHGetFolderPathW(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, text);
+    return Narrow(text);
   };
   const auto place = [&](int folder) {
     return std::find(folders.begin(), folders.end(), path(folder)) - folders.begin();
@@ -185,7 +185,8 @@ TEST(Processes, WaitsForTheExitCode) {
   EXPECT_EQ(processes.RunAndWait("C:\\no such folder\\setup.exe"), -1);
   EXPECT_EQ(waits, 3);
   const Scratch scratch;
-  EXPECT_EQ(processes.RunAndWait(scratch.Write("noprogram.exe", "text")), -1);
+  // Of an .exe Windows itself would say with a box that it is no program.
+  EXPECT_EQ(processes.RunAndWait(scratch.Write("noprogram.txt", "text")), -1);
 }
 
 TEST(Processes, StartsAndGoesOn) {
@@ -197,7 +198,7 @@ TEST(Processes, StartsAndGoesOn) {
   EXPECT_EQ(Scratch::Read(made).substr(0, 1), "x");
   Sleep(200);  // until cmd has left the folder
   EXPECT_EQ(ErrorOf([&] { processes.Start("no-such-program-here /s", 2); }), 53);
-  EXPECT_EQ(ErrorOf([&] { processes.Start(scratch.Write("noprogram.exe", "text"), 2); }), 5);
+  EXPECT_EQ(ErrorOf([&] { processes.Start(scratch.Write("noprogram.txt", "text"), 2); }), 5);
 }
 
 TEST(OdbcInstaller, PassesOnTheLibrarysRefusal) {

@@ -18,9 +18,11 @@ namespace talu {
 class Scratch {
  public:
   explicit Scratch(const std::string& letters = "\u00e4\u8868\u0436") {
-    const std::filesystem::path temp = std::filesystem::temp_directory_path();
-    path_ = Narrow(temp.wstring()) + "talu test " + letters + " " +
-            std::to_string(GetCurrentProcessId());
+    // Windows names it with short names ("RUNNER~1"), and shortcuts then with the long ones.
+    wchar_t temp[MAX_PATH] = L"";
+    GetLongPathNameW(std::filesystem::temp_directory_path().c_str(), temp, MAX_PATH);
+    const std::string name = "talu test " + letters + " " + std::to_string(GetCurrentProcessId());
+    path_ = Narrow((temp / std::filesystem::path(Wide(name))).native());
     Clear();
     std::filesystem::create_directory(Wide(path_));
   }

@@ -6,7 +6,8 @@ namespace talu {
 namespace {
 
 constexpr int kCopy = 2;
-constexpr int kNoQuestions = 6416;
+/// The wizard's own flags, and no boxes for errors: on Windows they wait for somebody.
+constexpr int kNoQuestions = 6416 | FOF_NOERRORUI;
 
 /// One copy, done in a folder of its own; `Prepare` makes the folder's contents.
 struct Case {

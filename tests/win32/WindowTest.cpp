@@ -444,8 +444,8 @@ class Answer {
   explicit Answer(const Action& action)
       : thread_([action] {
           for (int i = 0; i < 500; ++i, Sleep(10)) {
-            const HWND dialog = FindWindowA("#32770", nullptr);
-            if (dialog == nullptr || !IsWindowVisible(dialog)) continue;
+            const HWND dialog = Find();
+            if (dialog == nullptr) continue;
             Sleep(100);
             action(dialog);
             return;
@@ -456,6 +456,17 @@ class Answer {
   Answer& operator=(const Answer&) = delete;
 
  private:
+  /// Other programs have dialogs too.
+  static HWND Find() {
+    HWND dialog = nullptr;
+    while ((dialog = FindWindowExA(nullptr, dialog, "#32770", nullptr)) != nullptr) {
+      DWORD owner = 0;
+      GetWindowThreadProcessId(dialog, &owner);
+      if (owner == GetCurrentProcessId() && IsWindowVisible(dialog)) break;
+    }
+    return dialog;
+  }
+
   std::thread thread_;
 };
 
