@@ -4,6 +4,7 @@
 #include "platform/win32/LateBound.h"
 #include "platform/win32/ShellShortcut.h"
 #include "platform/win32/Text.h"
+#include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32OdbcInstaller.h"
 #include "platform/win32/Win32Processes.h"
 #include "platform/win32/Win32ScriptingHost.h"
@@ -155,6 +156,55 @@ TEST(ScriptingHost, MakesTheSameShortcutWithAndWithoutTheHost) {
   lost->TargetPath(target);
   EXPECT_NE(ErrorOf([&] { lost->Save(); }), 0);
   EXPECT_NE(ErrorOf([&] { ShellShortcut(scratch / "missing\\shell.lnk").Save(); }), 0);
+}
+
+/// A script host, its maker and its shortcuts, which do as they are told and write nothing.
+class IdleHost : public Failing, public IClassFactory {
+ public:
+  HRESULT WINAPI QueryInterface(REFIID id, void** object) override {
+    *object = nullptr;
+    if (IsEqualIID(id, IID_IDispatch)) *object = static_cast<IDispatch*>(this);
+    if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IClassFactory))
+      *object = static_cast<IClassFactory*>(this);
+    return *object != nullptr ? S_OK : E_NOINTERFACE;
+  }
+  ULONG WINAPI AddRef() override { return 2; }
+  ULONG WINAPI Release() override { return 1; }
+  HRESULT WINAPI LockServer(BOOL) override { return S_OK; }
+  HRESULT WINAPI CreateInstance(IUnknown*, REFIID id, void** object) override {
+    return QueryInterface(id, object);
+  }
+  HRESULT WINAPI Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                        UINT*) override {
+    result->vt = VT_DISPATCH;
+    result->pdispVal = this;
+    return S_OK;
+  }
+};
+
+TEST(ScriptingHost, LeavesToTheShellWhatItsShortcutsCannotName) {
+  IdleHost host;
+  CLSID id;
+  DWORD registration = 0;
+  CLSIDFromProgID(L"WScript.Shell", &id);
+  CoRegisterClassObject(id, static_cast<IClassFactory*>(&host), CLSCTX_INPROC_SERVER,
+                        REGCLS_MULTIPLEUSE, &registration);
+  const Scratch foreign;
+  const Scratch plain("");
+  const auto isMadeByShell = [](const std::string& path, const std::string& target) {
+    const auto shortcut = Win32ScriptingHost().CreateShell()->CreateShortcut(path);
+    shortcut->TargetPath(target);
+    shortcut->WorkingDirectory("");
+    shortcut->IconLocation(target);
+    shortcut->Save();
+    return Win32FileSystem().FileExists(path);
+  };
+  const std::string program = plain.Write("one.exe", "");
+  const bool lacksLetters = GetACP() != CP_UTF8;
+  EXPECT_FALSE(isMadeByShell(plain / "plain.lnk", program));
+  EXPECT_EQ(isMadeByShell(plain / "target.lnk", foreign.Write("one.exe", "")), lacksLetters);
+  EXPECT_EQ(isMadeByShell(foreign / "place.lnk", program), lacksLetters);
+  CoRevokeClassObject(registration);
 }
 
 TEST(ScriptingHost, ListsTheSpecialFoldersOfAllUsersFirst) {

@@ -1,7 +1,9 @@
 #include "platform/win32/Win32ScriptingHost.h"
 
 #include <optional>
+#include <utility>
 
+#include "platform/CodePage.h"
 #include "platform/win32/LateBound.h"
 #include "platform/win32/ShellShortcut.h"
 #include "platform/win32/Text.h"
@@ -44,20 +46,42 @@ std::vector<std::string> FoldersOfShell() {
   return paths;
 }
 
+/// Whether the host's shortcuts can name the path. They keep their texts in the code page: a letter
+/// that it lacks makes them point at a name that is not there, without an error.
+bool IsInCodePage(const std::string& path) {
+  const CodePage ofThisMachine(CP_ACP);
+  return ofThisMachine.ToText(ofThisMachine.FromText(path)) == path;
+}
+
+/// Made by the host, or by the shell where the host cannot name the target.
 class HostShortcut : public Shortcut {
  public:
-  explicit HostShortcut(const Variant& object) : object_(object) {}
+  HostShortcut(const Variant& object, std::string path) : object_(object), path_(std::move(path)) {}
 
-  void TargetPath(const std::string& path) override { object_.Put("TargetPath", path); }
-  void WorkingDirectory(const std::string& path) override { object_.Put("WorkingDirectory", path); }
+  // The target comes first; what follows is the same path, or empty.
+  void TargetPath(const std::string& path) override {
+    if (!IsInCodePage(path)) shells_ = std::make_unique<ShellShortcut>(path_);
+    if (shells_) return shells_->TargetPath(path);
+    object_.Put("TargetPath", path);
+  }
+  void WorkingDirectory(const std::string& path) override {
+    if (shells_) return shells_->WorkingDirectory(path);
+    object_.Put("WorkingDirectory", path);
+  }
   void IconLocation(const std::string& path) override {
+    if (shells_) return shells_->IconLocation(path);
     // Without the number, a comma in the path would be taken as the one before it.
     object_.Put("IconLocation", path + ",0");
   }
-  void Save() override { object_.Call("Save"); }
+  void Save() override {
+    if (shells_) return shells_->Save();
+    object_.Call("Save");
+  }
 
  private:
   LateBound object_;
+  std::string path_;
+  std::unique_ptr<ShellShortcut> shells_;
 };
 
 class Win32ScriptShell : public ScriptShell {
@@ -83,9 +107,9 @@ class Win32ScriptShell : public ScriptShell {
   }
 
   std::unique_ptr<Shortcut> CreateShortcut(const std::string& path) override {
-    if (host_) {
+    if (host_ && IsInCodePage(path)) {
       try {
-        return std::make_unique<HostShortcut>(host_->Call("CreateShortcut", {path}));
+        return std::make_unique<HostShortcut>(host_->Call("CreateShortcut", {path}), path);
       } catch (const RuntimeError&) {
         // The host cannot make one.
       }
