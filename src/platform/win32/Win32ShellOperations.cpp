@@ -18,9 +18,12 @@ bool IsPlainName(const std::string& path) {
          path.back() != '\\' && path.back() != '.' && path.back() != ' ';
 }
 
+/// A protected file is none: everything on a disc is protected, and the shell's copies of that are
+/// not.
 bool IsPlainFile(const std::string& path) {
   const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
-  constexpr DWORD kSpecial = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+  constexpr DWORD kSpecial =
+      FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_READONLY;
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kSpecial) == 0;
 }
 
