@@ -127,6 +127,9 @@ LRESULT ControlWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_PAINT:
       Paint(nullptr);
       return 0;
+    case WM_UPDATEUISTATE:
+      // At the first key some classes draw at once, to underline.
+      return ClassDefaultUnseen(message, wParam, lParam);
     default:
       return ClassDefault(message, wParam, lParam);
   }
