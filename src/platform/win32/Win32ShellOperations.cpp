@@ -18,8 +18,8 @@ bool IsPlainName(const std::string& path) {
          path.back() != '\\' && path.back() != '.' && path.back() != ' ';
 }
 
-/// A protected file is none: everything on a disc is protected, and the shell's copies of that are
-/// not.
+/// A read-only file counts as none: on a disc every file is read-only, and what the shell copies
+/// from there is not.
 bool IsPlainFile(const std::string& path) {
   const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
   constexpr DWORD kSpecial =
