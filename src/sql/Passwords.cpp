@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 
 #include "runtime/TextFunctions.h"
@@ -145,11 +146,17 @@ std::string Walk::Mask(std::string_view text, int depth) {
     masked.append(text.substr(copied, from - copied)).append(with);
     copied = to;
   };
+  // Lines keep their numbers.
+  const auto keepLines = [&](std::size_t from, std::size_t to) {
+    std::ranges::copy_if(text.substr(from, to - from), std::back_inserter(masked),
+                         [](char c) { return c == '\r' || c == '\n'; });
+  };
   std::optional<std::size_t> beforeFirst;  // bytes of `masked` before the first password
   const auto hide = [&](std::size_t from, std::size_t to, std::string_view with) {
     put(from, from, "");
     if (!beforeFirst) beforeFirst = masked.size();
     put(from, to, with);
+    keepLines(from, to);
   };
   // Nothing is certain after the first password.
   const auto hideRest = [&](std::size_t from) {
@@ -192,6 +199,7 @@ std::string Walk::Mask(std::string_view text, int depth) {
           plain, [](char c) { return c == '-' || c == '/' || c == '*'; }, ' ');
       if (Walk(passwords_, isDoubtful_).Mask(plain, depth + 1) != plain) {
         put(token.At, end, "/****/");
+        keepLines(token.At, end);
       }
       continue;
     }

@@ -14,7 +14,8 @@ class PasswordMask {
 
   explicit PasswordMask(std::string_view text, Form form = Form::Statements);
 
-  /// The text with '***' in place of every password; in a connection text without the quotes.
+  /// The text with '***' in place of every password; in a connection text without the quotes. Its
+  /// lines keep their numbers, up to where all the rest of a text is hidden.
   const std::string& Text() const { return text_; }
   /// Whether the part of the text that an error quotes may be a password, or part of one.
   bool Hides(std::string_view quoted) const;

@@ -209,6 +209,18 @@ TEST_F(ConvertFolderTest, ShowsADiffWithoutPasswordsAndWhatWasDone) {
       "nothing is written yet: --in-place does it\n");
 }
 
+TEST_F(ConvertFolderTest, ADiffHidesPasswordsWhoseWordsAreNotInIt) {
+  for (const char* const batch :
+       {"/*\r\nit's\r\n*/\r\nEXEC sp_addlogin 'L',\r\n'secret',\r\n'master'\r\n, 'x'\r\nGO;\r\n",
+        "CREATE LOGIN L WITH PASSWORD =\r\n\r\n'secret',\r\nCHECK_POLICY\r\n= OFF\r\nGO;\r\n",
+        "EXEC sp_addlogin 'L', 'a\r\nsecret'\r\n/*\r\nPASSWORD = 'secret'\r\n*/\r\nGO;\r\n"}) {
+    folder.Put("a.sql", std::string("--taluGO\r\nPRINT '\r\n'\r\n") + batch);
+    EXPECT_EQ(RunConvert({"a.sql"}, {}), 0);
+    EXPECT_EQ(said.find("secret"), std::string::npos) << said;
+    EXPECT_NE(said.find("-GO;\n+GO\n"), std::string::npos) << said;
+  }
+}
+
 TEST_F(ConvertFolderTest, NothingIsOverwritten) {
   folder.Put("in/a.sql", "PRINT 1");
   folder.Put("in/b.SQL", "--taluGO\r\n");

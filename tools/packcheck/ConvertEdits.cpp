@@ -99,61 +99,61 @@ std::vector<Change> Changes(const NumberedText& text, const std::vector<Edit>& e
   return changes;
 }
 
-/// The lines with passwords hidden; where what is hidden goes over lines, the last ones are.
-Lines Masked(const Lines& lines) {
-  std::string text;
-  for (const std::string& line : lines) text += line + "\r\n";
-  Lines masked = LinesOf(sql::PasswordMask(text).Text());
-  masked.resize(lines.size(), "***");
-  return masked;
-}
+/// The lines of a text as they may be shown. It is masked as a whole: what is a password may depend
+/// on lines far above.
+class ShownLines {
+ public:
+  explicit ShownLines(std::string_view text) : mask_(text), lines_(mask_.Text()) {}
+
+  /// The line with this number; a text that hides everything to its end has no more lines.
+  std::string Line(std::size_t number) const {
+    if (number >= lines_.Count()) return "***";
+    const std::string_view line = lines_.Text(number, number + 1);
+    return std::string(line.substr(0, line.find(kCrLf)));
+  }
+
+ private:
+  sql::PasswordMask mask_;
+  NumberedText lines_;
+};
 
 std::string Range(std::size_t first, std::size_t count) {
   // Where there are no lines, the one before them is named.
   return std::to_string(count > 0 ? first + 1 : first) + "," + std::to_string(count);
 }
 
-/// Collects the lines of one hunk.
+/// Counts the lines of one hunk.
 class Hunk {
  public:
-  explicit Hunk(const NumberedText& text) : text_(text) {}
-
   void Keep(std::size_t first, std::size_t end) {
-    for (std::string& line : LinesOf(text_.Text(first, end))) {
-      marks_ += ' ';
-      old_.push_back(line);
-      new_.push_back(std::move(line));
-    }
+    marks_.append(end - first, ' ');
+    old_ += end - first;
+    new_ += end - first;
   }
   void Take(const Change& change) {
     marks_ += std::string(change.Old.size(), '-') + std::string(change.New.size(), '+');
-    old_.insert(old_.end(), change.Old.begin(), change.Old.end());
-    new_.insert(new_.end(), change.New.begin(), change.New.end());
+    old_ += change.Old.size();
+    new_ += change.New.size();
   }
   /// Writes it, with the numbers of its first lines.
-  void Write(std::size_t firstOld, std::size_t firstNew, std::ostream& out) const {
-    out << "@@ -" << Range(firstOld, old_.size()) << " +" << Range(firstNew, new_.size())
-        << " @@\n";
-    const Lines before = Masked(old_);
-    const Lines after = Masked(new_);
-    std::size_t nextOld = 0;
-    std::size_t nextNew = 0;
+  void Write(std::size_t firstOld, const ShownLines& before, std::size_t firstNew,
+             const ShownLines& after, std::ostream& out) const {
+    out << "@@ -" << Range(firstOld, old_) << " +" << Range(firstNew, new_) << " @@\n";
     for (const char mark : marks_) {
-      out << mark << (mark == '+' ? after[nextNew] : before[nextOld]) << '\n';
-      if (mark != '+') ++nextOld;
-      if (mark != '-') ++nextNew;
+      out << mark << (mark == '+' ? after.Line(firstNew) : before.Line(firstOld)) << '\n';
+      if (mark != '+') ++firstOld;
+      if (mark != '-') ++firstNew;
     }
   }
   /// How many lines more there are than before.
   std::ptrdiff_t Grown() const {
-    return static_cast<std::ptrdiff_t>(new_.size()) - static_cast<std::ptrdiff_t>(old_.size());
+    return static_cast<std::ptrdiff_t>(new_) - static_cast<std::ptrdiff_t>(old_);
   }
 
  private:
-  const NumberedText& text_;
   std::string marks_;
-  Lines old_;
-  Lines new_;
+  std::size_t old_ = 0;
+  std::size_t new_ = 0;
 };
 
 }  // namespace
@@ -173,10 +173,12 @@ void WriteDiff(std::string_view text, const std::vector<Edit>& edits, std::ostre
   if (edits.empty()) return;
   const NumberedText numbered(text);
   const std::vector<Change> changes = Changes(numbered, edits);
+  const ShownLines before(text);
+  const ShownLines after(Applied(text, edits));
   std::ptrdiff_t grown = 0;
   for (std::size_t i = 0; i < changes.size();) {
     const std::size_t first = changes[i].First - std::min(changes[i].First, kContext);
-    Hunk hunk(numbered);
+    Hunk hunk;
     std::size_t at = first;
     do {
       hunk.Keep(at, changes[i].First);
@@ -184,7 +186,8 @@ void WriteDiff(std::string_view text, const std::vector<Edit>& edits, std::ostre
       at = changes[i].End();
     } while (++i < changes.size() && changes[i].First <= at + 2 * kContext);
     hunk.Keep(at, std::min(at + kContext, numbered.Count()));
-    hunk.Write(first, static_cast<std::size_t>(static_cast<std::ptrdiff_t>(first) + grown), out);
+    hunk.Write(first, before, static_cast<std::size_t>(static_cast<std::ptrdiff_t>(first) + grown),
+               after, out);
     grown += hunk.Grown();
   }
 }
