@@ -60,6 +60,10 @@ const ConvertCase kCases[] = {
      "--taluGO|INSERT T VALUES (N'a\xC5\x82', f(N'\xC3\xA9')),|(N'\xF0\x9F\x98\x80', 2)|GO|",
      "--taluGO|INSERT T VALUES (N'a' + NCHAR(322), f(N'\xE9')),|"
      "(NCHAR(55357) + NCHAR(56832), 2)|GO|"},
+    {"letters of a batch that is sent twice",
+     "--taluGO|INSERT T VALUES (N'\xC5\x81\xC3\xA9')|GO 2|",
+     "--taluGO|INSERT T VALUES (NCHAR(321) + N'\xE9')|GO|INSERT T VALUES (NCHAR(321) + "
+     "N'\xE9')|GO|"},
     {"a letter in an argument", "--taluGO|EXEC p N'\xC5\x82'|GO|",
      "!it has letters that code page 1252 lacks"},
     {"a letter within a value", "--taluGO|INSERT T VALUES (CAST(N'\xC5\x82' AS xml))|GO|",

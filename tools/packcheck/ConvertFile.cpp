@@ -66,6 +66,10 @@ void PutLettersInOtherWords(ConvertedFile& file, FileKind kind, const CodePage& 
   if (kind == FileKind::Configuration || !std::ranges::any_of(file.Missing, Matters)) return;
   const std::vector<Edit> letters = LetterEdits(text, file.Missing);
   if (letters.empty()) return;
+  // A batch that is written out for "GO 2" has them too.
+  for (Edit& edit : file.Edits) {
+    edit.New = Applied(edit.New, LetterEdits(edit.New, file.Missing));
+  }
   file.Missing = MissingLetters(Applied(text, letters), codePage);
   const auto middle = static_cast<std::ptrdiff_t>(file.Edits.size());
   file.Edits.insert(file.Edits.end(), letters.begin(), letters.end());
