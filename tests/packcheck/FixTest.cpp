@@ -68,6 +68,18 @@ TEST(FixTest, WhatStaysFurtherDownIsNotToldAsMended) {
   EXPECT_FALSE(found.at("\"code\":\"SQL-SQLCMD\""));
 }
 
+TEST(FixTest, AScriptOfTwoTypesIsMendedOnce) {
+  const HostFolder pack;
+  for (const auto& [path, bytes] : PlainPack()) pack.Put(path, bytes);
+  pack.Put("AppCfg.txt", pack.Get("AppCfg.txt") + "DemoDBSript\r\n{\r\n..\\Fresh\\A.sql\r\n}\r\n");
+  pack.Put("SQLScript/Demo/B.sql", "");
+  pack.Put("SQLScript/Fresh/A.sql", "PRINT 1\r\nGO;\r\n");
+  std::ostringstream out;
+  EXPECT_EQ(FixCommand(pack.Path, {}, {.InPlace = true}, out), 0);
+  EXPECT_EQ(pack.Get("SQLScript/Fresh/A.sql"), "--taluGO\r\nPRINT 1\r\nGO\r\n");
+  EXPECT_EQ(pack.Get("SQLScript/Fresh/A.sql.bak2"), "(none)");
+}
+
 TEST(FixTest, ToldWithTheFindingAndDoneWithACopy) {
   const HostFolder pack;
   for (const auto& [path, bytes] : PlainPack()) pack.Put(path, Replace(bytes, "\r\n", "\n"));

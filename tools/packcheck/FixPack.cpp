@@ -1,6 +1,7 @@
 #include "FixPack.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <map>
 #include <set>
@@ -61,6 +62,11 @@ class EditedLines {
   std::vector<Step> steps_;
 };
 
+/// The same for every path of a file: Fresh\A.sql may be listed as ..\Fresh\A.sql elsewhere.
+std::string KeyOf(const CheckedPack& pack, const std::string& path) {
+  return UCase(pack.Machine.Disk.FullPath(pack.Machine.Parts.AppPath + "\\" + path));
+}
+
 /// Whether there may be something to mend.
 bool MayBeMended(const Finding& finding) {
   const std::string_view code = finding.Rule->Code;
@@ -81,14 +87,19 @@ void MendPack(CheckedPack& pack, const MendFile& mend) {
   if (!pack.HasFile("AppCfg.txt")) return;
   put("AppCfg.txt", FileKind::Configuration);
   const Configuration configuration(pack);
+  // The files so far: whether each is read by lines, without and behind a script that is.
+  std::map<std::string, std::array<bool, 2>> taken;
   for (const TypeScripts& type : kTypeScripts) {
     FileKind kind = FileKind::Script;
-    std::set<std::string> taken;
     for (const CfgLine& listed : configuration.Values(type.Key)) {
       const std::string path = std::string(type.Folder.substr(1)) + std::string(listed.Text);
-      if (!pack.HasFile(path) || !taken.insert(UCase(path)).second) continue;
-      const ConvertedFile file = put(path, kind);
-      if (IsReadByLines(file.Decoded.Text, kind == FileKind::ScriptBehindLines)) {
+      if (!pack.HasFile(path)) continue;
+      const auto [file, isNew] = taken.try_emplace(KeyOf(pack, path));
+      if (isNew) {
+        const std::string text = put(path, kind).Decoded.Text;
+        file->second = {IsReadByLines(text, false), IsReadByLines(text, true)};
+      }
+      if (file->second[kind == FileKind::ScriptBehindLines ? 1 : 0]) {
         kind = FileKind::ScriptBehindLines;
       }
     }
@@ -103,7 +114,7 @@ void MarkMended(CheckedPack& pack, const std::filesystem::path& folder, int code
   std::map<std::string, EditedLines> lines;
   MendPack(mended, [&](const std::string& path, FileKind kind) {
     ConvertedFile file = Convert(mended.Read(path).value_or(""), kind, {.CodePage = codePage});
-    if (file.IsChanged()) lines.emplace(UCase(path), EditedLines(file));
+    if (file.IsChanged()) lines.emplace(KeyOf(mended, path), EditedLines(file));
     return file;
   });
   if (lines.empty()) return;
@@ -116,7 +127,7 @@ void MarkMended(CheckedPack& pack, const std::filesystem::path& folder, int code
   }
   for (Finding& finding : pack.Findings.All()) {
     const std::string file = UCase(finding.Place.File);
-    const auto edited = lines.find(file);
+    const auto edited = lines.find(KeyOf(pack, finding.Place.File));
     const auto [first, last] = edited == lines.end()
                                    ? std::pair(finding.Place.Line, finding.Place.Line)
                                    : edited->second.Of(finding.Place.Line);
