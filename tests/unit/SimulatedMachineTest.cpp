@@ -18,7 +18,7 @@ TEST(SimulatedServer, KnowsNamesAsAServerDoes) {
   };
   const Case cases[] = {
       {"CREATE DATABASE Sales", "Database 'Sales' already exists."},
-      {"create database /* IF */ [New One] -- Sales\r\nUSE [new one]", ""},
+      {"create database /* IF */ [New One] -- Sales\r\nDROP DATABASE [new one]", ""},
       {"DROP DATABASE Gone", "Cannot drop the database 'Gone'"},
       {"DROP DATABASE IF EXISTS Gone", ""},
       {"ALTER DATABASE \"Gone\" SET OFFLINE", "User does not have permission to alter database"},
@@ -53,6 +53,15 @@ TEST(SimulatedServer, KnowsNamesAsAServerDoes) {
       {"EXEC master..sp_addlogin 'Desk', 'x' DROP LOGIN Desk", ""},
       {"EXEC sp_addlogin @loginame = N'Clerk', @passwd = 'x'",
        "The server principal 'Clerk' already"},
+      {"EXEC (N'create database ' + @n) USE Gone", ""},
+      // What is refused as a whole.
+      {"CREATE DATABASE New USE [new]", "Database 'new' does not exist."},
+      {"CREATE DATABASE New PRINT 1; USE Sales", ""},
+      {"PRINT 1 CREATE PROC P AS PRINT 2",
+       "'CREATE/ALTER PROCEDURE' must be the first statement in a query batch."},
+      {"USE Sales CREATE VIEW V AS SELECT 1", "'CREATE VIEW' must be the first"},
+      {"-- a view\nCREATE VIEW V AS SELECT '$(x)' AS [$(y)]", ""},
+      {"PRINT $(Number)", "Incorrect syntax near '$'."},
   };
   for (const Case& test : cases) {
     SimulatedMachine machine;

@@ -12,6 +12,8 @@
 namespace talu::packcheck {
 namespace {
 
+using sql::BatchShape;
+
 const char* Keyword(bool login) {
   return login ? "LOGIN" : "DATABASE";
 }

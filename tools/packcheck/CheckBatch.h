@@ -41,7 +41,7 @@ std::optional<std::string> RecordedName(const std::string& text, bool login);
 void CheckCreated(const SqlBatch& batch, const SqlFacts& facts, Findings& findings);
 
 /// Checks what the order of its statements does to a batch.
-void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& shape,
+void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const sql::BatchShape& shape,
                 Findings& findings);
 
 /// The databases that the backup before a build finds in one set of scripts.

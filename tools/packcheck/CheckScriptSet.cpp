@@ -199,7 +199,7 @@ void ScriptSet::FinishBatch() {
 void ScriptSet::TakeOrder(const SqlBatch& batch) {
   CheckOrder(batch, sql_.Facts, sql_.Shape, findings_);
   if (index_ <= backedUp_) backup_.Collect(batch, sql_.Facts, sql_.Shape.HasCode());
-  const BatchShape::Spot& object = sql_.Shape.Object();
+  const sql::BatchShape::Spot& object = sql_.Shape.Object();
   // A USE before it in the same batch counts as well.
   const bool used = std::ranges::any_of(sql_.Facts.Statements, [&](const SqlStatement& statement) {
     return statement.Verb == SqlStatement::Kind::Use && statement.Place.Line <= object.Line;

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "CheckShape.h"
 #include "Finding.h"
+#include "sql/BatchShape.h"
 #include "sql/Lexer.h"
 
 namespace talu::packcheck {
@@ -22,7 +22,7 @@ struct SqlStatement {
   std::string Name;
   packcheck::Place Place;
   /// Of a CREATE: what makes it uncertain that it runs with its batch.
-  BatchShape::Condition When = BatchShape::Condition::None;
+  sql::BatchShape::Condition When = sql::BatchShape::Condition::None;
 };
 
 /// A text and its place.
@@ -61,7 +61,7 @@ class SqlFollower {
   void ClearBatch();
 
   SqlFacts Facts;
-  BatchShape Shape;
+  sql::BatchShape Shape;
 
  private:
   enum class Waiting { Nothing, Name, FileName, Password };

@@ -6,6 +6,7 @@
 
 #include "platform/simulated/SimulatedServer.h"
 #include "runtime/TextFunctions.h"
+#include "sql/BatchShape.h"
 #include "sql/Lexer.h"
 #include "sql/Names.h"
 
@@ -16,14 +17,16 @@ using sql::Token;
 
 constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
 
-/// Whether the statement can name a database or a login at all, or call a procedure that does; most
-/// rows of data do not, and a large pack has millions.
-bool MayNameAny(std::string_view statement) {
-  constexpr std::array<std::string_view, 3> kWords = {"DATABASE", "LOGIN", "USE"};
+/// Whether the statement can create something, name a database or a login, or call a procedure that
+/// does; most rows of data do not, and a large pack has millions.
+bool MayMatter(std::string_view statement) {
+  constexpr std::array<std::string_view, 5> kWords = {"ALTER", "CREATE", "DATABASE", "LOGIN",
+                                                      "USE"};
   for (std::size_t at = 0; at < statement.size(); ++at) {
     const char lower = static_cast<char>(statement[at] | 0x20);
     if (lower == 'x' && at > 0 && EqualsUpper(statement.substr(at - 1, 4), "EXEC")) return true;
-    if (lower != 'd' && lower != 'l' && lower != 'u') continue;
+    if (statement[at] == '$' && statement.substr(at, 2) == "$(") return true;
+    if (lower != 'a' && lower != 'c' && lower != 'd' && lower != 'l' && lower != 'u') continue;
     if (at > 0 && sql::IsWordPart(statement[at - 1])) continue;
     for (const std::string_view word : kWords) {
       const std::size_t end = at + word.size();
@@ -55,6 +58,14 @@ RuntimeError CannotAlter(const std::string& name, bool login) {
 RuntimeError CannotUse(const std::string& name) {
   return StatementError("Database '" + name +
                         "' does not exist. Make sure that the name is entered correctly.");
+}
+
+/// Server message 111.
+RuntimeError NotFirst(std::string_view kind) {
+  const std::string word = UCase(kind);
+  const bool procedure = word == "PROC" || word == "PROCEDURE";
+  return StatementError((procedure ? "'CREATE/ALTER PROCEDURE" : "'CREATE " + word) +
+                        "' must be the first statement in a query batch.");
 }
 
 /// Not a name: the current database, and statements about its parts.
@@ -105,10 +116,40 @@ bool SimulatedServer::Has(const std::string& name, bool login) const {
          std::ranges::find(kSystemDatabases, name) != kSystemDatabases.end();
 }
 
+void SimulatedServer::Take(std::string_view statement) {
+  if (!MayMatter(statement)) return;
+  Compile(statement);
+  FollowNames(statement);
+}
+
+void SimulatedServer::ApplyNames(std::string_view statement) {
+  if (MayMatter(statement)) FollowNames(statement);
+}
+
+// Refuses a batch of which nothing runs. Names of databases are looked for before it does, so what
+// it creates is not there yet.
+void SimulatedServer::Compile(std::string_view batch) const {
+  sql::BatchShape shape;
+  std::set<std::string> created;
+  std::string used;
+  sql::Lexer lexer(batch);
+  Token before;
+  Token previous;
+  for (Token token = lexer.Next(); token.Kind != sql::TokenKind::End; token = lexer.Next()) {
+    // A variable of the command-line tool, which has not replaced it.
+    if (batch.substr(token.At, 2) == "$(") throw StatementError("Incorrect syntax near '$'.");
+    shape.Take(token, 1);
+    if (before.Is("CREATE") && previous.Is("DATABASE")) created.insert(UCase(token.Value()));
+    if (previous.Is("USE") && created.contains(UCase(token.Value()))) used = token.Value();
+    before = std::exchange(previous, token);
+  }
+  if (!shape.NotFirst().empty()) throw NotFirst(shape.NotFirst().front().Word);
+  if (!used.empty() && !Has(UCase(used), false)) throw CannotUse(used);
+}
+
 // Applies changes of names; the first refusal ends the statement. A statement that asks first (IF)
 // is assumed to have asked the right thing: nothing fails.
-void SimulatedServer::ApplyNames(std::string_view statement) {
-  if (!MayNameAny(statement)) return;
+void SimulatedServer::FollowNames(std::string_view statement) {
   bool asked = false;
   sql::Lexer lexer(statement);
   Token before;
@@ -123,8 +164,7 @@ void SimulatedServer::ApplyNames(std::string_view statement) {
     // A body is not executed now.
     if (kind.IsOneOf({"PROC", "PROCEDURE", "FUNCTION", "TRIGGER"}) &&
         verb.IsOneOf({"CREATE", "ALTER"})) {
-      if (ContainsUpper(statement, "DATABASE")) inProcedures_.Databases = true;
-      if (ContainsUpper(statement, "LOGIN")) inProcedures_.Logins = true;
+      inProcedures_.Add(UCase(statement));
       return;
     }
     if (verb.IsOneOf({"EXEC", "EXECUTE"})) {
@@ -156,10 +196,8 @@ void SimulatedServer::ApplyNames(std::string_view statement) {
 // What a text does that is run, or a procedure that has such a text, is not seen.
 void SimulatedServer::ApplyCall(const sql::Lexer& arguments, const Token& procedure,
                                 std::string_view statement) {
-  if (procedure.IsSymbol("(") || ContainsUpper(statement, "SP_EXECUTESQL")) {
-    unseen_.Databases = unseen_.Databases || ContainsUpper(statement, "DATABASE");
-    unseen_.Logins = unseen_.Logins || ContainsUpper(statement, "LOGIN");
-  }
+  const std::string upper = UCase(statement);
+  if (procedure.IsSymbol("(") || Contains(upper, "SP_EXECUTESQL")) unseen_.Add(upper);
   unseen_.Databases = unseen_.Databases || inProcedures_.Databases;
   unseen_.Logins = unseen_.Logins || inProcedures_.Logins;
   sql::Lexer lexer = arguments;

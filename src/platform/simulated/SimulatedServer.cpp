@@ -152,7 +152,7 @@ void SimulatedServer::Run(const std::string& statement, int timeout) {
     for (const auto& [text, failure] : failures_) {
       if (Contains(statement, text)) throw RuntimeError(failure);
     }
-    if (!AcceptAll) ApplyNames(statement);
+    if (!AcceptAll) Take(statement);
   });
 }
 

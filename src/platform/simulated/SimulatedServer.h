@@ -27,7 +27,8 @@ class SimulatedServer : public Ado {
   /// Statements that contain `text` fail with this error.
   void FailStatements(const std::string& text, const RuntimeError& error);
 
-  /// Takes a statement's changes of names, without a journal. Raises the server's refusal.
+  /// Takes a statement's changes of names, without a journal. Raises the server's refusal, but not
+  /// that of a batch in which statements stand where they must not.
   void ApplyNames(std::string_view statement);
 
   /// Existing databases and logins, upper-cased.
@@ -48,6 +49,9 @@ class SimulatedServer : public Ado {
 
   void Connect(const std::string& text);
   void Run(const std::string& statement, int timeout);
+  void Take(std::string_view statement);
+  void Compile(std::string_view batch) const;
+  void FollowNames(std::string_view statement);
   void ApplyName(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
   void ApplyCall(const sql::Lexer& arguments, const sql::Token& procedure,
                  std::string_view statement);
@@ -61,6 +65,12 @@ class SimulatedServer : public Ado {
   struct Unseen {
     bool Databases = false;
     bool Logins = false;
+
+    /// Adds what the upper-cased statement may make in a text that is run.
+    void Add(std::string_view upper) {
+      Databases = Databases || upper.find("DATABASE") != std::string_view::npos;
+      Logins = Logins || upper.find("LOGIN") != std::string_view::npos;
+    }
   };
   Unseen unseen_;
   Unseen inProcedures_;

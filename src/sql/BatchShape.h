@@ -7,7 +7,7 @@
 
 #include "sql/Lexer.h"
 
-namespace talu::packcheck {
+namespace talu::sql {
 
 /// The order of the statements in a batch, as far as it decides what the server makes of it. Lines
 /// are numbers in the script.
@@ -22,7 +22,7 @@ class BatchShape {
   enum class Condition { None, If, Body };
 
   /// Follows the next token, of this line; comments are passed over.
-  void Take(const sql::Token& token, int line) {
+  void Take(const Token& token, int line) {
     // Most tokens of a large script stand in the parentheses of rows, where nothing begins.
     const bool bracket = token.Raw == "(" || token.Raw == ")";
     if (depth_ == 0 || naming_.Line != 0 || bracket) Follow(token, line);
@@ -51,13 +51,13 @@ class BatchShape {
 
  private:
   enum class Word;
-  void Follow(const sql::Token& token, int line);
-  static Word Known(const sql::Token& token);
+  void Follow(const Token& token, int line);
+  static Word Known(const Token& token);
   void TakeSymbol(char symbol);
-  void TakeWord(Word word, const sql::Token& token);
-  void TakeKind(Word word, const sql::Token& token);
+  void TakeWord(Word word, const Token& token);
+  void TakeKind(Word word, const Token& token);
   void TakeResultWord(Word word);
-  void TakeObjectName(const sql::Token& token);
+  void TakeObjectName(const Token& token);
   void Begin(Word word);
   void Commit();
 
@@ -93,4 +93,4 @@ class BatchShape {
   std::vector<Spot> makers_;
 };
 
-}  // namespace talu::packcheck
+}  // namespace talu::sql

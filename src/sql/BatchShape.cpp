@@ -1,4 +1,4 @@
-#include "CheckShape.h"
+#include "sql/BatchShape.h"
 
 #include <algorithm>
 #include <array>
@@ -7,9 +7,7 @@
 
 #include "runtime/TextFunctions.h"
 
-namespace talu::packcheck {
-
-using sql::TokenKind;
+namespace talu::sql {
 
 // clang-format off
 enum class BatchShape::Word {
@@ -20,7 +18,7 @@ enum class BatchShape::Word {
 // clang-format on
 
 // Most words of a batch are none of these; length and first letter show it.
-BatchShape::Word BatchShape::Known(const sql::Token& token) {
+BatchShape::Word BatchShape::Known(const Token& token) {
   struct Entry {
     std::string_view Upper;
     Word Is;
@@ -72,7 +70,7 @@ BatchShape::Condition BatchShape::Conditional() const {
   return conditional_ ? Condition::If : Condition::None;
 }
 
-void BatchShape::Follow(const sql::Token& token, int line) {
+void BatchShape::Follow(const Token& token, int line) {
   line_ = line;
   ++sinceDrop_;
   if (naming_.Line != 0) TakeObjectName(token);
@@ -102,7 +100,7 @@ void BatchShape::TakeSymbol(char symbol) {
   previous_ = Word::None;
 }
 
-void BatchShape::TakeWord(Word word, const sql::Token& token) {
+void BatchShape::TakeWord(Word word, const Token& token) {
   if (word == Word::None || depth_ > 0) return;
   switch (word) {
     case Word::Case:
@@ -148,7 +146,7 @@ void BatchShape::TakeWord(Word word, const sql::Token& token) {
   }
 }
 
-void BatchShape::TakeKind(Word word, const sql::Token& token) {
+void BatchShape::TakeKind(Word word, const Token& token) {
   const bool created = previous_ == Word::Create;
   if (inRights_ || !(created || previous_ == Word::Alter)) return;
   if (word == Word::Schema ? created : word != Word::Table) {
@@ -169,7 +167,7 @@ void BatchShape::TakeKind(Word word, const sql::Token& token) {
 }
 
 // CREATE TABLE a.b.c is in the database a.
-void BatchShape::TakeObjectName(const sql::Token& token) {
+void BatchShape::TakeObjectName(const Token& token) {
   if (token.IsSymbol(".")) {
     ++points_;
     wantsName_ = true;
@@ -265,4 +263,4 @@ void BatchShape::Commit() {
   hasRows_ = false;
 }
 
-}  // namespace talu::packcheck
+}  // namespace talu::sql
