@@ -26,7 +26,9 @@ void ServerCheck::Take(const SqlBatch& batch, const SqlFacts& facts, bool record
     const std::string words = refusal.Description.substr(refusal.Description.rfind(']') + 1);
     // What these scripts make twice is named with both places.
     const bool exists = Contains(words, "already exists");
-    if (exists ? isUpgrade_ : !Contains(words, "does not exist")) {
+    const bool missing =
+        Contains(words, "does not exist") || Contains(words, "is not a valid login");
+    if (exists ? isUpgrade_ : !missing) {
       findings_.Add("SQL-REFUSED", batch.Start, {Described(), words});
     } else if (!exists && server_.Doubt().empty()) {
       missing_.push_back({words, batch.Start});

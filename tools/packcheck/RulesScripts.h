@@ -175,9 +175,9 @@ inline constexpr Rule kScriptRules[] = {
      "blank in the batch there is nothing to cut."},
     {"SQL-REFUSED", Severity::Warning,
      "On {0} this is refused: {1} Then the build fails and takes back what it created.",
-     "Name what an earlier batch makes, spelled alike, and make each name once; or ask first "
-     "whether "
-     "it is there.",
+     "Name what an earlier batch makes, spelled alike, and make each name once; leave out what "
+     "only "
+     "your own server has; or ask first whether it is there.",
      "The server has its own databases, and what the scripts make of them, batch by batch. Where "
      "the "
      "customer's server has more, the finding may be accepted."},

@@ -20,8 +20,8 @@ constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL",
 /// Whether the statement can create something, name a database or a login, or call a procedure that
 /// does; most rows of data do not, and a large pack has millions.
 bool MayMatter(std::string_view statement) {
-  constexpr std::array<std::string_view, 5> kWords = {"ALTER", "CREATE", "DATABASE", "LOGIN",
-                                                      "USE"};
+  constexpr std::array<std::string_view, 6> kWords = {"ALTER", "CREATE", "DATABASE",
+                                                      "LOGIN", "USE",    "USER"};
   for (std::size_t at = 0; at < statement.size(); ++at) {
     const char lower = static_cast<char>(statement[at] | 0x20);
     if (lower == 'x' && at > 0 && EqualsUpper(statement.substr(at - 1, 4), "EXEC")) return true;
@@ -37,7 +37,7 @@ bool MayMatter(std::string_view statement) {
   return false;
 }
 
-/// Server messages 1801, 15025, 3701, 15151, 5011 and 911.
+/// Server messages 1801, 15025, 3701, 15151, 5011, 911 and 15007.
 RuntimeError Exists(const std::string& name, bool login) {
   return StatementError(login ? "The server principal '" + name + "' already exists."
                               : "Database '" + name +
@@ -60,12 +60,32 @@ RuntimeError CannotUse(const std::string& name) {
                         "' does not exist. Make sure that the name is entered correctly.");
 }
 
+RuntimeError NoLogin(const std::string& name) {
+  return StatementError("'" + name + "' is not a valid login or you do not have permission.");
+}
+
 /// Server message 111.
 RuntimeError NotFirst(std::string_view kind) {
   const std::string word = UCase(kind);
   const bool procedure = word == "PROC" || word == "PROCEDURE";
   return StatementError((procedure ? "'CREATE/ALTER PROCEDURE" : "'CREATE " + word) +
                         "' must be the first statement in a query batch.");
+}
+
+/// The login of a user that is created; `behind` reads what is behind the user's name. Empty for a
+/// user that needs none.
+std::string LoginOf(const Token& user, sql::Lexer behind) {
+  Token word = behind.Next();
+  if (word.IsOneOf({"WITHOUT", "FOR", "FROM"})) {
+    const bool of = !word.Is("WITHOUT") && behind.Next().Is("LOGIN");
+    return of ? behind.Next().Value() : "";
+  }
+  while (word.IsOneOf({"WITH", "DEFAULT_SCHEMA"}) || word.IsSymbol("=") || word.IsSymbol(",")) {
+    const bool isSchema = word.IsSymbol("=");
+    word = behind.Next();
+    if (isSchema) word = behind.Next();
+  }
+  return word.Is("PASSWORD") ? "" : user.Value();
 }
 
 /// Not a name: the current database, and statements about its parts.
@@ -185,6 +205,8 @@ void SimulatedServer::FollowNames(std::string_view statement) {
       sql::Lexer ahead = lexer;
       RequireSyntax(statementVerb, statementKind, name, ahead.Next());
       ApplyName(statementVerb, name, login, asked || ifExists);
+    } else if (verb.Is("CREATE") && kind.Is("USER")) {
+      if (!asked) RequireLogin(LoginOf(name, lexer));
     } else if (verb.Is("USE")) {
       if (IsNoName(kind, false)) continue;
       RequireSyntax(verb, verb, kind, name);
@@ -209,7 +231,8 @@ void SimulatedServer::ApplyCall(const sql::Lexer& arguments, const Token& proced
   }
   const std::string name = UCase(called.Value());
   const bool login = name == "SP_ADDLOGIN" || name == "SP_GRANTLOGIN";
-  if (!login && name != "SP_ATTACH_DB" && name != "SP_ATTACH_SINGLE_FILE_DB") return;
+  const bool user = name == "SP_ADDUSER" || name == "SP_GRANTDBACCESS";
+  if (!login && !user && name != "SP_ATTACH_DB" && name != "SP_ATTACH_SINGLE_FILE_DB") return;
   if (next.Kind == sql::TokenKind::Variable) {  // @loginame = 'x'
     lexer.Next();
     next = lexer.Next();
@@ -219,8 +242,19 @@ void SimulatedServer::ApplyCall(const sql::Lexer& arguments, const Token& proced
     return;
   }
   const std::string made = next.Value();
+  if (user) {
+    RequireLogin(made);
+    return;
+  }
   if (Has(UCase(made), login)) throw Exists(made, login);
   (login ? Logins : Databases).insert(UCase(made));
+}
+
+// An account of Windows needs no login of its own.
+void SimulatedServer::RequireLogin(const std::string& name) {
+  if (name.empty() || Contains(name, "\\") || Has(UCase(name), true)) return;
+  if (!unseen_.Logins) throw NoLogin(name);
+  doubt_ = "whether there is a login " + name;
 }
 
 void SimulatedServer::ApplyName(const Token& verb, const Token& named, bool login, bool asked) {

@@ -53,6 +53,7 @@ class SimulatedServer : public Ado {
   void Compile(std::string_view batch) const;
   void FollowNames(std::string_view statement);
   void ApplyName(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
+  void RequireLogin(const std::string& name);
   void ApplyCall(const sql::Lexer& arguments, const sql::Token& procedure,
                  std::string_view statement);
   /// Whether the upper-cased name exists.
