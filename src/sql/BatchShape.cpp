@@ -220,6 +220,7 @@ void BatchShape::TakeResultWord(Word word) {
       return;
     case Word::Exec:
       if (inRights_) return;
+      hasCall_ = true;
       if (open_ == Word::Insert && !insertHasSource_) {
         insertHasSource_ = true;
         return;

@@ -48,6 +48,8 @@ class BatchShape {
   const Spot& Object() const { return object_; }
   /// Procedures of the server that make a login or a database.
   const std::vector<Spot>& Makers() const { return makers_; }
+  /// Whether the batch itself runs a text or a procedure.
+  bool HasCall() const { return hasCall_; }
 
  private:
   enum class Word;
@@ -62,6 +64,7 @@ class BatchShape {
   void Commit();
 
   bool hasCode_ = false;
+  bool hasCall_ = false;
   bool isBody_ = false;
   bool inSchema_ = false;
   bool verbFirst_ = false;

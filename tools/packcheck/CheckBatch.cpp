@@ -7,6 +7,7 @@
 #include "database/BatchNames.h"
 #include "runtime/ErrorTrap.h"
 #include "runtime/TextFunctions.h"
+#include "sql/Lexer.h"
 #include "sql/Names.h"
 
 namespace talu::packcheck {
@@ -120,6 +121,36 @@ void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Finding
   if (!login) CheckFiles(batch, cut, *first, facts, findings);
 }
 
+/// Whether a text that is run may make a database or a login.
+bool MakesSome(const std::string& text, bool login) {
+  sql::Lexer lexer(text);
+  bool created = false;
+  for (sql::Token token = lexer.Next(); token.Kind != sql::TokenKind::End; token = lexer.Next()) {
+    if (created && token.Is(Keyword(login))) {
+      return !lexer.Next().IsOneOf({"AUDIT", "ENCRYPTION", "SCOPED"});
+    }
+    created = token.Is("CREATE");
+  }
+  return false;
+}
+
+/// Finds what a batch makes by running texts, unless the build records something for it.
+void CheckRunTexts(const SqlBatch& batch, bool login, Findings& findings) {
+  if (login ? CreatesLogin(batch.Text) : CreatesDatabase(batch.Text)) return;
+  sql::Lexer lexer(batch.Text);
+  bool isMessage = false;
+  for (sql::Token token = lexer.Next(); token.Kind != sql::TokenKind::End; token = lexer.Next()) {
+    if (token.Kind == sql::TokenKind::Word) isMessage = token.IsOneOf({"PRINT", "RAISERROR"});
+    if (token.Kind != sql::TokenKind::String || isMessage) continue;
+    if (!MakesSome(token.Value(), login)) continue;
+    // A batch begins with a line end, a line that is read by itself does not.
+    const auto ends = std::ranges::count(batch.Text.substr(0, token.At), '\n');
+    const auto line = static_cast<std::size_t>(std::max(ends, decltype(ends){1}) - 1);
+    findings.Add("SQL-CREATE-PROC", batch.PlaceOf(batch.Lines.at(line)),
+                 {"EXEC", Thing(login), Keyword(login)});
+  }
+}
+
 /// The statement of the batch that names this database; the first statement for an empty name. A
 /// null pointer when there is none.
 const SqlStatement* Naming(const SqlFacts& facts, const std::string& bareName) {
@@ -178,6 +209,10 @@ void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& 
     const bool login = Contains(UCase(spot.Word), "LOGIN");
     findings.Add("SQL-CREATE-PROC", batch.PlaceOf(spot.Line),
                  {UCase(spot.Word), Thing(login), Keyword(login)});
+  }
+  if (shape.HasCall()) {
+    CheckRunTexts(batch, false, findings);
+    CheckRunTexts(batch, true, findings);
   }
   std::set<std::string> created;
   for (const SqlStatement& statement : facts.Statements) {

@@ -152,7 +152,9 @@ inline constexpr Rule kScriptRules[] = {
     {"SQL-CREATE-PROC", Severity::Warning,
      "{0} makes a {1} that is not recorded, so it stays when the build fails and Uninstall.dat "
      "lacks it.",
-     "Write CREATE {2} instead.", "Only CREATE DATABASE and CREATE LOGIN are looked for."},
+     "Write CREATE {2} as a statement of its own instead.",
+     "Only statements CREATE DATABASE and CREATE LOGIN are looked for; a text that EXEC runs is "
+     "none."},
     {"SQL-CREATE-LINE", Severity::Warning,
      "The script is read line by line, so the {0} is not recorded and stays when the build fails.",
      "Create databases and logins in a script that begins with --taluGO.",
