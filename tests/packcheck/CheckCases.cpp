@@ -136,7 +136,7 @@ const CheckCase kCases[] = {
     {"SQL-UTF16", {{kA, Utf16("--taluGO|PRINT 1|GO|")}}, kFormat},
     {"SQL-UTF8", Batches("PRINT 'caf\xC3\xA9'|GO|"), "PRINT 'caf\u00c3\u00a9'"},
     {"SQL-LINE-ENDS", {{kA, "--taluGO\nuse master\nGO\n"}}, "!sql"},
-    {"SQL-NO-DIRECTIVE", Script("USE master|GO|"), kFormat},
+    {"SQL-NO-DIRECTIVE", Script("use master|GO|"), kFormat},
     {"SQL-LATE-DIRECTIVE", Script("-- Sales|" + kPlain), kFormat},
     {"SQL-LINE-LEAK", Two("--taluLineByLine|PRINT 1|", "PRINT 2|"), "sql PRINT 2"},
     {"SQL-DIRECTIVE-INSIDE", Batches("PRINT 1 -- see --taluGO|PRINT 2|GO|"), "!PRINT 1"},

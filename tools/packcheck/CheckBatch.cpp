@@ -274,10 +274,9 @@ void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const
   names_.emplace(bare, name);
   const bool isPlain = sql::IsPlainName(name);
   if (bare.empty() || (naming == nullptr && isPlain && !hasCode)) return;
+  if (Contains(name, "$(")) return;  // a variable that is left over has its own finding
   if (naming != nullptr) {
-    // A variable that is still in it has its own finding.
-    if (!isPlain && !Contains(name, "$("))
-      findings_.Add("SQL-BACKUP-BRACKETS", naming->Place, {name});
+    if (!isPlain) findings_.Add("SQL-BACKUP-BRACKETS", naming->Place, {name});
     if (std::ranges::find(kSystemDatabases, bare) != kSystemDatabases.end()) {
       findings_.Add("SQL-BACKUP-SYSTEM", naming->Place,
                     {bare == "TEMPDB" ? "tries" : "makes", name});

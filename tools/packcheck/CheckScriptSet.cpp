@@ -96,11 +96,11 @@ void ScriptSet::TakeText(const std::string& text) {
       if (reader_.BatchMode()) CheckTextLine(line);
       continue;
     }
-    if (!TakeLine(line, number)) return;
+    TakeLine(line, number);
   }
 }
 
-bool ScriptSet::TakeLine(std::string_view line, int number) {
+void ScriptSet::TakeLine(std::string_view line, int number) {
   const ScriptLine what = reader_.Take(line, TrimView(line));
   if (what == ScriptLine::BatchDirective) {
     TakeDirective(line, number, "--taluGO");
@@ -116,8 +116,9 @@ bool ScriptSet::TakeLine(std::string_view line, int number) {
     TakeStatementLine(line, number);
   } else {
     TellMalformed(line, number);
+    hasDirective_ = true;
+    TakeLine(line, number);
   }
-  return what != ScriptLine::Malformed;
 }
 
 void ScriptSet::TellMalformed(std::string_view line, int number) {
@@ -128,9 +129,11 @@ void ScriptSet::TellMalformed(std::string_view line, int number) {
     if (!ContainsUpper(later, kBatchDirective) && !ContainsUpper(later, kLineDirective)) continue;
     findings_.Add("SQL-LATE-DIRECTIVE", At(number, line),
                   {std::to_string(number + laterNumber - 1)});
+    reader_.Take(later, later);
     return;
   }
   findings_.Add("SQL-NO-DIRECTIVE", At(number, line));
+  reader_.Take(kBatchDirective, kBatchDirective);
 }
 
 // At the top of a script, a comment may follow the directive.

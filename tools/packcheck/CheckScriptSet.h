@@ -35,8 +35,8 @@ class ScriptSet {
  private:
   void CheckFile(const CfgLine& listed);
   void TakeText(const std::string& text);
-  /// Returns false when the build stops at the line.
-  bool TakeLine(std::string_view line, int number);
+  void TakeLine(std::string_view line, int number);
+  /// Tells that the build stops at the line. What follows is read as if the directive were there.
   void TellMalformed(std::string_view line, int number);
   void TakeDirective(std::string_view line, int number, std::string_view directive);
   void TakeBatchLine(std::string_view line, int number);

@@ -19,10 +19,12 @@ const char* ServerCheck::Described() const {
 }
 
 void ServerCheck::Take(const SqlBatch& batch, const SqlFacts& facts, bool records) {
+  if (!facts.Variables.empty() && Contains(UCase(batch.Text), "CREATE")) isUnsure_ = true;
   madeAny_ = madeAny_ || !server_.Databases.empty() || CreatesDatabase(batch.Text);
   try {
     server_.ApplyNames(batch.Text);
   } catch (const RuntimeError& refusal) {
+    if (!facts.Variables.empty()) return;  // which has its own finding
     const std::string words = refusal.Description.substr(refusal.Description.rfind(']') + 1);
     // What these scripts make twice is named with both places.
     const bool exists = Contains(words, "already exists");
@@ -30,7 +32,7 @@ void ServerCheck::Take(const SqlBatch& batch, const SqlFacts& facts, bool record
         Contains(words, "does not exist") || Contains(words, "is not a valid login");
     if (exists ? isUpgrade_ : !missing) {
       findings_.Add("SQL-REFUSED", batch.Start, {Described(), words});
-    } else if (!exists && server_.Doubt().empty()) {
+    } else if (!exists && server_.Doubt().empty() && !isUnsure_) {
       missing_.push_back({words, batch.Start});
     }
     return;

@@ -42,6 +42,7 @@ class ServerCheck {
   bool madeAny_ = false;
   std::vector<Recorded> recorded_;
   std::vector<SqlText> missing_;
+  bool isUnsure_ = false;  // a variable that is left over may be the name of what is made
 };
 
 }  // namespace talu::packcheck

@@ -85,6 +85,9 @@ void SqlFollower::TakeSymbol(char symbol) {
     argument_ = 0;
   }
   if (symbol == ',' && argument_ > 0) ++argument_;
+  // USE $(Name), which the command-line tool would have replaced
+  const bool isUse = statement_.Verb == SqlStatement::Kind::Use;
+  if (symbol == '$' && waiting_ == Waiting::Name && isUse) Facts.Statements.push_back(statement_);
   waiting_ = Waiting::Nothing;
   verb_.clear();
 }

@@ -42,12 +42,12 @@ inline constexpr Rule kScriptRules[] = {
      "correct....\" and takes back what it created.",
      "Begin the file with a line --taluGO (batches that end with GO) or --taluLineByLine (each "
      "line "
-     "a statement).",
+     "a statement); what else is found in it, as if it had --taluGO, is left then.",
      "A line that is not empty is an error as long as neither directive was read."},
     {"SQL-LATE-DIRECTIVE", Severity::Error,
      "The directive stands only in line {0}, so this line before it stops the build with \"Script "
      "format is not correct....\".",
-     "Move the directive to the top of the file.",
+     "Move the directive to the top of the file; what else is found in it is left then.",
      "Nothing but empty lines may stand before the directive, no comment either."},
     {"SQL-LINE-LEAK", Severity::Warning,
      "No directive says how to read this line, so it is run as a statement of its own, because {0} "
