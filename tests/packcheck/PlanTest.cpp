@@ -265,6 +265,9 @@ TEST_F(PlanTest, SaysWhatItCannotTell) {
             std::string::npos)
       << account;
   EXPECT_NE(account.find("\n1 time above it cannot tell: "), std::string::npos) << account;
+  const std::string json = Tell(0, true);
+  const char* doubt = R"(USE Sales","timeout":300,"ok":true,"doubt":"whether there is a database )";
+  EXPECT_NE(json.find(doubt), std::string::npos) << json;
 }
 
 TEST_F(PlanTest, JournalIsJson) {

@@ -9,6 +9,17 @@
 namespace talu::packcheck {
 namespace {
 
+/// The event, and what the server could not tell of it.
+void WriteJson(const JournalEvent& event, const SimulatedServer& server, std::ostream& out) {
+  if (event.Kind != "sql" || server.Doubt().empty()) {
+    out << event.ToJson() << '\n';
+    return;
+  }
+  JournalEvent doubted = event;
+  doubted.Fields.emplace_back("doubt", server.Doubt());
+  out << doubted.ToJson() << '\n';
+}
+
 void RequireEmpty(const std::filesystem::path& folder) {
   if (std::filesystem::exists(folder) && !std::filesystem::is_empty(folder)) {
     throw std::runtime_error("--save: " + folder.string() + " is not empty");
@@ -24,7 +35,7 @@ int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
   PlanAccount account(options.Run, options.Json || compare ? nowhere : out, options.Listed);
   std::vector<std::string> shortcuts;
   PlannedRun run(options.Run, [&](PlannedRun& sofar, const JournalEvent& event) {
-    if (options.Json) out << event.ToJson() << '\n';
+    if (options.Json) WriteJson(event, sofar.Machine.Server, out);
     if (event.Kind == "shortcut" && !event.Error) shortcuts.push_back(event.Text("path"));
     account.Take(sofar, event);
   });
