@@ -6,6 +6,7 @@
 #include <set>
 #include <utility>
 
+#include "ConvertText.h"
 #include "runtime/TextFunctions.h"
 #include "runtime/Unicode.h"
 
@@ -84,7 +85,9 @@ void CheckLetters(CheckedPack& pack, std::string_view text, const std::string& f
       first = character;
       firstAt = start;
     }
-    if (count <= kLettersShown) lacking.append(count == 1 ? "" : " ").append(letter);
+    if (count <= kLettersShown) {
+      lacking.append(count == 1 ? "" : " ").append(IsSeen(character) ? letter : CodeOf(character));
+    }
   }
   if (count == 0) return;
   if (count > kLettersShown) lacking += " ...";

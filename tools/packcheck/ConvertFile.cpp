@@ -1,7 +1,6 @@
 #include "ConvertFile.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 #include <ostream>
 #include <stdexcept>
@@ -36,9 +35,9 @@ void WriteLetters(const ConvertedFile& file, const ConvertOptions& options, std:
     if (!Matters(letter)) continue;
     if (++mattering > kListed) continue;
     ++listed;
-    char code[16];
-    std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(letter.Character));
-    out << "    \"" << letter.Letter << "\" (" << code << "), line";
+    out << "    ";
+    if (IsSeen(letter.Character)) out << '"' << letter.Letter << "\" ";
+    out << "(" << CodeOf(letter.Character) << "), line";
     for (std::size_t i = 0; i < std::min(letter.Lines.size(), kListed); ++i) {
       out << (i > 0 ? ", " : " ") << letter.Lines[i];
     }

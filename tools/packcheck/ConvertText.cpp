@@ -1,6 +1,7 @@
 #include "ConvertText.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -14,6 +15,8 @@ namespace talu::packcheck {
 namespace {
 
 constexpr int kUtf8 = 65001;
+/// The byte-order mark in UTF-8.
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 std::string FromUtf16Bytes(std::string_view bytes) {
   if (bytes.size() % 2 != 0) {
@@ -26,7 +29,6 @@ std::string FromUtf16Bytes(std::string_view bytes) {
     const auto second = static_cast<unsigned char>(bytes[2 * i + 1]);
     units[i] = static_cast<char16_t>(bigEndian ? first << 8 | second : second << 8 | first);
   }
-  if (units.starts_with(u'\uFEFF')) units.erase(0, 1);
   return FromUtf16<char16_t>(units);
 }
 
@@ -97,11 +99,26 @@ DecodedText Decode(std::string_view bytes, const CodePage& codePage, int number)
   } else {
     decoded.Text = FromCodePage(bytes, codePage, number);
   }
+  // Some tools write the mark although it is there already.
+  while (!decoded.Encoding.empty() && decoded.Text.starts_with(kMark)) {
+    decoded.Text.erase(0, kMark.size());
+  }
   if (decoded.Text.find('\0') != std::string::npos) {
     throw std::runtime_error("it has NUL characters, so it is no text");
   }
   EndLinesInCrLf(decoded);
   return decoded;
+}
+
+bool IsSeen(char32_t character) {
+  return character != 0xFEFF && character != 0xAD && (character < 0x200B || character > 0x200F) &&
+         (character < 0x2028 || character > 0x202E);
+}
+
+std::string CodeOf(char32_t character) {
+  char code[16];
+  std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(character));
+  return code;
 }
 
 std::vector<MissingLetter> MissingLetters(std::string_view text, const CodePage& codePage) {

@@ -23,6 +23,11 @@ struct DecodedText {
 /// wrong with them, for bytes that are no text.
 DecodedText Decode(std::string_view bytes, const CodePage& codePage, int number);
 
+/// Whether a letter can be seen, as a byte-order mark in the middle of a text cannot; and its
+/// number as U+FEFF.
+bool IsSeen(char32_t character);
+std::string CodeOf(char32_t character);
+
 /// A letter that a code page lacks.
 struct MissingLetter {
   /// In UTF-8.
