@@ -61,6 +61,10 @@ BatchShape::Word BatchShape::Known(const Token& token) {
   return Word::None;
 }
 
+bool BatchShape::InRows() const {
+  return open_ == Word::Insert || open_ == Word::Update;
+}
+
 void BatchShape::Clear() {
   *this = {};
 }

@@ -48,6 +48,8 @@ class BatchShape {
   const Spot& Object() const { return object_; }
   /// Procedures of the server that make a login or a database.
   const std::vector<Spot>& Makers() const { return makers_; }
+  /// Whether the statement being read inserts or changes rows.
+  bool InRows() const;
   /// Whether the batch itself runs a text or a procedure.
   bool HasCall() const { return hasCall_; }
 

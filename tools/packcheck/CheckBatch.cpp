@@ -244,7 +244,9 @@ void BackupNames::Collect(const SqlBatch& batch, const SqlFacts& facts, bool has
   if (!MayNameDatabase(batch.Text)) return;
   for (const std::string_view statement : kNamingStatements) {
     try {
-      if (const auto name = NamedDatabase(batch.Text, statement)) Add(*name, batch, facts, hasCode);
+      if (const auto name = NamedDatabase(batch.Text, statement)) {
+        Add(*name, batch.PlaceOf(statement), facts, hasCode);
+      }
     } catch (const RuntimeError& error) {
       const SqlStatement* naming = Naming(facts, "");
       findings_.Add(error.Number == error::kOverflow ? KnownRule("SQL-BACKUP-LONG")
@@ -255,7 +257,7 @@ void BackupNames::Collect(const SqlBatch& batch, const SqlFacts& facts, bool has
   }
 }
 
-void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts,
+void BackupNames::Add(const std::string& candidate, const Place& place, const SqlFacts& facts,
                       bool hasCode) {
   const std::string name = BackedUpName(candidate);
   const std::string bare = UCase(name);
@@ -284,7 +286,7 @@ void BackupNames::Add(const std::string& candidate, const SqlBatch& batch, const
     return;
   }
   const SqlStatement* first = Naming(facts, "");
-  findings_.Add("SQL-BACKUP-NAME", first != nullptr ? first->Place : batch.Start, {Shown(name)});
+  findings_.Add("SQL-BACKUP-NAME", first != nullptr ? first->Place : place, {Shown(name)});
 }
 
 bool BackupNames::Covers(const std::string& bareName) const {

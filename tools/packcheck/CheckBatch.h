@@ -56,8 +56,8 @@ class BackupNames {
   bool Covers(const std::string& bareName) const;
 
  private:
-  void Add(const std::string& candidate, const SqlBatch& batch, const SqlFacts& facts,
-           bool hasCode);
+  /// `place` is where the words before the name stand.
+  void Add(const std::string& candidate, const Place& place, const SqlFacts& facts, bool hasCode);
 
   Findings& findings_;
   std::string list_;

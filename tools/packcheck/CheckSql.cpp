@@ -38,10 +38,17 @@ void SqlFollower::ClearBatch() {
   Shape.Clear();
 }
 
-// What a command-line tool would have replaced. In a text it may be meant as it is.
+// What a command-line tool would have replaced. In a text it may be meant as it is, unless it is
+// all of it or a path; rows may have anything.
 void SqlFollower::NoteVariable(const sql::Token& token) {
-  const bool isPath = token.Kind == TokenKind::String && waiting_ == Waiting::FileName;
-  if (token.Kind != TokenKind::Name && !token.IsSymbol("$") && !isPath) return;
+  bool isMeant = token.Kind == TokenKind::Name || token.IsSymbol("$");
+  if (token.Kind == TokenKind::String && token.IsClosed && token.Opening > 0) {
+    const std::string_view inside = token.Inside();
+    const bool isWhole = inside.starts_with("$(") && inside.find(')') == inside.size() - 1;
+    isMeant = waiting_ == Waiting::FileName || (isWhole && !Shape.InRows()) ||
+              Contains(UCase(line_), "BULK INSERT");
+  }
+  if (!isMeant) return;
   std::string_view text = token.Raw;
   if (token.Kind == TokenKind::Symbol) text = line_.substr(token.At);
   const std::size_t start = text.find("$(");
