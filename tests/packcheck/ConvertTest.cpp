@@ -213,7 +213,7 @@ TEST_F(ConvertFolderTest, ShowsADiffWithoutPasswordsAndWhatWasDone) {
       "+GO\n"
       "/a.sql: 12 lines end in CR LF now, GO alone on its line, the directive on top, the name and "
       "what follows in one line\n"
-      "nothing is written yet: --in-place does it\n");
+      "nothing is written yet: --in-place does it, convert --to FOLDER elsewhere\n");
 }
 
 TEST_F(ConvertFolderTest, ADiffHidesPasswordsWhoseWordsAreNotInIt) {

@@ -75,7 +75,9 @@ ConvertedFile ConvertedFiles::Take(const fs::path& file, const fs::path& place, 
 void ConvertedFiles::Write() {
   if (target_.DryRun || (target_.Folder.empty() && !target_.InPlace)) {
     if (waiting_.empty()) return;
-    out_ << "nothing is written" << (target_.DryRun ? "" : " yet: --in-place does it") << '\n';
+    out_ << "nothing is written"
+         << (target_.DryRun ? "" : " yet: --in-place does it, convert --to FOLDER elsewhere")
+         << '\n';
     return;
   }
   if (!out_.flush()) return;  // nothing is written that could not be shown
