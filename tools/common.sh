@@ -251,11 +251,13 @@ SmallPack() {
 }
 
 # StartServer DATA DRIVE_C [OPTION...]: the stand-in server, on a free port unless an option says --port;
-# its address is in Server, its journal in ServerData. The password is in SQL_PASSWORD.
+# its address is in Server, its journal in ServerData. The password is in SQL_PASSWORD. It refuses what it
+# does not know, unless Lenient is set.
 StartServer() {
   local data=$1 drive=$2 out
   shift 2
   [[ " $* " == *' --port '* ]] || set -- --port 0 "$@"
+  [[ -n ${Lenient:-} ]] || set -- --strict "$@"
   mkdir -p "$data" "$drive"
   ServerData=$data
   out=$data/listening

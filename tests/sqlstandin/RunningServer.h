@@ -25,15 +25,16 @@ inline const std::string kTestPassword = "Secret 1";
 class RunningServer {
  public:
   explicit RunningServer(const std::filesystem::path& folder, Mishaps mishaps = {},
-                         std::chrono::milliseconds loginTime = ServerParts::kUsualLoginTime)
+                         std::chrono::milliseconds loginTime = ServerParts::kUsualLoginTime,
+                         bool isStrict = true)
       : drive_(Prepare(folder)),
         journalFile_(folder / "journal"),
         mishaps_(std::move(mishaps)),
         catalogue_(folder / "state", Mapped(drive_), "sa", kTestPassword),
         journal_(journalFile_),
-        parts_{catalogue_, journal_, mishaps_, loginTime},
+        parts_{catalogue_, journal_, mishaps_, loginTime, isStrict},
         server_(parts_, 0),
-        thread_([this] { server_.Run(stop_.Number()); }) {}
+        thread_([this] { server_.Run(stop_.Number(), [] { return false; }); }) {}
 
   ~RunningServer() {
     const std::uint64_t one = 1;
@@ -55,14 +56,23 @@ class RunningServer {
     return records;
   }
 
+  nlohmann::json Report() const {
+    const std::filesystem::path file = journalFile_.string() + ".report";
+    parts_.Account.Write(file, catalogue_, parts_.IsStrict);
+    return nlohmann::json::parse(std::ifstream(file));
+  }
+
  private:
   static std::filesystem::path Prepare(const std::filesystem::path& folder) {
-    std::filesystem::create_directories(folder / "c" / "Data");
+    for (const char* name : {"Data", "Program Files"}) {
+      std::filesystem::create_directories(folder / "c" / name);
+    }
     return folder / "c";
   }
   static Drives Mapped(const std::filesystem::path& folder) {
     Drives drives;
     drives.Add("C=" + folder.string());
+    drives.Protect("C:\\Program Files");
     return drives;
   }
 

@@ -155,7 +155,8 @@ TEST(Backup, IsACopyThatSqliteOpens) {
   const HostFolder folder;
   const RunningServer server(folder.Path);
   LoggedIn client(server);
-  client.Batch("CREATE DATABASE Sales USE Sales CREATE TABLE t (a int) INSERT t VALUES (1), (2)");
+  client.Batch("CREATE DATABASE Sales");
+  client.Batch("USE Sales CREATE TABLE t (a int) INSERT t VALUES (1), (2)");
   const std::string statement =
       "IF  EXISTS (SELECT name FROM sys.databases WHERE name = N'sales') BACKUP DATABASE sales TO  "
       "DISK = N'C:\\Data\\Talu_sales_7_3_2012_9_5.bkp ' WITH NOFORMAT, INIT,  NAME = N'sales-Full "

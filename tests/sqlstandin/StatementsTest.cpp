@@ -25,8 +25,9 @@ TEST(Statements, TablesAndRows) {
   Play(client,
        {
            {"CREATE\x1f"
-            "DATABASE\x01Sales USE [Sales]",
+            "DATABASE\x01Sales",
             ""},
+           {"USE [Sales]", ""},
            {"CREATE TABLE [dbo].[Customer](\r\n\t[Id] [int] IDENTITY(10,1) NOT NULL,\r\n"
             "[Name] [nvarchar](10) COLLATE Latin1_General_CI_AS NOT NULL, Amount decimal(10, 2) "
             "NULL "
@@ -61,7 +62,7 @@ TEST(Statements, TablesAndRows) {
            {"SELECT Nothing FROM Customer", "!207"},
            {"INSERT INTO Customer (Name, Amount) VALUES ('x')", "!109"},
            {"INSERT INTO Customer VALUES ('x')", "!213"},
-           {"SELECT UNHEARD(1)", "!195"},
+           {"SELECT UNHEARD(1)", "!50000"},
            {"CREATE TABLE customer (a int)", "!2714"},
            {"CREATE TABLE T2 (a whatever)", "!2715"},
            {"DROP TABLE Nowhere PRINT 'on'", "!3701;i0:on"},
@@ -121,16 +122,16 @@ TEST(Statements, ExpressionsAndControl) {
           {"SELECT 1 FROB", "1"},  // an alias
           {"SELECT 1; FROB the thing", "!102"},
           {"PRINT 'a' GO", "!102"},
-          {"RESTORE DATABASE x FROM DISK = 'y'", "!102"},
+          {"RESTORE DATABASE x FROM DISK = 'y'", "!50000"},
           {"SELECT (1", "!102"},
           {"SELECT 1)", "!102"},
           {"SELECT 'open", "!105"},
           {"SELECT 1 /* open", "!113"},
           {"SELECT @x", "!137"},
           {"DROP DATABASE", "!102"},
-          {"CREATE PROCEDURE p AS SELECT 1", "!102"},
-          {"SELECT 1 LIMIT 1", "!102"},
-          {"EXEC sp_who", "!2812"},
+          {"SELECT 1 LIMIT 1", "!50000"},
+          {"EXEC sp_who", "!50000"},
+          {"EXEC who", "!2812"},
           {"BEGIN SELECT 1", "!102"},
           {"SET ANSI_NULLS ON SET QUOTED_IDENTIFIER OFF SELECT 1", "1"},
           // Transactions.
@@ -159,6 +160,144 @@ TEST(Statements, ExpressionsAndControl) {
   std::string nested;
   for (int i = 0; i < 10000; ++i) nested += "IF 1 = 1 ";
   EXPECT_EQ(client.Batch(nested + "SELECT 1").Summary(), "!191");
+}
+
+TEST(Statements, TablesAreAltered) {
+  const HostFolder folder;
+  const RunningServer server(folder.Path);
+  LoggedIn client(server);
+  Play(
+      client,
+      {
+          {"CREATE TABLE A (a int NOT NULL, b int, c int) CREATE TABLE B (x int)", ""},
+          {"ALTER TABLE A ADD CONSTRAINT PK_A PRIMARY KEY CLUSTERED (a ASC) WITH (PAD_INDEX = OFF) "
+           "ON [PRIMARY]",
+           ""},
+          {"ALTER TABLE [dbo].[A] ADD CONSTRAINT [DF_B] DEFAULT ((7)) FOR [b] "
+           "ALTER TABLE A WITH CHECK ADD CONSTRAINT CK_C CHECK NOT FOR REPLICATION (c > 0)",
+           ""},
+          {"INSERT A (a, c) VALUES (1, 5) SELECT * FROM A", "1,7,5"},
+          {"INSERT A (a, c) VALUES (1, 5)", "!2627"},
+          {"INSERT A (a, c) VALUES (2, 0)", "!547"},
+          {"ALTER TABLE A ADD CONSTRAINT CK_B CHECK (b > 8)", "!547"},
+          {"ALTER TABLE A WITH NOCHECK ADD CONSTRAINT CK_B CHECK (b > 8)", ""},
+          {"ALTER TABLE A ADD CONSTRAINT ck_b CHECK (b > 1)", "!2714;!1750"},
+          {"INSERT B VALUES (9) ALTER TABLE B WITH CHECK ADD CONSTRAINT FK_B FOREIGN KEY (x) "
+           "REFERENCES A (a)",
+           "!547"},
+          {"UPDATE B SET x = 1 ALTER TABLE B WITH CHECK ADD CONSTRAINT FK_B FOREIGN KEY (x) "
+           "REFERENCES A (a) ON DELETE CASCADE ALTER TABLE B CHECK CONSTRAINT FK_B",
+           ""},
+          {"INSERT B VALUES (3)", "!547"},
+          {"ALTER TABLE B DROP CONSTRAINT FK_B INSERT B VALUES (3)", ""},
+          {"ALTER TABLE B ADD CONSTRAINT FK_N FOREIGN KEY (x) REFERENCES Nowhere (a)",
+           "!1767;!1750"},
+          {"ALTER TABLE A DROP CONSTRAINT DF_B, CK_C, CK_B INSERT A (a, c) VALUES (2, 0) SELECT b "
+           "FROM A "
+           "WHERE a = 2",
+           "NULL"},
+          {"ALTER TABLE A ADD d nvarchar(3) NOT NULL CONSTRAINT DF_D DEFAULT 'x'", ""},
+          {"ALTER TABLE A ALTER COLUMN d nvarchar(9) NOT NULL", ""},
+          {"INSERT A (a, d) VALUES (3, 'longer') INSERT A (a) VALUES (4) SELECT d FROM A",
+           "x;x;longer;x"},
+          {"ALTER TABLE A DROP CONSTRAINT NoSuch", "!3728"},
+          {"ALTER TABLE A ADD CONSTRAINT DF_E DEFAULT 1 FOR e", "!207"},
+          {"ALTER TABLE Nowhere ADD a int", "!4902"},
+      });
+}
+
+TEST(Statements, AreRefusedInTheServersWords) {
+  const HostFolder folder;
+  const RunningServer server(folder.Path);
+  LoggedIn client(server);
+  Play(
+      client,
+      {
+          // Names that do not parse.
+          {"ALTER DATABASE Alpha\r\nON SET OFFLINE", "!156"},
+          {"BACKUP DATABASE Alpha-Beta TO DISK = 'C:\\Data\\a.bkp'", "!102"},
+          // The databases of USE are looked for before anything is carried out.
+          {"CREATE DATABASE Late USE Late", "!911"},
+          {"IF 1 = 2 USE Late", "!911"},
+          {"CREATE DATABASE Late", ""},
+          // What has to be first, and what must not stand in a block.
+          {"SELECT 1 CREATE PROCEDURE p AS SELECT 1", "!111"},
+          {"SELECT 1 CREATE VIEW v AS SELECT 1 AS a", "!111"},
+          {"SELECT 1 CREATE FUNCTION f() RETURNS int AS BEGIN RETURN 1 END", "!111"},
+          {"SELECT 1 ALTER TRIGGER t ON x AFTER INSERT AS SELECT 1", "!111"},
+          {"SELECT 1 CREATE SCHEMA s", "!111"},
+          {"IF 1 = 1 CREATE PROCEDURE p AS SELECT 1", "!156"},
+          {"PRINT 'no'\r\nGO\r\n", "!102"},
+          {"CREATE TABEL t (a int)", "!102"},
+          {"SET UNHEARD ON", "!195"},
+          // Files that are there, and folders where nothing may be.
+          {"CREATE DATABASE Sales ON (NAME = S, FILENAME = 'C:\\Data\\Sales.mdf')", ""},
+          {"ALTER DATABASE Sales SET OFFLINE DROP DATABASE Sales", ""},
+          {"CREATE DATABASE Sales ON (NAME = S, FILENAME = 'C:\\Data\\Sales.mdf')", "!5170;!1802"},
+          {"CREATE DATABASE b ON (NAME = b, FILENAME = 'C:\\program files\\b.mdf')", "!5123;!1802"},
+          {"BACKUP DATABASE Late TO DISK = 'C:\\Program Files\\x.bkp'", "!3201;!3013"},
+          {"RESTORE VERIFYONLY FROM DISK = 'C:\\Data\\no.bkp'", "!3201;!3013"},
+          // Objects that are kept as text.
+          {"CREATE PROCEDURE dbo.p AS SELECT 1", ""},
+          {"CREATE PROC p AS SELECT 1", "!2714"},
+          {"CREATE TABLE P (a int)", "!2714"},
+          {"ALTER FUNCTION p() RETURNS int AS BEGIN RETURN 1 END", "!208"},
+          {"DROP PROCEDURE p DROP PROC IF EXISTS p DROP PROCEDURE p", "!3701"},
+          {"CREATE VIEW v AS SELECT a FROM Nowhere", "!208"},
+          {"CREATE TABLE Odd.t (a int)", "!2760"},
+          {"CREATE SCHEMA Odd", ""},
+          {"CREATE TABLE Odd.t (a int) INSERT [Odd].[t] (a) VALUES (3) SELECT t.a FROM Odd.t AS t",
+           "3"},
+          {"CREATE TYPE Name FROM nvarchar(50) DROP TYPE Name DROP TYPE Name", "!218"},
+          {"RAISERROR('told', 10, 1) RAISERROR('bad', 16, 1)", "!50000"},
+      });
+  const Answer strict = client.Batch("\r\nMERGE t USING u ON 1 = 1 WHEN MATCHED THEN DELETE;");
+  EXPECT_EQ(strict.Messages.at(0).Text,
+            "sqlstandin does not know MERGE (line 2); a real server may");
+}
+
+TEST(Statements, OthersAreTakenNoteOf) {
+  const HostFolder folder;
+  const RunningServer server(folder.Path, {}, ServerParts::kUsualLoginTime, false);
+  LoggedIn client(server);
+  const struct {
+    const char* Batch;
+    const char* Fate;
+    const char* Answer = "";
+  } cases[] = {
+      {"CREATE DATABASE Sales", "carried"},
+      {"USE Sales", "carried"},
+      {"CREATE TABLE t (a int, s nvarchar(9))", "carried"},
+      {"CREATE PROCEDURE p AS INSERT made (a) VALUES (1)", "kept"},
+      {"EXEC sp_addextendedproperty N'a', N'b'", "kept"},
+      {"CREATE VIEW v AS SELECT UNHEARD(a) AS a FROM t", "kept"},
+      {"CREATE TABLE odd (a int, PERIOD FOR SYSTEM_TIME (a, b))", "noted"},
+      {"PRINT 'x' MERGE t USING odd ON 1 = 1 WHEN MATCHED THEN DELETE;", "noted", "i0:x"},
+      // What rests upon it is no fault.
+      {"INSERT odd VALUES (1) INSERT dbo.odd (a) SELECT a FROM v", "noted"},
+      {"ALTER TABLE odd ADD b int DROP TABLE odd", "noted"},
+      {"EXEC p INSERT made (a) VALUES (2)", "noted"},
+      {"CREATE TABLE odd (a int) INSERT odd VALUES (1) SELECT a FROM odd", "carried", "1"},
+      // These are faults all the same.
+      {"INSERT Nowhere VALUES (1)", "refused", "!208"},
+      {"INSERT t (a, b) VALUES (1, 2)", "refused", "!207"},
+      {"CREATE VIEW v AS SELECT 1 AS a", "refused", "!2714"},
+      {"USE Nowhere", "refused", "!911"},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(client.Batch(each.Batch).Summary(), each.Answer) << each.Batch;
+    EXPECT_EQ(server.Journal().back()["fate"], each.Fate) << each.Batch;
+  }
+  EXPECT_EQ(server.Journal().at(8)["constructs"], nlohmann::json({"MERGE"}));
+  EXPECT_EQ(server.Journal().at(8)["carried"], false);
+  const nlohmann::json report = server.Report();
+  EXPECT_EQ(report["fates"], "ccckkknnnnncrrrr");
+  EXPECT_EQ(report["batches"],
+            nlohmann::json(
+                {{"received", 16}, {"carried", 4}, {"kept", 3}, {"noted", 5}, {"refused", 4}}));
+  EXPECT_EQ(report["refused"][0]["error"]["number"], 208);
+  EXPECT_EQ(report["databases"][0]["tables"],
+            nlohmann::json({{{"name", "dbo.odd"}, {"rows", 1}}, {{"name", "dbo.t"}, {"rows", 0}}}));
 }
 
 TEST(Statements, LongBatchesTakeLinearTime) {

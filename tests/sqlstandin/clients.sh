@@ -64,7 +64,7 @@ wait "$pid"
 expect "SIGTERM ends it cleanly" "exit $?" '^exit 0$'
 expect "the database stands at its path" "$(ls "$folder/c/Data")" '^Sales\.mdf$'
 
-start --cut-text 'cut here'
+start --cut-text 'cut here' --report "$folder/report" --strict
 expect "a restart keeps the data" "$(printf 'SELECT COUNT(*) FROM Sales..t\ngo\n' |
   tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 2>&1)" '^2$'
 expect "a cut connection is noticed" "$(printf "PRINT 'cut here'\ngo\n" |
@@ -73,6 +73,11 @@ expect "a second server is refused the folder" "$(SQLSTANDIN_PASSWORD=x "$server
   --data "$folder/state" 2>&1)" '^sqlstandin: the data folder cannot be used'
 expect "a password is asked for" "$(env -u SQLSTANDIN_PASSWORD "$server" --data "$folder/x" 2>&1)" \
   '^sqlstandin: no password'
+printf 'MERGE x\ngo\n' | tsql -H 127.0.0.1 -p "$port" -U sa -P Secret1 >/dev/null 2>&1
+rm "$folder/report" && kill -USR1 "$pid"
+for _ in $(seq 100); do [[ -e $folder/report ]] && break || sleep 0.05; done
+expect "the report, while it runs" "$(tr -d '\n' <"$folder/report")" \
+  '"strict": true.*"fates": "c.*r".*does not know MERGE \(line 1\).*"dbo.t", *"rows": 2'
 expect "no password in the journal" "$(grep -c Secret1 "$folder/journal")" '^0$'
 stop
 

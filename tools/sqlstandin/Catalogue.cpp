@@ -24,7 +24,7 @@ const DatabaseEntry* Catalogue::Search(std::string_view name) const {
 DatabaseEntry& Catalogue::ById(int id) {
   const auto found = std::find_if(databases_.begin(), databases_.end(),
                                   [id](const auto& entry) { return entry.Id == id; });
-  if (found == databases_.end()) throw SqlFailure(message::NoSuchDatabase(""), true);
+  if (found == databases_.end()) throw SqlFailure(message::kNoSuchDatabase(""), true);
   return *found;
 }
 
@@ -42,14 +42,26 @@ void Catalogue::Leave(int session) {
 DatabaseEntry Catalogue::Find(const std::string& name) const {
   const std::lock_guard lock(mutex_);
   const DatabaseEntry* entry = Search(name);
-  if (entry == nullptr) throw SqlFailure(message::NoSuchDatabase(name), true);
-  if (!entry->IsOnline) throw SqlFailure(message::DatabaseOffline(entry->Name), true);
+  if (entry == nullptr) throw SqlFailure(message::kNoSuchDatabase(name), true);
+  if (!entry->IsOnline) throw SqlFailure(message::kDatabaseOffline(entry->Name), true);
   return *entry;
 }
 
 bool Catalogue::Exists(const std::string& name) const {
   const std::lock_guard lock(mutex_);
   return Search(name) != nullptr;
+}
+
+std::vector<DatabaseEntry> Catalogue::All() const {
+  const std::lock_guard lock(mutex_);
+  return databases_;
+}
+
+std::vector<std::string> Catalogue::Logins() const {
+  const std::lock_guard lock(mutex_);
+  std::vector<std::string> names;
+  for (const LoginEntry& login : logins_) names.push_back(login.Name);
+  return names;
 }
 
 bool Catalogue::IsDatabaseFile(const std::filesystem::path& file) const {
@@ -61,8 +73,8 @@ bool Catalogue::IsDatabaseFile(const std::filesystem::path& file) const {
 DatabaseEntry Catalogue::Use(int session, const std::string& name) {
   const std::lock_guard lock(mutex_);
   const DatabaseEntry* entry = Search(name);
-  if (entry == nullptr) throw SqlFailure(message::NoSuchDatabase(name), true);
-  if (!entry->IsOnline) throw SqlFailure(message::DatabaseOffline(entry->Name), true);
+  if (entry == nullptr) throw SqlFailure(message::kNoSuchDatabase(name), true);
+  if (!entry->IsOnline) throw SqlFailure(message::kDatabaseOffline(entry->Name), true);
   sessions_.at(session).Database = entry->Id;
   left_.notify_all();
   return *entry;
@@ -71,7 +83,7 @@ DatabaseEntry Catalogue::Use(int session, const std::string& name) {
 void Catalogue::Create(const CreateDatabase& statement) {
   const std::lock_guard lock(mutex_);
   if (Search(statement.Name) != nullptr) {
-    throw SqlFailure(message::DatabaseExists(statement.Name));
+    throw SqlFailure(message::kDatabaseExists(statement.Name));
   }
   DatabaseEntry entry = MakeDatabaseFiles(statement, drives_, folder_);
   entry.Id = nextId_++;
@@ -93,7 +105,7 @@ void Catalogue::EndOthers(std::unique_lock<std::mutex>& lock, const DatabaseEntr
   const int id = database.Id;
   for (const int other : OthersIn(id, session)) sessions_.at(other).End();
   if (!left_.wait_for(lock, kLongestWaitForOthers, [&] { return OthersIn(id, session).empty(); })) {
-    throw SqlFailure({message::AlterLockFailed(database.Name), message::AlterDatabaseFailed()});
+    throw SqlFailure({message::kAlterLockFailed(database.Name), message::kAlterDatabaseFailed()});
   }
 }
 
@@ -103,11 +115,11 @@ void Catalogue::Alter(int session, const AlterDatabase& statement) {
   const DatabaseEntry* found = Search(statement.Name);
   if (found == nullptr) {
     throw SqlFailure(
-        {message::CannotAlterDatabase(statement.Name), message::AlterDatabaseFailed()});
+        {message::kCannotAlterDatabase(statement.Name), message::kAlterDatabaseFailed()});
   }
   const DatabaseEntry entry = *found;
   if (entry.Name == kMasterName && statement.What != Action::None) {
-    throw SqlFailure(message::OptionNotAllowed(
+    throw SqlFailure(message::kOptionNotAllowed(
         statement.What == Action::Offline ? "OFFLINE" : "SINGLE_USER", entry.Name));
   }
   switch (statement.What) {
@@ -117,7 +129,7 @@ void Catalogue::Alter(int session, const AlterDatabase& statement) {
       std::error_code error;
       if (!std::filesystem::exists(entry.File, error)) {
         throw SqlFailure(
-            {message::DatabaseInaccessible(entry.Name), message::AlterDatabaseFailed()});
+            {message::kDatabaseInaccessible(entry.Name), message::kAlterDatabaseFailed()});
       }
       ById(entry.Id).IsOnline = true;
       Save();
@@ -130,7 +142,7 @@ void Catalogue::Alter(int session, const AlterDatabase& statement) {
       break;
   }
   if (!statement.EndsOthers && !OthersIn(entry.Id, session).empty()) {
-    throw SqlFailure({message::AlterLockFailed(entry.Name), message::AlterDatabaseFailed()});
+    throw SqlFailure({message::kAlterLockFailed(entry.Name), message::kAlterDatabaseFailed()});
   }
   ById(entry.Id).IsOnline = false;  // from now on no session can enter
   Save();
@@ -140,9 +152,9 @@ void Catalogue::Alter(int session, const AlterDatabase& statement) {
 void Catalogue::Drop(const std::string& name) {
   const std::lock_guard lock(mutex_);
   const DatabaseEntry* found = Search(name);
-  if (found == nullptr) throw SqlFailure(message::CannotDrop("database", name));
-  if (found->Name == kMasterName) throw SqlFailure(message::SystemDatabase(found->Name));
-  if (!OthersIn(found->Id, 0).empty()) throw SqlFailure(message::DatabaseInUse(found->Name));
+  if (found == nullptr) throw SqlFailure(message::kCannotDrop("database", name));
+  if (found->Name == kMasterName) throw SqlFailure(message::kSystemDatabase(found->Name));
+  if (!OthersIn(found->Id, 0).empty()) throw SqlFailure(message::kDatabaseInUse(found->Name));
   const DatabaseEntry entry = *found;
   std::erase_if(databases_, [&entry](const auto& each) { return each.Id == entry.Id; });
   Save();

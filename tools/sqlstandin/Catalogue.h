@@ -57,6 +57,10 @@ class Catalogue {
   /// A database that is online (911, 942).
   DatabaseEntry Find(const std::string& name) const;
   bool Exists(const std::string& name) const;
+  /// The databases, in the order of their creation.
+  std::vector<DatabaseEntry> All() const;
+  /// The logins but for the administrator's.
+  std::vector<std::string> Logins() const;
   /// Whether a file belongs to a database.
   bool IsDatabaseFile(const std::filesystem::path& file) const;
 
@@ -69,7 +73,7 @@ class Catalogue {
   void CreateLogin(const standin::CreateLogin& statement);
   void DropLogin(const std::string& name);
   void CreateUser(int databaseId, const standin::CreateUser& statement);
-  void DropUser(int databaseId, const std::string& name);
+  void DropUser(int databaseId, const std::string& name, bool ifExists = false);
 
   // What the system views show, as JSON arrays.
   std::string DatabasesAsJson() const;

@@ -141,7 +141,7 @@ void Catalogue::Save() const {
       fresh, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   file << Dump(stored, 1) << '\n';
   file.close();
-  if (!file) throw SqlFailure(message::Own("the catalogue cannot be written"));
+  if (!file) throw SqlFailure(message::kOwn("the catalogue cannot be written"));
   std::filesystem::rename(fresh, path);
 }
 
@@ -167,7 +167,7 @@ bool Catalogue::IsLogin(std::string_view name) const {
 void Catalogue::CreateLogin(const standin::CreateLogin& statement) {
   const std::string hash = statement.IsWindows ? std::string() : NewHash(statement.Password);
   const std::lock_guard lock(mutex_);
-  if (IsLogin(statement.Name)) throw SqlFailure(message::LoginExists(statement.Name));
+  if (IsLogin(statement.Name)) throw SqlFailure(message::kLoginExists(statement.Name));
   logins_.push_back({statement.Name, hash});
   Save();
 }
@@ -176,28 +176,28 @@ void Catalogue::DropLogin(const std::string& name) {
   const std::lock_guard lock(mutex_);
   const auto removed = std::erase_if(
       logins_, [&name](const LoginEntry& login) { return SameName(login.Name, name); });
-  if (removed == 0) throw SqlFailure(message::NoSuchPrincipal("drop", "login", name));
+  if (removed == 0) throw SqlFailure(message::kNoSuchPrincipal("drop", "login", name));
   Save();
 }
 
 void Catalogue::CreateUser(int databaseId, const standin::CreateUser& statement) {
   const std::lock_guard lock(mutex_);
   if (!statement.Login.empty() && !IsLogin(statement.Login)) {
-    throw SqlFailure(message::NotALogin(statement.Login));
+    throw SqlFailure(message::kNotALogin(statement.Login));
   }
   std::vector<std::string>& users = ById(databaseId).Users;
   if (SameName(statement.Name, "dbo") || Contains(users, statement.Name)) {
-    throw SqlFailure(message::UserExists(statement.Name));
+    throw SqlFailure(message::kUserExists(statement.Name));
   }
   users.push_back(statement.Name);
   Save();
 }
 
-void Catalogue::DropUser(int databaseId, const std::string& name) {
+void Catalogue::DropUser(int databaseId, const std::string& name, bool ifExists) {
   const std::lock_guard lock(mutex_);
   const auto removed = std::erase_if(
       ById(databaseId).Users, [&name](const std::string& user) { return SameName(user, name); });
-  if (removed == 0) throw SqlFailure(message::NoSuchPrincipal("drop", "user", name));
+  if (removed == 0 && !ifExists) throw SqlFailure(message::kNoSuchPrincipal("drop", "user", name));
   Save();
 }
 

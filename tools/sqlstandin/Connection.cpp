@@ -124,7 +124,7 @@ void Connection::Wait(std::chrono::milliseconds delay) {
   }
 }
 
-void Connection::Answer(const Message& message) {
+void Connection::Answer(Message& message) {
   if (!session_) {
     if (message.Type == MessageType::PreLogin) {
       ReplyWriter reply = NewReply();
@@ -153,13 +153,13 @@ void Connection::Answer(const Message& message) {
     }
     case MessageType::Procedure: {
       ReplyWriter reply = NewReply();
-      Refuse(SqlFailure(message::NoSuchProcedure(ParseProcedureName(message.Payload, version_))),
+      Refuse(SqlFailure(message::kNoSuchProcedure(ParseProcedureName(message.Payload, version_))),
              reply);
       break;
     }
     case MessageType::BulkLoad: {
       ReplyWriter reply = NewReply();
-      Refuse(SqlFailure(message::Own("bulk load is not supported")), reply);
+      Refuse(SqlFailure(message::kOwn("bulk load is not supported")), reply);
       break;
     }
     default:
@@ -180,15 +180,16 @@ void Connection::AnswerLogin(const Message& message) {
   const std::string database = login.Database.empty() ? std::string(kMasterName) : login.Database;
   ReplyWriter reply = NewReply();
   try {
-    if (login.Integrated) throw SqlFailure(message::UntrustedLogin());
+    if (login.Integrated) throw SqlFailure(message::kUntrustedLogin());
     if (!parts_.Server.MayLogIn(login.User, login.Password)) {
-      throw SqlFailure(message::LoginFailed(login.User));
+      throw SqlFailure(message::kLoginFailed(login.User));
     }
     try {
-      session_ = std::make_unique<Session>(parts_.Server, number_, login.User, database,
-                                           [this] { return IsCancelled(); });
+      session_ = std::make_unique<Session>(
+          parts_.Server, number_, login.User, database, [this] { return IsCancelled(); },
+          parts_.IsStrict);
     } catch (const SqlFailure&) {
-      throw SqlFailure({message::CannotOpenDatabase(database), message::LoginFailed(login.User)});
+      throw SqlFailure({message::kCannotOpenDatabase(database), message::kLoginFailed(login.User)});
     }
   } catch (const SqlFailure& failure) {
     parts_.Log.LoggedIn(number_, login.User, database, failure.Messages.front());
@@ -200,10 +201,12 @@ void Connection::AnswerLogin(const Message& message) {
   const std::size_t wanted = login.PacketSize == 0 ? kFirstPacketSize : login.PacketSize;
   const std::size_t agreed = std::clamp(wanted, kSmallestPacketSize, kLargestPacketSize);
   reply.DatabaseChanged(name, kMasterName);
-  reply.Tell(message::DatabaseContext(name, 2), 1);
+  SqlMessage context = message::kDatabaseContext(name);
+  context.State = 2;
+  reply.Tell(context, 1);
   reply.CollationChanged();
   reply.LanguageChanged(kLanguage);
-  reply.Tell(message::LanguageSetting(kLanguage), 1);
+  reply.Tell(message::kLanguageSetting(kLanguage), 1);
   reply.LoginAccepted();
   reply.PacketSizeChanged(agreed, kFirstPacketSize);
   reply.Done(DoneCommand::None, {});
@@ -212,27 +215,32 @@ void Connection::AnswerLogin(const Message& message) {
   reader_.SetLimit(kBatchLimit);
 }
 
-void Connection::AnswerBatch(const Message& message) {
+void Connection::AnswerBatch(Message& message) {
   const std::string batch = ParseBatch(message.Payload, version_);
+  message.Payload = {};  // a batch may be as large as what is left of the memory
   const std::uint64_t number = ++parts_.Batches;
   const std::string database = session_->DatabaseName();
   const Mishap mishap = parts_.Plan.For(number, batch);
   ReplyWriter reply = NewReply();
   if (message.ResetsSession) reply.SessionReset();
-  Journal::Outcome outcome;
+  Outcome outcome;
   try {
     if (mishap.Delay.count() > 0) Wait(mishap.Delay);
     if (mishap.Cuts) {
-      parts_.Log.Batch(number, number_, database, batch, {{}, "cut"});
-      throw Gone();
-    }
-    if (mishap.Failure) {
+      outcome.Ending = "cut";
+    } else if (mishap.Failure) {
       outcome.Error = mishap.Failure;
     } else {
-      outcome.Error = session_->Run(batch, reply);
+      outcome = session_->Run(batch, reply);
     }
   } catch (const Cancelled&) {
-    parts_.Log.Batch(number, number_, database, batch, {{}, "cancelled"});
+    outcome.Ending = "cancelled";
+  }
+  // The record is written before the client gets the end of the answer.
+  parts_.Log.Batch(number, number_, database, batch, outcome);
+  parts_.Account.Add(number, database, batch, outcome);
+  if (mishap.Cuts) throw Gone();
+  if (!outcome.Ending.empty()) {
     if (isEnded_) throw Gone();
     while (reader_.HasMessage()) {
       const auto next = reader_.Next();
@@ -240,11 +248,7 @@ void Connection::AnswerBatch(const Message& message) {
     }
     reply.DoneAttention();
     reply.Finish();
-    return;
-  }
-  // The record is written before the client gets the end of the answer.
-  parts_.Log.Batch(number, number_, database, batch, outcome);
-  if (mishap.Failure) {
+  } else if (mishap.Failure) {
     Refuse(SqlFailure(*mishap.Failure), reply);
   } else {
     reply.Finish();
@@ -257,7 +261,7 @@ void Connection::AnswerTransaction(const Message& message) {
   ReplyWriter reply = NewReply();
   try {
     if (request.What == Kind::Other) {
-      throw SqlFailure(message::Own("this transaction request is not supported"));
+      throw SqlFailure(message::kOwn("this transaction request is not supported"));
     }
     if (request.What == Kind::Begin) {
       session_->BeginTransaction(reply);

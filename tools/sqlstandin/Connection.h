@@ -33,9 +33,9 @@ class Connection {
   void Send(std::string_view packets);
   ReplyWriter NewReply();
 
-  void Answer(const Message& message);
+  void Answer(Message& message);
   void AnswerLogin(const Message& message);
-  void AnswerBatch(const Message& message);
+  void AnswerBatch(Message& message);
   void AnswerTransaction(const Message& message);
   void Refuse(const SqlFailure& failure, ReplyWriter& reply);
   bool IsCancelled();

@@ -18,7 +18,7 @@ constexpr std::string_view kPlaceholder =
     "This file only holds the place of a file of the real server. It is not used.\n";
 
 [[noreturn]] void Fail(SqlMessage reason) {
-  throw SqlFailure({std::move(reason), message::CreateDatabaseFailed()});
+  throw SqlFailure({std::move(reason), message::kCreateDatabaseFailed()});
 }
 
 /// The files that SQLite keeps next to a database in use.
@@ -38,8 +38,9 @@ std::string FileNameOf(std::string_view database) {
 
 fs::path FreshPath(const std::string& windowsPath, const Drives& drives) {
   const FoundPath found = drives.Find(windowsPath);
-  if (!found.FolderExists) Fail(message::NoDirectory(windowsPath, found.SystemError));
-  if (found.Exists) Fail(message::FileExists(windowsPath));
+  if (!found.FolderExists) Fail(message::kNoDirectory(windowsPath, found.SystemError));
+  if (found.Exists) Fail(message::kFileExists(windowsPath));
+  if (found.IsProtected) Fail(message::kCannotCreateFile(SystemError(EACCES), windowsPath));
   return found.File;
 }
 
@@ -53,6 +54,8 @@ std::string SystemError(int error) {
       return "5(Access is denied.)";
     case ENOSPC:
       return "112(There is not enough space on the disk.)";
+    case ENOENT:
+      return "2(The system cannot find the file specified.)";
     default:
       return "3(The system cannot find the path specified.)";
   }
@@ -65,7 +68,7 @@ DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& d
   if (statement.DataFiles.empty()) {
     entry.File = dataFolder / (FileNameOf(statement.Name) + ".mdf");
     entry.WindowsFile = entry.File.string();
-    if (fs::exists(entry.File)) Fail(message::FileExists(entry.WindowsFile));
+    if (fs::exists(entry.File)) Fail(message::kFileExists(entry.WindowsFile));
   } else {
     entry.WindowsFile = statement.DataFiles.front();
     entry.File = FreshPath(entry.WindowsFile, drives);
@@ -77,7 +80,7 @@ DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& d
     entry.OtherFiles.push_back(FreshPath(log, drives));
   if (statement.LogFiles.empty()) {
     const fs::path log = entry.File.parent_path() / (FileNameOf(statement.Name) + "_log.ldf");
-    if (fs::exists(log)) Fail(message::FileExists(log.string()));
+    if (fs::exists(log)) Fail(message::kFileExists(log.string()));
     entry.OtherFiles.push_back(log);
   }
 
@@ -86,7 +89,8 @@ DatabaseEntry MakeDatabaseFiles(const CreateDatabase& statement, const Drives& d
     const std::string reason = SystemError(errno);
     std::error_code ignored;
     for (const fs::path& file : made) fs::remove(file, ignored);
-    Fail(message::CannotCreateFile(path == entry.File ? entry.WindowsFile : path.string(), reason));
+    Fail(
+        message::kCannotCreateFile(reason, path == entry.File ? entry.WindowsFile : path.string()));
   };
   for (const fs::path& other : entry.OtherFiles) {
     errno = 0;

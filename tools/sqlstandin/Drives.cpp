@@ -38,7 +38,33 @@ fs::path FindEntry(const fs::path& folder, const std::string& name, bool& exists
   return folder / name;
 }
 
+/// The folders and the file of a path with a drive letter.
+std::vector<std::string> PartsOf(std::string_view windowsPath) {
+  std::vector<std::string> parts;
+  for (std::size_t at = 2; at < windowsPath.size();) {
+    const std::size_t end = std::min(windowsPath.find_first_of("\\/", at), windowsPath.size());
+    std::string part(windowsPath.substr(at, end - at));
+    at = end + 1;
+    if (part == "..") {
+      if (!parts.empty()) parts.pop_back();
+      continue;
+    }
+    while (!part.empty() && (part.back() == ' ' || part.back() == '.')) part.pop_back();
+    if (!part.empty()) parts.push_back(std::move(part));
+  }
+  return parts;
+}
+
 }  // namespace
+
+void Drives::Protect(const std::string& windowsFolder) {
+  if (windowsFolder.size() < 3 || !IsLetter(windowsFolder[0]) || windowsFolder[1] != ':') {
+    throw std::invalid_argument("a folder is given as C:\\FOLDER, not \"" + windowsFolder + "\"");
+  }
+  std::vector<std::string> folder = PartsOf(windowsFolder);
+  folder.insert(folder.begin(), windowsFolder.substr(0, 1));
+  protected_.push_back(std::move(folder));
+}
 
 void Drives::Add(std::string_view mapping) {
   if (mapping.size() < 3 || !IsLetter(mapping[0]) || mapping[1] != '=') {
@@ -52,6 +78,17 @@ void Drives::Add(std::string_view mapping) {
                                 ": does not exist: " + folder.string());
   }
   folders_[UpperLetter(mapping[0])] = fs::absolute(folder);
+}
+
+std::string Drives::WindowsPath(const fs::path& file) const {
+  for (const auto& [letter, folder] : folders_) {
+    const fs::path inside = file.lexically_relative(folder);
+    if (inside.empty() || *inside.begin() == "..") continue;
+    std::string path = std::string(1, letter) + ":\\" + inside.string();
+    std::ranges::replace(path, '/', '\\');
+    return path;
+  }
+  return file.string();
 }
 
 FoundPath Drives::Find(std::string_view windowsPath) const {
@@ -71,18 +108,12 @@ FoundPath Drives::Find(std::string_view windowsPath) const {
   });
   if (isWrong || (windowsPath[2] != '\\' && windowsPath[2] != '/')) return fail(kNameIsWrong);
 
-  std::vector<std::string> parts;
-  for (std::size_t at = 2; at < windowsPath.size();) {
-    const std::size_t end = std::min(windowsPath.find_first_of("\\/", at), windowsPath.size());
-    std::string part(windowsPath.substr(at, end - at));
-    at = end + 1;
-    if (part == "..") {
-      if (!parts.empty()) parts.pop_back();
-      continue;
-    }
-    while (!part.empty() && (part.back() == ' ' || part.back() == '.')) part.pop_back();
-    if (!part.empty()) parts.push_back(std::move(part));
-  }
+  const std::vector<std::string> parts = PartsOf(windowsPath);
+  found.IsProtected = std::ranges::any_of(protected_, [&](const auto& folder) {
+    return folder.size() <= parts.size() + 1 &&
+           SameName(folder.front(), windowsPath.substr(0, 1)) &&
+           std::equal(folder.begin() + 1, folder.end(), parts.begin(), SameName);
+  });
   if (parts.empty()) return fail(kAccessDenied);  // the root is not a file
   fs::path folder = drive->second;
   std::error_code error;

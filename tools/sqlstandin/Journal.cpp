@@ -20,7 +20,10 @@ void AddError(Json& record, const std::optional<SqlMessage>& error) {
   if (error) record["error"] = {{"number", error->Number}, {"description", error->Text}};
 }
 
-/// The error with *** for what it quotes of a password.
+std::string Line(const Json& record) {
+  return record.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
 std::optional<SqlMessage> Masked(std::optional<SqlMessage> error, const sql::PasswordMask& mask) {
   if (!error) return error;
   for (auto argument = error->Arguments.rbegin(); argument != error->Arguments.rend(); ++argument) {
@@ -32,11 +35,11 @@ std::optional<SqlMessage> Masked(std::optional<SqlMessage> error, const sql::Pas
   return error;
 }
 
-std::string Line(const Json& record) {
-  return record.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
 }  // namespace
+
+std::optional<SqlMessage> Masked(std::optional<SqlMessage> error, std::string_view batch) {
+  return error ? Masked(std::move(error), sql::PasswordMask(batch)) : error;
+}
 
 Journal::Journal(const std::filesystem::path& file)
     : name_(file), failureDescriptor_(eventfd(0, EFD_CLOEXEC)) {
@@ -92,6 +95,12 @@ void Journal::Batch(std::uint64_t number, int session, const std::string& databa
   if (!outcome.Ending.empty()) {
     record["ok"] = false;
     record["ending"] = outcome.Ending;
+  } else {
+    record["fate"] = outcome.Fate();
+  }
+  if (!outcome.Noted.empty()) {
+    record["carried"] = false;
+    record["constructs"] = outcome.Noted;
   }
   Write(Line(record));
 }

@@ -8,11 +8,33 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Descriptor.h"
 #include "Messages.h"
 
 namespace talu::standin {
+
+/// What became of a batch.
+struct Outcome {
+  std::optional<SqlMessage> Error;
+  /// "cut" or "cancelled"; empty when the batch ran to its end.
+  std::string_view Ending;
+  /// The constructs that were only taken note of, each once.
+  std::vector<std::string> Noted;
+  /// Something is kept as text only.
+  bool Keeps = false;
+  /// Of the batch, from 1: where the error is, or the first note.
+  std::size_t Line = 1;
+
+  /// "carried", "kept", "noted" or "refused": the worst of what became of its statements.
+  std::string_view Fate() const {
+    return Error ? "refused" : !Noted.empty() ? "noted" : Keeps ? "kept" : "carried";
+  }
+};
+
+/// The error with *** for what it quotes of a password of the batch.
+std::optional<SqlMessage> Masked(std::optional<SqlMessage> error, std::string_view batch);
 
 /// A file of what clients did: one JSON object per line, each on disk when the call returns.
 /// Batches are as received, except that passwords are masked and unpaired surrogates become U+FFFD.
@@ -27,11 +49,6 @@ class Journal {
                 const std::optional<SqlMessage>& error);
   void LoggedOut(int session);
 
-  struct Outcome {
-    std::optional<SqlMessage> Error;
-    /// "cut" or "cancelled"; empty when the batch ran to its end.
-    std::string_view Ending;
-  };
   /// `number` counts the batches of all sessions in order of arrival.
   void Batch(std::uint64_t number, int session, const std::string& database, std::string_view batch,
              const Outcome& outcome);

@@ -18,4 +18,11 @@ class Lexer : private sql::Lexer {
   Token Peek() const { return Lexer(*this).Next(); }
 };
 
+/// Reads the next token if it is this keyword, or this symbol.
+bool TakeIf(Lexer& lexer, std::string_view keyword);
+bool TakeSymbol(Lexer& lexer, std::string_view symbol);
+
+/// Whether a token is one of the words, which are given in upper case with blanks between them.
+bool IsAmong(const Token& token, std::string_view words);
+
 }  // namespace talu::standin

@@ -35,7 +35,7 @@ Parts ParseFailure(std::string_view rule) {
       return {rule.substr(0, equals), {number, 16, 1, std::string(rule.substr(colon + 1))}};
     }
   }
-  return {rule, message::Own(kDefaultFailure)};
+  return {rule, message::kOwn(kDefaultFailure)};
 }
 
 }  // namespace

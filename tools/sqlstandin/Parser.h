@@ -1,6 +1,5 @@
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,10 +11,10 @@
 namespace talu::standin {
 
 /// Reads the statements of one batch. Statements that the server itself executes are read word by
-/// word; for those that SQLite executes, only the extent is determined here.
+/// word; for those that SQLite executes, and for unknown ones, only the extent is determined here.
 class Parser {
  public:
-  explicit Parser(std::string_view batch) : batch_(batch), lexer_(batch), next_(lexer_.Next()) {}
+  explicit Parser(std::string_view batch) : lexer_(batch), next_(lexer_.Next()) {}
 
   std::vector<Statement> ParseAll();
 
@@ -26,36 +25,48 @@ class Parser {
   void Expect(std::string_view keyword);
   void ExpectSymbol(std::string_view symbol);
   std::string TakeName();
+  std::string TakeObjectName();
   std::string TakeString();
+  int TakeNumber();
   [[noreturn]] void FailAt(const Token& token) const;
 
   Statement ParseOne();
-  void ParseCreate(Statement& statement);
-  void ParseAlter(Statement& statement);
-  void ParseDrop(Statement& statement);
+  void ParseData(Statement& statement, const Token& head);
+  void ParseCreate(Statement& statement, const Token& head);
+  void ParseAlter(Statement& statement, const Token& head);
+  void ParseDrop(Statement& statement, const Token& head);
+  void ParseKept(Statement& statement, const Token& head, KeptStatement::Action action);
+  void ParseOther(Statement& statement, const Token& head);
+  void ParseBegin(Statement& statement);
   IfStatement ParseIf();
   Block ParseBlock();
-  SetOption ParseSet();
-  CallProcedure ParseCall();
+  void ParseSet(Statement& statement, const Token& head);
+  void ParseDeclare(Statement& statement, const Token& head);
+  void ParseRaiseError(Statement& statement, const Token& head);
+  CallProcedure ParseCall(const Token& head);
+  Range SkipCondition();
+  Range SkipValue();
 
-  CreateDatabase ParseCreateDatabase();
+  void ParseCreateDatabase(Statement& statement, const Token& head);
   std::vector<std::string> ParseFiles();
-  AlterDatabase ParseAlterDatabase();
+  void ParseAlterDatabase(Statement& statement, const Token& head);
   DropDatabase ParseDropDatabase();
-  BackupDatabase ParseBackup();
+  void ParseRestore(Statement& statement, const Token& head);
+  void ParseBackup(Statement& statement, const Token& head);
   CreateLogin ParseCreateLogin();
   CreateUser ParseCreateUser();
-  void SkipOptionList(std::initializer_list<std::string_view> known);
+  void SkipOptionList(std::string_view known);
 
-  DataStatement TakeData(DataStatement::Verb verb, const Token& head);
+  void TakeUnknown(Statement& statement, const Token& head, std::string construct);
   void SkipToBoundary(const Token& head);
 
-  std::string_view batch_;
   Lexer lexer_;
   Token next_;
   /// The last token read: an error at the end of the batch names it.
   Token last_;
+  bool isFirst_ = true;
   int depth_ = 0;
+  int parentheses_ = 0;
 };
 
 }  // namespace talu::standin

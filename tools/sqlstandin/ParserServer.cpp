@@ -1,74 +1,41 @@
-// The statements that the server itself executes, read word by word.
-#include <charconv>
-
+// The statements about databases and logins, read word by word.
 #include "Parser.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu::standin {
 namespace {
 
-int ToInt(std::string_view digits) {
-  int number = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  return number;
-}
+constexpr std::string_view kDatabaseOptions =
+    "ACCELERATED_DATABASE_RECOVERY ALLOW_SNAPSHOT_ISOLATION ANSI_NULLS ANSI_NULL_DEFAULT "
+    "ANSI_PADDING ANSI_WARNINGS ARITHABORT AUTO_CLOSE AUTO_CREATE_STATISTICS AUTO_SHRINK "
+    "AUTO_UPDATE_STATISTICS AUTO_UPDATE_STATISTICS_ASYNC CHANGE_TRACKING COMPATIBILITY_LEVEL "
+    "CONCAT_NULL_YIELDS_NULL CONTAINMENT CURSOR_CLOSE_ON_COMMIT CURSOR_DEFAULT "
+    "DATE_CORRELATION_OPTIMIZATION DB_CHAINING DEFAULT_FULLTEXT_LANGUAGE DEFAULT_LANGUAGE "
+    "DELAYED_DURABILITY DISABLE_BROKER EMERGENCY ENABLE_BROKER ENCRYPTION "
+    "ERROR_BROKER_CONVERSATIONS FILESTREAM HADR HONOR_BROKER_PRIORITY "
+    "MEMORY_OPTIMIZED_ELEVATE_TO_SNAPSHOT MIXED_PAGE_ALLOCATION MULTI_USER NESTED_TRIGGERS "
+    "NEW_BROKER NUMERIC_ROUNDABORT PAGE_VERIFY PARAMETERIZATION PARTNER QUERY_STORE "
+    "QUOTED_IDENTIFIER READ_COMMITTED_SNAPSHOT READ_ONLY READ_WRITE RECOVERY RECURSIVE_TRIGGERS "
+    "RESTRICTED_USER SUPPLEMENTAL_LOGGING TARGET_RECOVERY_TIME TEMPORAL_HISTORY_RETENTION "
+    "TORN_PAGE_DETECTION TRANSFORM_NOISE_WORDS TRUSTWORTHY TWO_DIGIT_YEAR_CUTOFF WITNESS";
+constexpr std::string_view kBackupOptions =
+    "BLOCKSIZE BUFFERCOUNT CHECKSUM COMPRESSION CONTINUE_AFTER_ERROR COPY_ONLY DESCRIPTION "
+    "EXPIREDATE MAXTRANSFERSIZE MEDIADESCRIPTION MEDIANAME MEDIAPASSWORD NAME NOFORMAT NOINIT "
+    "NOREWIND NOSKIP NOUNLOAD NO_CHECKSUM NO_COMPRESSION PASSWORD RESTART RETAINDAYS REWIND SKIP "
+    "STOP_ON_ERROR UNLOAD";
 
 }  // namespace
 
-void Parser::ParseCreate(Statement& statement) {
-  const Token head = last_;
-  using Verb = DataStatement::Verb;
-  if (TakeIf("DATABASE")) {
-    statement.What = ParseCreateDatabase();
-  } else if (TakeIf("LOGIN")) {
-    statement.What = ParseCreateLogin();
-  } else if (TakeIf("USER")) {
-    statement.What = ParseCreateUser();
-  } else if (TakeIf("TABLE")) {
-    statement.What = TakeData(Verb::CreateTable, head);
-  } else if (TakeIf("VIEW")) {
-    statement.What = TakeData(Verb::CreateView, head);
-  } else if (next_.Is("UNIQUE") || next_.Is("CLUSTERED") || next_.Is("NONCLUSTERED") ||
-             next_.Is("INDEX")) {
-    statement.What = TakeData(Verb::CreateIndex, head);
-  } else {
-    FailAt(next_);
+void Parser::ParseCreateDatabase(Statement& statement, const Token& head) {
+  if (IsAmong(next_, "AUDIT ENCRYPTION SCOPED")) {
+    return TakeUnknown(statement, head, "CREATE DATABASE " + UCase(next_.Raw));
   }
-}
-
-void Parser::ParseAlter(Statement& statement) {
-  const Token head = last_;
-  if (TakeIf("DATABASE")) {
-    statement.What = ParseAlterDatabase();
-  } else if (TakeIf("TABLE")) {
-    statement.What = TakeData(DataStatement::Verb::AlterTable, head);
-  } else {
-    FailAt(next_);
-  }
-}
-
-void Parser::ParseDrop(Statement& statement) {
-  const Token head = last_;
-  using Verb = DataStatement::Verb;
-  if (TakeIf("DATABASE")) {
-    statement.What = ParseDropDatabase();
-  } else if (TakeIf("LOGIN")) {
-    statement.What = DropLogin{TakeName()};
-  } else if (TakeIf("USER")) {
-    statement.What = DropUser{TakeName()};
-  } else if (TakeIf("TABLE")) {
-    statement.What = TakeData(Verb::DropTable, head);
-  } else if (TakeIf("VIEW")) {
-    statement.What = TakeData(Verb::DropView, head);
-  } else if (TakeIf("INDEX")) {
-    statement.What = TakeData(Verb::DropIndex, head);
-  } else {
-    FailAt(next_);
-  }
-}
-
-CreateDatabase Parser::ParseCreateDatabase() {
   CreateDatabase create;
   create.Name = TakeName();
+  if (TakeIf("CONTAINMENT")) {
+    ExpectSymbol("=");
+    TakeName();
+  }
   if (TakeIf("ON")) {
     TakeIf("PRIMARY");
     create.DataFiles = ParseFiles();
@@ -78,18 +45,25 @@ CreateDatabase Parser::ParseCreateDatabase() {
     create.LogFiles = ParseFiles();
   }
   if (TakeIf("COLLATE")) TakeName();
-  return create;
+  if (next_.Is("FOR") || next_.Is("AS")) {
+    return TakeUnknown(statement, head, "CREATE DATABASE " + UCase(next_.Raw));
+  }
+  if (TakeIf("WITH")) SkipToBoundary(head);
+  statement.What = std::move(create);
 }
 
 std::vector<std::string> Parser::ParseFiles() {
   std::vector<std::string> files;
   do {
-    if (TakeIf("FILEGROUP")) TakeName();
+    if (TakeIf("FILEGROUP")) {
+      TakeName();
+      if (TakeIf("CONTAINS")) TakeName();
+      TakeIf("DEFAULT");
+    }
     ExpectSymbol("(");
     std::string path;
     do {
-      const Token key = next_;
-      TakeName();
+      const Token key = Take();
       ExpectSymbol("=");
       if (key.Is("FILENAME")) {
         path = TakeString();
@@ -99,10 +73,9 @@ std::vector<std::string> Parser::ParseFiles() {
         } else {
           TakeName();
         }
-      } else if (key.Is("SIZE") || key.Is("MAXSIZE") || key.Is("FILEGROWTH")) {
+      } else if (IsAmong(key, "SIZE MAXSIZE FILEGROWTH")) {
         // 10, 10MB, 10 %, UNLIMITED
-        if (next_.Kind != TokenKind::Number && !next_.Is("UNLIMITED")) FailAt(next_);
-        Take();
+        if (!TakeIf("UNLIMITED")) TakeNumber();
         if (next_.Kind == TokenKind::Word || next_.IsSymbol("%")) Take();
       } else {
         FailAt(key);
@@ -115,12 +88,19 @@ std::vector<std::string> Parser::ParseFiles() {
   return files;
 }
 
-AlterDatabase Parser::ParseAlterDatabase() {
+void Parser::ParseAlterDatabase(Statement& statement, const Token& head) {
   AlterDatabase alter;
-  alter.Name = TakeName();
+  if (IsAmong(next_, "AUDIT ENCRYPTION SCOPED")) {
+    return TakeUnknown(statement, head, "ALTER DATABASE " + UCase(next_.Raw));
+  }
+  if (!TakeIf("CURRENT")) alter.Name = TakeName();
+  if (IsAmong(next_, "ADD MODIFY REMOVE")) {
+    return TakeUnknown(statement, head, "ALTER DATABASE " + UCase(next_.Raw));
+  }
   if (TakeIf("COLLATE")) {
     TakeName();
-    return alter;
+    statement.What = std::move(alter);
+    return;
   }
   Expect("SET");
   do {
@@ -131,59 +111,25 @@ AlterDatabase Parser::ParseAlterDatabase() {
     } else if (TakeIf("SINGLE_USER")) {
       alter.What = AlterDatabase::Action::SingleUser;
     } else {
-      // Options that have no effect on this server.
-      bool known = false;
-      for (const char* option : {"MULTI_USER",
-                                 "RECOVERY",
-                                 "AUTO_CLOSE",
-                                 "AUTO_SHRINK",
-                                 "AUTO_CREATE_STATISTICS",
-                                 "AUTO_UPDATE_STATISTICS",
-                                 "AUTO_UPDATE_STATISTICS_ASYNC",
-                                 "ANSI_NULL_DEFAULT",
-                                 "ANSI_NULLS",
-                                 "ANSI_PADDING",
-                                 "ANSI_WARNINGS",
-                                 "ARITHABORT",
-                                 "CONCAT_NULL_YIELDS_NULL",
-                                 "NUMERIC_ROUNDABORT",
-                                 "QUOTED_IDENTIFIER",
-                                 "RECURSIVE_TRIGGERS",
-                                 "CURSOR_CLOSE_ON_COMMIT",
-                                 "CURSOR_DEFAULT",
-                                 "PAGE_VERIFY",
-                                 "TRUSTWORTHY",
-                                 "DB_CHAINING",
-                                 "DATE_CORRELATION_OPTIMIZATION",
-                                 "DISABLE_BROKER",
-                                 "ENABLE_BROKER",
-                                 "PARAMETERIZATION",
-                                 "READ_COMMITTED_SNAPSHOT",
-                                 "ALLOW_SNAPSHOT_ISOLATION",
-                                 "COMPATIBILITY_LEVEL",
-                                 "HONOR_BROKER_PRIORITY",
-                                 "READ_WRITE"}) {
-        known = known || next_.Is(option);
-      }
-      if (!known) FailAt(next_);
+      // Options that have no effect on this server: ON, = ON, = 100 SECONDS, (…), FULL.
+      if (!IsAmong(next_, kDatabaseOptions)) FailAt(next_);
       Take();
-      if (TakeSymbol("=")) {
-        if (next_.Kind != TokenKind::Number) FailAt(next_);
+      TakeSymbol("=");
+      while (next_.Kind == TokenKind::Number || next_.Kind == TokenKind::String ||
+             IsAmong(next_,
+                     "ON OFF FULL SIMPLE BULK_LOGGED CHECKSUM TORN_PAGE_DETECTION NONE "
+                     "LOCAL GLOBAL FORCED SECONDS MINUTES ALLOWED DISABLED CLEAR PARTIAL")) {
         Take();
-      } else {
-        for (const char* value : {"ON", "OFF", "FULL", "SIMPLE", "BULK_LOGGED", "CHECKSUM",
-                                  "TORN_PAGE_DETECTION", "NONE", "LOCAL", "GLOBAL", "FORCED"}) {
-          if (TakeIf(value)) break;
-        }
       }
+      if (next_.IsSymbol("(")) SkipValue();
+      if (next_.Kind == TokenKind::Name) Take();
     }
   } while (TakeSymbol(","));
   if (TakeIf("WITH")) {
     if (TakeIf("ROLLBACK")) {
       alter.EndsOthers = true;
       if (TakeIf("AFTER")) {
-        if (next_.Kind != TokenKind::Number) FailAt(next_);
-        Take();
+        TakeNumber();
         TakeIf("SECONDS");
       } else {
         Expect("IMMEDIATE");
@@ -192,7 +138,7 @@ AlterDatabase Parser::ParseAlterDatabase() {
       Expect("NO_WAIT");
     }
   }
-  return alter;
+  statement.What = std::move(alter);
 }
 
 DropDatabase Parser::ParseDropDatabase() {
@@ -207,44 +153,52 @@ DropDatabase Parser::ParseDropDatabase() {
   return drop;
 }
 
-BackupDatabase Parser::ParseBackup() {
+void Parser::ParseBackup(Statement& statement, const Token& head) {
+  if (!next_.Is("DATABASE")) {
+    if (!IsAmong(next_, "LOG CERTIFICATE MASTER SERVICE SYMMETRIC")) FailAt(next_);
+    return TakeUnknown(statement, head, "BACKUP " + UCase(next_.Raw));
+  }
+  Take();
   BackupDatabase backup;
-  Expect("DATABASE");
   backup.Name = TakeName();
   Expect("TO");
+  if (IsAmong(next_, "URL TAPE VIRTUAL_DEVICE")) {
+    return TakeUnknown(statement, head, "BACKUP DATABASE TO " + UCase(next_.Raw));
+  }
   Expect("DISK");
   ExpectSymbol("=");
   backup.Path = TakeString();
-  if (!TakeIf("WITH")) return backup;
-  do {
-    if (TakeIf("INIT") || TakeIf("FORMAT")) {
-      backup.Overwrites = true;
-    } else if (TakeIf("STATS")) {
-      backup.Stats = 10;
-      if (TakeSymbol("=")) {
-        if (next_.Kind != TokenKind::Number) FailAt(next_);
-        backup.Stats = ToInt(Take().Raw);
-      }
-    } else {
-      bool known = false;
-      for (const char* option : {"NOINIT",      "NOFORMAT",      "SKIP",
-                                 "NOSKIP",      "REWIND",        "NOREWIND",
-                                 "UNLOAD",      "NOUNLOAD",      "NAME",
-                                 "DESCRIPTION", "MEDIANAME",     "MEDIADESCRIPTION",
-                                 "COPY_ONLY",   "COMPRESSION",   "NO_COMPRESSION",
-                                 "CHECKSUM",    "NO_CHECKSUM",   "RETAINDAYS",
-                                 "EXPIREDATE",  "STOP_ON_ERROR", "CONTINUE_AFTER_ERROR"}) {
-        known = known || next_.Is(option);
-      }
-      if (!known) FailAt(next_);
-      Take();
-      if (TakeSymbol("=")) {
-        if (next_.Kind != TokenKind::String && next_.Kind != TokenKind::Number) FailAt(next_);
+  if (TakeIf("WITH")) {
+    do {
+      if (TakeIf("INIT") || TakeIf("FORMAT")) {
+        backup.Overwrites = true;
+      } else if (TakeIf("STATS")) {
+        backup.Stats = TakeSymbol("=") ? TakeNumber() : 10;
+      } else {
+        if (next_.Is("DIFFERENTIAL")) {
+          return TakeUnknown(statement, head, "BACKUP DATABASE WITH DIFFERENTIAL");
+        }
+        if (!IsAmong(next_, kBackupOptions)) FailAt(next_);
         Take();
+        if (TakeSymbol("=")) {
+          if (next_.Kind != TokenKind::String && next_.Kind != TokenKind::Number) FailAt(next_);
+          Take();
+        }
       }
-    }
-  } while (TakeSymbol(","));
-  return backup;
+    } while (TakeSymbol(","));
+  }
+  statement.What = std::move(backup);
+}
+
+void Parser::ParseRestore(Statement& statement, const Token& head) {
+  if (!next_.Is("VERIFYONLY")) return TakeUnknown(statement, head, "RESTORE");
+  Take();
+  Expect("FROM");
+  Expect("DISK");
+  ExpectSymbol("=");
+  VerifyBackup verify{TakeString()};
+  SkipToBoundary(head);
+  statement.What = std::move(verify);
 }
 
 CreateLogin Parser::ParseCreateLogin() {
@@ -253,7 +207,7 @@ CreateLogin Parser::ParseCreateLogin() {
   if (TakeIf("FROM")) {
     Expect("WINDOWS");
     create.IsWindows = true;
-    if (TakeIf("WITH")) SkipOptionList({"DEFAULT_DATABASE", "DEFAULT_LANGUAGE"});
+    if (TakeIf("WITH")) SkipOptionList("DEFAULT_DATABASE DEFAULT_LANGUAGE");
     return create;
   }
   Expect("WITH");
@@ -262,8 +216,7 @@ CreateLogin Parser::ParseCreateLogin() {
   create.Password = TakeString();
   TakeIf("MUST_CHANGE");
   if (TakeSymbol(",")) {
-    SkipOptionList(
-        {"SID", "DEFAULT_DATABASE", "DEFAULT_LANGUAGE", "CHECK_EXPIRATION", "CHECK_POLICY"});
+    SkipOptionList("SID DEFAULT_DATABASE DEFAULT_LANGUAGE CHECK_EXPIRATION CHECK_POLICY");
   }
   return create;
 }
@@ -279,15 +232,13 @@ CreateUser Parser::ParseCreateUser() {
     Expect("LOGIN");
     create.Login = TakeName();
   }
-  if (TakeIf("WITH")) SkipOptionList({"DEFAULT_SCHEMA"});
+  if (TakeIf("WITH")) SkipOptionList("DEFAULT_SCHEMA DEFAULT_LANGUAGE");
   return create;
 }
 
-void Parser::SkipOptionList(std::initializer_list<std::string_view> known) {
+void Parser::SkipOptionList(std::string_view known) {
   do {
-    bool isKnown = false;
-    for (const std::string_view option : known) isKnown = isKnown || next_.Is(option);
-    if (!isKnown) FailAt(next_);
+    if (!IsAmong(next_, known)) FailAt(next_);
     Take();
     ExpectSymbol("=");
     if (next_.Kind == TokenKind::Binary || next_.Is("ON") || next_.Is("OFF")) {

@@ -6,8 +6,19 @@
 #include "Messages.h"
 #include "TableDefinition.h"
 #include "TokenCopier.h"
+#include "runtime/TextFunctions.h"
+#include "sql/Names.h"
 
 namespace talu::standin {
+
+namespace {
+
+/// Words of the language that are not reserved.
+constexpr std::string_view kClauses =
+    "APPLY CUBE FILESTREAM GENERATED INCLUDE MASKED OFFSET OUTPUT PATH PERCENT PERIOD RETURNS "
+    "ROLLUP SYSTEM_VERSIONING TIES";
+
+}  // namespace
 
 std::string QuoteName(std::string_view name) {
   std::string quoted = "\"";
@@ -44,19 +55,19 @@ std::string Rewriter::TableName::Quoted() const {
   return Prefix + QuoteName(Table);
 }
 
-void Rewriter::FailAt(const Token& token, const Token& last) {
-  const Token& near = token.Kind == TokenKind::End ? last : token;
-  throw SqlFailure(message::SyntaxNear(near.Value()), true);
+void Rewriter::FailAt(const Token& token) {
+  const bool isWord =
+      token.Kind == TokenKind::Word && (sql::IsReserved(token.Raw) || IsAmong(token, kClauses));
+  throw NotKnown(isWord || token.Kind == TokenKind::Symbol ? UCase(token.Raw) : std::string());
 }
 
-std::vector<std::string> Rewriter::Rewrite(const DataStatement& statement) {
+std::vector<std::string> Rewriter::Rewrite(DataStatement::Verb verb, Range text) {
   using Verb = DataStatement::Verb;
-  const Range text = statement.Text;
-  switch (statement.What) {
+  switch (verb) {
     case Verb::Insert:
       return {RewriteInsert(text)};
     case Verb::CreateTable:
-      return TableDefinition(batch_, *this).Create(text);
+      return TableDefinition(batch_, *this).Create(text, target_);
     case Verb::AlterTable:
       return TableDefinition(batch_, *this).Alter(text);
     case Verb::Truncate:
@@ -66,9 +77,7 @@ std::vector<std::string> Rewriter::Rewrite(const DataStatement& statement) {
     case Verb::DropIndex:
       return {RewriteDropIndex(text)};
     case Verb::DropTable:
-      return RewriteDrop(text, "TABLE");
-    case Verb::DropView:
-      return RewriteDrop(text, "VIEW");
+      return RewriteDropTable(text);
     case Verb::Delete: {
       // FROM may be omitted.
       Lexer lexer(batch_, text.Begin, text.End);
@@ -78,7 +87,6 @@ std::vector<std::string> Rewriter::Rewrite(const DataStatement& statement) {
     }
     case Verb::Select:
     case Verb::Update:
-    case Verb::CreateView:
       break;
   }
   return {RewriteExpression(text)};
@@ -95,10 +103,10 @@ Rewriter::TableName Rewriter::TakeTableName(Lexer& lexer) {
     const Token token = lexer.Peek();
     if (token.IsName()) {
       last = lexer.Next();
-      if (last.Kind == TokenKind::Word && last.Raw.front() == '#') FailAt(last, last);
+      if (last.Kind == TokenKind::Word && last.Raw.front() == '#') FailAt(last);
       parts.back() = last.Value();
     } else if (!token.IsSymbol(".")) {
-      FailAt(token, last);
+      FailAt(token);
     }
     if (!lexer.Peek().IsSymbol(".")) break;
     last = lexer.Next();
@@ -106,13 +114,27 @@ Rewriter::TableName Rewriter::TakeTableName(Lexer& lexer) {
   }
   TableName name;
   name.Table = parts.back();
-  if (name.Table.empty()) FailAt(lexer.Peek(), last);
+  if (name.Table.empty()) FailAt(lexer.Peek());
   if (parts.size() == 3) name.Prefix = environment_.PrefixOf(parts.front());
   const std::string schema = parts.size() < 2 ? "" : parts[parts.size() - 2];
-  if (parts.size() > 3 || (!schema.empty() && !SameWord(schema, "dbo"))) {
-    throw SqlFailure(message::InvalidObject(schema + "." + name.Table), true);
-  }
+  if (parts.size() > 3) throw NotKnown("a linked server");
+  name.Table = DataName(schema, name.Table);
   return name;
+}
+
+std::string Rewriter::RewriteView(Range text) {
+  while (batch_[text.End - 1] == ';' || batch_[text.End - 1] <= ' ') --text.End;
+  Lexer lexer(batch_, text.Begin, text.End);
+  while (!lexer.Next().Is("VIEW")) {
+  }
+  target_ = TakeTableName(lexer).Table;
+  std::string columns;
+  if (lexer.Peek().IsSymbol("(")) columns = RewriteExpression(TakeGroup(lexer));
+  while (!lexer.Peek().Is("AS")) {  // WITH SCHEMABINDING
+    if (lexer.Next().Kind == TokenKind::End) FailAt(lexer.Peek());
+  }
+  return "CREATE VIEW " + QuoteName(target_) + columns +
+         RewriteExpression({lexer.Peek().At, text.End});
 }
 
 std::string Rewriter::RewriteInsert(Range range) {
@@ -129,18 +151,18 @@ std::string Rewriter::RewriteInsert(Range range) {
     last = lexer.Next();
     do {
       const Token name = lexer.Next();
-      if (!name.IsName()) FailAt(name, last);
+      if (!name.IsName()) FailAt(name);
       const std::string column = name.Value();
       const bool isIdentity = std::any_of(columns.begin(), columns.end(), [&](const auto& each) {
         return each.IsIdentity && SameName(each.Name, column);
       });
       if (isIdentity && !allowsIdentity) {
-        throw SqlFailure(message::ExplicitIdentity(table.Table));
+        throw SqlFailure(message::kExplicitIdentity(table.Table));
       }
       list += (list.empty() ? "" : ", ") + QuoteName(column);
       last = lexer.Next();
     } while (last.IsSymbol(","));
-    if (!last.IsSymbol(")")) FailAt(last, last);
+    if (!last.IsSymbol(")")) FailAt(last);
     next = lexer.Peek();
   } else if (!next.Is("DEFAULT") && std::any_of(columns.begin(), columns.end(),
                                                 [](const auto& each) { return each.IsIdentity; })) {
@@ -150,7 +172,7 @@ std::string Rewriter::RewriteInsert(Range range) {
       if (!column.IsIdentity) list += (list.empty() ? "" : ", ") + QuoteName(column.Name);
     }
   }
-  if (next.Kind == TokenKind::End) FailAt(next, last);
+  if (next.Kind == TokenKind::End) FailAt(next);
   std::string sql = "INSERT INTO " + table.Quoted();
   if (!list.empty()) sql += " (" + list + ")";
   return sql + " " + RewriteExpression({next.At, range.End});
@@ -161,7 +183,7 @@ std::vector<std::string> Rewriter::RewriteTruncate(Range range) {
   lexer.Next();
   lexer.Next();
   const TableName table = TakeTableName(lexer);
-  if (lexer.Peek().Kind != TokenKind::End) FailAt(lexer.Peek(), lexer.Peek());
+  if (lexer.Peek().Kind != TokenKind::End) FailAt(lexer.Peek());
   std::vector<std::string> statements{"DELETE FROM " + table.Quoted()};
   const auto columns = environment_.Columns(table.Prefix, table.Table);
   if (std::any_of(columns.begin(), columns.end(),
@@ -172,14 +194,14 @@ std::vector<std::string> Rewriter::RewriteTruncate(Range range) {
   return statements;
 }
 
-std::vector<std::string> Rewriter::RewriteDrop(Range range, std::string_view kind) {
+std::vector<std::string> Rewriter::RewriteDropTable(Range range) {
   Lexer lexer(batch_, range.Begin, range.End);
   lexer.Next();
   Token last = lexer.Next();
-  std::string head = "DROP " + std::string(kind) + " ";
+  std::string head = "DROP TABLE ";
   if (lexer.Peek().Is("IF")) {
     last = lexer.Next();
-    if (!lexer.Peek().Is("EXISTS")) FailAt(lexer.Peek(), last);
+    if (!lexer.Peek().Is("EXISTS")) FailAt(lexer.Peek());
     last = lexer.Next();
     head += "IF EXISTS ";
   }
@@ -188,7 +210,7 @@ std::vector<std::string> Rewriter::RewriteDrop(Range range, std::string_view kin
     statements.push_back(head + TakeTableName(lexer).Quoted());
     last = lexer.Next();
   } while (last.IsSymbol(","));
-  if (last.Kind != TokenKind::End) FailAt(last, last);
+  if (last.Kind != TokenKind::End) FailAt(last);
   return statements;
 }
 
@@ -208,22 +230,22 @@ std::string Rewriter::RewriteCreateIndex(Range range) {
   while (!last.Is("INDEX")) {
     if (last.Is("UNIQUE")) sql += "UNIQUE ";
     last = lexer.Next();
-    if (last.Kind == TokenKind::End) FailAt(last, last);
+    if (last.Kind == TokenKind::End) FailAt(last);
   }
   const Token index = lexer.Next();
-  if (!index.IsName()) FailAt(index, last);
+  if (!index.IsName()) FailAt(index);
   last = lexer.Next();
-  if (!last.Is("ON")) FailAt(last, index);
+  if (!last.Is("ON")) FailAt(last);
   const TableName table = TakeTableName(lexer);
   const Token open = lexer.Peek();
-  if (!open.IsSymbol("(")) FailAt(open, last);
+  if (!open.IsSymbol("(")) FailAt(open);
   const Range columns = TakeGroup(lexer);
   sql += "INDEX " + IndexName(table, index.Value()) + " ON " + QuoteName(table.Table) +
          RewriteExpression(columns);
   // The rest concerns storage: INCLUDE (…), WITH (…), ON [PRIMARY].
   const Token next = lexer.Peek();
   if (next.Kind != TokenKind::End && !next.Is("INCLUDE") && !next.Is("WITH") && !next.Is("ON")) {
-    FailAt(next, last);
+    FailAt(next);
   }
   return sql;
 }
@@ -232,16 +254,22 @@ std::string Rewriter::RewriteDropIndex(Range range) {
   Lexer lexer(batch_, range.Begin, range.End);
   lexer.Next();
   Token last = lexer.Next();
+  std::string head = "DROP INDEX ";
+  if (lexer.Peek().Is("IF")) {
+    lexer.Next();
+    lexer.Next();
+    head += "IF EXISTS ";
+  }
   std::vector<std::string> parts;  // index ON table, or table.index
   do {
     const Token name = lexer.Next();
-    if (!name.IsName()) FailAt(name, last);
+    if (!name.IsName()) FailAt(name);
     parts.push_back(name.Value());
     last = lexer.Next();
   } while (last.IsSymbol("."));
-  if (last.Is("ON")) return "DROP INDEX " + IndexName(TakeTableName(lexer), parts.back());
-  if (last.Kind != TokenKind::End || parts.size() < 2) FailAt(last, last);
-  return "DROP INDEX " + IndexName({"", parts[parts.size() - 2]}, parts.back());
+  if (last.Is("ON")) return head + IndexName(TakeTableName(lexer), parts.back());
+  if (last.Kind != TokenKind::End || parts.size() < 2) FailAt(last);
+  return head + IndexName({"", parts[parts.size() - 2]}, parts.back());
 }
 
 }  // namespace talu::standin

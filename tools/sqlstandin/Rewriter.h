@@ -30,17 +30,29 @@ class RewriteEnvironment {
   virtual bool AllowsIdentityInsert(const std::string& table) = 0;
   /// The statement reads a system view (sys.databases): they must exist when it runs.
   virtual void NeedSystemViews() = 0;
+  /// SQLite's text of a table; empty when there is none.
+  virtual std::string DefinitionOf(const std::string& prefix, const std::string& table) = 0;
+  /// Whether there is a function of the name.
+  virtual bool HasFunction(std::string_view name) = 0;
+  /// Whether the current database has a schema of the name, other than dbo.
+  virtual bool IsSchema(std::string_view name) = 0;
 };
 
 /// Translates statements into SQLite's dialect, token by token, in one pass. What has no
-/// counterpart is refused with 102 near the word, here or by SQLite.
+/// counterpart raises NotKnown, here or by SQLite.
 class Rewriter {
  public:
   Rewriter(std::string_view batch, RewriteEnvironment& environment)
       : batch_(batch), environment_(environment) {}
 
   /// The statements to execute instead of this one, in order.
-  std::vector<std::string> Rewrite(const DataStatement& statement);
+  std::vector<std::string> Rewrite(DataStatement::Verb verb, Range text);
+
+  /// CREATE or ALTER VIEW: the statement that makes it anew.
+  std::string RewriteView(Range text);
+
+  /// The table of the last CREATE TABLE, or the view.
+  const std::string& Target() const { return target_; }
 
   /// Whether the last INSERT had no column list and was given one.
   bool AddedColumns() const { return addedColumns_; }
@@ -55,19 +67,36 @@ class Rewriter {
     std::string Quoted() const;
   };
   TableName TakeTableName(Lexer& lexer);
+  std::string DefinitionOf(const TableName& table) {
+    return environment_.DefinitionOf(table.Prefix, table.Table);
+  }
 
-  [[noreturn]] static void FailAt(const Token& token, const Token& last);
+  /// Rows that would break a constraint: a query for their number, which is to be asked when the
+  /// statements are executed.
+  struct RowCheck {
+    std::string Constraint;
+    std::string Count;
+  };
+  void Check(std::string constraint, std::string count) {
+    checks_.push_back({std::move(constraint), std::move(count)});
+  }
+  const std::vector<RowCheck>& Checks() const { return checks_; }
+
+  /// Raises NotKnown with the token, if it is a word or a sign of the language.
+  [[noreturn]] static void FailAt(const Token& token);
 
  private:
   std::string RewriteInsert(Range range);
   std::vector<std::string> RewriteTruncate(Range range);
-  std::vector<std::string> RewriteDrop(Range range, std::string_view kind);
+  std::vector<std::string> RewriteDropTable(Range range);
   std::string RewriteCreateIndex(Range range);
   std::string RewriteDropIndex(Range range);
 
   std::string_view batch_;
   RewriteEnvironment& environment_;
   bool addedColumns_ = false;
+  std::string target_;
+  std::vector<RowCheck> checks_;
 };
 
 /// A name in quotes for SQLite, whatever it contains.

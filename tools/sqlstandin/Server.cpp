@@ -54,8 +54,8 @@ Server::~Server() {
   Reap(true);
 }
 
-void Server::Run(int stopDescriptor) {
-  std::array<pollfd, 3> waits = {{{stopDescriptor, POLLIN, 0},
+void Server::Run(int descriptor, const std::function<bool()>& goesOn) {
+  std::array<pollfd, 3> waits = {{{descriptor, POLLIN, 0},
                                   {parts_.Log.FailureDescriptor(), POLLIN, 0},
                                   {listener_.Number(), POLLIN, 0}}};
   bool isShort = false;  // of descriptors: the listener stays ready, so it is not polled
@@ -65,7 +65,11 @@ void Server::Run(int stopDescriptor) {
       if (errno == EINTR) continue;
       Check(false, "cannot wait for clients");
     }
-    if (waits[0].revents != 0 || waits[1].revents != 0) break;
+    if (waits[1].revents != 0) break;
+    if (waits[0].revents != 0) {
+      if (!goesOn()) break;
+      continue;
+    }
     const bool wasShort = isShort;
     isShort = !Accept();
     if (isShort && !wasShort) {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <memory>
 #include <thread>
@@ -11,6 +12,7 @@
 #include "Descriptor.h"
 #include "Journal.h"
 #include "Mishaps.h"
+#include "Report.h"
 
 namespace talu::standin {
 
@@ -22,6 +24,9 @@ struct ServerParts {
   /// How long a client may take to log in.
   static constexpr std::chrono::milliseconds kUsualLoginTime{30000};
   std::chrono::milliseconds LoginTime = kUsualLoginTime;
+  /// Refuses what is otherwise taken note of.
+  bool IsStrict = false;
+  Report Account{};
   /// Batches received, over all sessions.
   std::atomic<std::uint64_t> Batches{0};
   /// The real server's first session for a client is 51.
@@ -39,9 +44,10 @@ class Server {
 
   std::uint16_t Port() const { return port_; }
 
-  /// Serves until `stopDescriptor` is readable, then closes every connection. Raises
-  /// std::runtime_error, also after closing them, when the journal cannot be written.
-  void Run(int stopDescriptor);
+  /// Serves; whenever `descriptor` is readable asks `goesOn`, and on its no closes every
+  /// connection. Raises std::runtime_error, also after closing them, when the journal cannot be
+  /// written.
+  void Run(int descriptor, const std::function<bool()>& goesOn);
 
  private:
   struct Client {

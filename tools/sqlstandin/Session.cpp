@@ -2,40 +2,70 @@
 
 #include <algorithm>
 #include <atomic>
+#include <set>
 #include <type_traits>
+#include <utility>
 #include <variant>
 
 #include "Text.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu::standin {
 
 Session::Session(Catalogue& catalogue, int number, const std::string& login,
-                 const std::string& database, CancelTest isCancelled)
+                 const std::string& database, CancelTest isCancelled, bool isStrict)
     : catalogue_(catalogue),
       number_(number),
       firstDatabase_(database),
-      isCancelled_(std::move(isCancelled)) {
+      isCancelled_(std::move(isCancelled)),
+      isStrict_(isStrict) {
   facts_.Server = &catalogue;
   facts_.Login = login;
   facts_.Current = catalogue.Use(number, database);
 }
 
-std::optional<SqlMessage> Session::Run(std::string_view batch, ReplyWriter& reply) {
-  batch_ = batch;
+Outcome Session::Run(std::string_view batch, ReplyWriter& reply) {
   reply_ = &reply;
-  firstError_.reset();
+  outcome_ = {};
+  variables_.clear();
   hasDone_ = false;
+  RunText(batch);
+  if (!hasDone_) Done();
+  return std::move(outcome_);
+}
+
+/// A batch, or the text of an EXEC within one.
+void Session::RunText(std::string_view text) {
+  batch_ = text;
   countedTo_ = 0;
   line_ = 1;
+  schemas_.reset();
   try {
-    for (const Statement& statement : ParseStatements(batch)) {
+    const std::vector<Statement> statements = ParseStatements(text);
+    CheckUses(statements);
+    for (const Statement& statement : statements) {
       if (!Execute(statement)) break;
     }
   } catch (const SqlFailure& failure) {
-    Report(failure, 0);
+    Report(failure, failure.At);
   }
-  if (!hasDone_) Done();
-  return std::move(firstError_);
+}
+
+/// The real server looks for the databases of USE before it carries anything out.
+void Session::CheckUses(const std::vector<Statement>& statements) {
+  for (const Statement& statement : statements) {
+    if (const auto* use = std::get_if<UseDatabase>(&statement.What)) {
+      if (!catalogue_.Exists(use->Name)) {
+        SqlFailure failure(message::kNoSuchDatabase(use->Name), true);
+        failure.At = statement.Text.Begin;
+        throw failure;
+      }
+    } else if (const auto* block = std::get_if<Block>(&statement.What)) {
+      CheckUses(block->Statements);
+    } else if (const auto* choice = std::get_if<IfStatement>(&statement.What)) {
+      CheckUses(choice->Branches);
+    }
+  }
 }
 
 /// Returns false when the rest of the batch is not to be executed.
@@ -45,46 +75,49 @@ bool Session::Execute(const Statement& statement) {
     return std::all_of(block->Statements.begin(), block->Statements.end(),
                        [this](const Statement& each) { return Execute(each); });
   }
-  if (const auto* choice = std::get_if<IfStatement>(&statement.What)) {
-    bool isTrue = false;
-    try {
-      isTrue = IsTrue(choice->Condition);
-    } catch (const SqlFailure& failure) {
-      return Report(failure, statement.At);
-    }
-    const std::size_t branch = isTrue ? 0 : 1;
-    return branch >= choice->Branches.size() || Execute(choice->Branches[branch]);
-  }
   return ExecuteLeaf(statement);
 }
 
 bool Session::ExecuteLeaf(const Statement& statement) {
+  const Statement* outer = std::exchange(statement_, &statement);
+  goesOn_ = true;
+  isApproximate_ = false;
   try {
     std::visit(
         [this](const auto& what) {
-          using What = std::decay_t<decltype(what)>;
-          constexpr bool kIsCompound =
-              std::is_same_v<What, Block> || std::is_same_v<What, IfStatement>;
-          if constexpr (!kIsCompound) Do(what);
+          if constexpr (!std::is_same_v<std::decay_t<decltype(what)>, Block>) Do(what);
         },
         statement.What);
-    lastError_ = 0;
-    return true;
+    if (!std::holds_alternative<IfStatement>(statement.What)) lastError_ = 0;
   } catch (const SqlFailure& failure) {
-    return Report(failure, statement.At);
+    goesOn_ = IsUncertain(failure, statement)
+                  ? Note(HeadOf(statement) + " on what is only kept or noted", statement)
+                  : Report(failure, statement.Text.Begin);
+  } catch (const NotKnown& unknown) {
+    goesOn_ = Note(unknown.Construct.empty() ? HeadOf(statement)
+                                             : HeadOf(statement) + " with " + unknown.Construct,
+                   statement);
   } catch (const Cancelled&) {
     throw;
   } catch (const std::exception& error) {
-    return Report(SqlFailure(message::Own(error.what())), statement.At);
+    goesOn_ = Report(SqlFailure(message::kOwn(error.what())), statement.Text.Begin);
   }
+  statement_ = outer;
+  return goesOn_;
+}
+
+void Session::Do(const IfStatement& statement) {
+  const std::size_t branch = IsTrue(statement.Condition) ? 0 : 1;
+  if (branch < statement.Branches.size()) goesOn_ = Execute(statement.Branches[branch]);
 }
 
 bool Session::Report(const SqlFailure& failure, std::size_t at) {
   const std::size_t line = LineOf(at);
-  for (const SqlMessage& message : failure.Messages) {
-    reply_->Tell(message, line);
-    if (!firstError_) firstError_ = message;
+  if (!outcome_.Error) {
+    outcome_.Error = failure.Messages.front();
+    outcome_.Line = line;
   }
+  for (const SqlMessage& message : failure.Messages) reply_->Tell(message, line);
   lastError_ = failure.Messages.front().Number;
   rowCount_ = 0;
   reply_->Done(DoneCommand::None, {}, true);
@@ -117,7 +150,7 @@ void Session::BeginTransaction(ReplyWriter& reply) {
 
 void Session::EndTransaction(ReplyWriter& reply, bool commits) {
   if (transactions_ == 0) {
-    throw SqlFailure(commits ? message::NothingToCommit() : message::NothingToRollBack());
+    throw SqlFailure(commits ? message::kNothingToCommit() : message::kNothingToRollBack());
   }
   if (commits && --transactions_ > 0) return;
   transactions_ = 0;
@@ -137,6 +170,7 @@ void Session::Reset() {
 }
 
 void Session::SwitchTo(const std::string& name) {
+  schemas_.reset();
   facts_.Current = catalogue_.Use(number_, name);
   CloseOthers();
 }
@@ -164,15 +198,6 @@ void Session::Do(const TransactionStatement& statement) {
   Done();
 }
 
-void Session::Do(const CallProcedure& statement) {
-  // Permissions are not stored, so a member of a role is like any other user.
-  if (!SameWord(statement.Name, "sp_addrolemember") &&
-      !SameWord(statement.Name, "sp_addsrvrolemember")) {
-    throw SqlFailure(message::NoSuchProcedure(statement.Name));
-  }
-  Done();
-}
-
 void Session::Do(const NoEffect& /*statement*/) {
   Done();
 }
@@ -193,7 +218,11 @@ std::optional<std::string> Session::Variable(std::string_view name) {
   if (SameWord(name, "@@IDENTITY")) return "last_insert_rowid()";
   if (SameWord(name, "@@SERVERNAME")) return "'SQLSTANDIN'";
   if (SameWord(name, "@@VERSION")) return "'sqlstandin 10.50.1600, a stand-in over SQLite'";
-  return std::nullopt;
+  if (name.starts_with("@@")) throw NotKnown(UCase(name));
+  const auto variable = variables_.find(FoldName(name));
+  if (variable == variables_.end()) return std::nullopt;
+  if (!variable->second) throw NotKnown("a variable");
+  return variable->second;
 }
 
 std::vector<TableColumn> Session::Columns(const std::string& prefix, const std::string& table) {
@@ -206,7 +235,35 @@ bool Session::AllowsIdentityInsert(const std::string& table) {
   return SameName(identityInsert_, table);
 }
 
+bool Session::HasFunction(std::string_view name) {
+  // SQLite's own, and those that were added: the same for every session.
+  static const std::set<std::string> kNames = [this] {
+    std::set<std::string> names;
+    SqliteStatement rows(Current(), "SELECT DISTINCT name FROM pragma_function_list", "");
+    while (rows.Step()) names.emplace(rows.Text(0));
+    return names;
+  }();
+  return kNames.contains(FoldName(name));
+}
+
+std::string Session::DefinitionOf(const std::string& prefix, const std::string& table) {
+  SqliteStatement row(Current(),
+                      "SELECT sql FROM " + (prefix.empty() ? "main." : prefix) +
+                          "sqlite_schema WHERE type = 'table' AND name = " + QuoteText(table) +
+                          " COLLATE NOCASE",
+                      "");
+  return row.Step() ? std::string(row.Text(0)) : std::string();
+}
+
+bool Session::IsSchema(std::string_view name) {
+  if (!schemas_) schemas_ = KeptObjects(Current()).Names("SCHEMA");
+  if (!schemas_->contains(FoldName(name))) return false;
+  isApproximate_ = true;
+  return true;
+}
+
 void Session::NeedSystemViews() {
+  isApproximate_ = true;
   Current().AddSystemViews(facts_.Current.Id);
 }
 

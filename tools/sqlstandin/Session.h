@@ -4,11 +4,14 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Catalogue.h"
+#include "Journal.h"
+#include "KeptObjects.h"
 #include "Reply.h"
 #include "Rewriter.h"
 #include "SqliteDatabase.h"
@@ -24,11 +27,10 @@ class Session : private RewriteEnvironment {
   /// `isCancelled` is called while statements run. Raises SqlFailure when the database cannot be
   /// used.
   Session(Catalogue& catalogue, int number, const std::string& login, const std::string& database,
-          CancelTest isCancelled);
+          CancelTest isCancelled, bool isStrict);
 
-  /// Executes a batch and writes its answer, all but the end mark. Returns the first error, for the
-  /// journal. Raises Cancelled.
-  std::optional<SqlMessage> Run(std::string_view batch, ReplyWriter& reply);
+  /// Executes a batch and writes its answer, all but the end mark. Raises Cancelled.
+  Outcome Run(std::string_view batch, ReplyWriter& reply);
 
   // What a client may request with separate messages.
   void BeginTransaction(ReplyWriter& reply);
@@ -39,16 +41,23 @@ class Session : private RewriteEnvironment {
   const std::string& DatabaseName() const { return facts_.Current.Name; }
 
  private:
+  void RunText(std::string_view text);
+  void CheckUses(const std::vector<Statement>& statements);
   bool Execute(const Statement& statement);
   bool Report(const SqlFailure& failure, std::size_t at);
+  bool Note(const std::string& construct, const Statement& statement);
+  bool IsUncertain(const SqlFailure& failure, const Statement& statement);
+  std::string HeadOf(const Statement& statement) const;
   std::size_t LineOf(std::size_t at);
 
   bool ExecuteLeaf(const Statement& statement);
+  void Do(const IfStatement& statement);
   void Do(const UseDatabase& statement);
   void Do(const CreateDatabase& statement);
   void Do(const AlterDatabase& statement);
   void Do(const DropDatabase& statement);
   void Do(const BackupDatabase& statement);
+  void Do(const VerifyBackup& statement);
   void Do(const CreateLogin& statement);
   void Do(const DropLogin& statement);
   void Do(const CreateUser& statement);
@@ -58,14 +67,22 @@ class Session : private RewriteEnvironment {
   void Do(const PrintText& statement);
   void Do(const CallProcedure& statement);
   void Do(const NoEffect& statement);
+  void Do(const RaiseError& statement);
+  void Do(const AssignVariables& statement);
+  void Do(const KeptStatement& statement);
+  void Do(const UnknownStatement& statement);
   void Do(const DataStatement& statement);
 
+  bool MakeView(const std::string& name);
+  void NeedSchemaOf(const std::string& name);
+  void KeepNamed(const KeptStatement& statement, const std::string& name);
+  bool CallSystemProcedure(const CallProcedure& statement, const std::string& name);
   bool IsTrue(Range condition);
   void SwitchTo(const std::string& name);
   void CloseOthers();
   void RefuseInTransaction(std::string_view statement) const;
   SqliteDatabase& Current();
-  void RunSql(const std::string& sql, DataStatement::Verb verb, bool isLast);
+  void RunSql(const std::string& sql, bool isLast);
   void SendRows(SqliteStatement& rows);
   void SendValue(SqliteStatement& rows, int index, const ResultColumn& column);
   void Done(DoneCommand command = DoneCommand::None, std::optional<std::uint64_t> rows = {});
@@ -76,6 +93,9 @@ class Session : private RewriteEnvironment {
   std::vector<TableColumn> Columns(const std::string& prefix, const std::string& table) override;
   bool AllowsIdentityInsert(const std::string& table) override;
   void NeedSystemViews() override;
+  bool HasFunction(std::string_view name) override;
+  std::string DefinitionOf(const std::string& prefix, const std::string& table) override;
+  bool IsSchema(std::string_view name) override;
 
   Catalogue& catalogue_;
   int number_;
@@ -91,10 +111,21 @@ class Session : private RewriteEnvironment {
   std::int64_t rowCount_ = 0;
   std::int32_t lastError_ = 0;
 
+  bool isStrict_;
+
   // The current batch.
   std::string_view batch_;
   ReplyWriter* reply_ = nullptr;
-  std::optional<SqlMessage> firstError_;
+  const Statement* statement_ = nullptr;
+  bool goesOn_ = true;
+  /// The statement names what is not here as it is on the real server, so that an error about a
+  /// column says nothing.
+  bool isApproximate_ = false;
+  /// The current database's, without dbo.
+  std::optional<std::set<std::string>> schemas_;
+  Outcome outcome_;
+  /// The values of its variables, as SQL; none where it is not known.
+  std::map<std::string, std::optional<std::string>> variables_;
   bool hasDone_ = false;
   std::size_t countedTo_ = 0;
   std::size_t line_ = 1;

@@ -8,40 +8,6 @@
 namespace talu::standin {
 namespace {
 
-/// The statement's first word, for error messages.
-std::string_view VerbName(DataStatement::Verb verb) {
-  using Verb = DataStatement::Verb;
-  switch (verb) {
-    case Verb::Select:
-      return "SELECT";
-    case Verb::Insert:
-      return "INSERT";
-    case Verb::Update:
-      return "UPDATE";
-    case Verb::Delete:
-    case Verb::Truncate:
-      return "DELETE";
-    case Verb::CreateTable:
-    case Verb::CreateIndex:
-    case Verb::CreateView:
-      return "CREATE";
-    case Verb::AlterTable:
-      return "ALTER";
-    case Verb::DropIndex:
-    case Verb::DropTable:
-    case Verb::DropView:
-      return "DROP";
-  }
-  return "";
-}
-
-std::string_view TextAt(sqlite3_stmt* row, int index) {
-  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, index));
-  return text == nullptr
-             ? std::string_view()
-             : std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(row, index)));
-}
-
 /// The type of an expression without a declared type: its first value decides.
 ResultColumn TypeOfValue(sqlite3_stmt* row, int index) {
   switch (sqlite3_column_type(row, index)) {
@@ -59,9 +25,9 @@ ResultColumn TypeOfValue(sqlite3_stmt* row, int index) {
 /// 109 and 110 mention the column list; an INSERT that got one from the rewriter has none.
 SqlFailure WithoutColumnList(const SqlFailure& failure) {
   const std::int32_t number = failure.Messages.front().Number;
-  const bool isCount = number == message::MoreColumnsThanValues().Number ||
-                       number == message::FewerColumnsThanValues().Number;
-  return isCount ? SqlFailure(message::ColumnCount(), true) : failure;
+  const bool isCount = number == message::kMoreColumnsThanValues.Number ||
+                       number == message::kFewerColumnsThanValues.Number;
+  return isCount ? SqlFailure(message::kColumnCount(), true) : failure;
 }
 
 }  // namespace
@@ -95,8 +61,34 @@ void Session::Do(const PrintText& statement) {
       "SELECT (" + Rewriter(batch_, *this).RewriteExpression(statement.Expression) + ")";
   SqliteStatement query(Current(), sql, "PRINT");
   if (query.Step()) {
-    reply_->Tell({0, 0, 1, std::string(TextAt(query.Handle(), 0))},
-                 LineOf(statement.Expression.Begin));
+    reply_->Tell({0, 0, 1, std::string(query.Text(0))}, LineOf(statement.Expression.Begin));
+  }
+  Done();
+}
+
+void Session::Do(const RaiseError& statement) {
+  const SqlMessage message{kOwnMessageNumber, static_cast<std::uint8_t>(statement.Severity), 1,
+                           statement.Text};
+  constexpr int kHighestInformation = 10;
+  if (statement.Severity > kHighestInformation) throw SqlFailure(message);
+  reply_->Tell(message, LineOf(statement_->Text.Begin));
+  Done();
+}
+
+void Session::Do(const AssignVariables& statement) {
+  const bool declares = HeadOf(*statement_) == "DECLARE";
+  for (const auto& [name, value] : statement.All) {
+    const std::string key = FoldName(name);
+    if (!declares && !variables_.contains(key)) {
+      throw SqlFailure(message::kUndeclaredVariable(name), true);
+    }
+    std::optional<std::string>& variable = variables_[key];
+    std::string sql = "SELECT NULL";
+    variable.reset();
+    if (value.End > value.Begin)
+      sql = "SELECT (" + Rewriter(batch_, *this).RewriteExpression(value) + ")";
+    SqliteStatement query(Current(), "SELECT quote((" + sql + "))", "SET");
+    if (query.Step()) variable = std::string(query.Text(0));
   }
   Done();
 }
@@ -105,17 +97,29 @@ void Session::Do(const DataStatement& statement) {
   using Verb = DataStatement::Verb;
   Current().DetachAll();
   Rewriter rewriter(batch_, *this);
-  const std::vector<std::string> statements = rewriter.Rewrite(statement);
+  const std::vector<std::string> statements = rewriter.Rewrite(statement.What, statement_->Text);
+  if (statement.What == Verb::CreateTable) {
+    NeedSchemaOf(rewriter.Target());
+    if (KeptObjects(Current()).IsTaken("TABLE", rewriter.Target())) {
+      throw SqlFailure(message::kObjectExists(rewriter.Target()));
+    }
+  }
   SqliteDatabase& database = Current();
   // What is one statement to the client is executed whole or not at all.
   const bool needsSavepoint = statements.size() > 1;
   if (needsSavepoint) database.Execute("SAVEPOINT whole");
   const auto undo = [&] {
-    if (needsSavepoint) database.Execute("ROLLBACK TO whole; RELEASE whole");
+    if (needsSavepoint)
+      database.Execute("ROLLBACK TO whole; RELEASE whole; PRAGMA writable_schema = RESET");
   };
   try {
     for (std::size_t i = 0; i < statements.size(); ++i) {
-      RunSql(statements[i], statement.What, i + 1 == statements.size());
+      RunSql(statements[i], i + 1 == statements.size());
+    }
+    for (const auto& [constraint, count] : rewriter.Checks()) {
+      if (database.Count(count) > 0) {
+        throw SqlFailure(message::kConflict("ALTER TABLE", constraint, facts_.Current.Name));
+      }
     }
   } catch (const SqlFailure& failure) {
     undo();
@@ -125,6 +129,7 @@ void Session::Do(const DataStatement& statement) {
     undo();
     throw;
   }
+  if (statement.What == Verb::CreateTable) KeptObjects(database).Forget(rewriter.Target());
   if (needsSavepoint) database.Execute("RELEASE whole");
   const bool counts = statement.What == Verb::Insert || statement.What == Verb::Update ||
                       statement.What == Verb::Delete;
@@ -141,9 +146,12 @@ void Session::Do(const DataStatement& statement) {
   }
 }
 
-void Session::RunSql(const std::string& sql, DataStatement::Verb verb, bool isLast) {
+void Session::RunSql(const std::string& sql, bool isLast) {
   SqliteDatabase& database = Current();
-  SqliteStatement statement(database, sql, VerbName(verb));
+  // Errors name the first word.
+  const std::string head = HeadOf(*statement_);
+  SqliteStatement statement(
+      database, sql, head.starts_with("TRUNCATE") ? "DELETE" : head.substr(0, head.find(' ')));
   if (sqlite3_column_count(statement.Handle()) > 0) {
     SendRows(statement);
     return;
@@ -177,7 +185,7 @@ void Session::SendRows(SqliteStatement& rows) {
                                column.Type == ValueType::Float;
       const bool isNumber = stored == SQLITE_INTEGER || stored == SQLITE_FLOAT;
       if (stored != SQLITE_NULL && wantsNumber && !isNumber) {
-        throw SqlFailure(message::ConversionError(
+        throw SqlFailure(message::kConversionError(
             "nvarchar", column.Type == ValueType::Float ? "float" : "int"));
       }
     }
@@ -204,7 +212,7 @@ void Session::SendValue(SqliteStatement& rows, int index, const ResultColumn& co
       reply_->Float(sqlite3_column_double(row, index));
       return;
     case ValueType::Text:
-      reply_->Text(column, TextAt(row, index));
+      reply_->Text(column, rows.Text(index));
       return;
     case ValueType::Bytes: {
       const auto* bytes = static_cast<const char*>(sqlite3_column_blob(row, index));

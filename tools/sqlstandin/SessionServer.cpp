@@ -1,6 +1,8 @@
 // The statements about databases and logins.
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -15,12 +17,12 @@ void Session::Do(const UseDatabase& statement) {
   const std::string before = facts_.Current.Name;
   SwitchTo(statement.Name);
   reply_->DatabaseChanged(facts_.Current.Name, before);
-  reply_->Tell(message::DatabaseContext(facts_.Current.Name, 1), 1);
+  reply_->Tell(message::kDatabaseContext(facts_.Current.Name), 1);
   Done();
 }
 
 void Session::RefuseInTransaction(std::string_view statement) const {
-  if (transactions_ > 0) throw SqlFailure(message::NotInTransaction(statement));
+  if (transactions_ > 0) throw SqlFailure(message::kNotInTransaction(statement));
 }
 
 void Session::Do(const CreateDatabase& statement) {
@@ -31,9 +33,11 @@ void Session::Do(const CreateDatabase& statement) {
 
 void Session::Do(const AlterDatabase& statement) {
   RefuseInTransaction("ALTER DATABASE");
-  catalogue_.Alter(number_, statement);
+  AlterDatabase named = statement;
+  if (named.Name.empty()) named.Name = facts_.Current.Name;
+  catalogue_.Alter(number_, named);
   if (statement.What == AlterDatabase::Action::Offline) {
-    if (SameName(statement.Name, facts_.Current.Name)) {
+    if (SameName(named.Name, facts_.Current.Name)) {
       const std::string before = facts_.Current.Name;
       SwitchTo(std::string(kMasterName));
       reply_->DatabaseChanged(facts_.Current.Name, before);
@@ -55,7 +59,7 @@ void Session::Do(const BackupDatabase& statement) {
   RefuseInTransaction("BACKUP DATABASE");
   namespace fs = std::filesystem;
   const auto fail = [](SqlMessage reason) {
-    throw SqlFailure({std::move(reason), message::BackupFailed()});
+    throw SqlFailure({std::move(reason), message::kBackupFailed()});
   };
   DatabaseEntry entry;
   try {
@@ -64,22 +68,23 @@ void Session::Do(const BackupDatabase& statement) {
     fail(failure.Messages.front());
   }
   const FoundPath target = catalogue_.AllDrives().Find(statement.Path);
-  if (!target.FolderExists) fail(message::NoBackupDevice(statement.Path, target.SystemError));
+  if (!target.FolderExists) fail(message::kNoBackupDevice(statement.Path, target.SystemError));
   if (catalogue_.IsDatabaseFile(target.File)) {
-    fail(
-        message::NoBackupDevice(statement.Path,
-                                "32(The process cannot access the file because it is being used by "
-                                "another process.)"));
+    fail(message::kNoBackupDevice(
+        statement.Path,
+        "32(The process cannot access the file because it is being used by "
+        "another process.)"));
   }
+  if (target.IsProtected) fail(message::kNoBackupDevice(statement.Path, SystemError(EACCES)));
   if (target.Exists && !statement.Overwrites) {
-    fail(message::Own("a second backup is not added to a file; say WITH INIT"));
+    fail(message::kOwn("a second backup is not added to a file; say WITH INIT"));
   }
   const auto start = std::chrono::steady_clock::now();
   // In a folder of its own, so that neither the copy nor the files that SQLite keeps next to it
   // meet an existing file.
   std::string folder = (target.File.parent_path() / "unfinished-backup-XXXXXX").string();
   if (mkdtemp(folder.data()) == nullptr) {
-    fail(message::NoBackupDevice(statement.Path, SystemError(errno)));
+    fail(message::kNoBackupDevice(statement.Path, SystemError(errno)));
   }
   const fs::path unfinished = fs::path(folder) / "copy";
   const auto clean = [&folder] {
@@ -93,7 +98,7 @@ void Session::Do(const BackupDatabase& statement) {
     pages = source.CopyTo(unfinished, [&](int percent) {
       for (; statement.Stats > 0 && told + statement.Stats <= percent;) {
         told += statement.Stats;
-        reply_->Tell(message::PercentProcessed(told), 1);
+        reply_->Tell(message::kPercentProcessed(told), 1);
       }
     });
     fs::rename(unfinished, target.File);
@@ -103,12 +108,32 @@ void Session::Do(const BackupDatabase& statement) {
     throw;
   } catch (const std::exception&) {
     clean();
-    fail(message::NoBackupDevice(statement.Path, "5(Access is denied.)"));
+    fail(message::kNoBackupDevice(statement.Path, "5(Access is denied.)"));
   }
   const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(
       std::chrono::steady_clock::now() - start);
-  reply_->Tell(message::PagesProcessed(pages, entry.Name), 1);
-  reply_->Tell(message::BackupSucceeded(pages, took.count()), 1);
+  reply_->Tell(message::kPagesProcessed(pages, entry.Name, entry.Name), 1);
+  const double seconds = static_cast<double>(took.count()) / 1000;
+  const double megabytes = static_cast<double>(pages) * 4096 / (1024 * 1024);
+  const auto figure = [](double number) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.3f", number);
+    return std::string(text.data());
+  };
+  reply_->Tell(message::kBackupSucceeded(pages, figure(seconds),
+                                         figure(seconds == 0 ? 0 : megabytes / seconds)),
+               1);
+  Done();
+}
+
+void Session::Do(const VerifyBackup& statement) {
+  const FoundPath target = catalogue_.AllDrives().Find(statement.Path);
+  if (!target.Exists) {
+    throw SqlFailure(
+        {message::kNoBackupDevice(statement.Path,
+                                  target.FolderExists ? SystemError(ENOENT) : target.SystemError),
+         message::kVerifyFailed()});
+  }
   Done();
 }
 
@@ -128,7 +153,7 @@ void Session::Do(const standin::CreateUser& statement) {
 }
 
 void Session::Do(const standin::DropUser& statement) {
-  catalogue_.DropUser(facts_.Current.Id, statement.Name);
+  catalogue_.DropUser(facts_.Current.Id, statement.Name, statement.IfExists);
   Done();
 }
 

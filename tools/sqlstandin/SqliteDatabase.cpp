@@ -4,6 +4,7 @@
 #include <chrono>
 #include <thread>
 
+#include "KeptObjects.h"
 #include "SystemViews.h"
 
 namespace talu::standin {
@@ -38,7 +39,7 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::string na
   const int code =
       sqlite3_open_v2(file.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
   handle_.reset(raw);
-  if (code != SQLITE_OK) throw SqlFailure(message::DatabaseInaccessible(name_), true);
+  if (code != SQLITE_OK) throw SqlFailure(message::kDatabaseInaccessible(name_), true);
   sqlite3_extended_result_codes(raw, 1);
   // A word in double quotes is a name, never a text.
   sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
@@ -50,6 +51,7 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::string na
   Execute(
       "PRAGMA synchronous = OFF; PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON; PRAGMA "
       "temp_store = MEMORY");
+  Execute(KeptObjects::kTable);
 }
 
 int SqliteDatabase::OnBusy(void* self, int tries) {
@@ -86,6 +88,12 @@ void SqliteDatabase::AddSystemViews(int databaseId) {
   hasSystemViews_ = !InTransaction();  // a rollback removes them
 }
 
+std::int64_t SqliteDatabase::Count(const std::string& sql) const {
+  SqliteStatement row(*this, sql, "");
+  row.Step();
+  return sqlite3_column_int64(row.Handle(), 0);
+}
+
 std::vector<TableColumn> SqliteDatabase::Columns(const std::string& schema,
                                                  const std::string& table) const {
   std::vector<TableColumn> columns;
@@ -95,7 +103,7 @@ std::vector<TableColumn> SqliteDatabase::Columns(const std::string& schema,
       "");
   while (rows.Step()) {
     TableColumn column;
-    column.Name = reinterpret_cast<const char*>(sqlite3_column_text(rows.Handle(), 0));
+    column.Name = rows.Text(0);
     int isIdentity = 0;
     sqlite3_table_column_metadata(handle_.get(), schema.c_str(), table.c_str(), column.Name.c_str(),
                                   nullptr, nullptr, nullptr, nullptr, &isIdentity);
@@ -146,7 +154,13 @@ SqliteStatement::SqliteStatement(const SqliteDatabase& database, std::string_vie
                                       &raw, nullptr);
   handle_.reset(raw);
   if (code != SQLITE_OK) database.Fail(code, verb_);
-  if (raw == nullptr) throw SqlFailure(message::SyntaxNear(verb_), true);
+  if (raw == nullptr) throw SqlFailure(message::kSyntaxNear(verb_), true);
+}
+
+std::string_view SqliteStatement::Text(int column) const {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_.get(), column));
+  const auto size = static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column));
+  return text == nullptr ? std::string_view() : std::string_view(text, size);
 }
 
 bool SqliteStatement::Step() {

@@ -29,6 +29,8 @@ class SqliteDatabase {
 
   sqlite3* Handle() const { return handle_.get(); }
 
+  /// The number that a query gives; `sql` has no text from a client.
+  std::int64_t Count(const std::string& sql) const;
   /// Executes statements without rows and without text from a client.
   void Execute(const std::string& sql);
   /// Makes another database's tables available under a name of their own, until DetachAll.
@@ -71,6 +73,8 @@ class SqliteStatement {
   /// Moves to the next row; false at the end. Raises SqlFailure.
   bool Step();
   sqlite3_stmt* Handle() const { return handle_.get(); }
+  /// A column of the row, until the next step.
+  std::string_view Text(int column) const;
 
  private:
   struct Finalizer {

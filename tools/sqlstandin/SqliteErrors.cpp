@@ -2,6 +2,7 @@
 #include "SqliteDatabase.h"
 #include "TableDefinition.h"
 #include "Text.h"
+#include "sql/Lexer.h"
 
 namespace talu::standin {
 namespace {
@@ -29,23 +30,23 @@ SqlMessage OfConstraint(int code, std::string_view text, std::string_view verb,
   const std::string column = After(what, ".").substr(0, After(what, ".").find(','));
   switch (code) {
     case SQLITE_CONSTRAINT_NOTNULL:
-      return message::NullNotAllowed(column, database + ".dbo." + table, verb);
+      return message::kNullNotAllowed(column, database + ".dbo." + table, verb);
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
       // SQLite does not name the constraint.
-      return message::DuplicateKey("PRIMARY KEY", "PK_" + table, "dbo." + table);
+      return message::kDuplicateKey("PRIMARY KEY", "PK_" + table, "dbo." + table);
     case SQLITE_CONSTRAINT_UNIQUE:
-      return message::DuplicateKey("UNIQUE KEY", "UQ_" + table, "dbo." + table);
+      return message::kDuplicateKey("UNIQUE KEY", "UQ_" + table, "dbo." + table);
     case SQLITE_CONSTRAINT_FOREIGNKEY:
-      return message::Conflict(verb, verb == "DELETE" ? "REFERENCE" : "FOREIGN KEY", database);
+      return message::kConflict(verb, verb == "DELETE" ? "REFERENCE" : "FOREIGN KEY", database);
     case SQLITE_CONSTRAINT_CHECK:
-      if (what == kLengthConstraint) return message::Truncated();
+      if (what == kLengthConstraint) return message::kTruncated();
       if (what.starts_with(kTypeConstraint)) {
-        return message::ConversionError("nvarchar", what.substr(kTypeConstraint.size()));
+        return message::kConversionError("nvarchar", what.substr(kTypeConstraint.size()));
       }
-      return message::Conflict(verb, "CHECK", database);
+      return message::kConflict(verb, "CHECK", database);
     default:
-      return message::Own(text);
+      return message::kOwn(text);
   }
 }
 
@@ -53,56 +54,55 @@ SqlMessage OfStatement(std::string_view text, std::string_view verb) {
   std::string name;
   if (!(name = Between(text, "near \"", "\": syntax error")).empty() ||
       !(name = Between(text, "unrecognized token: \"", "\"")).empty()) {
-    return message::SyntaxNear(name);
+    Rewriter::FailAt(sql::Lexer(name).Next());
   }
-  if (text == "incomplete input") return message::SyntaxNear(verb);
+  if (text == "incomplete input") return message::kSyntaxNear(verb);
   if (!(name = After(text, "no such table: ")).empty() ||
       !(name = After(text, "no such view: ")).empty()) {
     if (verb == "DROP") {
       const bool isView = text.find("view") != std::string_view::npos;
-      return message::CannotDrop(isView ? "view" : "table", WithoutMain(name));
+      return message::kCannotDrop(isView ? "view" : "table", WithoutMain(name));
     }
-    return message::InvalidObject(WithoutMain(name));
+    return message::kInvalidObject(WithoutMain(name));
   }
-  if (!(name = After(text, "no such index: ")).empty()) return message::CannotDrop("index", name);
+  if (!(name = After(text, "no such index: ")).empty()) {
+    return verb == "ALTER" ? message::kNotAConstraint(name.substr(name.find('.') + 1))
+                           : message::kCannotDrop("index", name);
+  }
   if (!(name = After(text, "no such column: ")).empty() ||
       !(name = After(text, "has no column named ")).empty()) {
     std::erase(name, '"');  // SQLite quotes some names and not others
-    return message::InvalidColumn(name.substr(name.rfind('.') + 1));
+    return message::kInvalidColumn(name.substr(name.rfind('.') + 1));
   }
   if (!(name = After(text, "ambiguous column name: ")).empty()) {
-    return message::AmbiguousColumn(name);
-  }
-  if (!(name = After(text, "no such function: ")).empty() ||
-      !(name = Between(text, "unknown function: ", "()")).empty()) {
-    return message::UnknownFunction(name);
+    return message::kAmbiguousColumn(name);
   }
   if (!(name = After(text, "duplicate column name: ")).empty()) {
-    return message::DuplicateColumn(name);
+    return message::kDuplicateColumn(name);
   }
   for (const char* kind : {"table ", "view ", "index ", "there is already a table named "}) {
     if (text.starts_with(kind) && text.ends_with(" already exists")) {
       name = Between(text, kind, " already exists");
       std::erase(name, '"');
-      return message::ObjectExists(name);
+      return message::kObjectExists(name);
     }
   }
-  if (text.starts_with("there is already a")) return message::ObjectExists(After(text, "named "));
+  if (text.starts_with("there is already a")) return message::kObjectExists(After(text, "named "));
   if (text.starts_with("table ") && text.ends_with("values were supplied")) {
-    return message::ColumnCount();
+    return message::kColumnCount();
   }
   const std::size_t values = text.find(" values for ");
   if (values != std::string_view::npos) {
     const auto count = [](std::string_view digits) { return std::stoul(std::string(digits)); };
     return count(text.substr(0, values)) < count(text.substr(values + 12))
-               ? message::MoreColumnsThanValues()
-               : message::FewerColumnsThanValues();
+               ? message::kMoreColumnsThanValues()
+               : message::kFewerColumnsThanValues();
   }
   if (text.find("Expression tree is too large") != std::string_view::npos ||
       text.find("parser stack overflow") != std::string_view::npos) {
-    return message::TooDeep();
+    return message::kTooDeep();
   }
-  return message::Own(text);
+  throw NotKnown("");
 }
 
 }  // namespace
@@ -117,18 +117,20 @@ void SqliteDatabase::Fail(int code, std::string_view verb) const {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       if (isCancelled_()) throw Cancelled();
-      throw SqlFailure(message::LockTimeout());
+      throw SqlFailure(message::kLockTimeout());
     case SQLITE_NOMEM:
     case SQLITE_TOOBIG:
-      throw SqlFailure(message::OutOfMemory(), true);
+      throw SqlFailure(message::kOutOfMemory(), true);
     case SQLITE_CANTOPEN:
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
-      throw SqlFailure(message::DatabaseInaccessible(name_), true);
+      throw SqlFailure(message::kDatabaseInaccessible(name_), true);
+    case SQLITE_MISMATCH:
+      throw SqlFailure(message::kConversionError("nvarchar", "int"));
     case SQLITE_ERROR:
       throw SqlFailure(OfStatement(text, verb), verb != "DROP");
     default:
-      throw SqlFailure(message::Own(text));
+      throw SqlFailure(message::kOwn(text));
   }
 }
 

@@ -30,6 +30,7 @@ struct CreateDatabase {
 
 struct AlterDatabase {
   enum class Action { None, Offline, Online, SingleUser };
+  /// Empty: the current one.
   std::string Name;
   Action What = Action::None;
   /// WITH ROLLBACK …: ends the other sessions' use.
@@ -48,6 +49,11 @@ struct BackupDatabase {
   bool Overwrites = false;
   /// A progress message every so many percent; 0 for none.
   int Stats = 0;
+};
+
+/// RESTORE VERIFYONLY.
+struct VerifyBackup {
+  std::string Path;
 };
 
 struct CreateLogin {
@@ -69,6 +75,7 @@ struct CreateUser {
 
 struct DropUser {
   std::string Name;
+  bool IfExists = false;
 };
 
 struct SetOption {
@@ -87,12 +94,49 @@ struct PrintText {
   Range Expression;
 };
 
-struct CallProcedure {
-  std::string Name;
+/// RAISERROR with a literal text and literal numbers.
+struct RaiseError {
+  std::string Text;
+  int Severity = 0;
 };
 
-/// Accepted, changes nothing: GRANT, DENY, REVOKE.
+/// DECLARE @a … = …, SET @a = …: variables and what they become.
+struct AssignVariables {
+  struct Assignment {
+    std::string Name;
+    /// Empty where there is none.
+    Range Value;
+  };
+  std::vector<Assignment> All;
+};
+
+struct CallProcedure {
+  /// Empty: EXEC ('text').
+  std::string Name;
+  /// Its arguments that are literal texts, as far as no other stands before them.
+  std::vector<std::string> Texts;
+  /// Whether all of them are.
+  bool HasOnlyTexts = true;
+};
+
+/// Accepted, changes nothing: CHECKPOINT, options of every kind.
 struct NoEffect {};
+
+/// Of what SQLite has no counterpart for, name and text are kept.
+struct KeptStatement {
+  enum class Action { Create, Alter, CreateOrAlter, Drop };
+  Action What = Action::Create;
+  /// "PROCEDURE", "TYPE", "GRANT"; what has no name can only be created.
+  std::string Kind;
+  /// As DataName gives them.
+  std::vector<std::string> Names;
+  bool IfExists = false;
+};
+
+/// What is only taken note of.
+struct UnknownStatement {
+  std::string Construct;
+};
 
 /// What SQLite executes, after translation into its dialect.
 struct DataStatement {
@@ -106,12 +150,9 @@ struct DataStatement {
     Truncate,
     CreateIndex,
     DropIndex,
-    CreateView,
     DropTable,
-    DropView,
   };
   Verb What = Verb::Select;
-  Range Text;
 };
 
 struct Block {
@@ -125,16 +166,20 @@ struct IfStatement {
 };
 
 struct Statement {
-  /// Where it begins in the batch, in bytes.
-  std::size_t At = 0;
+  /// Without the blanks and comments around it.
+  Range Text;
   std::variant<NoEffect, UseDatabase, CreateDatabase, AlterDatabase, DropDatabase, BackupDatabase,
-               CreateLogin, DropLogin, CreateUser, DropUser, SetOption, TransactionStatement,
-               PrintText, CallProcedure, DataStatement, Block, IfStatement>
+               VerifyBackup, CreateLogin, DropLogin, CreateUser, DropUser, SetOption,
+               TransactionStatement, PrintText, RaiseError, AssignVariables, CallProcedure,
+               KeptStatement, DataStatement, UnknownStatement, Block, IfStatement>
       What;
 };
 
+/// The name of a table, or of whatever else, in SQLite: there is no schema before those of dbo.
+std::string DataName(const std::string& schema, const std::string& name);
+
 /// Splits a batch into statements, in time linear in its length. Raises SqlFailure, before anything
-/// is executed, for an unknown or malformed statement (102 near the word).
+/// is executed, for what no server could read (102 and 156 near the word, 105, 111, 113).
 std::vector<Statement> ParseStatements(std::string_view batch);
 
 }  // namespace talu::standin

@@ -6,30 +6,13 @@
 #include "Messages.h"
 #include "Text.h"
 #include "TokenCopier.h"
+#include "sql/Names.h"
 
 namespace talu::standin {
 namespace {
 
-bool TakeIf(Lexer& lexer, std::string_view keyword) {
-  if (!lexer.Peek().Is(keyword)) return false;
-  lexer.Next();
-  return true;
-}
-
-bool TakeSymbol(Lexer& lexer, std::string_view symbol) {
-  if (!lexer.Peek().IsSymbol(symbol)) return false;
-  lexer.Next();
-  return true;
-}
-
 [[noreturn]] void FailAt(const Token& token) {
-  Rewriter::FailAt(token, token);
-}
-
-std::string TakeName(Lexer& lexer) {
-  const Token token = lexer.Next();
-  if (!token.IsName()) FailAt(token);
-  return token.Value();
+  Rewriter::FailAt(token);
 }
 
 void SkipGroup(Lexer& lexer) {
@@ -57,17 +40,33 @@ void SkipStorage(Lexer& lexer) {
 
 }  // namespace
 
-std::vector<std::string> TableDefinition::Create(Range statement) {
+bool IsConstraint(const Token& token) {
+  return IsAmong(token, "CONSTRAINT PRIMARY UNIQUE FOREIGN CHECK DEFAULT");
+}
+
+std::string TakeName(Lexer& lexer) {
+  const Token token = lexer.Next();
+  if (!token.IsName()) FailAt(token);
+  return token.Value();
+}
+
+void TakeNotForReplication(Lexer& lexer) {
+  Lexer ahead = lexer;
+  if (!TakeIf(ahead, "NOT") || !TakeIf(ahead, "FOR") || !TakeIf(ahead, "REPLICATION")) return;
+  lexer = ahead;
+}
+
+std::vector<std::string> TableDefinition::Create(Range statement, std::string& name) {
   Lexer lexer(batch_, statement.Begin, statement.End);
   lexer.Next();
   lexer.Next();
-  const Rewriter::TableName table = rewriter_.TakeTableName(lexer);
+  table_ = rewriter_.TakeTableName(lexer);
+  name = table_.Table;
   if (!TakeSymbol(lexer, "(")) FailAt(lexer.Peek());
   do {
     const Token next = lexer.Peek();
     if (next.IsSymbol(")")) break;  // a comma after the last column is allowed
-    if (next.Is("CONSTRAINT") || next.Is("PRIMARY") || next.Is("UNIQUE") || next.Is("FOREIGN") ||
-        next.Is("CHECK")) {
+    if (IsConstraint(next)) {
       TakeTableConstraint(lexer);
     } else {
       columns_.push_back(TakeColumn(lexer));
@@ -88,46 +87,17 @@ std::vector<std::string> TableDefinition::Create(Range statement) {
   }
   std::string parts;
   const auto add = [&parts](const std::string& part) {
-    if (!part.empty()) parts += (parts.empty() ? "" : ", ") + part;
+    if (!part.empty()) parts.append(parts.empty() ? "" : ", ").append(kItem).append(part);
   };
   for (const Column& column : columns_) add(Declare(column, column.IsIdentity));
   for (const Key& key : keys_)
     add(DeclareKey(key, identity == columns_.end() ? nullptr : &*identity));
   for (const std::string& constraint : constraints_) add(constraint);
-  std::vector<std::string> statements{"CREATE TABLE " + table.Quoted() + " (" + parts + ")"};
+  std::vector<std::string> statements{"CREATE TABLE " + table_.Quoted() + " (" + parts + ")"};
   if (identity != columns_.end() && identity->Seed != 1) {
-    statements.push_back("INSERT INTO " + table.Prefix + "sqlite_sequence (name, seq) VALUES (" +
-                         QuoteText(table.Table) + ", " + std::to_string(identity->Seed - 1) + ")");
+    statements.push_back("INSERT INTO " + table_.Prefix + "sqlite_sequence (name, seq) VALUES (" +
+                         QuoteText(table_.Table) + ", " + std::to_string(identity->Seed - 1) + ")");
   }
-  return statements;
-}
-
-std::vector<std::string> TableDefinition::Alter(Range statement) {
-  Lexer lexer(batch_, statement.Begin, statement.End);
-  lexer.Next();
-  lexer.Next();
-  const std::string head = "ALTER TABLE " + rewriter_.TakeTableName(lexer).Quoted();
-  std::vector<std::string> statements;
-  if (TakeIf(lexer, "DROP")) {
-    if (!TakeIf(lexer, "COLUMN")) FailAt(lexer.Peek());
-    do {
-      statements.push_back(head + " DROP COLUMN " + QuoteName(TakeName(lexer)));
-    } while (TakeSymbol(lexer, ","));
-  } else if (TakeIf(lexer, "ADD")) {
-    do {
-      const Token next = lexer.Peek();
-      if (next.Is("CONSTRAINT") || next.Is("PRIMARY") || next.Is("UNIQUE") || next.Is("FOREIGN") ||
-          next.Is("CHECK")) {
-        FailAt(next);
-      }
-      const Column column = TakeColumn(lexer);
-      if (column.IsIdentity || !keys_.empty()) FailAt(next);
-      statements.push_back(head + " ADD COLUMN " + Declare(column, false));
-    } while (TakeSymbol(lexer, ","));
-  } else {
-    FailAt(lexer.Peek());
-  }
-  if (lexer.Peek().Kind != TokenKind::End) FailAt(lexer.Peek());
   return statements;
 }
 
@@ -140,9 +110,9 @@ TableDefinition::Column TableDefinition::TakeColumn(Lexer& lexer) {
     TakeIf(lexer, "PERSISTED");
   } else {
     const Token name = lexer.Peek();
-    if (!name.IsName()) FailAt(name);
+    if (!name.IsName() || sql::IsReserved(name.Raw)) FailAt(name);
     const auto type = TakeType(lexer);
-    if (!type) throw SqlFailure(message::UnknownType(columns_.size() + 1, name.Value()));
+    if (!type) throw SqlFailure(message::kUnknownType(columns_.size() + 1, name.Value()));
     column.Type = *type;
   }
   while (TakeColumnConstraint(lexer, column)) {
@@ -153,10 +123,12 @@ TableDefinition::Column TableDefinition::TakeColumn(Lexer& lexer) {
 bool TableDefinition::TakeColumnConstraint(Lexer& lexer, Column& column) {
   std::string constraint;
   if (TakeIf(lexer, "CONSTRAINT")) constraint = TakeName(lexer);
-  const std::string named = constraint.empty() ? " " : " CONSTRAINT " + QuoteName(constraint) + " ";
+  const std::string named =
+      std::string(kMore) + (constraint.empty() ? "" : "CONSTRAINT " + QuoteName(constraint) + " ");
   const Token next = lexer.Peek();
   if (next.Is("IDENTITY")) {
     TakeIdentity(lexer, column);
+    TakeNotForReplication(lexer);
   } else if (TakeIf(lexer, "NOT")) {
     if (!TakeIf(lexer, "NULL")) FailAt(lexer.Peek());
     column.IsNotNull = true;
@@ -169,7 +141,7 @@ bool TableDefinition::TakeColumnConstraint(Lexer& lexer, Column& column) {
     column.Rest += named + "CHECK " + rewriter_.RewriteExpression(TakeGroup(lexer));
   } else if (next.Is("FOREIGN") || next.Is("REFERENCES")) {
     if (TakeIf(lexer, "FOREIGN") && !TakeIf(lexer, "KEY")) FailAt(lexer.Peek());
-    column.Rest += named + TakeReferences(lexer);
+    column.Rest += named + TakeReferences(lexer, constraint);
   } else if (TakeIf(lexer, "COLLATE")) {
     const std::string collation = TakeName(lexer);
     column.IsBinary =
@@ -209,8 +181,10 @@ void TableDefinition::TakeTableConstraint(Lexer& lexer) {
     for (const std::string& name : TakeColumnList(lexer)) {
       columns += (columns.empty() ? "" : ", ") + QuoteName(name);
     }
-    constraints_.push_back(named + "FOREIGN KEY (" + columns + ") " + TakeReferences(lexer));
+    constraints_.push_back(named + "FOREIGN KEY (" + columns + ") " +
+                           TakeReferences(lexer, constraint));
   } else if (TakeIf(lexer, "CHECK")) {
+    TakeNotForReplication(lexer);
     if (!lexer.Peek().IsSymbol("(")) FailAt(lexer.Peek());
     constraints_.push_back(named + "CHECK " + rewriter_.RewriteExpression(TakeGroup(lexer)));
   } else {
@@ -240,9 +214,15 @@ std::vector<std::string> TableDefinition::TakeColumnList(Lexer& lexer) {
   return names;
 }
 
-std::string TableDefinition::TakeReferences(Lexer& lexer) {
+std::string TableDefinition::TakeReferences(Lexer& lexer, const std::string& constraint) {
   if (!TakeIf(lexer, "REFERENCES")) FailAt(lexer.Peek());
-  std::string sql = "REFERENCES " + QuoteName(rewriter_.TakeTableName(lexer).Table);
+  const Rewriter::TableName parent = rewriter_.TakeTableName(lexer);
+  parent_ = parent.Table;
+  if (!SameName(parent_, table_.Table) && rewriter_.DefinitionOf(parent).empty()) {
+    throw SqlFailure({message::kBadReference(constraint, parent_), message::kConstraintFailed()},
+                     true);
+  }
+  std::string sql = "REFERENCES " + QuoteName(parent_);
   if (lexer.Peek().IsSymbol("(")) sql += rewriter_.RewriteExpression(TakeGroup(lexer));
   while (TakeIf(lexer, "ON")) {
     sql += TakeIf(lexer, "DELETE") ? " ON DELETE" : " ON UPDATE";
@@ -255,10 +235,11 @@ std::string TableDefinition::TakeReferences(Lexer& lexer) {
     } else if (TakeIf(lexer, "SET")) {
       sql += TakeIf(lexer, "NULL") ? " SET NULL" : " SET DEFAULT";
       if (sql.ends_with("DEFAULT") && !TakeIf(lexer, "DEFAULT")) FailAt(lexer.Peek());
-    } else {
+    } else if (lexer.Peek().Kind != TokenKind::End) {
       FailAt(lexer.Peek());
     }
   }
+  TakeNotForReplication(lexer);
   return sql;
 }
 
@@ -284,7 +265,6 @@ std::string TableDefinition::Declare(const Column& column, bool isRowNumber) con
   std::string sql = name + " " + column.Type.Declared;
   if (column.IsNotNull) sql += " NOT NULL";
   if (column.Type.What == Kind::Text && !column.IsBinary) sql += " COLLATE NOCASE";
-  sql += column.Rest;
   if (column.Type.Length > 0) {
     sql += " CONSTRAINT " + QuoteName(kLengthConstraint) + " CHECK (length(" + name +
            ") <= " + std::to_string(column.Type.Length) + ")";
@@ -299,7 +279,7 @@ std::string TableDefinition::Declare(const Column& column, bool isRowNumber) con
     }
     sql += ")";
   }
-  return sql;
+  return sql + column.Rest;
 }
 
 std::string TableDefinition::DeclareKey(const Key& key, const Column* identity) const {

@@ -16,6 +16,12 @@ namespace talu::standin {
 inline constexpr std::string_view kLengthConstraint = "sqlstandin:length";
 inline constexpr std::string_view kTypeConstraint = "sqlstandin:type:";
 
+/// Comments in the text that SQLite keeps of a table, by which it can be changed: each column and
+/// each constraint of the table stands behind the first, what a column has beside its type behind
+/// the second.
+inline constexpr std::string_view kItem = "/*;*/";
+inline constexpr std::string_view kMore = "/*=*/";
+
 /// Translates CREATE TABLE and ALTER TABLE into SQLite's dialect. An identity column becomes
 /// SQLite's automatic row number, so a primary key on other columns becomes a unique constraint.
 class TableDefinition {
@@ -24,8 +30,8 @@ class TableDefinition {
       : batch_(batch), rewriter_(rewriter) {}
 
   /// Both raise SqlFailure for what has no counterpart in SQLite.
-  std::vector<std::string> Create(Range statement);
-  /// ADD columns, DROP COLUMN.
+  std::vector<std::string> Create(Range statement, std::string& name);
+  /// Columns and constraints, added, altered and dropped.
   std::vector<std::string> Alter(Range statement);
 
  private:
@@ -52,7 +58,10 @@ class TableDefinition {
   void TakeIdentity(Lexer& lexer, Column& column);
   void TakeTableConstraint(Lexer& lexer);
   void TakeKey(Lexer& lexer, std::string constraint, std::vector<std::string> columns);
-  std::string TakeReferences(Lexer& lexer);
+  void Drop(Lexer& lexer);
+  void AddConstraint(Lexer& lexer, bool isChecked);
+  void FindItem(const std::string& beginning, std::size_t& begin, std::size_t& end) const;
+  std::string TakeReferences(Lexer& lexer, const std::string& constraint);
   std::string TakeDefault(Lexer& lexer);
   std::vector<std::string> TakeColumnList(Lexer& lexer);
   std::string Declare(const Column& column, bool isRowNumber) const;
@@ -60,9 +69,21 @@ class TableDefinition {
 
   std::string_view batch_;
   Rewriter& rewriter_;
+  Rewriter::TableName table_;
+  /// ALTER TABLE: SQLite's text of the table, as it shall be, and what else is to be executed.
+  std::string text_;
+  std::vector<std::string> statements_;
+  /// What the last REFERENCES names.
+  std::string parent_;
   std::vector<Column> columns_;
   std::vector<Key> keys_;
   std::vector<std::string> constraints_;
 };
+
+/// Whether a constraint of a table begins with the token.
+bool IsConstraint(const Token& token);
+/// Raises NotKnown.
+std::string TakeName(Lexer& lexer);
+void TakeNotForReplication(Lexer& lexer);
 
 }  // namespace talu::standin

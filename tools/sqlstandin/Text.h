@@ -17,9 +17,6 @@ void AppendUtf16(std::string& bytes, std::string_view utf8);
 /// The first `most` UTF-16 units of a text; never splits a surrogate pair.
 std::string_view FirstUnits(std::string_view utf8, std::size_t most);
 
-/// The length of a text in UTF-16 units, which is how the server counts characters.
-std::size_t CountUnits(std::string_view utf8);
-
 /// A name in a form in which two spellings that differ only in case are equal: the server's default
 /// collation ignores case.
 std::string FoldName(std::string_view utf8);

@@ -6,12 +6,11 @@
 
 #include "ColumnType.h"
 #include "Messages.h"
+#include "runtime/TextFunctions.h"
+#include "sql/Names.h"
 
 namespace talu::standin {
 namespace {
-
-/// Parentheses in parentheses. Newer versions of SQLite have no limit of their own.
-constexpr std::size_t kDeepestParentheses = 1000;
 
 constexpr std::string_view kLocalTime = "strftime('%Y-%m-%d %H:%M:%f','now','localtime')";
 constexpr std::string_view kUtcTime = "strftime('%Y-%m-%d %H:%M:%f','now')";
@@ -20,8 +19,9 @@ struct RenamedFunction {
   std::string_view Name;
   std::string_view Sqlite;
 };
-constexpr std::array<RenamedFunction, 2> kRenamedFunctions = {{
+constexpr std::array<RenamedFunction, 3> kRenamedFunctions = {{
     {"ISNULL", "ifnull"},
+    {"NCHAR", "char"},
     {"SCOPE_IDENTITY", "last_insert_rowid"},
 }};
 
@@ -31,7 +31,7 @@ struct SystemView {
   bool IsServerWide;
 };
 /// System views by their T-SQL names, with the schema where they have one.
-constexpr std::array<SystemView, 14> kSystemViews = {{
+constexpr std::array<SystemView, 21> kSystemViews = {{
     {"sys.databases", true},
     {"sys.sql_logins", true},
     {"sys.server_principals", true},
@@ -41,9 +41,16 @@ constexpr std::array<SystemView, 14> kSystemViews = {{
     {"sys.objects", false},
     {"sys.tables", false},
     {"sys.views", false},
+    {"sys.procedures", false},
+    {"sys.triggers", false},
     {"sys.columns", false},
+    {"sys.identity_columns", false},
+    {"sys.indexes", false},
+    {"sys.schemas", false},
+    {"sys.types", false},
     {"sysusers", false},
     {"sysobjects", false},
+    {"syscolumns", false},
     {"information_schema.tables", false},
     {"information_schema.columns", false},
 }};
@@ -67,7 +74,7 @@ Range TakeGroup(Lexer& lexer) {
   int depth = 1;
   while (true) {
     const Token token = lexer.Next();
-    if (token.Kind == TokenKind::End) Rewriter::FailAt(open, open);
+    if (token.Kind == TokenKind::End) Rewriter::FailAt(open);
     if (token.IsSymbol("(")) ++depth;
     if (token.IsSymbol(")") && --depth == 0) return {open.At, token.At + token.Raw.size()};
   }
@@ -109,7 +116,7 @@ std::string TokenCopier::CopyAll() {
         break;
       case TokenKind::Variable: {
         const auto value = environment_.Variable(token.Raw);
-        if (!value) throw SqlFailure(message::UndeclaredVariable(token.Raw), true);
+        if (!value) throw SqlFailure(message::kUndeclaredVariable(token.Raw), true);
         Put(*value);
         break;
       }
@@ -127,9 +134,8 @@ void TokenCopier::CopySymbol(const Token& token) {
     Frame frame;
     frame.IsCast = last_.Is("CAST");
     frames_.push_back(frame);
-    if (frames_.size() > kDeepestParentheses) throw SqlFailure(message::TooDeep(), true);
   } else if (token.IsSymbol(")")) {
-    if (frames_.size() == 1) Rewriter::FailAt(token, token);
+    if (frames_.size() == 1) Rewriter::FailAt(token);
     if (!frames_.back().Closing.empty()) Put(frames_.back().Closing);
     frames_.pop_back();
     Put(")");
@@ -145,7 +151,7 @@ void TokenCopier::CopySymbol(const Token& token) {
     static constexpr std::array<std::string_view, 16> kKnown = {
         ",", ".", "=", "<", ">", "<=", ">=", "<>", "!=", "-", "*", "/", "%", "&", "|", "~"};
     if (std::find(kKnown.begin(), kKnown.end(), token.Raw) == kKnown.end()) {
-      Rewriter::FailAt(token, token);
+      Rewriter::FailAt(token);
     }
     static constexpr std::string_view kEnds = ",=<>!";
     if (kEnds.find(token.Raw.front()) != std::string_view::npos) frames_.back().JoinsTexts = false;
@@ -155,7 +161,7 @@ void TokenCopier::CopySymbol(const Token& token) {
 
 void TokenCopier::CopyWord(const Token& token) {
   const Token next = lexer_.Peek();
-  if (token.Raw.front() == '#') Rewriter::FailAt(token, token);  // temporary tables
+  if (token.Raw.front() == '#') Rewriter::FailAt(token);  // temporary tables
   if (next.IsSymbol(".")) {
     CopyNames(token);
   } else if (next.IsSymbol("(")) {
@@ -167,7 +173,7 @@ void TokenCopier::CopyWord(const Token& token) {
     Put(kLocalTime);
   } else if (token.Is("AS") && frames_.back().IsCast) {
     const auto type = TakeType(lexer_);
-    if (!type) throw SqlFailure(message::UnknownType(1, next.Value()), true);
+    if (!type) throw SqlFailure(message::kUnknownType(1, next.Value()), true);
     Put("AS");
     Put(CastType(type->What));
   } else if (token.Raw.size() > 7 && FindSystemView(token.Raw) != nullptr) {
@@ -192,7 +198,7 @@ void TokenCopier::CopyFunction(const Token& token) {
   if (isLocal || token.IsOneOf({"GETUTCDATE", "SYSUTCDATETIME"})) {
     lexer_.Next();
     const Token close = lexer_.Next();
-    if (!close.IsSymbol(")")) Rewriter::FailAt(close, token);
+    if (!close.IsSymbol(")")) Rewriter::FailAt(close);
     Put(isLocal ? kLocalTime : kUtcTime);
   } else if (token.Is("CONVERT")) {
     CopyConvert();
@@ -207,6 +213,13 @@ void TokenCopier::CopyFunction(const Token& token) {
         return;
       }
     }
+    Lexer ahead = lexer_;
+    TakeGroup(ahead);
+    const bool isTable = ahead.Peek().Is("AS") && (last_.Is("WITH") || last_.IsSymbol(","));
+    if (!isTable && !token.Is("CAST") && !sql::IsReserved(token.Raw) &&
+        !environment_.HasFunction(token.Raw)) {
+      throw NotKnown(UCase(token.Raw) + "()");
+    }
     PutWord(token);
   }
 }
@@ -216,14 +229,14 @@ void TokenCopier::CopyTop() {
   if (lexer_.Peek().IsSymbol("(")) {
     lexer_.Next();
     frames_.back().Closing = std::string("LIMIT ").append(lexer_.Peek().Raw);
-    if (lexer_.Peek().Kind != TokenKind::Number) Rewriter::FailAt(lexer_.Peek(), last_);
+    if (lexer_.Peek().Kind != TokenKind::Number) Rewriter::FailAt(lexer_.Peek());
     lexer_.Next();
     const Token close = lexer_.Next();
-    if (!close.IsSymbol(")")) Rewriter::FailAt(close, close);
+    if (!close.IsSymbol(")")) Rewriter::FailAt(close);
   } else {
     frames_.back().Closing = std::string("LIMIT ").append(lexer_.Next().Raw);
   }
-  if (lexer_.Peek().Is("PERCENT")) Rewriter::FailAt(lexer_.Peek(), last_);
+  if (lexer_.Peek().Is("PERCENT")) Rewriter::FailAt(lexer_.Peek());
 }
 
 /// CONVERT(type, value[, style]) becomes CAST(value AS type).
@@ -231,9 +244,9 @@ void TokenCopier::CopyConvert() {
   lexer_.Next();
   const Token name = lexer_.Peek();
   const auto type = TakeType(lexer_);
-  if (!type) throw SqlFailure(message::UnknownType(1, name.Value()), true);
+  if (!type) throw SqlFailure(message::kUnknownType(1, name.Value()), true);
   const Token comma = lexer_.Next();
-  if (!comma.IsSymbol(",")) Rewriter::FailAt(comma, name);
+  if (!comma.IsSymbol(",")) Rewriter::FailAt(comma);
   Put("CAST (");
   Frame frame;
   frame.Closing = std::string("AS ").append(CastType(type->What));
@@ -266,18 +279,20 @@ void TokenCopier::CopyNames(const Token& first) {
       lexer_.Next();
       hasStar = true;
     } else {
-      Rewriter::FailAt(part, first);
+      Rewriter::FailAt(part);
     }
   }
+  if (lexer_.Peek().IsSymbol("(")) throw NotKnown("a function or method with a dot");
   std::string prefix;
-  if (parts.size() >= 3 && (parts[1].empty() || SameWord(parts[1], "dbo"))) {
-    prefix = environment_.PrefixOf(parts[0]);
-    parts.erase(parts.begin(), parts.begin() + 2);
-  } else if (parts.size() == 3 &&
-             (SameWord(parts[1], "sys") || SameWord(parts[1], "INFORMATION_SCHEMA"))) {
+  if (parts.size() >= 3 && !environment_.IsSchema(parts[0]) && !SameWord(parts[0], "dbo")) {
     prefix = environment_.PrefixOf(parts[0]);
     parts.erase(parts.begin());
-  } else if (parts.size() >= 2 && SameWord(parts[0], "dbo")) {
+    if (parts[0].empty()) parts[0] = "dbo";
+  }
+  if (parts.size() >= 2 && SameWord(parts[0], "dbo")) {
+    parts.erase(parts.begin());
+  } else if (parts.size() >= 2 && environment_.IsSchema(parts[0])) {
+    parts[1] = DataName(parts[0], parts[1]);
     parts.erase(parts.begin());
   }
   if (parts.size() >= 2 &&
@@ -301,7 +316,7 @@ void TokenCopier::CopyNames(const Token& first) {
 void TokenCopier::PutSystemView(std::string_view name, std::string_view prefix) {
   const SystemView* view = FindSystemView(name);
   if (view == nullptr || (!prefix.empty() && !view->IsServerWide)) {
-    throw SqlFailure(message::InvalidObject(std::string(prefix) + std::string(name)), true);
+    throw NotKnown(std::string(name));
   }
   environment_.NeedSystemViews();
   Put("temp." + QuoteName(view->Name));

@@ -24,10 +24,9 @@ using namespace talu::standin;
 constexpr const char* kDescription =
     "A small server that speaks SQL Server's wire protocol (TDS 7.x) and keeps its databases with\n"
     "SQLite, for trying and testing an installation on a machine without SQL Server.\n"
-    "It is NOT a SQL Server: it knows the statements that installation scripts use, checks no\n"
-    "permissions, encrypts nothing, and answers what it does not know with error 102. It listens "
-    "on\n"
-    "127.0.0.1 only. Never keep data in it that you need.";
+    "It is NOT a SQL Server: it knows the statements that installation scripts use, only takes\n"
+    "note of others, checks no permissions and encrypts nothing. It listens on 127.0.0.1 only.\n"
+    "Never keep data in it that you need.";
 
 constexpr const char* kPasswordVariable = "SQLSTANDIN_PASSWORD";
 
@@ -61,6 +60,9 @@ struct Options {
   std::string User = "sa";
   std::string PasswordFile;
   std::string Journal;
+  std::string Report;
+  bool IsStrict = false;
+  std::vector<std::string> NoWrite;
   std::vector<std::string> FailStatements, FailTexts, CutStatements, CutTexts, DelayTexts;
   int Delay = 0;
 };
@@ -82,6 +84,15 @@ void Declare(CLI::App& app, Options& options) {
       "--journal", options.Journal,
       "File to which every batch received is appended, one JSON object a line, passwords "
       "masked");
+  app.add_option(
+      "--report", options.Report,
+      "File that receives what became of every batch and what there is on the server, as "
+      "JSON: at the end, and at SIGUSR1");
+  app.add_flag("--strict", options.IsStrict,
+               "Refuses what the server does not know; otherwise it is taken note of");
+  app.add_option("--no-write", options.NoWrite,
+                 "FOLDER: no database file and no backup can be made in C:\\FOLDER or below "
+                 "(repeatable)");
   app.add_option("--fail-statement", options.FailStatements,
                  "N[=NUMBER:MESSAGE]: the N-th batch received fails, with error 50000 or this one "
                  "(repeatable)");
@@ -111,24 +122,37 @@ int Run(const Options& options) {
   mishaps.DelayAll(std::chrono::milliseconds(options.Delay));
   Drives drives;
   for (const std::string& drive : options.Drives) drives.Add(drive);
+  for (const std::string& folder : options.NoWrite) drives.Protect(folder);
 
   // Every thread inherits this, so that only this one gets the signals.
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGTERM);
   sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGUSR1);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  const Descriptor stop(signalfd(-1, &signals, SFD_CLOEXEC));
+  const Descriptor signal(signalfd(-1, &signals, SFD_CLOEXEC));
 
   // For a journal that is a pipe: writing fails, and the server reports it.
-  signal(SIGPIPE, SIG_IGN);
+  ::signal(SIGPIPE, SIG_IGN);
 
   Catalogue catalogue(options.Data, drives, options.User, ReadPassword(options.PasswordFile));
   Journal journal(options.Journal);
-  ServerParts parts{catalogue, journal, mishaps};
+  ServerParts parts{catalogue, journal, mishaps, ServerParts::kUsualLoginTime, options.IsStrict};
+  const auto account = [&] {
+    if (!options.Report.empty()) parts.Account.Write(options.Report, catalogue, options.IsStrict);
+  };
+  account();  // before anyone relies on it
   Server server(parts, options.Port);
   std::cout << "listening on 127.0.0.1:" << server.Port() << std::endl;
-  server.Run(stop.Number());
+  server.Run(signal.Number(), [&] {
+    signalfd_siginfo which{};
+    const bool isRead = read(signal.Number(), &which, sizeof which) == sizeof which;
+    if (!isRead || which.ssi_signo != SIGUSR1) return false;
+    account();
+    return true;
+  });
+  account();
   return EXIT_SUCCESS;
 }
 
