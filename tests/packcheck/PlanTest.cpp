@@ -280,7 +280,7 @@ TEST_F(PlanTest, JournalIsJson) {
       {R"({"event":"show","form":"FrmType"})",
        R"({"event":"mkdir","path":"C:\\Program Files\\TA-LU"})",
        R"({"event":"connect","text":"driver={SQL Server};server=SERVER;uid=sa;pwd=password;database=Master","ok":true})",
-       R"({"event":"sql","text":"SELECT '€\"\\'\u0009USE Gone","timeout":300,"ok":false,"error":{"number":-2147217900,"description":"[Microsoft][ODBC SQL Server Driver][SQL Server]Database 'Gone' does not exist. Make sure that the name is entered correctly."}})"}) {
+       R"({"event":"sql","text":"SELECT '€\"\\'\u0009USE Gone","script":"d.sql","line":2,"timeout":300,"ok":false,"error":{"number":-2147217900,"description":"[Microsoft][ODBC SQL Server Driver][SQL Server]Database 'Gone' does not exist. Make sure that the name is entered correctly."}})"}) {
     EXPECT_NE(json.find(line + std::string("\n")), std::string::npos) << line << "\n" << json;
   }
 }

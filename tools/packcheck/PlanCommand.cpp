@@ -2,28 +2,34 @@
 
 #include <ostream>
 #include <stdexcept>
+#include <string>
 
 #include "PlanAccount.h"
 #include "PlanComparison.h"
+#include "pages/FrmSQLNonQuery.h"
 
 namespace talu::packcheck {
 namespace {
-
-/// The event, and what the server could not tell of it.
-void WriteJson(const JournalEvent& event, const SimulatedServer& server, std::ostream& out) {
-  if (event.Kind != "sql" || server.Doubt().empty()) {
-    out << event.ToJson() << '\n';
-    return;
-  }
-  JournalEvent doubted = event;
-  doubted.Fields.emplace_back("doubt", server.Doubt());
-  out << doubted.ToJson() << '\n';
-}
 
 void RequireEmpty(const std::filesystem::path& folder) {
   if (std::filesystem::exists(folder) && !std::filesystem::is_empty(folder)) {
     throw std::runtime_error("--save: " + folder.string() + " is not empty");
   }
+}
+
+/// The event in JSON. A statement of a script has the place where its batch begins, and what the
+/// server could not tell of it.
+std::string Line(PlannedRun& run, const JournalEvent& event) {
+  if (event.Kind != "sql") return event.ToJson();
+  JournalEvent placed = event;
+  if (const auto& origin = run.Wizard.Page<FrmSQLNonQuery>().Build.Executing()) {
+    placed.Fields.insert(placed.Fields.begin() + 1,
+                         {{"script", origin->Script}, {"line", std::int64_t{origin->Line}}});
+  }
+  if (const std::string doubt = run.Machine.Server.Doubt(); !doubt.empty()) {
+    placed.Fields.emplace_back("doubt", doubt);
+  }
+  return placed.ToJson();
 }
 
 }  // namespace
@@ -35,7 +41,7 @@ int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
   PlanAccount account(options.Run, options.Json || compare ? nowhere : out, options.Listed);
   std::vector<std::string> shortcuts;
   PlannedRun run(options.Run, [&](PlannedRun& sofar, const JournalEvent& event) {
-    if (options.Json) WriteJson(event, sofar.Machine.Server, out);
+    if (options.Json) out << Line(sofar, event) << '\n';
     if (event.Kind == "shortcut" && !event.Error) shortcuts.push_back(event.Text("path"));
     account.Take(sofar, event);
   });
