@@ -8,6 +8,7 @@
 Root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 Machines=()
 Folder='C:\Program Files'
+Login=sa
 # Files outside build/ to remove at the end.
 Leavings=()
 
@@ -47,6 +48,8 @@ esac
 
 # Wine reads file names by the locale; builds and tools must not depend on it.
 export LC_ALL=C.UTF-8
+# Python's own files are not for the tree.
+export PYTHONDONTWRITEBYTECODE=1
 
 # Every program that is started from here on has this mark in its environment, and so do those that
 # it starts and those that leave it and go on by themselves, as Wine's server does. A command within
@@ -94,6 +97,9 @@ EndMarked() {
   done
 }
 
+# A command for the end, when no program of a machine runs any more.
+AtEnd=()
+
 EndAll() {
   local status=$? machine process
   trap - ERR
@@ -101,6 +107,7 @@ EndAll() {
   for machine in "${Machines[@]}"; do
     [[ ! -d $machine/wine ]] || WINEPREFIX=$machine/wine timeout 10 wineserver -k 2>/dev/null || true
   done
+  ((${#AtEnd[@]} == 0)) || timeout 300 "${AtEnd[@]}" || ((status)) || status=1
   # Shells of our own that run in the background have no mark.
   for process in $(jobs -p); do kill "$process" 2>/dev/null || true; done
   EndMarked
@@ -276,12 +283,11 @@ StopServer() {
   kill "$ServerProcess" 2>/dev/null && wait "$ServerProcess" 2>/dev/null || true
 }
 
+# AtServer COMMAND...: tools/rehearsal/AtServer.py, at the server of the machines, as Login.
+AtServer() { python3 -B "$Root/tools/rehearsal/AtServer.py" "$Server" "$Login" "$@"; }
+
 # Query DATABASE STATEMENT: the rows, by the wire.
-Query() {
-  printf '%s\ngo\n' "$2" |
-    tsql -H 127.0.0.1 -p "$Port" -U sa -P "$SQL_PASSWORD" -D "$1" -o fhq 2>/dev/null |
-    sed 's/[[:space:]]*$//; /^$/d'
-}
+Query() { AtServer query "$1" "$2" 2>/dev/null || true; }
 
 # ScriptsOf PACK TYPE: the scripts that the pack lists for Fresh, Demo or Upgrade.
 ScriptsOf() {
@@ -289,26 +295,22 @@ ScriptsOf() {
     awk -v key="$2DBSript" '$0 == key {k = 1} k && $0 == "}" {exit} k == 2 {print} k && $0 == "{" {k = 2}'
 }
 
-# LoadScripts PACK TYPE DRIVE_C: what the pack's scripts for Fresh, Demo or Upgrade make, on the server,
-# without the wizard.
+# PlanOf PACK MODE TYPE [OPTION...]: what packcheck foretells of this installation below Folder, in JSON; its
+# server accepts everything.
+PlanOf() {
+  local status=0
+  "$Root/build/release/tools/packcheck/packcheck" plan "$1" --mode "$2" --type "${3,}" --server "${Server:-SERVER}" \
+    --user "$Login" --password-from SQL_PASSWORD --install-path "$Folder" --accept-all --json "${@:4}" \
+    2>"$TMPDIR/plan.log" || status=$?
+  ((status < 2)) || Fail "the plan: $(head -n1 "$TMPDIR/plan.log")"
+}
+
+# LoadScripts PACK TYPE DRIVE_C [LETTER=FOLDER]...: what the pack's scripts for Fresh, Demo or Upgrade make, on the
+# server, sent as the wizard would, without it. The server's drives are these folders.
 LoadScripts() {
-  local script list file
-  list=$(ScriptsOf "$1" "$2")
-  while read -r script; do
-    [[ -n $script ]] || continue
-    file=$1/SQLScript/$2/$script
-    # The folders that the statements name, on the server's drive.
-    { grep -oE "[Cc]:\\\\[^']*\\\\" "$file" || true; } | sort -u | while read -r folder; do
-      folder=${folder:3}
-      mkdir -p "$3/${folder//\\//}"
-    done
-    iconv -f CP1252 -t UTF-8 "$file" | tr -d '\r' | awk '
-      toupper($0) ~ /--TALULINEBYLINE/ {lines = 1; next}
-      toupper($0) ~ /--TALUGO/ {lines = 0; next}
-      {print} lines && NF {print "GO"}' |
-      bsqldb -S "127.0.0.1:$Port" -U sa -P "$SQL_PASSWORD" -D master -q >"$TMPDIR/load.log" 2>&1 ||
-      Fail "the server refused $script: $(head -n1 "$TMPDIR/load.log")"
-  done <<<"$list"
+  local Folder='C:\Before' said
+  PlanOf "$1" server "$2" >"$TMPDIR/load.jsonl"
+  said=$(AtServer load "$TMPDIR/load.jsonl" "C=$3" "${@:4}" 2>&1) || Fail "$said"
 }
 
 # Drive SCRIPT [OPTION...]: plays a script, in which FOLDER is $Folder, with the pack at PackPath, D:\Pack
@@ -326,7 +328,7 @@ Drive() {
 Walk() {
   printf '%s\n' 'wait FrmType' ${2:+"click Opt$2"} ${3:+'shot 1-type.png'} 'click CmdNext' \
     'wait FrmMode' "click Opt$1" ${3:+'shot 2-mode.png'} 'click CmdNext'
-  [[ $1 == Client ]] || printf '%s\n' 'wait FrmAuthentication' 'type TxtUsrName sa' \
+  [[ $1 == Client ]] || printf '%s\n' 'wait FrmAuthentication' "type TxtUsrName $Login" \
     'type TxtPsWord ${env:SQL_PASSWORD}' 'type TxtServer ${SERVER}' ${3:+'shot 3-authentication.png'} \
     'click CmdNext'
   printf '%s\n' 'wait FrmLocation' 'click CmdLocation' 'browse ${FOLDER}'
@@ -338,17 +340,4 @@ Walk() {
 Finish() {
   printf '%s\n' 'wait FrmApplication' 'expect CmdNext enabled true' \
     'expect Lblmsg text Installation finished. Click Finish to Exit.' "$@" finish
-}
-
-# WriteScript FILE MODE TYPE: a drive script for a whole installation, with a picture of every page. A type
-# that the pack has no scripts for is not clicked.
-WriteScript() {
-  local type=${3^}
-  [[ -n $(ScriptsOf "$Machine/media/Pack" "$type") ]] || type=
-  {
-    Walk "${2^}" "$type" pictures
-    echo 'timeout 600'
-    [[ $2 == client ]] || printf '%s\n' 'wait FrmSQLNonQuery' 'shot 5-database.png'
-    Finish 'expect ShpProgBar width 7325' 'shot 6-application.png'
-  } >"$1"
 }

@@ -4,6 +4,24 @@
 DriveC=$Machine/wine/drive_c
 PutPack "$Sample"
 
+# Reference TYPE DRIVE_C: what another reader and another client make of the scripts.
+Reference() {
+  local script file folder
+  for script in $(ScriptsOf "$Sample" "$1"); do
+    file=$Sample/SQLScript/$1/$script
+    { grep -oE "C:\\\\[^']*\\\\" "$file" || true; } | while read -r folder; do
+      folder=${folder:3}
+      mkdir -p "$2/${folder//\\//}"
+    done
+    iconv -f CP1252 -t UTF-8 "$file" | tr -d '\r' | awk '
+      toupper($0) ~ /--TALULINEBYLINE/ {lines = 1; next}
+      toupper($0) ~ /--TALUGO/ {lines = 0; next}
+      {print} lines && NF {print "GO"}' |
+      bsqldb -S "127.0.0.1:$Port" -U sa -P "$SQL_PASSWORD" -D master -q >"$Machine/out" 2>&1 ||
+      Problems+=("$script: $(<"$Machine/out")")
+  done
+}
+
 Test 'packcheck has nothing to say about the sample but what it accepts'
 True 'the check' "$Root/build/release/tools/packcheck/packcheck" check "$Machine/media/Pack"
 
@@ -26,8 +44,8 @@ for Mode in Server Client; do
       StopServer
       Data="$Machine/reference of $Type"
       StartServer "$Data" "$Data/drive_c"
-      [[ $Type != Upgrade ]] || LoadScripts "$Sample" Fresh "$Data/drive_c"
-      LoadScripts "$Sample" "$Type" "$Data/drive_c"
+      [[ $Type != Upgrade ]] || Reference Fresh "$Data/drive_c"
+      Reference "$Type" "$Data/drive_c"
       Is 'rows' "$(Counts)" "${Rows:-none}"
     fi
     StopServer

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What tools/installed prints of a machine has no password in it: InstalledTest.py COMMAND."""
+"""What tools/rehearsal/installed prints of a machine has no password in it: InstalledTest.py COMMAND."""
 
 import os
 import pathlib
@@ -32,9 +32,9 @@ with tempfile.TemporaryDirectory() as place:
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_bytes(text.replace("\n", "\r\n").encode("cp1252"))
     environment = {**os.environ, "SQL_PASSWORD": "Server-1"}
-    said = subprocess.run([sys.argv[1], place, "1", "server"], check=False, capture_output=True, text=True,
+    said = subprocess.run([sys.executable, "-B", sys.argv[1], place, "127.0.0.1,1", "sa", "server"], check=False, capture_output=True, text=True,
                           env=environment)
-    piped = subprocess.run([sys.argv[1], place], check=False, capture_output=True, text=True, env=environment,
+    piped = subprocess.run([sys.executable, "-B", sys.argv[1], place], check=False, capture_output=True, text=True, env=environment,
                            input="a message box is open: \"near 'Clerk-3'\"\n")
 
 assert said.returncode == 0, said.stderr
