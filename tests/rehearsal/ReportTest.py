@@ -108,5 +108,6 @@ assert plan.names() == {"a ] b", "c", "d", "f", "g"}, plan.names()
 assert plan.files() == ["E:\\x'y.mdf"], plan.files()
 assert beginning("\r\n-- x\r\nCREATE LOGIN a WITH PASSWORD = 'b'") == "CREATE LOGIN a WITH ..."
 for received, planned, same in (("a'***'b", "aN'x''y'b", True), ("a'***'b", "a'x'c", False), ("a***", "a'x\ny", True),
+                                ("*" * 3000 + "'***';'***'", "*" * 3000 + "'x';'y'", True), ("*" * 3000, "*" * 2999, False),
                                 ("_1_2_3_4_5.bkp", "_9_9_9_9_9.bkp", True), ("a", "b", False)):
     assert is_same(received, planned) is same, (received, planned)

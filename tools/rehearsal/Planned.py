@@ -69,7 +69,16 @@ class Plan:
 def is_same(received, planned):
     """Whether a server that keeps passwords to itself ("***") received what was planned."""
     received, planned = STAMP.sub("_.bkp", received), STAMP.sub("_.bkp", planned)
-    if "***" not in received:
-        return received == planned
-    texts = (".*".join(re.escape(part) for part in text.split("***")) for text in re.split(r"N?'\*\*\*'", received))
-    return re.fullmatch(r"N?'(?:[^']|'')*'".join(texts), planned, re.S) is not None
+    if received == planned:
+        return True
+    # A line of stars in a comment is none of these.
+    first, *others = re.split(r"N?'\*\*\*'|(?<!\*)\*\*\*(?!\*)", received)
+    if not others or not planned.startswith(first):
+        return False
+    at, end = len(first), len(planned) - len(others[-1])
+    for piece in others[:-1]:
+        at = planned.find(piece, at, end)
+        if at < 0:
+            return False
+        at += len(piece)
+    return at <= end and planned.endswith(others[-1])
