@@ -106,7 +106,8 @@ plan.build = [Statement({"text": text}) for text in (
     "EXEC sp_addlogin @loginame = N'F', 'p'", "alter login G DISABLE", "CREATE TABLE H (Id INT)")]
 assert plan.names() == {"a ] b", "c", "d", "f", "g"}, plan.names()
 assert plan.files() == ["E:\\x'y.mdf"], plan.files()
-assert beginning("\r\n-- x\r\nCREATE LOGIN a WITH PASSWORD = 'b'") == "CREATE LOGIN a WITH ..."
+assert beginning("\r\n-- x\r\n/***\n use\n***/ CREATE LOGIN a WITH PASSWORD = 'b'") == "CREATE LOGIN a WITH ..."
+assert beginning("-- GO") == "a comment"
 for received, planned, same in (("a'***'b", "aN'x''y'b", True), ("a'***'b", "a'x'c", False), ("a***", "a'x\ny", True),
                                 ("*" * 3000 + "'***';'***'", "*" * 3000 + "'x';'y'", True), ("*" * 3000, "*" * 2999, False),
                                 ("_1_2_3_4_5.bkp", "_9_9_9_9_9.bkp", True), ("a", "b", False)):

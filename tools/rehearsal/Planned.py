@@ -11,6 +11,7 @@ NAMED = re.compile(
     r"\b(?:(?:CREATE|ALTER|DROP|RESTORE|BACKUP)\s+(?:DATABASE|LOGIN)\s+(?:IF\s+EXISTS\s+)?|USE\s+)" + NAME.format("s") +
     r"|\bsp_(?:addlogin|droplogin|grantlogin|attach_db|attach_single_file_db|detach_db|renamedb)\s+"
     r"(?:@\w+\s*=\s*)?N?'(?P<literal>(?:[^']|'')+)'", re.I)
+COMMENTS = re.compile(r"\A(?:\s+|--[^\n]*(?:\n|\Z)|/\*.*?(?:\*/|\Z))*", re.S)
 # What follows one of these in a line may be a password.
 SECRET = re.compile(r"(?i)(?:\bpassword\b|\bsp_(?:addlogin|password|setapprole)\b|\bpwd\s*=).*", re.S)
 
@@ -27,8 +28,7 @@ class Statement:
 
 def beginning(text):
     """The first line that is no comment, without what may be a password."""
-    lines = [line.strip() for line in text[:10000].splitlines() if line.strip()]
-    first = next((line for line in lines if not line.startswith(("--", "/*"))), lines[0] if lines else "")
+    first = next((line.strip() for line in COMMENTS.sub("", text[:10000]).splitlines() if line.strip()), "a comment")
     first = SECRET.sub("...", first)
     return first if len(first) <= 76 else first[:73] + "..."
 
