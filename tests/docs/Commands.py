@@ -20,6 +20,8 @@ quoted = shlex.quote(str(place))  # for a shell
 machine = pathlib.Path(os.environ["Machine"])
 pack = machine / "media/Pack"
 server = os.environ["Server"]
+# Where a server's machine has to have a folder.
+data = shlex.quote(str(machine / "wine/drive_c/TaluDemo/TA-LU/SalesDesk/Data"))
 
 # What is run in place of a command that would take long, or that would run this test again.
 INSTEAD = {
@@ -33,6 +35,13 @@ INSTEAD = {
     "./demo --mode client": f"./demo --mode client --out {quoted}/demo-client",
     "./demo --pack DIR": f"./demo --mode client --pack samples/Starter --out {quoted}/demo-starter",
     "./demo --show": f"tests/docs/closing {quoted}/demo-show",
+    "./demo --pack DIR --break TEXT": "./demo --help",  # tools/rehearse does it
+    "./demo --server SRV1 --login sa --folder 'C:\\TaluDemo'":
+        f"mkdir -p {data} && ./demo --server {server} --login sa --folder 'C:\\TaluDemo' --out {quoted}/demo-server && "
+        f"! ls {data}/*",
+    "./test e2e --server SRV1 --login sa": "./test --help",
+    "tools/rehearse DIR": f"mkdir -p {quoted}/packs && cp -r samples/Starter {quoted}/packs/ && "
+                          f"tools/rehearse {quoted}/packs",
     "tools/lint": "tools/lint src/runtime tools/lint tools/rooms",
     "tools/mutate": "tools/mutate --list",
     "tools/mutate deploy": "tools/mutate --list deploy",
