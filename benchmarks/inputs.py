@@ -1,6 +1,7 @@
 """Makes what ./bench installs, runs and checks: inputs.py DIR FILES BATCHES SCRIPTS
 
 copy/ is a pack with FILES small files in folders of 50, batches/ one with a script of so many batches,
+nothing.sql as many batches that ask for nothing; rehearsal/ a pack with one script of 401 batches and 2 MB,
 large/ one with SCRIPTS scripts of 100 kB each; copy.nsi and copy.wxs are the same tree for makensis and wixl, empty.nsi an installer of nothing.
 """
 
@@ -69,6 +70,24 @@ def write_batches(path, count):
     write_lines(path, lines)
 
 
+def write_nothing(path, count):
+    write_lines(path, ["SET NOCOUNT ON", "GO"] * count)
+
+
+def write_rehearsal(path, count, size):
+    """A database, a table in each tenth batch, and rows in the others."""
+    lines = ["--taluGO", "CREATE DATABASE Rehearsal ON (NAME = N'Rehearsal', FILENAME = N'C:\\Old\\Rehearsal.mdf')", "GO",
+             "USE Rehearsal", "GO"]
+    batch = size // (count - 2) * 10 // 9
+    for number in range(count - 2):
+        if number % 10 == 0:
+            lines += [f"CREATE TABLE dbo.Table{number} (Id INT NOT NULL PRIMARY KEY, Name NVARCHAR(80))", "GO"]
+            continue
+        row = f"INSERT INTO dbo.Table{number // 10 * 10} (Id, Name) VALUES ({number}{{:03}}, N'A row of a table of a script that is long')"
+        lines += [row.format(at) for at in range(batch // (len(row) + 2))] + ["GO"]
+    write_lines(path, lines)
+
+
 def write_large(pack, count):
     """A database in the first script, a table of its own in each, and rows in batches of ten."""
     names = [f"Table {number:04}.sql" for number in range(count)]
@@ -96,6 +115,9 @@ def main():
     for name in ("copy", "batches"):
         write_pack(root / name, ["Rows.sql"])
         write_batches(root / name / "SQLScript/Fresh/Rows.sql", batches)
+    write_nothing(root / "nothing.sql", batches)
+    write_pack(root / "rehearsal", ["All.sql"])
+    write_rehearsal(root / "rehearsal/SQLScript/Fresh/All.sql", 401, 2_000_000)
     write_tree(root / "copy/Application", files)
     write_installers(root, root / "copy/Application")
     write_large(root / "large", scripts)
