@@ -74,7 +74,7 @@ StartStandIn() {
     Drives+=("$letter=$Machine/server/drive_$letter")
     set -- "$@" --drive "${Drives[-1]}"
   done
-  StartServer "$Machine/server" "$drive" ${Break:+"--fail-text=$Break"} "$@"
+  StartServer "$Machine/server" "$drive" --report "$Machine/server/report.json" ${Break:+"--fail-text=$Break"} "$@"
 }
 
 # MakeReady: the folder is there, the server has what a client or an upgrade needs, and what that is, is in Before.
@@ -113,9 +113,13 @@ Tell() {
   [[ $Mode == server ]] || return 0
   local options=(--plan "${Plans[-1]}" --before "$Before" --out "$Machine" --seconds "$1"
     --title "${Pack##*/}: $Type, $Mode, at $Server, $(date '+%F %R')")
-  [[ -n $Own ]] || options+=(--journal "$ServerData/journal.jsonl" --lines "$First" "$Last")
+  if [[ -z $Own ]]; then
+    StopServer # it writes its report then
+    options+=(--journal "$ServerData/journal.jsonl" --lines "$First" "$Last" --state "$ServerData/report.json")
+  elif AtServer state "$Before" >"$TMPDIR/state.json"; then
+    options+=(--state "$TMPDIR/state.json")
+  fi
   [[ -z $Script ]] || options+=(--unplanned)
   [[ -z $Break ]] || options+=(--broken)
-  if AtServer state "$Before" >"$TMPDIR/state.json"; then options+=(--state "$TMPDIR/state.json"); fi
   python3 "$Root/tools/rehearsal/Report.py" "$Machine" "${options[@]}"
 }
