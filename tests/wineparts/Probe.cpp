@@ -1,131 +1,70 @@
-// Late-binds objects by name and calls them as a script on standard input says, one call a line,
-// and answers each line with what came back:
+// Late-binds objects by name and calls them, with the wizard's own adapters, as a script on
+// standard input says, one call a line, and answers each line with what came back:
 //
 //   new NAME CLASS                    makes an object
-//   call|get|put|bind NAME MEMBER ARGUMENTS
+//   call|put|bind NAME MEMBER ARGUMENTS
 //                                     an object that comes back has the name `it`
 //   drop NAME                         lets an object go; answers how many are alive
-//   dsn REQUEST DRIVER ATTRIBUTES     SQLConfigDataSource; "|" stands for the NUL between pairs
+//   dsn REQUEST DRIVER:ATTRIBUTES     SQLConfigDataSource; "|" stands for the NUL between pairs
 //
 // Arguments are separated by "|": a whole number, "-" (left out), "@NAME" (an object), "*N" (a
-// comment of N characters), else text; "PARAMETER:=" in front gives one by name. `bind` puts by
-// reference.
-
-// The installer's header needs the platform's before it.
-// clang-format off
-#include <windows.h>
-#include <odbcinst.h>
-// clang-format on
-#include <oleauto.h>
+// comment of N characters), else text. `bind` puts by reference. An error is its number,
+// hexadecimal where it is negative, and what the object says of it.
 
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
 #include <map>
 #include <sstream>
-#include <string>
-#include <vector>
 
+#include "platform/win32/LateBound.h"
+#include "platform/win32/Text.h"
+#include "platform/win32/Win32OdbcInstaller.h"
+#include "runtime/RuntimeError.h"
+
+namespace talu {
 namespace {
 
-std::map<std::string, IDispatch*> objects;
+std::map<std::string, Variant> objects;
 
-std::wstring Wide(const std::string& utf8) {
-  std::wstring wide(utf8.size(), L'\0');
-  wide.resize(static_cast<std::size_t>(
-      MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(),
-                          static_cast<int>(wide.size()))));
-  return wide;
+void Keep(const std::string& name, IDispatch* object) {
+  const Variant kept = Variant::Object(object);
+  objects.erase(name);
+  objects.emplace(name, kept);
 }
 
-std::string Narrow(const std::wstring& wide, UINT codePage = CP_UTF8) {
-  std::string narrow(wide.size() * 3, '\0');
-  narrow.resize(static_cast<std::size_t>(
-      WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), narrow.data(),
-                          static_cast<int>(narrow.size()), nullptr, nullptr)));
-  return narrow;
+std::string Make(const std::string& name, const std::string& className) {
+  CLSID id;
+  void* object = nullptr;
+  if (FAILED(CLSIDFromProgID(Wide(className).c_str(), &id)) ||
+      FAILED(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &object))) {
+    return "no such class";
+  }
+  Keep(name, static_cast<IDispatch*>(object));
+  static_cast<IDispatch*>(object)->Release();
+  return "ok";
 }
 
-std::string Hex(HRESULT code) {
-  char text[9];
-  std::snprintf(text, sizeof text, "%08lX", static_cast<unsigned long>(code));
+Variant Argument(const std::string& text) {
+  if (text == "-") return Variant::Missing();
+  if (text.starts_with('@')) return objects.at(text.substr(1));
+  if (text.starts_with('*')) return "--" + std::string(std::stoul(text.substr(1)), 'x');
+  if (!text.empty() && text.find_first_not_of("-0123456789") == std::string::npos)
+    return std::stoi(text);
   return text;
 }
 
-BSTR BstrOf(const std::wstring& text) {
-  return SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-}
-
-VARIANT Argument(const std::string& text) {
-  VARIANT value{};
-  if (text == "-") {
-    V_VT(&value) = VT_ERROR;
-    V_ERROR(&value) = DISP_E_PARAMNOTFOUND;
-  } else if (text.starts_with('@')) {
-    V_VT(&value) = VT_DISPATCH;
-    V_DISPATCH(&value) = objects.at(text.substr(1));
-    V_DISPATCH(&value)->AddRef();
-  } else if (!text.empty() && text.find_first_not_of("-0123456789") == std::string::npos) {
-    V_VT(&value) = VT_I4;
-    V_I4(&value) = std::stol(text);
-  } else {
-    V_VT(&value) = VT_BSTR;
-    V_BSTR(&value) = text.starts_with('*')
-                         ? BstrOf(L"--" + std::wstring(std::stoul(text.substr(1)), L'x'))
-                         : BstrOf(Wide(text));
-  }
-  return value;
-}
-
-void Drop(const std::string& name) {
-  if (const auto object = objects.extract(name)) object.mapped()->Release();
-}
-
-std::string Call(WORD kind, IDispatch* object, const std::string& member,
-                 const std::string& arguments) {
-  std::vector<std::wstring> names{Wide(member)};
-  std::vector<VARIANT> positional;
-  std::vector<VARIANT> values;
-  std::istringstream rest(arguments);
-  for (std::string text; std::getline(rest, text, '|');) {
-    const std::size_t named = text.find(":=");
-    if (named == std::string::npos) {
-      positional.push_back(Argument(text));
-    } else {
-      names.push_back(Wide(text.substr(0, named)));
-      values.push_back(Argument(text.substr(named + 2)));
-    }
-  }
-  values.insert(values.end(), positional.rbegin(), positional.rend());
-
-  std::vector<wchar_t*> pointers(names.size());
-  std::transform(names.begin(), names.end(), pointers.begin(),
-                 [](std::wstring& text) { return text.data(); });
-  std::vector<DISPID> ids(names.size());
-  HRESULT code = object->GetIDsOfNames(IID_NULL, pointers.data(), static_cast<UINT>(names.size()),
-                                       LOCALE_USER_DEFAULT, ids.data());
-  if (FAILED(code)) return Hex(code);
-  const DISPID id = ids[0];
-  ids.erase(ids.begin());
-  if ((kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) ids = {DISPID_PROPERTYPUT};
-
-  DISPPARAMS given{values.data(), ids.data(), static_cast<UINT>(values.size()),
-                   static_cast<UINT>(ids.size())};
-  VARIANT result{};
-  EXCEPINFO error{};
-  code = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &given, &result, &error, nullptr);
-  for (VARIANT& value : values) VariantClear(&value);
-  if (code == DISP_E_EXCEPTION) {
-    return Hex(error.scode) + " " + Narrow(error.bstrSource) + ": " + Narrow(error.bstrDescription);
-  }
-  if (FAILED(code)) return Hex(code);
-  if (V_VT(&result) == VT_EMPTY) return "ok";
-  if (V_VT(&result) == VT_DISPATCH) {
-    Drop("it");
-    objects["it"] = V_DISPATCH(&result);
-    return "ok";
-  }
-  return SUCCEEDED(VariantChangeType(&result, &result, 0, VT_BSTR)) ? Narrow(V_BSTR(&result)) : "?";
+std::string Call(const std::string& verb, LateBound object, const std::string& member,
+                 const std::string& given) {
+  std::vector<Variant> arguments;
+  std::istringstream texts(given);
+  for (std::string text; std::getline(texts, text, '|');) arguments.push_back(Argument(text));
+  if (verb == "put") object.Put(member.c_str(), arguments.at(0));
+  if (verb == "bind") object.PutRef(member.c_str(), LateBound(arguments.at(0)));
+  if (verb != "call") return "ok";
+  const Variant result = object.Get(member.c_str(), arguments);
+  if (result.AsObject() != nullptr) Keep("it", result.AsObject());
+  return result.AsObject() != nullptr || result.Raw()->vt == VT_EMPTY ? "ok" : result.Text();
 }
 
 std::string Run(const std::string& line) {
@@ -139,41 +78,34 @@ std::string Run(const std::string& line) {
     std::getline(words >> std::ws, member, ':');
     std::getline(words, rest);
     std::replace(rest.begin(), rest.end(), '|', '\0');
-    rest = Narrow(Wide(rest), CP_ACP) + std::string(2, '\0');
-    const auto request = static_cast<WORD>(std::stoi(name));
-    return SQLConfigDataSource(nullptr, request, member.c_str(), rest.c_str()) ? "ok" : "refused";
+    const CodePage ofThisMachine(CP_ACP);
+    Win32OdbcInstaller odbc(ofThisMachine);
+    return odbc.SQLConfigDataSource(std::stoi(name), member, rest) ? "ok" : "refused";
   }
   if (verb == "drop") {
-    Drop(name);
-    const FARPROC alive = GetProcAddress(GetModuleHandleW(L"wineado"), "ObjectsAlive");
-    return std::to_string(alive());
+    objects.erase(name);
+    return std::to_string(GetProcAddress(GetModuleHandleW(L"wineado"), "ObjectsAlive")());
   }
   words >> member;
-  if (verb == "new") {
-    CLSID id;
-    HRESULT code = CLSIDFromProgID(Wide(member).c_str(), &id);
-    if (SUCCEEDED(code)) {
-      code = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                              reinterpret_cast<void**>(&objects[name]));
-    }
-    return FAILED(code) ? Hex(code) : "ok";
-  }
+  if (verb == "new") return Make(name, member);
   std::getline(words >> std::ws, rest);
-  const std::map<std::string, WORD> kinds{
-      // A caller that could use a result asks for a method or a property alike.
-      {"call", static_cast<WORD>(DISPATCH_METHOD | DISPATCH_PROPERTYGET)},
-      {"get", static_cast<WORD>(DISPATCH_PROPERTYGET)},
-      {"put", static_cast<WORD>(DISPATCH_PROPERTYPUT)},
-      {"bind", static_cast<WORD>(DISPATCH_PROPERTYPUTREF)}};
-  return Call(kinds.at(verb), objects.at(name), member, rest);
+  try {
+    return Call(verb, LateBound(objects.at(name)), member, rest);
+  } catch (const RuntimeError& error) {
+    char number[12];
+    std::snprintf(number, sizeof number, error.Number < 0 ? "%08lX" : "%ld",
+                  static_cast<long>(error.Number));
+    return number + (error.Source.empty() ? "" : " " + error.Source + ": " + error.Description);
+  }
 }
 
 }  // namespace
+}  // namespace talu
 
 int main() {
   CoInitialize(nullptr);
   for (std::string line; std::getline(std::cin, line);) {
     if (line.ends_with('\r')) line.pop_back();
-    std::cout << Run(line) << std::endl;
+    std::cout << talu::Run(line) << std::endl;
   }
 }
