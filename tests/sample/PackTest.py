@@ -46,17 +46,6 @@ class Pack(unittest.TestCase):
             str(path).encode("cp1252")  # a name outside the code page could not be installed
             self.assertGreaterEqual(len(path.name), 4)
 
-    def test_programs_and_pictures_are_what_their_names_say(self):
-        begins = {".exe": b"MZ", ".dll": b"MZ", ".ocx": b"MZ", ".jpg": b"\xff\xd8\xff",
-                  ".msi": b"\xd0\xcf\x11\xe0"}
-        checked = 0
-        for path in PACK.rglob("*"):
-            begin = begins.get(path.suffix.lower())
-            if begin:
-                self.assertEqual(path.read_bytes()[:len(begin)], begin, path)
-                checked += 1
-        self.assertEqual(checked, 7)
-
 
 if __name__ == "__main__":
     unittest.main()
