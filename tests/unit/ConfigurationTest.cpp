@@ -5,49 +5,6 @@ namespace {
 
 using ConfigurationTest = PackTest;
 
-TEST_F(ConfigurationTest, ReadersTakeBlocksByTheReversedPrefixTest) {
-  struct Case {
-    const char* what;
-    std::string file;
-    const char* key;
-    int count;
-    Texts values;  // from index 1
-  };
-  const Case cases[] = {
-      {"a plain block", Block("AppTitle", "Desk"), "AppTitle", 1, {"Desk", ""}},
-      {"a blank behind the key", Block("AppTitle ", "Desk"), "AppTitle", 0, {""}},
-      {"the key in lower case", Block("apptitle", "Desk"), "AppTitle", 0, {""}},
-      {"a line that the key begins with", Block("App", "Desk"), "AppTitle", 1, {"Desk"}},
-      {"a longer line", Block("FreshDBSript", "a.sql"), "DBSript", 0, {""}},
-      {"a blank value line", Block("AppTitle", "A||B"), "AppTitle", 2, {"A", "", "B"}},
-      {"a value of blanks", Block("AppTitle", "  |B"), "AppTitle", 1, {"  ", "B"}},
-      {"a brace as a value", Block("AppTitle", "{|B"), "AppTitle", 2, {"{", "B"}},
-      {"a blank line before another block",
-       "\r\n" + Block("Other", "X") + Block("AppTitle", "Desk"),
-       "AppTitle",
-       1,
-       {"X", "Desk"}},
-      {"two blocks of one key",
-       Block("AppTitle", "A") + Block("AppTitle", "B"),
-       "AppTitle",
-       2,
-       {"A", "B"}},
-      {"lines that end in LF alone", "AppTitle\n{\nDesk\n}\n", "AppTitle", 0, {""}},
-      {"CR alone, no end at the last line", "AppTitle\r{\rDesk\r}", "AppTitle", 1, {"Desk"}},
-      {"a block that is not closed", "AppTitle\r\n{\r\nDesk", "AppTitle", 1, {"Desk"}},
-      {"an empty file", "", "AppTitle", 0, {""}},
-  };
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.what);
-    Put("AppCfg.txt", test.file);
-    EXPECT_EQ(wizard.GetCfgCount(test.key), test.count);
-    EXPECT_EQ(wizard.GetCfgValue(test.key, 0), "");
-    for (int i = 1; i <= std::ssize(test.values); ++i) {
-      EXPECT_EQ(wizard.GetCfgValue(test.key, i), test.values[static_cast<std::size_t>(i - 1)]);
-    }
-  }
-}
-
 TEST_F(ConfigurationTest, PastTheLast16BitLineBothReadersOverflow) {
   const std::string most = Replace(std::string(32766, '|'), "|", "x|") + "x";
   Put("AppCfg.txt", Block("AppTitle", most));

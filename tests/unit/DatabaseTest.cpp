@@ -2,7 +2,6 @@
 #include <array>
 
 #include "Pack.h"
-#include "database/BatchNames.h"
 #include "pages/FrmSQLNonQuery.h"
 
 namespace talu {
@@ -97,39 +96,21 @@ TEST_F(DatabaseTest, BatchesMoveTheirFilesAndRecordTheirNames) {
   EXPECT_EQ(windows.VisibleForm(), "FrmApplication");
 }
 
-TEST_F(DatabaseTest, WhatIsCutFromOddStatements) {
-  struct Case {
-    const char* what;
-    std::string batch;
-    std::string list;
-    int errors;
-    bool rewritten;
-  };
-  const Case cases[] = {
-      {"lower case", "create database X (FILENAME='C:\\Old\\x.mdf')", "", 0, false},
-      {"no FILENAME", "CREATE DATABASE X ON", "", 0, false},
-      {"a line end behind the name", "CREATE DATABASE X|ON (FILENAME='C:\\Old\\x.mdf')",
-       ", X\r\nON", 0, true},
-      {"no drive letter", "CREATE DATABASE X ON (FILENAME='x.mdf')", ", X", 3, false},
-      {"no .mdf", "CREATE DATABASE X ON (FILENAME='C:\\Old\\x.MDF')", ", X", 2, false},
-      {"no blank behind the name", "CREATE DATABASE FILENAME='C:\\Old\\x.mdf'", "", 1, true},
-      {"two in one batch", Create("x") + " " + Create("y"), ", x", 0, true},
+TEST_F(DatabaseTest, EachStatementThatCutsABatchFailsByItself) {
+  const std::pair<const char*, int> cases[] = {
+      {"CREATE DATABASE X ON (FILENAME='x.mdf')", 3},
+      {"CREATE DATABASE X ON (FILENAME='C:\\Old\\x.MDF')", 2},
+      {"CREATE DATABASE FILENAME='C:\\Old\\x.mdf'", 1},
   };
   Build();  // the folders
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.what);
-    Script("a.sql", "--taluGO|" + test.batch + "|GO");
-    wizard.State.CreatedDatabaseList.clear();
+  for (const auto& [batch, errors] : cases) {
+    Script("a.sql", std::string("--taluGO|") + batch + "|GO");
     machine.Server.Databases.clear();
     BuildAgain();
-    EXPECT_EQ(wizard.State.CreatedDatabaseList, test.list);
-    ASSERT_FALSE(Sent().empty());
-    EXPECT_EQ(Contains(Sent().front(), app + "\\Data\\x"), test.rewritten);
-    EXPECT_EQ(std::ranges::count_if(Logged(),
-                                    [](const std::string& entry) {
-                                      return Contains(entry, "Invalid procedure call or argument");
-                                    }),
-              test.errors);
+    const auto isOne = [](const std::string& entry) {
+      return entry.starts_with("//|Invalid procedure call or argument|");
+    };
+    EXPECT_EQ(std::ranges::count_if(Logged(), isOne), errors) << batch;
   }
 }
 
@@ -292,15 +273,6 @@ TEST_F(DatabaseTest, AFailedBuildIsRolledBackAndASecondOneDropsTheOldestNames) {
   EXPECT_EQ(Records().at(5), "DBNames:0, Sales, Stock, Third");
 }
 
-TEST_F(DatabaseTest, AnEntryOfBlanksIsPassedOver) {
-  Script("a.sql", "--taluGO|CREATE DATABASE  X ON (FILENAME='C:\\Old\\x.mdf')|GO|" +
-                      Create("Sales") + "|GO|BAD|GO|CREATE LOGIN  Seller WITH PASSWORD='x'|GO");
-  FailOn("BAD");
-  Build();
-  EXPECT_EQ(wizard.State.CreatedDatabaseList, ", , Sales");
-  EXPECT_EQ(From(Statements(), 4), Dropped("Sales")) << "nothing for the first, or the login";
-}
-
 TEST_F(DatabaseTest, TheRollbackWalksTheListsAsTheyAreAndNoFurther) {
   machine.Server.AcceptAll = true;
   FailOn("BAD");
@@ -380,23 +352,6 @@ TEST_F(DatabaseTest, TheConfigurationIsReadTheBuildsOwnWay) {
     EXPECT_EQ(Sent(), test.statements);
     EXPECT_EQ(std::ranges::count(Logged(), kFileNotFound), test.missing);
   }
-}
-
-TEST_F(DatabaseTest, EveryBuildComesToItsEnd) {
-  const std::string done = "Database creation completed successfully...";
-  const std::tuple<const char*, std::string, std::string> cases[] = {
-      {"empty", "", done},
-      {"no directive", "SELECT 1\r\n", "Script format is not correct...."},
-      {"no last GO", "--taluGO\r\nSELECT 1\r\n", done},
-      {"LF alone", "--taluGO\nSELECT 1\nGO\n", done},
-      {"8-bit and NUL", std::string("--taluGO\r\nSELECT '\xE9\0'\r\nGO\r\n", 26), done},
-  };
-  for (const auto& [what, script, status] : cases) {
-    SCOPED_TRACE(what);
-    Put("SQLScript\\Fresh\\a.sql", script);
-    EXPECT_EQ(BuildAlone(machine.Parts)->Page<FrmSQLNonQuery>().LblMsg.Caption.Get(), status);
-  }
-  EXPECT_EQ(windows.Messages(), Texts{});
 }
 
 TEST_F(DatabaseTest, WithoutServerOrFolderNothingIsRunAndThePageStays) {
@@ -517,64 +472,6 @@ TEST_F(DatabaseTest, TheBarGrowsToItsLimitAndFallsBack) {
   // The backup's scan, the build behind it and its end; then what the test set, and the second
   // build.
   EXPECT_EQ(turns, (std::vector<int>{1000, 500, 1139, 5860, 5860, 5500, 6000, 5000, 5099, 5860}));
-}
-
-TEST(BatchNamesTest, WhatTheBackupTakesForANameAndWhereItGivesUp) {
-  struct Case {
-    std::string batch;
-    std::string names;  // each behind a comma
-    int error = 0;
-  };
-  const Case cases[] = {
-      {"CREATE DATABASE Sales ON PRIMARY", ",Sales"},
-      {"ALTER DATABASE [My Sales] SET X ", ",[My Sales]"},
-      {"ALTER DATABASE [Sales SET X ", "", 5},
-      {"USE D DROP DATABASE C ALTER DATABASE B CREATE DATABASE A X",
-       ",A,B,C ALTER DATABASE B CREATE DATABASE A X,"
-       "D DROP DATABASE C ALTER DATABASE B CREATE DATABASE A X"},
-      {"CAUSER x USE Sales", ",x USE Sales"},
-      {"create database x y", ""},
-      {"CREATE DATABASE Sales\r\nDROP DATABASE Old", ",Sales\r\nDROP,Old"},
-      {"USE Old\r\nCREATE DATABASE Sales", "", 5},
-      {std::string(32760, '-') + " CREATE DATABASE A B", "", 6},
-      {std::string(32740, '-') + "USE A", ",A"},
-  };
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.batch);
-    std::string names;
-    int error = 0;
-    try {
-      for (const std::string_view statement : kNamingStatements) {
-        if (const auto name = NamedDatabase(test.batch, statement)) names += "," + *name;
-      }
-    } catch (const RuntimeError& raised) {
-      error = raised.Number;
-    }
-    EXPECT_EQ(names, test.names);
-    EXPECT_EQ(error, test.error);
-  }
-}
-
-TEST_F(DatabaseTest, EachNameFoundIsBackedUp) {
-  const std::string longest(128, 'n');
-  List("a.sql", true);
-  Script("a.sql", "--taluGO|ALTER DATABASE [My Sales] SET X|GO|USE " + longest + "|GO|USE x" +
-                      longest + "|GO|USE Old|CREATE DATABASE Sales|GO");
-  machine.Server.AcceptAll = true;
-  Build();
-  Texts expected;
-  for (const std::string& name : {std::string("My Sales"), longest}) {
-    expected.insert(expected.end(),
-                    {"USE Master",
-                     "IF  EXISTS (SELECT name FROM sys.databases WHERE name = N'" + name +
-                         "') BACKUP DATABASE " + name + " TO  DISK = N'" + app + " BackUp\\Talu_" +
-                         name + "_7_3_2012_9_5.bkp ' WITH NOFORMAT, INIT,  NAME = N'" + name +
-                         "-Full Database Backup', SKIP, NOREWIND, NOUNLOAD,  STATS = 10"});
-  }
-  expected.emplace_back("|ALTER DATABASE [My Sales] SET X");
-  const auto begin = [](Texts list) { return Texts(list.begin(), list.begin() + 5); };
-  EXPECT_EQ(begin(Statements()), expected) << "no name of the batch in which one has no end";
-  EXPECT_EQ(begin(machine.Journal.Texts("sql", "timeout")), (Texts{"", "", "", "", "300"}));
 }
 
 TEST_F(DatabaseTest, WhatTheBackupHasFoundLivesAsLongAsTheProgram) {
