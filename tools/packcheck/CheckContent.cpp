@@ -5,7 +5,7 @@
 
 #include "Exports.h"
 #include "ScriptTexts.h"
-#include "platform/simulated/NamesOnWindows.h"
+#include "runtime/NamesOnWindows.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {

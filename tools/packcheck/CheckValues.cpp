@@ -5,7 +5,7 @@
 
 #include "CheckConfiguration.h"
 #include "database/TypeScripts.h"
-#include "platform/simulated/NamesOnWindows.h"
+#include "runtime/NamesOnWindows.h"
 #include "runtime/TextFunctions.h"
 
 namespace talu::packcheck {

@@ -4,8 +4,8 @@
 #include <set>
 #include <stdexcept>
 
-#include "platform/simulated/NamesOnWindows.h"
 #include "platform/simulated/SimulatedDisk.h"
+#include "runtime/NamesOnWindows.h"
 #include "runtime/TextFunctions.h"
 #include "runtime/Unicode.h"
 

@@ -3,40 +3,9 @@
 #include <algorithm>
 #include <new>
 
-#include "runtime/Unicode.h"
+#include "runtime/JsonText.h"
 
 namespace talu {
-namespace {
-
-bool IsPlain(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return byte >= 0x20 && character != '"' && character != '\\';
-}
-
-void AppendQuoted(std::string& json, const std::string& text) {
-  constexpr char kHex[] = "0123456789abcdef";
-  const std::string characters = OnlyCharacters(text);
-  json.reserve(json.size() + characters.size() + 2);
-  json += '"';
-  for (auto at = characters.begin(); at != characters.end(); ++at) {
-    const auto end = std::find_if_not(at, characters.end(), IsPlain);
-    json.append(at, end);
-    if (end == characters.end()) break;
-    at = end;
-    const auto byte = static_cast<unsigned char>(*at);
-    if (byte < 0x20) {
-      json += "\\u00";
-      json += kHex[byte >> 4];
-      json += kHex[byte & 15];
-    } else {
-      json += '\\';
-      json += *at;
-    }
-  }
-  json += '"';
-}
-
-}  // namespace
 
 std::string JournalEvent::Text(const std::string& field) const {
   for (const auto& [name, value] : Fields) {
@@ -53,7 +22,7 @@ std::string JournalEvent::ToJson() const {
   for (const auto& [name, value] : Fields) {
     json += ",\"" + name + "\":";
     if (const auto* text = std::get_if<std::string>(&value)) {
-      AppendQuoted(json, *text);
+      AppendJson(json, *text);
     } else if (const auto* number = std::get_if<std::int64_t>(&value)) {
       json += std::to_string(*number);
     } else {
@@ -63,7 +32,7 @@ std::string JournalEvent::ToJson() const {
   if (Error) {
     json += ",\"ok\":false,\"error\":{\"number\":" + std::to_string(Error->Number) +
             ",\"description\":";
-    AppendQuoted(json, Error->Description);
+    AppendJson(json, Error->Description);
     json += "}";
   }
   return json + "}";

@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/simulated/NamesOnWindows.h"
+#include "runtime/NamesOnWindows.h"
 #include "runtime/RuntimeError.h"
 #include "runtime/TextFiles.h"
 #include "runtime/TextFunctions.h"

@@ -3,7 +3,7 @@
 // GetFullPathName and CreateDirectory of Wine 8.0 do the same. (Windows 11 has files that are
 // called as devices are; packs are for the versions before it too.)
 
-#include "platform/simulated/NamesOnWindows.h"
+#include "runtime/NamesOnWindows.h"
 
 #include <algorithm>
 #include <vector>
