@@ -17,9 +17,11 @@ namespace talu {
 class TakeBack {
  public:
   /// Reads the record, the log and the folder. `program` is the running program's file name.
-  /// Raises 53 when there is no record, 5 with a line for people when it is not one of this folder,
-  /// and what reading raises.
-  TakeBack(const Machine& machine, Removal& removal, const std::string& program);
+  /// Without the pack's folder on this machine, packages of Windows Installer and components in the
+  /// system's folder stay. Raises 53 when there is no record, 5 with a line for people when it is
+  /// not one of this folder, and what reading raises.
+  TakeBack(const Machine& machine, Removal& removal, const std::string& program,
+           const std::string& packFolder = "");
   ~TakeBack();
   TakeBack(const TakeBack&) = delete;
   TakeBack& operator=(const TakeBack&) = delete;

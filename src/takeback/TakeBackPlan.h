@@ -15,9 +15,6 @@ struct TakeBackOptions {
   std::string Login;
   /// Of `Login`; empty: the recorded one, where the login is the recorded one.
   std::string Password;
-  /// The pack's folder on this machine. Empty: packages of Windows Installer and components in the
-  /// system's folder stay.
-  std::string PackFolder;
 };
 
 /// One thing that the installation left on the machine.
@@ -26,17 +23,18 @@ struct Step {
     AddOn,
     Shortcut,
     ShortcutFolder,
-    SystemComponent,  ///< registered in, and copied to, the Windows folder's "system"
+    SystemComponent,  ///< copied to the Windows folder's "system", and registered there
     Component,        ///< registered in the application folder
     Settings,
     File,
-    Folder,
     DataSource,
     Database,
     Login,
-    Added,   ///< in the application folder, and no part of the installation
-    Record,  ///< a line of the record that cannot be carried out
-    Program  ///< the log, the record, this program, the application folder and those around it
+    Folder,
+    Added,    ///< in the application folder, and no part of the installation
+    Line,     ///< of the record, and nothing that can be carried out
+    Backups,  ///< the wizard's folder of them
+    Program   ///< the log, the record, this program, the application folder and the one around it
   };
 
   Kind What = Kind::Added;
@@ -44,7 +42,8 @@ struct Step {
   std::string Name;
   /// The record's lines (indices) that are done with this step.
   std::vector<std::size_t> Lines;
-  /// The copy's source, the data source's line, ...: what the step's kind needs.
+  /// A file's source, a settings file's bytes, a system component's name, the line of a data
+  /// source, why a line cannot be carried out, a name is none or a folder could not be read.
   std::string Detail;
   std::size_t Installation = 0;
 };

@@ -142,6 +142,7 @@ SimulatedDisk::Node& SimulatedDisk::FileForWriting(const std::string& path) {
   if (node != nullptr) {
     if (node->IsFolder || node->ReadOnly) throw RuntimeError(error::kPathFileAccess);
     if (node->Denied || node->Writers > 0) throw RuntimeError(error::kPermissionDenied);
+    Touch(*node);
     return *node;
   }
   const std::string full = FullPath(path);
@@ -153,6 +154,7 @@ SimulatedDisk::Node& SimulatedDisk::FileForWriting(const std::string& path) {
   auto made = std::make_unique<Node>();
   made->Name = name;
   made->Content = std::make_shared<FileContent>();
+  Touch(*made);
   return *(parent->Children[UCase(name)] = std::move(made));
 }
 
@@ -168,6 +170,35 @@ void SimulatedDisk::DeleteFile(const std::string& path, bool force) {
   parent->Children.erase(UCase(name));
 }
 
+void SimulatedDisk::RemoveFolder(const std::string& path) {
+  const Node& node = FolderAt(path);
+  if (node.IsLink || !node.Children.empty()) throw RuntimeError(error::kPathFileAccess);
+  std::string name;
+  Node* parent = Parent(FullPath(path), name);
+  if (parent == nullptr) throw RuntimeError(error::kPathFileAccess);
+  parent->Children.erase(UCase(name));
+}
+
+void SimulatedDisk::MoveOver(const std::string& from, const std::string& to) {
+  Node* source = Find(from);
+  Node* target = Find(to);
+  if (source == nullptr || source->IsFolder) throw RuntimeError(error::kFileNotFound);
+  if (target != nullptr && (target->IsFolder || target->Denied || target->Writers > 0)) {
+    throw RuntimeError(error::kPermissionDenied);
+  }
+  std::string name;
+  Node* folder = Parent(FullPath(to), name);
+  std::string sourceName;
+  if (folder == nullptr || folder != Parent(FullPath(from), sourceName)) {
+    throw RuntimeError(error::kPermissionDenied);
+  }
+  if (target != nullptr) name = target->Name;
+  auto moved = std::move(folder->Children.at(UCase(sourceName)));
+  folder->Children.erase(UCase(sourceName));
+  moved->Name = name;
+  folder->Children[UCase(name)] = std::move(moved);
+}
+
 bool SimulatedDisk::CopyFile(const std::string& from, const std::string& to) {
   Node* source = Find(from);
   if (source == nullptr || source->IsFolder || source->Denied) return false;
@@ -175,6 +206,7 @@ bool SimulatedDisk::CopyFile(const std::string& from, const std::string& to) {
     Use(source->Content->Size);
     Node& target = FileForWriting(FolderExists(to) ? to + "\\" + source->Name : to);
     target.Content = source->Content;
+    target.Written = source->Written;
     return true;
   } catch (const RuntimeError&) {
     return false;

@@ -34,6 +34,10 @@ class SimulatedDisk {
     /// Cannot be written, listed or deleted.
     bool Denied = false;
     bool ReadOnly = false;
+    /// A junction or another link; nothing looks behind it but what follows links.
+    bool IsLink = false;
+    /// When it was last written to: the disk's count of writes. A copy has its source's.
+    std::uint64_t Written = 0;
     /// The number of handles open for writing.
     int Writers = 0;
     std::shared_ptr<FileContent> Content;
@@ -55,6 +59,10 @@ class SimulatedDisk {
   /// The file at `path`, created empty when missing. Raises 76, 75 for a folder, 70 when denied.
   Node& FileForWriting(const std::string& path);
   void DeleteFile(const std::string& path, bool force);
+  /// Removes an empty folder. Raises 76, 70 when it is denied, 75 when it is not empty.
+  void RemoveFolder(const std::string& path);
+  /// Puts a file in the place of another one of the same folder. Raises 53, 70.
+  void MoveOver(const std::string& from, const std::string& to);
   /// Copies one file over an existing one; `to` may be a folder. Returns false when it cannot.
   bool CopyFile(const std::string& from, const std::string& to);
 
@@ -75,6 +83,9 @@ class SimulatedDisk {
   /// Sets the free space in bytes; unlimited at first.
   void SetFreeSpace(std::uint64_t bytes) { freeSpace_ = bytes; }
 
+  /// Notes that the file is written to now.
+  void Touch(Node& file) { file.Written = ++writes_; }
+
   /// A path with drive, as `NormalizedPath` makes it.
   std::string FullPath(const std::string& path) const;
   /// The path as its folders are spelled; unchanged when nothing exists there.
@@ -87,6 +98,7 @@ class SimulatedDisk {
   std::string currentFolder_;
   Node root_;
   std::uint64_t freeSpace_ = UINT64_MAX;
+  std::uint64_t writes_ = 0;
 };
 
 /// Windows' limits on the length of a path, including its end, for a file and for a new folder.

@@ -82,6 +82,7 @@ class SimulatedOutput : public TextFile {
       }
       node_.Content->Bytes += bytes;
       node_.Content->Size = node_.Content->Bytes.size();
+      disk_.Touch(node_);
     });
   }
 

@@ -6,6 +6,7 @@
 #include "platform/simulated/Journal.h"
 #include "platform/simulated/SimulatedDisk.h"
 #include "platform/simulated/SimulatedFiles.h"
+#include "platform/simulated/SimulatedRemoval.h"
 #include "platform/simulated/SimulatedServer.h"
 #include "platform/simulated/SimulatedShell.h"
 #include "platform/simulated/SimulatedWindows.h"
@@ -41,6 +42,7 @@ class SimulatedMachine {
   SimulatedDisk Disk;
   SimulatedFiles Files{Journal, Disk, CodePage};
   SimulatedOdbc Odbc{Journal};
+  SimulatedRemoval Removal{Journal, Disk, Odbc};
   SimulatedServer Server{Journal, Odbc};
   SimulatedProcesses Programs{Journal, Disk};
   SimulatedScripting Scripting{Journal, Disk};

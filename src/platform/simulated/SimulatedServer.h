@@ -26,6 +26,8 @@ class SimulatedServer : public Ado {
 
   /// Statements that contain `text` fail with this error.
   void FailStatements(const std::string& text, const RuntimeError& error);
+  /// None of them fails any more.
+  void Mend() { failures_.clear(); }
 
   /// Takes a statement's changes of names, without a journal. Raises the server's refusal, but not
   /// that of a batch in which statements stand where they must not.

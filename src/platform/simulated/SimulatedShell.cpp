@@ -109,7 +109,7 @@ bool SimulatedOdbc::SQLConfigDataSource(int, const std::string& driver,
       if (name.empty() || std::ranges::find(Drivers, driver) == Drivers.end()) {
         throw RuntimeError(error::kInvalidProcedureCall, "Driver or data source name is not valid");
       }
-      sources_[UCase(name)] = attributes;
+      sources_[UCase(name)] = attributes + '\0' + "DRIVER=" + driver;
     });
     return true;
   } catch (const RuntimeError&) {
@@ -119,6 +119,16 @@ bool SimulatedOdbc::SQLConfigDataSource(int, const std::string& driver,
 
 bool SimulatedOdbc::HasSource(const std::string& name) const {
   return sources_.contains(UCase(name));
+}
+
+std::string SimulatedOdbc::Value(const std::string& name, const std::string& attribute) const {
+  const auto source = sources_.find(UCase(name));
+  if (source == sources_.end()) return "";
+  std::string value;
+  for (const std::string& pair : Split(source->second, '\0')) {
+    if (pair.starts_with(attribute + "=")) value = pair.substr(attribute.size() + 1);
+  }
+  return value;
 }
 
 bool SimulatedOdbc::IsOfServer(const std::string& name) const {

@@ -14,6 +14,7 @@
 #include "platform/SettingsStore.h"
 #include "platform/simulated/Journal.h"
 #include "platform/simulated/SimulatedDisk.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu {
 
@@ -25,14 +26,21 @@ class SimulatedOdbc : public OdbcInstaller {
                            const std::string& attributes) override;
 
   bool HasSource(const std::string& name) const;
+  /// The value of an attribute ("SERVER"), or the driver's name ("DRIVER"), of a source; empty
+  /// when it has none.
+  std::string Value(const std::string& name, const std::string& attribute) const;
+  bool Remove(const std::string& name) { return sources_.erase(UCase(name)) != 0; }
   /// Whether the source leads to the database server.
   bool IsOfServer(const std::string& name) const;
+
+  /// All sources: upper-cased names, and attributes separated by NUL, the driver the last.
+  const std::map<std::string, std::string>& Sources() const { return sources_; }
 
   std::vector<std::string> Drivers = {"SQL Server", "Microsoft Access Driver (*.mdb)"};
 
  private:
   Journal& journal_;
-  std::map<std::string, std::string> sources_;  // upper-cased name, attributes
+  std::map<std::string, std::string> sources_;
 };
 
 /// Programs that end at once. One that is not on the disk cannot be started; the system's own
