@@ -97,7 +97,7 @@ class Account : public TakeBackView {
       if (wanted_.Json) {
         line += std::string(",\"") + Words().at(i) + "\":" + count;
       } else {
-        line += (i == 0 ? "" : ", ") + count + " " + Words().at(i);
+        line += std::string(i == 0 ? "" : ", ") + Words().at(i) + ": " + count;
       }
     }
     host_.Out(line + (wanted_.Json ? "}" : ""));
@@ -111,7 +111,7 @@ class Account : public TakeBackView {
   }
   /// In the order of `Fate`.
   std::array<const char*, 3> Words() const {
-    return {wanted_.Run ? "gone" : "goes", wanted_.Run ? "stayed" : "stays", "left"};
+    return {wanted_.Run ? "gone" : "goes", "stays", "left"};
   }
 
   const Wanted& wanted_;

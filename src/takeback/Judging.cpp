@@ -3,56 +3,42 @@
 #include <algorithm>
 
 #include "runtime/RuntimeError.h"
+#include "takeback/Judgements.h"
 #include "takeback/Paths.h"
-#include "takeback/Undoing.h"
 
 namespace talu {
-namespace {
-
-using Judgement = Undoing::Judgement;
-using Fate = Verdict::Fate;
-
-Judgement Goes(std::string why = "") {
-  return {{Fate::Goes, std::move(why)}, true};
-}
-Judgement NothingToDo(std::string why = "It was gone already.") {
-  return {{Fate::Goes, std::move(why)}, false};
-}
-Judgement Stays(std::string why) {
-  return {{Fate::Stays, std::move(why)}, false};
-}
-Judgement Leave(std::string why) {
-  return {{Fate::Left, std::move(why)}, false};
-}
-
-/// For what is no plain file or folder where one was made.
-Judgement Changed(EntryKind kind) {
-  return Stays(kind == EntryKind::Link ? "It is a link, which is not followed."
-                                       : "Something else stands in its place.");
-}
-
-constexpr const char* kNotEmpty = "It is not empty.";
-
-/// Whether a data source can have this name; source: the installer library's documentation
-/// (SQLValidDSN).
-bool IsSourceName(const std::string& name) {
-  return !name.empty() && std::ranges::none_of(name, [](char character) {
-    return static_cast<unsigned char>(character) < ' ' ||
-           std::string_view("[]{}(),;?*=!@\\").find(character) != std::string_view::npos;
-  });
-}
-
-}  // namespace
 
 Undoing::Undoing(const Site& site, const TakeBackOptions& options)
     : site_(site), options_(options), removal_(site.Removal), databases_(site, options) {}
 
 Judgement Undoing::Judge(const Step& step) {
+  Judgement judged;
   try {
-    return Judged(step);
+    judged = Judged(step);
   } catch (...) {
-    return Leave(WhyLeft(CaughtError()));
+    judged = Leave(WhyLeft(CaughtError()));
   }
+  if (judged.What == Fate::Left) NoteLeft(step);
+  return judged;
+}
+
+void Undoing::Expect(const std::string& path) {
+  going_.insert(UCase(CleanPath(path)));
+}
+
+void Undoing::NoteLeft(const Step& step) {
+  left_.insert(UCase(CleanPath(step.Name)));
+  if (step.What == Step::Kind::Database) databaseLeft_ = true;
+}
+
+Judgement Undoing::JudgeEmpty(const std::string& folder, const char* whyStays) {
+  bool empty = true;
+  for (const DiskEntry& entry : removal_.List(folder)) {
+    const std::string path = UCase(folder + "\\" + entry.Name);
+    if (left_.contains(path)) return Leave("Something in it is left.");
+    if (!going_.contains(path)) empty = false;
+  }
+  return empty ? Goes() : Stays(whyStays);
 }
 
 Judgement Undoing::Judged(const Step& step) {
@@ -92,9 +78,9 @@ Judgement Undoing::Judged(const Step& step) {
       return Leave(step.Detail);
     case Step::Kind::Backups: {
       const EntryKind kind = removal_.Look(step.Name).Kind;
-      if (kind == EntryKind::Missing) return NothingToDo();
+      if (kind == EntryKind::Missing) return NothingToDo("There are none.");
       if (kind != EntryKind::Folder) return Changed(kind);
-      return WillBeEmpty(step.Name) ? Goes() : Stays("Backups stay.");
+      return JudgeEmpty(step.Name, "Backups stay.");
     }
     case Step::Kind::Program:
       break;
@@ -123,113 +109,14 @@ EntryKind Undoing::KindAt(const std::string& path) {
   return removal_.Look(path).Kind;
 }
 
-EntryKind Undoing::ShortcutKindAt(const std::string& special, const std::string& below) {
-  std::string path = special;
-  EntryKind kind = EntryKind::Folder;
-  for (const std::string& name : Split(below, '\\')) {
-    if (kind != EntryKind::Folder) return kind;
-    path += "\\" + name;
-    kind = removal_.Look(path).Kind;
-  }
-  return kind;
-}
-
-const std::vector<std::string>& Undoing::SpecialFolders() {
-  if (!specialFolders_) {
-    std::vector<std::string> folders;
-    for (const std::string& folder : site_.Machine.Scripting.CreateShell()->SpecialFolders()) {
-      folders.push_back(CleanPath(folder));
-    }
-    specialFolders_ = std::move(folders);
-  }
-  return *specialFolders_;
-}
-
-std::optional<std::pair<std::string, std::string>> Undoing::PlaceOf(const std::string& path,
-                                                                    bool folder) {
-  const std::string clean = CleanPath(path);
-  if (clean.empty() || (!folder && !UCase(clean).ends_with(".LNK"))) return std::nullopt;
-  for (const std::string& special : SpecialFolders()) {
-    const auto below = special.empty() ? std::nullopt : Below(special, clean);
-    if (!below) continue;
-    const std::vector<std::string> names = Split(*below, '\\');
-    const bool inProducts = SamePath(names[0], "TALU") && names.size() == (folder ? 2 : 3);
-    if (inProducts || (!folder && names.size() == 1)) return {{special, *below}};
-  }
-  return std::nullopt;
-}
-
-Judgement Undoing::JudgeShortcut(const Step& step) {
-  const auto place = PlaceOf(step.Name, false);
-  if (!place) return Leave("This is no place of a shortcut that the wizard makes.");
-  const EntryKind kind = ShortcutKindAt(place->first, place->second);
-  if (kind == EntryKind::Missing) return NothingToDo();
-  if (kind != EntryKind::File) return Changed(kind);
-  std::string target;
-  try {
-    target = removal_.ShortcutTarget(step.Name);
-  } catch (...) {
-    const RuntimeError error = CaughtError();
-    if (error.Number != error::kInvalidProcedureCall) throw RuntimeError(error);
-    return Stays("It is no shortcut.");
-  }
-  if (Below(site_.Folder, CleanPath(target))) return Goes();
-  return Stays("It leads to " + (target.empty() ? std::string("another place") : target) + ".");
-}
-
-Judgement Undoing::JudgeShortcutFolder(const Step& step) {
-  const auto place = PlaceOf(step.Name, true);
-  if (!place) return Leave("This is no folder that the wizard makes for shortcuts.");
-  const EntryKind kind = ShortcutKindAt(place->first, place->second);
-  // The folder around it may have been left when the work was broken off.
-  if (kind == EntryKind::Missing) return {{Fate::Goes, "It was gone already."}, true};
-  if (kind != EntryKind::Folder) return Changed(kind);
-  return WillBeEmpty(CleanPath(step.Name)) ? Goes() : Stays(kNotEmpty);
-}
-
-Judgement Undoing::JudgeAddOn(const Step& step) {
-  if (!Contains(step.Name, ".msi")) {
-    if (!Contains(step.Name, ".exe")) return NothingToDo("Nothing was run for it.");
-    return Stays("It was a program of its own: it is removed by its own means.");
-  }
-  if (site_.GivenPack.empty()) {
-    return Stays("Without the pack's folder, Windows' own list of programs removes it.");
-  }
-  const std::string package = PackageOf(step);
-  if (package.empty()) return Leave("This is no file of a pack.");
-  if (removal_.Look(package).Kind != EntryKind::File) return Leave(package + " is missing.");
-  return Goes();
-}
-
-std::string Undoing::PackageOf(const Step& step) const {
-  const std::string addOns = site_.GivenPack + "\\AddOns";
-  std::string path = CleanPath(addOns + "\\" + step.Name);
-  return Below(addOns, path) ? path : "";
-}
-
-Judgement Undoing::JudgeSystemComponent(const Step& step) {
-  const EntryKind kind = removal_.Look(step.Name).Kind;
-  if (kind == EntryKind::Missing) return NothingToDo();
-  if (kind != EntryKind::File) return Changed(kind);
-  if (site_.GivenPack.empty()) {
-    return Stays("Other programs may use it; only the pack's own file would go.");
-  }
-  try {
-    if (removal_.SameBytes(step.Name, site_.GivenPack + "\\SpecialRegn\\" + step.Detail)) {
-      return Goes();
-    }
-  } catch (...) {
-    const RuntimeError error = CaughtError();
-    if (error.Number != error::kFileNotFound) throw RuntimeError(error);
-  }
-  return Stays("It is not the pack's file.");
-}
-
 Judgement Undoing::JudgeSettings(const Step& step) {
   const EntryKind kind = KindAt(step.Name);
   if (kind == EntryKind::Missing) return NothingToDo();
   if (kind != EntryKind::File) return Changed(kind);
-  if (ReadBytes(site_.Machine.Files, step.Name) == step.Detail) return Goes();
+  FileSystemObject& files = site_.Machine.Files;
+  const bool sameSize =
+      files.OpenTextFile(step.Name, OpenMode::Input)->Size() == step.Detail.size();
+  if (sameSize && ReadBytes(files, step.Name) == step.Detail) return Goes();
   return Stays("It is not as the wizard wrote it.");
 }
 
@@ -238,6 +125,7 @@ Judgement Undoing::JudgeFile(const Step& step) {
   const EntryKind kind = KindAt(step.Name);
   if (kind == EntryKind::Missing) return NothingToDo();
   if (kind != EntryKind::File) return Changed(kind);
+  if (left_.contains(UCase(step.Name))) return Leave("It is registered.");
   const std::string source = site_.SourceAtHand(step.Detail);
   const std::string folder(FolderOf(source));
   if (!SamePath(folder, sourceFolder_)) {
@@ -261,7 +149,7 @@ Judgement Undoing::JudgeFolder(const Step& step) {
   const EntryKind kind = KindAt(step.Name);
   if (kind == EntryKind::Missing) return NothingToDo();
   if (kind != EntryKind::Folder) return Changed(kind);
-  return WillBeEmpty(step.Name) ? Goes() : Stays(kNotEmpty);
+  return JudgeEmpty(step.Name, kNotEmpty);
 }
 
 Judgement Undoing::JudgeAdded(const Step& step) {
@@ -271,22 +159,6 @@ Judgement Undoing::JudgeAdded(const Step& step) {
   return Stays(!databases.empty() && Below(databases, step.Name)
                    ? "It is in the databases' folder."
                    : "The last installation did not put it there.");
-}
-
-Judgement Undoing::JudgeDataSource(const Step& step) {
-  const std::vector<std::string> fields = Split(step.Detail, ',');
-  const auto field = [&](std::size_t at) { return at < fields.size() ? Trim(fields[at]) : ""; };
-  if (fields.size() < 2 || !IsSourceName(field(1))) return Stays("No data source has this name.");
-  const std::optional<DataSource> source = removal_.SystemDataSource(field(1));
-  if (!source) return NothingToDo();
-  const bool server = field(0) == "SQL Server";
-  const bool access = field(0) == "Microsoft Access Driver (*.mdb)";
-  const RecordedInstallation& recorded = site_.Record.Installations.at(step.Installation);
-  const bool same =
-      SamePath(source->Driver, field(0)) && ((server && SamePath(source->Server, recorded.Server) &&
-                                              SamePath(source->Database, field(2))) ||
-                                             (access && SamePath(source->File, field(2))));
-  return same ? Goes() : Stays("It is not as the wizard made it.");
 }
 
 }  // namespace talu

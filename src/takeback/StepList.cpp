@@ -243,7 +243,11 @@ class Lister {
 
   void ListRest() {
     const std::string backups = site_.Folder + " BackUp";
-    if (site_.Removal.Look(backups).Kind != EntryKind::Missing) Add(Kind::Backups, backups);
+    const bool willBe =
+        std::ranges::any_of(steps_, [](const Step& step) { return step.What == Kind::Database; });
+    if (willBe || site_.Removal.Look(backups).Kind != EntryKind::Missing) {
+      Add(Kind::Backups, backups);
+    }
     Add(Kind::Program, site_.Folder);
   }
 

@@ -124,6 +124,7 @@ class TakeBack::Work {
       installations.insert(Steps[i].Installation);
     }
     const std::vector<RecordLine>& all = Place.Record.Lines;
+    for (const std::size_t line : lines) installations.insert(all[line].Installation);
     std::string text;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < all.size(); ++i) {

@@ -37,13 +37,13 @@ Verdict Undoing::CarryOut(const Step& step) {
     verdict = Done(step);
   } catch (...) {
     const RuntimeError error = CaughtError();
-    if (IsMissing(error)) {
+    if (IsMissing(error) && step.What != Step::Kind::DataSource) {
       verdict = Gone("It was gone already.");
     } else {
       verdict = {Fate::Left, WhyLeft(error)};
     }
   }
-  if (step.What == Step::Kind::Database && verdict.What == Fate::Left) databaseLeft_ = true;
+  if (verdict.What == Fate::Left) NoteLeft(step);
   return verdict;
 }
 

@@ -32,12 +32,16 @@ class Undoing {
   Verdict CarryOut(const Step& step);
 
   /// For a plan: a path that will be gone.
-  void Expect(const std::string& path) { going_.insert(UCase(path)); }
+  void Expect(const std::string& path);
   /// Whether the folder has nothing but what will be gone. Raises what listing it raises.
   bool WillBeEmpty(const std::string& folder) const;
+  /// Notes that the step is left: so are the folders that it stands in.
+  void NoteLeft(const Step& step);
 
  private:
   Judgement Judged(const Step& step);
+  /// What becomes of a folder that is there.
+  Judgement JudgeEmpty(const std::string& folder, const char* whyStays);
   Judgement JudgeAddOn(const Step& step);
   Judgement JudgeShortcut(const Step& step);
   Judgement JudgeShortcutFolder(const Step& step);
@@ -67,6 +71,7 @@ class Undoing {
   Removal& removal_;
   DatabaseRemoval databases_;
   std::set<std::string> going_;  // upper-cased
+  std::set<std::string> left_;
   std::optional<std::vector<std::string>> specialFolders_;
   std::string clearFolder_;   // the last folder that no link stands above
   std::string sourceFolder_;  // the last folder of the pack that was looked for

@@ -47,6 +47,9 @@ class Installation {
   /// nothing is left to press. Each page is tried three times at most.
   void Run();
 
+  /// The program ends, and its files are closed.
+  void EndProgram() { wizard_.reset(); }
+
   /// The file's text, empty without it.
   std::string Read(const std::string& name) { return Disk().ReadFile(App + name).value_or(""); }
   std::string Log() { return Read("Ta-luErrLog.txt"); }
