@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <sstream>
 
 #include "PackFolder.h"
@@ -283,6 +284,30 @@ TEST_F(PlanTest, JournalIsJson) {
        R"({"event":"sql","text":"SELECT '€\"\\'\u0009USE Gone","script":"d.sql","line":2,"timeout":300,"ok":false,"error":{"number":-2147217900,"description":"[Microsoft][ODBC SQL Server Driver][SQL Server]Database 'Gone' does not exist. Make sure that the name is entered correctly."}})"}) {
     EXPECT_NE(json.find(line + std::string("\n")), std::string::npos) << line << "\n" << json;
   }
+}
+
+TEST_F(PlanTest, TakesTheInstallationBackAtItsEnd) {
+  PlanCommandOptions command;
+  command.Run = options;
+  command.TakeBack = true;
+  std::ostringstream kept;
+  EXPECT_EQ(PlanCommand(command, kept), 0);
+  EXPECT_EQ(kept.str().substr(std::min(kept.str().find("\nTaken back"), kept.str().size())), R"(
+Taken back
+  gone   file             C:\Program Files\TA-LU\App\Help.txt
+  stays  database         Sales - Databases and logins are kept.
+  stays  login            Clerk - Databases and logins are kept.
+  gone   folder           C:\Program Files\TA-LU\App\Data
+  gone   backups          C:\Program Files\TA-LU\App BackUp
+  gone   program          C:\Program Files\TA-LU\App
+  gone: 4, stays: 2, left: 0
+)");
+  command.DropDatabases = true;
+  command.Json = true;
+  std::ostringstream dropped;
+  EXPECT_EQ(PlanCommand(command, dropped), 0);
+  EXPECT_TRUE(dropped.str().ends_with(R"({"result":"done","gone":6,"stays":0,"left":0})"
+                                      "\n"));
 }
 
 }  // namespace

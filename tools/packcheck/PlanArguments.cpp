@@ -130,6 +130,8 @@ std::vector<std::string> Texts(const std::vector<std::string>& arguments) {
 PlanCommandOptions ReadPlanArguments(const PlanArguments& arguments) {
   PlanCommandOptions options;
   options.Json = arguments.Json;
+  options.TakeBack = arguments.Uninstall;
+  options.DropDatabases = arguments.DropDatabases;
   if (arguments.Brief) options.Listed = 0;
   if (arguments.Full) options.Listed = PlanAccount::kAll;
   options.Save = HostPath(arguments.Save);

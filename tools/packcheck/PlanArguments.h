@@ -24,6 +24,8 @@ struct PlanArguments {
   int CodePage = 1252;
   bool AcceptAll = false;
   bool Twice = false;
+  bool Uninstall = false;
+  bool DropDatabases = false;
   bool Json = false;
   bool Brief = false;
   bool Full = false;

@@ -6,6 +6,7 @@
 
 #include "PlanAccount.h"
 #include "PlanComparison.h"
+#include "PlanTakeBack.h"
 #include "pages/FrmSQLNonQuery.h"
 
 namespace talu::packcheck {
@@ -46,9 +47,10 @@ int PlanCommand(const PlanCommandOptions& options, std::ostream& out) {
     account.Take(sofar, event);
   });
   account.End(run);
+  const bool left = options.TakeBack && !TakeBackPlanned(run, options, out);
   if (!options.Save.empty()) run.Machine.Disk.SaveTo(options.Save, options.Run.PackPath);
   if (compare) return IsAsPlanned(run, options.Run, shortcuts, options.Compare, out) ? 0 : 1;
-  return run.Finished() && account.Failures() == 0 ? 0 : 1;
+  return run.Finished() && account.Failures() == 0 && !left ? 0 : 1;
 }
 
 }  // namespace talu::packcheck

@@ -47,8 +47,15 @@ CLI::App& AddPlan(CLI::App& app, PlanArguments& given) {
       ->excludes(json);
   brief->excludes(json);
   add("--save", given.Save, "DIR", "Save the drives at the end into a new folder");
-  add("--compare", given.Compare, "DIR",
+  CLI::Option* const compare = add(
+      "--compare", given.Compare, "DIR",
       "A folder that is C: of a machine after this installation: tell what differs from the plan");
+  CLI::Option* const uninstall =
+      plan.add_flag("--uninstall", given.Uninstall,
+                    "Take the installation back at the end, and tell what goes and what stays")
+          ->excludes(compare);
+  plan.add_flag("--drop-databases", given.DropDatabases, "Its databases and logins go too")
+      ->needs(uninstall);
 
   group = "What the operator does";
   add("--server", given.Server, "NAME", "Type this database server (SERVER)");
