@@ -1,6 +1,7 @@
 #pragma once
 
 #include "forms/Controls.h"
+#include "forms/PageLayout.h"
 #include "runtime/Int16.h"
 
 namespace talu {
@@ -12,9 +13,6 @@ struct WorkView {
   Label& Note;
   CommandButton& Next;
 };
-
-/// The progress bar's full width in twips.
-inline constexpr int kProgressWidth = 7325;
 
 /// The width in twips for `percent` of the wizard's work, halves rounded to even.
 inline Int16 ProgressShare(double percent) {
