@@ -22,6 +22,7 @@ class Win32Machine {
   Win32Machine& operator=(const Win32Machine&) = delete;
 
   Machine& Parts() { return parts_; }
+  Win32WindowSystem& Windows() { return windows_; }
   /// The message loop; returns the program's exit code.
   int Run() { return windows_.Run(); }
 

@@ -2,16 +2,14 @@
 
 #include <utility>
 
+#include "platform/win32/StartProgram.h"
 #include "platform/win32/SystemLibrary.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Windows.h"
 #include "runtime/RuntimeError.h"
 
 namespace talu {
-namespace {
 
-/// The system's program that a command line names without a folder and without an ending; empty
-/// where it has none of that name. Windows itself would look beside Setup.exe first.
 std::wstring SystemProgram(const std::string& commandLine) {
   const std::string name = commandLine.substr(0, commandLine.find(' '));
   if (name.empty() || name.find_first_of("\\/:.\"") != std::string::npos) return {};
@@ -21,7 +19,6 @@ std::wstring SystemProgram(const std::string& commandLine) {
   return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES ? path : std::wstring();
 }
 
-/// Returns 0 or the system's error.
 DWORD StartAsUsual(const wchar_t* program, std::wstring& commandLine, BOOL inheritHandles,
                    STARTUPINFOW& startup, PROCESS_INFORMATION& process) {
   const UsualLibrarySearch usual;
@@ -29,8 +26,6 @@ DWORD StartAsUsual(const wchar_t* program, std::wstring& commandLine, BOOL inher
                                       NORMAL_PRIORITY_CLASS, nullptr, nullptr, &startup, &process);
   return started ? 0 : GetLastError();
 }
-
-}  // namespace
 
 Win32Processes::Win32Processes(std::function<void()> beforeWaiting)
     : beforeWaiting_(std::move(beforeWaiting)) {}

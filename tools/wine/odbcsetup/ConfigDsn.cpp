@@ -78,6 +78,26 @@ void Register(const std::string& name, const char* driver) {
   if (!done) throw std::runtime_error("the registry does not take the data source");
 }
 
+std::wstring Wide(const std::string& utf8) {
+  std::wstring wide(utf8.size(), L'\0');
+  wide.resize(static_cast<std::size_t>(
+      MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(),
+                          static_cast<int>(wide.size()))));
+  return wide;
+}
+
+/// Keeps the entries in the registry too, where the drivers of Windows keep theirs. Wine's own
+/// function for that would put them among the user's.
+void KeepEntries(const std::string& name, const OdbcIni::Entries& entries) {
+  const std::wstring key = L"Software\\ODBC\\ODBC.INI\\" + Wide(Utf8(name));
+  for (const auto& [entry, value] : entries) {
+    if (entry == "Driver") continue;  // the library has written which file that is
+    const std::wstring text = Wide(value);
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), Wide(entry).c_str(), REG_SZ, text.c_str(),
+                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+  }
+}
+
 }  // namespace
 
 /// Adds, changes or removes a data source for `SQLConfigDataSource`, which has already removed the
@@ -101,6 +121,7 @@ BOOL INSTAPI ConfigDSN(HWND, WORD request, LPCSTR driver, LPCSTR attributes) {
       }
     }
     Register(source.Name, request == ODBC_REMOVE_DSN ? nullptr : driver);
+    if (request != ODBC_REMOVE_DSN) KeepEntries(source.Name, source.Entries);
     return TRUE;
   } catch (const std::exception& failure) {
     SQLPostInstallerError(ODBC_ERROR_REQUEST_FAILED, failure.what());

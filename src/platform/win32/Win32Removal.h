@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+
+#include "platform/OdbcInstaller.h"
+#include "platform/Removal.h"
+#include "platform/win32/Windows.h"
+
+namespace talu {
+
+/// Removing, over kernel32, the shell and odbccp32.dll. What a path leads to through a link,
+/// wherever on the way, counts as a link: nothing is removed there. What is looked at and what is
+/// removed is one open file, so that nobody can put a link in its place in between.
+class Win32Removal : public Removal {
+ public:
+  /// `wait` returns when the handle is set and handles window events meanwhile.
+  Win32Removal(std::function<void(HANDLE)> wait, OdbcInstaller& odbc);
+
+  DiskEntry Look(const std::string& path) override;
+  std::vector<DiskEntry> List(const std::string& folder) override;
+  void RemoveFile(const std::string& path) override;
+  void RemoveFolder(const std::string& path) override;
+  void Replace(const std::string& from, const std::string& to) override;
+  bool SameBytes(const std::string& one, const std::string& other) override;
+  std::string ShortcutTarget(const std::string& path) override;
+  std::optional<DataSource> SystemDataSource(const std::string& name) override;
+  bool RemoveSystemDataSource(const std::string& driver, const std::string& name) override;
+  std::int32_t RunSystemProgram(const std::string& name, const std::string& arguments) override;
+
+ private:
+  std::function<void(HANDLE)> wait_;
+  OdbcInstaller& odbc_;
+};
+
+}  // namespace talu
