@@ -301,7 +301,8 @@ Script ReadScript(std::string_view text, Variables& variables) {
 
 const std::vector<std::string>& FormNames() {
   static const std::vector<std::string> kNames = {
-      "FrmType", "FrmMode", "FrmAuthentication", "FrmLocation", "FrmSQLNonQuery", "FrmApplication"};
+      "FrmType",        "FrmMode",        "FrmAuthentication", "FrmLocation",
+      "FrmSQLNonQuery", "FrmApplication", "FrmTakeBack"};
   return kNames;
 }
 

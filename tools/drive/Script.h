@@ -73,7 +73,7 @@ struct Script {
 /// Reads a whole script (UTF-8).
 Script ReadScript(std::string_view text, Variables& variables);
 
-/// The six pages, by the names of their windows.
+/// The wizard's six pages and the one of Uninstall.exe, by the names of their windows.
 const std::vector<std::string>& FormNames();
 
 }  // namespace talu::drive
