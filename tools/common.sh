@@ -313,12 +313,13 @@ LoadScripts() {
   said=$(AtServer load "$TMPDIR/load.jsonl" "C=$3" "${@:4}" 2>&1) || Fail "$said"
 }
 
-# Drive SCRIPT [OPTION...]: plays a script, in which FOLDER is $Folder, with the pack at PackPath, D:\Pack
-# unless that is set; its output is in Machine/drive.log.
+# Drive SCRIPT [OPTION...]: plays a script, in which FOLDER is $Folder, with Program, which is the Setup.exe of the pack
+# at PackPath, D:\Pack, unless these are set; its output is in Machine/drive.log.
 Drive() {
   local script=$1
   shift
-  Attend wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" --start "${PackPath:-D:\\Pack}\\Setup.exe" \
+  Attend wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" \
+    --start "${Program:-${PackPath:-D:\\Pack}\\Setup.exe}" \
     --shots "Z:${Machine//\//\\}\\shots" --set "SERVER=${Server:-none}" \
     --set "FOLDER=$Folder" --end-on-failure -v "$@" </dev/null >"$Machine/drive.log" 2>&1
 }

@@ -87,6 +87,7 @@ TakeBackOptions FrmTakeBack::Options() const {
 
 void FrmTakeBack::ShowPlan() {
   MousePointer(11);
+  windows_.DoEvents();  // what was ticked is seen at once
   const std::vector<Verdict> verdicts = takeBack_->Plan(Options());
   LblPlan.Caption = PlanText(takeBack_->Steps(), verdicts, "Will be removed:");
   MousePointer(0);
@@ -133,6 +134,7 @@ void FrmTakeBack::Run() {
   LblMsg.Caption = all ? "All that was installed is removed. Click Finish to exit."
                        : "Something is left. When its cause is mended, start this program again.";
   done_ = true;
+  CmdCancel.Visible = false;
   CmdNext.Caption = "&Finish";
   CmdNext.Enabled = true;
 }

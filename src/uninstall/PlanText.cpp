@@ -47,10 +47,11 @@ std::string PlanText(const std::vector<Step>& steps, const std::vector<Verdict>&
       lines[verdicts[i].What].push_back(With(steps[i], verdicts[i]));
     }
   }
-  for (const auto& [kind, count] : counts) {
-    lines[Fate::Goes].push_back(std::to_string(count) + " " + KindName(kind) +
-                                (count == 1 ? "" : "s"));
-  }
+  std::vector<std::string> goesFirst;
+  for (const auto& [kind, count] : counts)
+    goesFirst.push_back(std::to_string(count) + " " + KindName(kind) + (count == 1 ? "" : "s"));
+  std::vector<std::string>& others = lines[Fate::Goes];
+  others.insert(others.begin(), goesFirst.begin(), goesFirst.end());
   std::string text;
   Append(text, goes, lines[Fate::Goes]);
   Append(text, "Left, because it cannot be removed now:", lines[Fate::Left]);

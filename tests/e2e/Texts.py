@@ -5,6 +5,8 @@
   Texts.py record FILE < RECORDS    the same for the uninstall record
   Texts.py statements JOURNAL       what the server was told, or what a plan foretells, one statement a
                                     line, without the passwords of logins
+  Texts.py registry FILE...         each value of Wine's registry with its key, one a line, without what Wine
+                                    notes of its own devices at each start
 
 " / " stands for a line break inside an entry, "*" for any text in a line. "error: TEXT" is the entry of
 a trapped error, "error: TEXT @BATCH" that of one in a build. A difference is shown line by line and
@@ -43,8 +45,23 @@ def statements(journal):
             print(re.sub(r"\s*[\r\n]+\s*", " / ", text.strip("\r\n")))
 
 
+def registry(path):
+    text = pathlib.Path(path).read_text("cp1252").replace("\\\n", "")
+    for block in text.split("\n\n"):
+        head, *values = block.splitlines() or [""]
+        key = re.match(r"\[(.*)\]", head)
+        if not key or re.match(r"System\\\\CurrentControlSet\\\\(Enum|Control\\\\(Class|DeviceClasses|Video))", key[1], re.I):
+            continue
+        for value in values:
+            if not value.startswith("#"):
+                print(f"{pathlib.Path(path).stem} {key[1]} {value}")
+
+
 command = sys.argv[1]
 if command in ("log", "record"):
     written(sys.argv[2], sys.stdin.read().splitlines(), "//\r\n" if command == "log" else "")
+elif command == "registry":
+    for name in sys.argv[2:]:
+        registry(name)
 else:
     statements(sys.argv[2])
