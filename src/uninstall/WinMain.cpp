@@ -38,7 +38,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   const std::string program = path.substr(name);
   machine.AppPath = path.substr(0, name - 1);
   talu::Win32Removal removal([&real](HANDLE handle) { real.Windows().WaitFor(handle); },
-                             machine.Odbc);
+                             machine.Odbc, machine.AppPath);
   talu::LoadWhatIsAskedForLater();
 
   const std::vector<std::string> arguments = talu::ProgramArguments();

@@ -50,7 +50,7 @@ class RemovalTest : public testing::Test {
   const Scratch scratch_;
   CodePage codePage_{0};
   Win32OdbcInstaller odbc_{codePage_};
-  Win32Removal removal_{Wait, odbc_};
+  Win32Removal removal_{Wait, odbc_, scratch_ / "app"};
   Win32FileSystem files_;
 };
 
@@ -93,7 +93,8 @@ TEST_F(RemovalTest, RemovesFilesAndEmptyFoldersAndSaysWhyNot) {
   EXPECT_TRUE(files_.FileExists(scratch_ / "full\\inside.txt"));
 }
 
-// Wherever on the way the link stands, and whatever is behind it.
+// Wherever between the application folder and the thing the link stands, and whatever is behind it;
+// the application folder itself may be reached by one.
 TEST_F(RemovalTest, DoesNotFollowLinks) {
   for (const char* name : {"elsewhere", "elsewhere\\deep", "app"})
     files_.CreateFolder(scratch_ / name);
@@ -102,8 +103,7 @@ TEST_F(RemovalTest, DoesNotFollowLinks) {
   const std::string behind = scratch_ / "app\\link\\deep";
 
   EXPECT_EQ(removal_.Look(scratch_ / "app").Kind, EntryKind::Folder);
-  for (const std::string& path : {scratch_ / "app\\link", behind, behind + "\\theirs.txt"})
-    EXPECT_EQ(removal_.Look(path).Kind, EntryKind::Link) << path;
+  EXPECT_EQ(removal_.Look(scratch_ / "app\\link").Kind, EntryKind::Link);
   EXPECT_EQ(removal_.List(scratch_ / "app").at(0).Kind, EntryKind::Link);
   EXPECT_EQ(ErrorOf([&] { removal_.RemoveFile(behind + "\\theirs.txt"); }), 75);
   std::filesystem::remove(Wide(scratch_ / "elsewhere\\deep\\theirs.txt"));
@@ -111,6 +111,14 @@ TEST_F(RemovalTest, DoesNotFollowLinks) {
     EXPECT_EQ(ErrorOf([&] { removal_.RemoveFolder(path); }), 75) << path;
   EXPECT_TRUE(files_.FolderExists(scratch_ / "elsewhere\\deep"));
   RemoveLink(scratch_ / "app\\link");
+
+  MakeLink(scratch_ / "moved", scratch_ / "elsewhere");
+  Win32Removal behindLink(Wait, odbc_, scratch_ / "moved");
+  scratch_.Write("elsewhere\\ours.txt", "x");
+  EXPECT_EQ(ErrorOf([&] { behindLink.RemoveFile(scratch_ / "moved\\ours.txt"); }), 0);
+  EXPECT_EQ(ErrorOf([&] { behindLink.RemoveFolder(scratch_ / "moved\\deep"); }), 0);
+  EXPECT_EQ(files_.GetFolder(scratch_ / "elsewhere")->SubFolders().size(), 0U);
+  RemoveLink(scratch_ / "moved");
 }
 
 TEST_F(RemovalTest, TellsWhatStandsThere) {
@@ -137,14 +145,17 @@ TEST_F(RemovalTest, TellsWhatStandsThere) {
   EXPECT_EQ(removal_.Look("C:\\").Kind, EntryKind::Folder);
 }
 
-// A path with short names is the same path; a drive that is a folder elsewhere is none the less
-// one.
-TEST_F(RemovalTest, TakesShortNamesAndDrivesThatStandForFolders) {
-  files_.CreateFolder(scratch_ / "a folder with a long name");
-  const std::string file = scratch_.Write("a folder with a long name\\a file.text", "x");
-  wchar_t shortPath[MAX_PATH] = L"";
-  GetShortPathNameW(Wide(file).c_str(), shortPath, MAX_PATH);
-  EXPECT_EQ(removal_.Look(Narrow(shortPath)).Kind, EntryKind::File) << Narrow(shortPath);
+TEST_F(RemovalTest, TakesShortNames) {
+  const std::string folder = scratch_ / "app\\a folder with a long name";
+  for (const std::string& path : {scratch_ / "app", folder}) files_.CreateFolder(path);
+  const std::string file = scratch_.Write("app\\a folder with a long name\\a file.text", "x");
+  wchar_t text[MAX_PATH] = L"";
+  ASSERT_NE(GetShortPathNameW(Wide(folder).c_str(), text, MAX_PATH), 0U);
+  const std::string shortPath = Narrow(text);
+  const std::string name = shortPath.substr(shortPath.rfind('\\'));
+  EXPECT_EQ(ErrorOf([&] { removal_.RemoveFile(scratch_ / "app" + name + "\\a file.text"); }), 0)
+      << name;
+  EXPECT_FALSE(files_.FileExists(file));
 }
 
 TEST_F(RemovalTest, LeavesTheFolderThatItRemoves) {

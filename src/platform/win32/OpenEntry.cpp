@@ -38,21 +38,6 @@ std::int32_t OpenError(DWORD reason) {
   }
 }
 
-/// Raises 76 for what is no path of a file or folder: a stream of one, a text with a NUL in it.
-std::wstring FullPath(const std::string& path) {
-  const std::wstring wide = Wide(path);
-  if (wide.find(L'\0') != std::wstring::npos || wide.find(L':', 2) != std::wstring::npos)
-    throw RuntimeError(error::kPathNotFound);
-  std::wstring full(wide.size() + MAX_PATH, L'\0');
-  const DWORD length =
-      GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
-  if (length == 0 || length >= full.size()) throw RuntimeError(error::kPathNotFound);
-  full.resize(length);
-  // Only a root ("C:\") keeps its backslash.
-  if (full.size() > 3 && full.back() == L'\\') full.pop_back();
-  return full;
-}
-
 /// What a function writes that is given a buffer and returns the length; empty when it fails.
 template <class Function>
 std::wstring Text(Function&& function) {
@@ -69,21 +54,14 @@ std::wstring FinalPath(HANDLE handle) {
   });
 }
 
-/// The length of "C:" or "\\server\share" at the beginning of a full path.
-std::size_t RootLength(const std::wstring& path) {
-  if (path.compare(0, 2, L"\\\\") != 0) return 2;
-  const std::size_t share = path.find(L'\\', 2);
-  return std::min(path.size(), share == std::wstring::npos ? share : path.find(L'\\', share + 1));
-}
-
-/// The final path of a drive, of which most questions are about one.
-const std::wstring& FinalRoot(const std::wstring& root) {
+/// Where a folder really is. Most questions are about one.
+const std::wstring& FinalPathOfFolder(const std::wstring& folder) {
   static std::wstring last;
   static std::wstring final;
-  if (last == root && !final.empty()) return final;
-  last = root;
-  const HANDLE handle = CreateFileW((root + L"\\").c_str(), FILE_READ_ATTRIBUTES, kSharingAll,
-                                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (last == folder && !final.empty()) return final;
+  last = folder;
+  const HANDLE handle = CreateFileW(folder.c_str(), FILE_READ_ATTRIBUTES, kSharingAll, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   final = handle == INVALID_HANDLE_VALUE ? std::wstring() : FinalPath(handle);
   if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
   return final;
@@ -104,26 +82,36 @@ void LeaveFolder(const std::wstring& folder) {
 
 }  // namespace
 
-OpenEntry::OpenEntry(const std::string& path, bool forRemoval) : path_(FullPath(path)) {
-  if (forRemoval) LeaveFolder(path_);
-  const DWORD access =
-      FILE_READ_ATTRIBUTES | (forRemoval ? DELETE | FILE_WRITE_ATTRIBUTES | SYNCHRONIZE : 0);
+std::wstring FullPathOf(const std::string& path) {
+  const std::wstring wide = Wide(path);
+  if (wide.find(L'\0') != std::wstring::npos || wide.find(L':', 2) != std::wstring::npos)
+    throw RuntimeError(error::kPathNotFound);
+  std::wstring full(wide.size() + MAX_PATH, L'\0');
+  const DWORD length =
+      GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+  if (length == 0 || length >= full.size()) throw RuntimeError(error::kPathNotFound);
+  full.resize(length);
+  if (full.size() > 3 && full.back() == L'\\') full.pop_back();
+  return full;
+}
+
+OpenEntry::OpenEntry(const std::string& path, const std::wstring& anchor)
+    : path_(FullPathOf(path)) {
+  LeaveFolder(path_);
+  constexpr DWORD kAccess = DELETE | FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES | SYNCHRONIZE;
   const bool opened = TryWhileLocked([&] {
     handle_ =
-        CreateFileW(path_.c_str(), access, kSharingAll, nullptr, OPEN_EXISTING, kItself, nullptr);
+        CreateFileW(path_.c_str(), kAccess, kSharingAll, nullptr, OPEN_EXISTING, kItself, nullptr);
     return handle_ != INVALID_HANDLE_VALUE;
   });
   if (!opened) throw RuntimeError(OpenError(GetLastError()));
-  const DWORD byName = GetFileAttributesW(path_.c_str());  // Wine tells of a link only so
   if (!GetFileInformationByHandle(handle_, &info_)) {
     CloseHandle(handle_);
     throw RuntimeError(error::kPermissionDenied);
   }
-  const DWORD attributes =
-      info_.dwFileAttributes | (byName != INVALID_FILE_ATTRIBUTES ? byName : 0);
-  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 || IsBehindLink()) {
+  if ((info_.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 || IsBehindLink(anchor)) {
     kind_ = EntryKind::Link;
-  } else if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+  } else if ((info_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
     kind_ = EntryKind::Folder;
   }
 }
@@ -132,28 +120,21 @@ OpenEntry::~OpenEntry() {
   CloseHandle(handle_);
 }
 
-std::uint64_t OpenEntry::Written() const {
-  return std::uint64_t{info_.ftLastWriteTime.dwHighDateTime} << 32 |
-         info_.ftLastWriteTime.dwLowDateTime;
-}
-
-// The system says where a handle really leads. Without links that is the path that was given, from
-// the root of its drive on, which may itself be a folder or a share elsewhere.
-bool OpenEntry::IsBehindLink() const {
-  const std::size_t root = RootLength(path_);
-  const std::wstring& finalRoot = FinalRoot(path_.substr(0, root));
+// The system says where a handle really leads: in the anchor it is the path that was given, unless
+// a link is on the way.
+bool OpenEntry::IsBehindLink(const std::wstring& anchor) const {
+  const std::size_t root = anchor.size();
+  if (path_.size() <= root || path_[root] != L'\\' || !IsSame(path_.substr(0, root), anchor))
+    return false;
+  const std::wstring& base = FinalPathOfFolder(anchor);
   const std::wstring found = FinalPath(handle_);
-  if (finalRoot.empty() || found.empty()) return true;
-  const auto expected = [&](std::wstring path) {
-    while (!path.empty() && path.back() == L'\\') path.pop_back();
-    return finalRoot + path.substr(root);
-  };
-  if (IsSame(found, expected(path_))) return false;
+  if (base.empty() || found.empty()) return true;
+  if (IsSame(found, base + path_.substr(root))) return false;
   // The path may have short names in it.
   const std::wstring whole = Text([this](wchar_t* buffer, DWORD size) {
     return GetLongPathNameW(path_.c_str(), buffer, size);
   });
-  return whole.size() < root || !IsSame(found, expected(whole));
+  return whole.size() < root || !IsSame(found, base + whole.substr(root));
 }
 
 bool OpenEntry::Dispose() {

@@ -7,30 +7,27 @@
 
 namespace talu {
 
-/// One file or folder by a handle, so that what was looked at is what is removed. It is the entry
-/// itself, never what a link leads to.
+/// One file or folder by a handle that may remove it, so that what was looked at is what is
+/// removed. It is the entry itself, never what a link leads to.
 class OpenEntry {
  public:
-  /// Opens what is there under `path`, with DELETE access where it is `forRemoval`. What is locked
-  /// is tried again for half a second. Raises 53 when there is nothing (76 when its folder is
-  /// missing too), 70 when it is in use or protected.
-  OpenEntry(const std::string& path, bool forRemoval);
+  /// Opens what is there under `path`. On the way from the folder `anchor` to an entry in it,
+  /// however deep, nothing may be a link either; how `anchor` itself is reached does not matter.
+  /// What is locked is tried again for half a second. Raises 53 when there is nothing (76 when its
+  /// folder is missing too), 70 when it is in use or protected.
+  OpenEntry(const std::string& path, const std::wstring& anchor);
   ~OpenEntry();
   OpenEntry(const OpenEntry&) = delete;
   OpenEntry& operator=(const OpenEntry&) = delete;
 
-  /// A junction, a symbolic link and whatever else leads elsewhere is a link; so is what lies
-  /// behind one, somewhere on the way from the root of its drive.
   EntryKind Kind() const { return kind_; }
-  /// When it was last written to, in units of 100 ns.
-  std::uint64_t Written() const;
   /// Removes the file or the empty folder, a read-only one too. The file of the program that runs
   /// leaves its folder at once and is removed when Windows starts the next time. Raises 70 when it
   /// may not be removed or is in use, 75 for a link and for a folder that is not empty.
   void Remove();
 
  private:
-  bool IsBehindLink() const;
+  bool IsBehindLink(const std::wstring& anchor) const;
   bool Dispose();
   void SetAttributes(DWORD attributes);
 
@@ -39,5 +36,9 @@ class OpenEntry {
   BY_HANDLE_FILE_INFORMATION info_ = {};
   EntryKind kind_ = EntryKind::File;
 };
+
+/// The full path of a file or folder, without a backslash at its end but for a root's. Raises 76
+/// for what is no path of one: a stream, a text with a NUL in it.
+std::wstring FullPathOf(const std::string& path);
 
 }  // namespace talu

@@ -53,18 +53,26 @@ std::size_t ReadFully(TextFile& file, char* buffer, std::size_t size) {
 
 }  // namespace
 
-Win32Removal::Win32Removal(std::function<void(HANDLE)> wait, OdbcInstaller& odbc)
-    : wait_(std::move(wait)), odbc_(odbc) {}
+Win32Removal::Win32Removal(std::function<void(HANDLE)> wait, OdbcInstaller& odbc,
+                           const std::string& appFolder)
+    : wait_(std::move(wait)), odbc_(odbc), appFolder_(Wide(appFolder)) {}
 
 DiskEntry Win32Removal::Look(const std::string& path) {
   DiskEntry entry;
   entry.Name = path.substr(path.find_last_of('\\') + 1);
+  std::wstring full;
   try {
-    const OpenEntry open(path, false);
-    entry.Kind = open.Kind();
-    entry.Written = open.Written();
-  } catch (const RuntimeError& error) {
-    if (error.Number == error::kPermissionDenied) throw;
+    full = FullPathOf(path);
+  } catch (const RuntimeError&) {
+    return entry;
+  }
+  WIN32_FILE_ATTRIBUTE_DATA data;
+  if (GetFileAttributesExW(full.c_str(), GetFileExInfoStandard, &data)) {
+    entry.Kind = KindOf(data.dwFileAttributes);
+    entry.Written = AsNumber(data.ftLastWriteTime);
+  } else if (const DWORD reason = GetLastError();
+             reason == ERROR_ACCESS_DENIED || reason == ERROR_SHARING_VIOLATION) {
+    throw RuntimeError(error::kPermissionDenied);
   }
   return entry;
 }
@@ -95,7 +103,7 @@ std::vector<DiskEntry> Win32Removal::List(const std::string& folder) {
 
 void Win32Removal::RemoveFile(const std::string& path) {
   try {
-    OpenEntry entry(path, true);
+    OpenEntry entry(path, appFolder_);
     if (entry.Kind() != EntryKind::File) throw RuntimeError(error::kPathFileAccess);
     entry.Remove();
   } catch (const RuntimeError& error) {
@@ -106,7 +114,7 @@ void Win32Removal::RemoveFile(const std::string& path) {
 
 void Win32Removal::RemoveFolder(const std::string& path) {
   try {
-    OpenEntry entry(path, true);
+    OpenEntry entry(path, appFolder_);
     if (entry.Kind() != EntryKind::Folder) throw RuntimeError(error::kPathFileAccess);
     entry.Remove();
   } catch (const RuntimeError& error) {

@@ -8,13 +8,14 @@
 
 namespace talu {
 
-/// Removing, over kernel32, the shell and odbccp32.dll. What a path leads to through a link,
-/// wherever on the way, counts as a link: nothing is removed there. What is looked at and what is
-/// removed is one open file, so that nobody can put a link in its place in between.
+/// Removing, over kernel32, the shell and odbccp32.dll. What is removed is one open file or folder,
+/// looked at by its handle: nobody can put a link in its place, or on the way to it from the
+/// application folder, between a look and the removal.
 class Win32Removal : public Removal {
  public:
-  /// `wait` returns when the handle is set and handles window events meanwhile.
-  Win32Removal(std::function<void(HANDLE)> wait, OdbcInstaller& odbc);
+  /// `wait` returns when the handle is set and handles window events meanwhile. `appFolder` is the
+  /// application folder's long path.
+  Win32Removal(std::function<void(HANDLE)> wait, OdbcInstaller& odbc, const std::string& appFolder);
 
   DiskEntry Look(const std::string& path) override;
   std::vector<DiskEntry> List(const std::string& folder) override;
@@ -30,6 +31,7 @@ class Win32Removal : public Removal {
  private:
   std::function<void(HANDLE)> wait_;
   OdbcInstaller& odbc_;
+  std::wstring appFolder_;
 };
 
 }  // namespace talu

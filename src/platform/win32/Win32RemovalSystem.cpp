@@ -45,7 +45,9 @@ std::string Win32Removal::ShortcutTarget(const std::string& path) {
   wchar_t target[MAX_PATH] = L"";
   // As it is stored: the target is neither looked for nor asked of a server.
   if (FAILED(link->GetPath(target, MAX_PATH, nullptr, SLGP_RAWPATH))) return {};
-  return Narrow(target);
+  wchar_t expanded[MAX_PATH] = L"";
+  const DWORD length = ExpandEnvironmentStringsW(target, expanded, MAX_PATH);
+  return Narrow(length > 0 && length <= MAX_PATH ? expanded : target);
 }
 
 std::optional<DataSource> Win32Removal::SystemDataSource(const std::string& name) {
