@@ -53,8 +53,8 @@ std::string PlanText(const std::vector<Step>& steps, const std::vector<Verdict>&
   std::vector<std::string>& others = lines[Fate::Goes];
   others.insert(others.begin(), goesFirst.begin(), goesFirst.end());
   std::string text;
-  Append(text, goes, lines[Fate::Goes]);
   Append(text, "Left, because it cannot be removed now:", lines[Fate::Left]);
+  Append(text, goes, lines[Fate::Goes]);
   Append(text, "Stays:", lines[Fate::Stays]);
   return text;
 }
