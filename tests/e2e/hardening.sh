@@ -8,20 +8,23 @@ StartServer "$Machine/server" "$Machine/wine/drive_c"
 # Imports FILE: the libraries that it names in its import table.
 Imports() { i686-w64-mingw32-objdump -p "$1" | awk '/DLL Name:/ {print tolower($3)}' | sort; }
 
+Uninstall=$Root/build/win32/src/uninstall/Uninstall.exe
 Drive=$Root/build/win32/tools/drive/drive.exe Packcheck=$Root/build/win32/tools/packcheck/packcheck.exe
 
 Test 'the programs import from libraries that Windows never takes from the program'\''s folder'
 # Windows has these loaded for good; the manifests bind COMCTL32 and GDI+ to the system's.
-Is 'imports' 'advapi32.dll comctl32.dll gdi32.dll kernel32.dll msvcrt.dll ole32.dll oleaut32.dll shell32.dll user32.dll' \
-  "$(Imports "$Setup" | xargs)"
-True 'the manifest' grep -aq 'Microsoft.Windows.Common-Controls' "$Setup"
+for Program in "$Setup" "$Uninstall"; do
+  Is "imports of $Program" 'advapi32.dll comctl32.dll gdi32.dll kernel32.dll msvcrt.dll ole32.dll oleaut32.dll shell32.dll user32.dll' \
+    "$(Imports "$Program" | xargs)"
+  True "the manifest of $Program" grep -aq 'Microsoft.Windows.Common-Controls' "$Program"
+done
 Is "drive's imports" 'gdi32.dll gdiplus.dll kernel32.dll msvcrt.dll ole32.dll shell32.dll user32.dll' \
   "$(Imports "$Drive" | xargs)"
 True "drive's manifest" grep -aq 'Microsoft.Windows.GdiPlus' "$Drive"
 Is "packcheck's imports" 'kernel32.dll msvcrt.dll shell32.dll' "$(Imports "$Packcheck" | xargs)"
 
 Test 'data is not executed, addresses move, overrun buffers end the program; rights and versions are told'
-for Program in "$Setup" "$Drive" "$Packcheck"; do
+for Program in "$Setup" "$Uninstall" "$Drive" "$Packcheck"; do
   Header=$(i686-w64-mingw32-objdump -p "$Program")
   for Text in NX_COMPAT DYNAMIC_BASE TERMINAL_SERVICE_AWARE \
     'Entry 5 [0-9a-f]* 0*[1-9a-f][0-9a-f]* Base Relocation'; do
@@ -32,7 +35,7 @@ for Program in "$Setup" "$Drive" "$Packcheck"; do
   True "the protector in $Program" grep -q 'int  *[$]0x29' "$Machine/code"
   Is "another protector's random number in $Program" '' "$(grep -ao CryptGenRandom "$Program" || true)"
   Level=asInvoker
-  [[ $Program != "$Setup" ]] || Level=requireAdministrator
+  [[ $Program != "$Setup" && $Program != "$Uninstall" ]] || Level=requireAdministrator
   True "the level of $Program" grep -aq "requestedExecutionLevel level=\"$Level\"" "$Program"
   Name=${Program##*/}
   True "the version of $Program" grep -qxF "$Name" <(strings -el "$Program")

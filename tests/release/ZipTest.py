@@ -28,6 +28,7 @@ top = pathlib.Path(pathlib.Path(sys.argv[1]).stem)
 sums = dict(line.split("  ", 1)[::-1] for line in (top / "SHA256SUMS").read_text("utf-8").splitlines())
 files = {str(path.relative_to(top)) for path in top.rglob("*") if path.is_file()} - {"SHA256SUMS"}
 assert files == set(sums), files ^ set(sums)
+assert {"Pack/Setup.exe", "Pack/Application/Uninstall.exe"} <= files
 for name in files:
     assert hashlib.sha256((top / name).read_bytes()).hexdigest() == sums[name], name
 

@@ -53,6 +53,7 @@ def contents(root):
         "packcheck.exe": (built / "tools/packcheck/packcheck.exe").read_bytes(),
         "drive.exe": (built / "tools/drive/drive.exe").read_bytes(),
         "Pack/Setup.exe": (built / "src/platform/win32/Setup.exe").read_bytes(),
+        "Pack/Application/Uninstall.exe": (built / "src/uninstall/Uninstall.exe").read_bytes(),
         "Check/win32_tests.exe": (built / "tests/win32/win32_tests.exe").read_bytes(),
     }
     for name in ("check-this-machine.cmd", "Check/Check.js"):
