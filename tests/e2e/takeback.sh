@@ -56,7 +56,7 @@ Program="$App\\Uninstall.exe" Play 'wait FrmTakeBack; expect TxtPack text D:\Pac
   type TxtPsWord ${env:SQL_PASSWORD}; click CmdNext; timeout 300; expect CmdNext begins &Finish
   expect LblMsg begins All that was installed is removed.; expect ShpProgBar width 7325; click CmdNext; ended 0'
 Backups="$DriveC/Program Files/TA-LU/SalesDesk BackUp"
-Is 'backups' '4' "$(ls "$Backups" | grep -c '\.bkp$')"
+Is 'backups' '4' "$(find "$Backups" -name '*.bkp' | wc -l)"
 rm -rf "$Backups"
 rmdir "$DriveC/Program Files/TA-LU"
 AsBefore 'the machine' ''

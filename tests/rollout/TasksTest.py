@@ -21,7 +21,7 @@ done = dict(changed=True, stdout="", stderr="", rc=0, files=[])
 print(json.dumps(next((answer for text, answer in answers.items() if text in json.dumps(request)), done)))
 sys.exit(0)
 """
-MODULES = {"ansible": ["win_file", "win_copy", "win_command", "win_shell", "win_wait_for", "win_find"],
+MODULES = {"ansible": ["win_file", "win_copy", "win_command", "win_shell", "win_wait_for", "win_find", "win_stat"],
            "community": ["win_unzip", "win_scheduled_task"]}
 FOLDER = r"C:\Windows\TaLuPack"
 
@@ -41,13 +41,13 @@ installed_in=/nowhere
 """)
 
 
-def play(answers):
+def play(answers, **variables):
     """What the machine is asked, what is printed, and the line of the summary."""
     (here / "asked").write_text("")
     (here / "answers").write_text(json.dumps(answers))
     result = subprocess.run(
         ["ansible-playbook", "-vvv", "--diff", "-i", "machines.ini", rollout / "rollout.yml", "-e",
-         json.dumps({"pack": str(place / "pack")})],
+         json.dumps({"pack": str(place / "pack"), **variables})],
         cwd=here, env={**os.environ, "PWD": str(here), "ANSIBLE_COLLECTIONS_PATH": str(here)},
         capture_output=True, text=True, check=False)
     requests = [json.loads(line) for line in (here / "asked").read_text().splitlines()]
@@ -96,4 +96,17 @@ for answers, told in (
     same(f"the end after {told}", asked[-2:], LEFT)
     copied = any(name == "win_copy" for name, _ in asked)
     same(f"copied, {told}", copied, not told.startswith(("Refuse", "Keep")))
+
+# To take a product back no desktop is asked for, and no answers are played.
+for there in (True, False):
+    asked, printed, summary = play({"win_stat": {"stat": {"exists": there}},
+                                    "Uninstall.exe": {"rc": 0, "stdout": "gone: 7", "stderr": ""}}, state="absent")
+    same("the summary", summary, "till: absent")
+    same("what is run", [request["argv"] for name, request in asked if request.get("argv")],
+         [[r"/nowhere\Uninstall.exe", "run", "--pack", FOLDER + r"\Pack"]] if there else [])
+    assert not any(name == "win_shell" or request.get("actions") for name, request in asked), asked
+    same("the end", asked[-2:], LEFT)
+asked, printed, summary = play({"win_stat": {"stat": {"exists": True}},
+                                "Uninstall.exe": {"rc": 1, "stdout": "left: 1", "stderr": ""}}, state="absent")
+same("the summary", summary, "till: FAILED: left: 1")
 print("the tasks for Windows: as they should be")
