@@ -103,4 +103,8 @@ try:
 except SqlError as error:
     if error.number == LOGIN_FAILED:
         sys.exit(f"{server} refuses the login {login}: {error.text}")
-    sys.exit(f"{server} cannot be used: {error}")
+    left = ""
+    if command == "drop":
+        made = dict.fromkeys(name for path in arguments[1:] for name in Plan(path).made)
+        left = f"; look there for {', '.join(made)}"
+    sys.exit(f"{server} cannot be used: {error}{left}")

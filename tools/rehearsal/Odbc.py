@@ -15,6 +15,8 @@ VERSION, LOGIN_TIMEOUT = 200, 103
 ERROR, NO_DATA, NULL_DATA = -1, 100, -1
 WIDE = -8
 LOGIN_FAILED = 18456
+# The server's own databases.
+OWN = ("master", "model", "msdb", "tempdb")
 
 
 class SqlError(Exception):
@@ -122,9 +124,8 @@ def quoted(name):
 
 def names(connection):
     """The databases and logins of a server, but for its own databases."""
-    own = ("master", "model", "msdb", "tempdb")
     return {"databases": [row[0] for row in connection.run("SELECT name FROM sys.databases")
-                          if row[0].lower() not in own],
+                          if row[0].lower() not in OWN],
             "logins": [row[0] for row in connection.run("SELECT name FROM sys.sql_logins")]}
 
 

@@ -37,7 +37,8 @@ class Plan:
     """One run of `packcheck plan --json`, read from a file."""
 
     def __init__(self, path):
-        self.statements, self.app, self.data = [], "", ""
+        # The application folder; the databases and logins that the wizard records as made.
+        self.statements, self.app, self.made = [], "", []
         with open(path, encoding="utf-8") as lines:
             for line in lines:
                 event = json.loads(line)
@@ -47,8 +48,8 @@ class Plan:
                     key, _, value = event["text"].strip().partition(":")
                     if key == "AppFolder":
                         self.app = value
-                    elif key == "DBFolder":
-                        self.data = value
+                    elif key in ("DBNames", "DBLogins"):
+                        self.made += [name.strip(" []") for name in value.split(",")[1:]]
         self.build = [statement for statement in self.statements if statement.script]
 
     def files(self):

@@ -20,8 +20,9 @@ CARRIED, KEPT, NOTED, ACCEPTED, REFUSED = "carried out", "kept", "noted", "accep
 # As the stand-in's journal calls them.
 FATES = {"carried": CARRIED, "kept": KEPT, "noted": NOTED, "accepted": ACCEPTED, "refused": REFUSED}
 EXISTS = re.compile(r"file '?(.+?)'? because it already exists")
-# A batch without these can be made to fail after the databases and logins have been made.
-MAKES = re.compile(r"\bCREATE\s+(DATABASE|LOGIN)\b|\bPASSWORD\b|\Ause\b", re.I)
+# A batch without these can be made to fail after the databases and logins have been made. (Without its COMMIT a
+# transaction stays open, and in one no database can be taken back.)
+MAKES = re.compile(r"\bCREATE\s+(DATABASE|LOGIN)\b|\bPASSWORD\b|\A\s*(USE|COMMIT|ROLLBACK|BEGIN\s+TRAN\w*)\b", re.I)
 SHOWN = 8  # constructs
 
 
