@@ -71,8 +71,8 @@ class TakeBack::Work {
        const std::string& packFolder)
       : Place(machine, removal, program, packFolder), Steps(ListSteps(Place)) {}
 
-  /// The end of a run, in which `verdicts` were given: what is left is all that the record keeps;
-  /// when nothing is left, the log, the program, the record and the folders go. In this order the
+  /// The end of a run, in which `verdicts` were given: the record keeps what has not gone; when
+  /// nothing is left, the log, the program, the record and the folders go. In this order the
   /// work can be taken up again after each.
   Verdict Finish(const std::vector<Verdict>& verdicts) {
     try {
@@ -113,13 +113,13 @@ class TakeBack::Work {
     return {};
   }
 
-  /// Writes the record anew with the lines of what is left, beside the old one and then in its
-  /// place.
+  /// Writes the record anew with the lines of what has not gone, beside the old one and then in its
+  /// place: what stayed by choice may go the next time.
   void KeepOnly(const std::vector<Verdict>& verdicts) {
     std::set<std::size_t> lines;
     std::set<std::size_t> installations = {Place.LastHere};
     for (std::size_t i = 0; i < verdicts.size(); ++i) {
-      if (!IsLeft(verdicts[i])) continue;
+      if (verdicts[i].What == Fate::Goes) continue;
       lines.insert(Steps[i].Lines.begin(), Steps[i].Lines.end());
       installations.insert(Steps[i].Installation);
     }

@@ -206,6 +206,16 @@ TEST(TakeBackTest, WhatTheServerRefusesStaysRecordedAndAllElseIsDone) {
   }
 }
 
+TEST(TakeBackTest, WhatStaysByChoiceCanGoAsLongAsThereIsARecord) {
+  Installed run;
+  run.machine.Disk.Find(run.app + "\\Desk.exe")->Denied = true;
+  EXPECT_EQ(run.Command({"run"}), 1);
+  run.machine.Disk.Find(run.app + "\\Desk.exe")->Denied = false;
+  EXPECT_EQ(run.Run(), 0);
+  EXPECT_EQ(run.Rest(), Things());
+  EXPECT_TRUE(run.IsTold("b.msi"));
+}
+
 TEST(TakeBackTest, WhatWasChangedOrAddedStaysAndIsListed) {
   struct Case {
     const char* Path;   ///< below the application folder, or a whole path
@@ -324,11 +334,11 @@ TEST(TakeBackTest, KeepsALongRecordThatNobodyUnderstands) {
   run.PutFile("Uninstall.dat", run.File("Uninstall.dat") + lines);
   EXPECT_EQ(run.Run(), 1);
   EXPECT_TRUE(run.IsTold(" to 100")) << run.told.back();
-  // Of the wizard's own lines those stay that say where the others belong.
+  // Of the wizard's own lines those stay that say where the others belong, and what has not gone.
   const std::string left = run.File("Uninstall.dat");
   EXPECT_TRUE(left.starts_with("AppFolder:" + run.app + "\r\n\r\nDBFolder:"));
-  EXPECT_EQ(left.find("xxx"), left.find("PsWord:secret") + 17);
-  EXPECT_EQ(std::ranges::count(left, 'x'), std::ranges::count(lines, 'x'));
+  EXPECT_EQ(left.find("xxx"), left.find("PsWord:secret\r\n\r\nAddOns:a.exe") + 33);
+  EXPECT_EQ(std::ranges::count(left.substr(left.find("xxx")), 'x'), std::ranges::count(lines, 'x'));
 }
 
 TEST(TakeBackTest, TheCommandLineSaysWhatItWants) {
