@@ -15,6 +15,7 @@
 #include "CheckCommand.h"
 #include "PlanAccount.h"
 #include "RandomPack.h"
+#include "TakenBack.h"
 #include "database/BatchNames.h"
 #include "database/TypeScripts.h"
 #include "runtime/TextFunctions.h"
@@ -222,7 +223,7 @@ class Trial {
   std::string broken_;
 };
 
-int Run(std::uint64_t seed, std::uint64_t count, const fs::path& place) {
+int Run(std::uint64_t seed, std::uint64_t count, const fs::path& place, bool takeBack) {
   int broken = 0;
   int clean = 0;
   for (std::uint64_t i = seed; i < seed + count; ++i) {
@@ -230,7 +231,8 @@ int Run(std::uint64_t seed, std::uint64_t count, const fs::path& place) {
     fs::remove_all(place);
     pack.WriteTo(place);
     Trial trial(pack, place);
-    const std::string what = trial.Broken();
+    const std::string what =
+        takeBack ? BrokenByTakingBack(pack, place, trial.Clean()) : trial.Broken();
     clean += trial.Clean() ? 1 : 0;
     if (what.empty()) continue;
     ++broken;
@@ -250,9 +252,11 @@ int main(int count, char** arguments) {
   CLI::App app("Makes packs by chance and tries to break what packcheck promises about each.");
   std::uint64_t seed = 1;
   std::uint64_t packs = 1;
+  bool takeBack = false;
   std::string write;
   app.add_option("--seed", seed, "The first pack's number (1)");
   app.add_option("--count", packs, "How many (1)");
+  app.add_flag("--take-back", takeBack, "Take each installation back, and look at nothing else");
   app.add_option("--write", write,
                  "Only write the pack into this new folder, and print its changes");
   CLI11_PARSE(app, count, arguments);
@@ -266,7 +270,7 @@ int main(int count, char** arguments) {
     }
     std::string place = (fs::temp_directory_path() / "packs.XXXXXX").string();
     if (mkdtemp(place.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    return talu::packcheck::Run(seed, packs, place);
+    return talu::packcheck::Run(seed, packs, place, takeBack);
   } catch (const std::exception& error) {
     std::cerr << "random_packs: " << error.what() << '\n';
     return 2;
