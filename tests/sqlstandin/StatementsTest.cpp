@@ -118,6 +118,17 @@ TEST(Statements, ExpressionsAndControl) {
           {"IF CASE WHEN 1 = 1 THEN 1 ELSE 2 END = 1 SELECT 'one'", "one"},
           {"SELECT N'\xE2\x82\xAC \xF0\x9F\x98\x80'", "\xE2\x82\xAC \xF0\x9F\x98\x80"},
           {"SELECT CHARINDEX('B', 'abc'), DB_NAME(), SUSER_SNAME()", "2,master,sa"},
+          {"SELECT 'a' AS x, NCHAR(98) + NCHAR(99) + N'd', -$2.50", "a,bcd,-2.5"},
+          {"DECLARE @a int = 2, @b nvarchar(9) SELECT @b = 'x' SET @a = @a + 1 SELECT @a, @b",
+           "3,x"},
+          {"CREATE TYPE Code FROM nvarchar(4)", ""},
+          {"CREATE TABLE odd (c [dbo].[Code], d double precision, e datetime CHECK (e < "
+           "GETDATE()))",
+           ""},
+          {"INSERT odd VALUES ('x', 1.5, '2001') CREATE INDEX i ON odd (c) WHERE (c IS NOT NULL) "
+           "SELECT d FROM odd WHERE OBJECT_ID('odd', 'U') IS NOT NULL",
+           "1.5"},
+          {"EXEC sp_executesql N'SELECT 5' EXEC ('SELECT ''six''')", "5;six"},
           // Syntax errors: nothing of the batch is carried out.
           {"SELECT 1 FROB", "1"},  // an alias
           {"SELECT 1; FROB the thing", "!102"},

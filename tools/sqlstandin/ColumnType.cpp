@@ -21,7 +21,7 @@ struct KnownType {
 };
 constexpr std::string_view kIntRange = "-2147483648 AND 2147483647";
 
-constexpr std::array<KnownType, 32> kKnownTypes = {{
+constexpr std::array<KnownType, 40> kKnownTypes = {{
     {"int", Kind::Integer, "INT", false, kIntRange},
     {"integer", Kind::Integer, "INT", false, kIntRange},
     {"bigint", Kind::Integer, "BIGINT", false},
@@ -54,6 +54,14 @@ constexpr std::array<KnownType, 32> kKnownTypes = {{
     {"varbinary", Kind::Bytes, "VARBINARY BLOB", true},
     {"binary", Kind::Bytes, "BINARY BLOB", true},
     {"image", Kind::Bytes, "IMAGE BLOB", false},
+    {"timestamp", Kind::Bytes, "IMAGE BLOB", false},
+    {"rowversion", Kind::Bytes, "IMAGE BLOB", false},
+    {"double", Kind::Real, "FLOAT", false},
+    {"sql_variant", Kind::Text, "TEXT", false},
+    {"geography", Kind::Text, "TEXT", false},
+    {"geometry", Kind::Text, "TEXT", false},
+    {"hierarchyid", Kind::Text, "TEXT", false},
+    {"json", Kind::Text, "TEXT", false},
 }};
 
 constexpr std::size_t kLongestNVarChar = 4000;
@@ -75,6 +83,7 @@ std::optional<ColumnType> TakeType(Lexer& lexer) {
   const auto* known = std::find_if(kKnownTypes.begin(), kKnownTypes.end(),
                                    [&name](const auto& type) { return SameWord(type.Name, name); });
   if (known == kKnownTypes.end()) return std::nullopt;
+  if (known->Name == "double") TakeIf(lexer, "PRECISION");
   ColumnType type{known->What, std::string(known->Name), std::string(known->Declared),
                   std::string(known->Range), 0};
   bool isMax = false;

@@ -184,7 +184,24 @@ void Parser::ParseData(Statement& statement, const Token& head) {
     return;
   }
   if (head.Is("SELECT") && next_.Kind == TokenKind::Variable && ahead.Next().IsSymbol("=")) {
-    return TakeUnknown(statement, head, "SELECT into variables");
+    AssignVariables assigned;
+    do {
+      const std::string name = Take().Value();
+      if (!TakeSymbol("=")) break;
+      assigned.All.push_back({name, SkipValue()});
+    } while (TakeSymbol(",") && next_.Kind == TokenKind::Variable);
+    const bool isWhole = next_.Kind == TokenKind::End || next_.IsSymbol(";") || IsBoundary(next_);
+    const Range last = assigned.All.back().Value;
+    bool hasFrom = false;
+    Lexer inside(batch_, last.Begin, last.End);
+    for (Token token = inside.Next(); token.Kind != TokenKind::End; token = inside.Next()) {
+      hasFrom = hasFrom || token.Is("FROM");
+    }
+    if (!isWhole || (hasFrom && assigned.All.size() > 1)) {
+      return TakeUnknown(statement, head, "SELECT into variables");
+    }
+    statement.What = std::move(assigned);
+    return;
   }
   if (head.Is("TRUNCATE")) Expect("TABLE");
   const Verb verb = head.Is("INSERT")     ? Verb::Insert

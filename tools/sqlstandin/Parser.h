@@ -14,7 +14,7 @@ namespace talu::standin {
 /// word; for those that SQLite executes, and for unknown ones, only the extent is determined here.
 class Parser {
  public:
-  explicit Parser(std::string_view batch) : lexer_(batch), next_(lexer_.Next()) {}
+  explicit Parser(std::string_view batch) : batch_(batch), lexer_(batch), next_(lexer_.Next()) {}
 
   std::vector<Statement> ParseAll();
 
@@ -60,6 +60,7 @@ class Parser {
   void TakeUnknown(Statement& statement, const Token& head, std::string construct);
   void SkipToBoundary(const Token& head);
 
+  std::string_view batch_;
   Lexer lexer_;
   Token next_;
   /// The last token read: an error at the end of the batch names it.

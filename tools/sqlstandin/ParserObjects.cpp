@@ -1,6 +1,7 @@
 // The statements about objects, options, variables and procedures.
 #include "Parser.h"
 #include "runtime/TextFunctions.h"
+#include "sql/Names.h"
 
 namespace talu::standin {
 namespace {
@@ -198,7 +199,7 @@ void Parser::ParseRaiseError(Statement& statement, const Token& head) {
   SkipToBoundary(head);
   if (text.Kind != TokenKind::String || !comma.IsSymbol(",") ||
       severity.Kind != TokenKind::Number || severity.Raw.size() > 2 ||
-      text.Raw.find('%') != std::string_view::npos) {
+      (text.Raw.find('%') != std::string_view::npos && severity.Raw.size() > 1)) {
     statement.What = UnknownStatement{"RAISERROR"};
     return;
   }
@@ -226,12 +227,16 @@ CallProcedure Parser::ParseCall(const Token& head) {
   if (call.HasOnlyTexts) call.Name = isBare ? head.Value() : TakeObjectName();
   while (TakeSymbol(".")) call.Name = next_.IsSymbol(".") ? std::string() : TakeName();
   // Its arguments: N'text', @name = N'text'.
-  while (next_.Kind == TokenKind::String || next_.Kind == TokenKind::Variable) {
+  const auto isText = [this] {
+    return next_.Kind == TokenKind::String || next_.Kind == TokenKind::Name ||
+           (next_.Kind == TokenKind::Word && !sql::IsReserved(next_.Raw));
+  };
+  while (isText() || next_.Kind == TokenKind::Variable) {
     if (next_.Kind == TokenKind::Variable) {
       Take();
       if (!TakeSymbol("=")) call.HasOnlyTexts = false;
     }
-    if (next_.Kind != TokenKind::String) break;
+    if (!isText()) break;
     call.Texts.push_back(Take().Value());
     if (!TakeSymbol(",")) break;
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "KeptObjects.h"
 #include "Messages.h"
 #include "TableDefinition.h"
 #include "TokenCopier.h"
@@ -137,6 +138,12 @@ std::string Rewriter::RewriteView(Range text) {
          RewriteExpression({lexer.Peek().At, text.End});
 }
 
+bool Rewriter::HasType(const Lexer& lexer, const Token& first) {
+  const std::vector<std::string> names =
+      NamesIn(batch_.substr(first.At, lexer.Peek().At - first.At), false);
+  return !names.empty() && environment_.HasType(names.front());
+}
+
 std::string Rewriter::RewriteInsert(Range range) {
   Lexer lexer(batch_, range.Begin, range.End);
   Token last = lexer.Next();
@@ -242,11 +249,21 @@ std::string Rewriter::RewriteCreateIndex(Range range) {
   const Range columns = TakeGroup(lexer);
   sql += "INDEX " + IndexName(table, index.Value()) + " ON " + QuoteName(table.Table) +
          RewriteExpression(columns);
-  // The rest concerns storage: INCLUDE (…), WITH (…), ON [PRIMARY].
-  const Token next = lexer.Peek();
-  if (next.Kind != TokenKind::End && !next.Is("INCLUDE") && !next.Is("WITH") && !next.Is("ON")) {
-    FailAt(next);
+  if (TakeIf(lexer, "INCLUDE")) TakeGroup(lexer);
+  if (TakeIf(lexer, "WHERE")) {
+    Range filter{lexer.Peek().At, range.End};
+    for (Lexer rest = lexer; rest.Peek().Kind != TokenKind::End; rest.Next()) {
+      if (rest.Peek().IsSymbol("(")) TakeGroup(rest);
+      if (rest.Peek().Is("WITH") || rest.Peek().Is("ON")) {
+        filter.End = rest.Peek().At;
+        break;
+      }
+    }
+    return sql + " WHERE" + RewriteExpression(filter);
   }
+  // The rest concerns storage: WITH (…), ON [PRIMARY].
+  const Token next = lexer.Peek();
+  if (next.Kind != TokenKind::End && !next.Is("WITH") && !next.Is("ON")) FailAt(next);
   return sql;
 }
 

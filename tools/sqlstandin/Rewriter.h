@@ -36,6 +36,8 @@ class RewriteEnvironment {
   virtual bool HasFunction(std::string_view name) = 0;
   /// Whether the current database has a schema of the name, other than dbo.
   virtual bool IsSchema(std::string_view name) = 0;
+  /// Whether the current database has a type of its own of the name, as DataName gives it.
+  virtual bool HasType(const std::string& name) = 0;
 };
 
 /// Translates statements into SQLite's dialect, token by token, in one pass. What has no
@@ -67,6 +69,9 @@ class Rewriter {
     std::string Quoted() const;
   };
   TableName TakeTableName(Lexer& lexer);
+  /// Whether the type whose name began with `first` and ends before the lexer's next token is the
+  /// database's own.
+  bool HasType(const Lexer& lexer, const Token& first);
   std::string DefinitionOf(const TableName& table) {
     return environment_.DefinitionOf(table.Prefix, table.Table);
   }

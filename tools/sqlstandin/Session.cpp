@@ -262,6 +262,10 @@ bool Session::IsSchema(std::string_view name) {
   return true;
 }
 
+bool Session::HasType(const std::string& name) {
+  return KeptObjects(Current()).Has("TYPE", name);
+}
+
 void Session::NeedSystemViews() {
   isApproximate_ = true;
   Current().AddSystemViews(facts_.Current.Id);

@@ -96,6 +96,7 @@ class Session : private RewriteEnvironment {
   bool HasFunction(std::string_view name) override;
   std::string DefinitionOf(const std::string& prefix, const std::string& table) override;
   bool IsSchema(std::string_view name) override;
+  bool HasType(const std::string& name) override;
 
   Catalogue& catalogue_;
   int number_;

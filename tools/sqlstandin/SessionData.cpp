@@ -82,13 +82,11 @@ void Session::Do(const AssignVariables& statement) {
     if (!declares && !variables_.contains(key)) {
       throw SqlFailure(message::kUndeclaredVariable(name), true);
     }
-    std::optional<std::string>& variable = variables_[key];
     std::string sql = "SELECT NULL";
-    variable.reset();
-    if (value.End > value.Begin)
-      sql = "SELECT (" + Rewriter(batch_, *this).RewriteExpression(value) + ")";
+    if (value.End > value.Begin) sql = "SELECT " + Rewriter(batch_, *this).RewriteExpression(value);
     SqliteStatement query(Current(), "SELECT quote((" + sql + "))", "SET");
-    if (query.Step()) variable = std::string(query.Text(0));
+    variables_[key].reset();
+    if (query.Step()) variables_[key] = std::string(query.Text(0));
   }
   Done();
 }

@@ -80,6 +80,7 @@ bool Session::Note(const std::string& construct, const Statement& statement) {
 bool Session::IsUncertain(const SqlFailure& failure, const Statement& statement) {
   const bool isData = std::holds_alternative<DataStatement>(statement.What) ||
                       std::holds_alternative<IfStatement>(statement.What) ||
+                      std::holds_alternative<AssignVariables>(statement.What) ||
                       std::holds_alternative<PrintText>(statement.What);
   const auto* kept = std::get_if<KeptStatement>(&statement.What);
   if (!isData && kept == nullptr && !std::holds_alternative<CallProcedure>(statement.What)) {

@@ -74,6 +74,31 @@ void NewId(sqlite3_context* context, int /*count*/, sqlite3_value** /*values*/) 
   Return(context, id);
 }
 
+/// The time with its milliseconds; as a function of its own it may stand in a check.
+void Time(sqlite3_context* context, std::string_view modifier) {
+  sqlite3_stmt* raw = nullptr;
+  const std::string query =
+      "SELECT strftime('%Y-%m-%d %H:%M:%f', 'now'" + std::string(modifier) + ")";
+  sqlite3_prepare_v2(sqlite3_context_db_handle(context), query.c_str(), -1, &raw, nullptr);
+  if (sqlite3_step(raw) == SQLITE_ROW) sqlite3_result_value(context, sqlite3_column_value(raw, 0));
+  sqlite3_finalize(raw);
+}
+
+void LocalTime(sqlite3_context* context, int /*count*/, sqlite3_value** /*values*/) {
+  Time(context, ", 'localtime'");
+}
+
+void UtcTime(sqlite3_context* context, int /*count*/, sqlite3_value** /*values*/) {
+  Time(context, "");
+}
+
+void ServerProperty(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+  const std::string name = FoldName(TextOf(values[0]));
+  if (name == "productmajorversion") Return(context, "10");
+  if (name == "productversion") Return(context, "10.50.1600.1");
+  if (name == "engineedition") sqlite3_result_int(context, 3);
+}
+
 void DbName(sqlite3_context* context, int /*count*/, sqlite3_value** /*values*/) {
   Return(context, FactsOf(context).Current.Name);
 }
@@ -239,6 +264,11 @@ void AddFunctions(SqliteDatabase& database, const SessionFacts& facts) {
       {"suser_sname", 0, LoginName},
       {"db_id", 0, DbId},
       {"db_id", 1, DbId},
+      {"getdate", 0, LocalTime},
+      {"sysdatetime", 0, LocalTime},
+      {"getutcdate", 0, UtcTime},
+      {"sysutcdatetime", 0, UtcTime},
+      {"serverproperty", 1, ServerProperty},
       {"fulltextserviceproperty", 1, Zero},
       {"is_srvrolemember", 1, One},
       {"is_srvrolemember", 2, One},
@@ -249,7 +279,10 @@ void AddFunctions(SqliteDatabase& database, const SessionFacts& facts) {
   };
   for (const Entry& entry : kEntries) {
     // SQLite only passes the pointer back, to functions that take it as constant.
-    sqlite3_create_function(database.Handle(), entry.Name, entry.Arguments, SQLITE_UTF8,
+    // The time is one within a statement, and may stand in a check.
+    const bool isTime = entry.Call == LocalTime || entry.Call == UtcTime;
+    sqlite3_create_function(database.Handle(), entry.Name, entry.Arguments,
+                            isTime ? SQLITE_UTF8 | SQLITE_DETERMINISTIC : SQLITE_UTF8,
                             const_cast<SessionFacts*>(&facts), entry.Call, nullptr, nullptr);
   }
 }

@@ -31,7 +31,9 @@ std::vector<std::string> TableDefinition::Alter(Range statement) {
   const Token action = lexer.Next();
   if (IsAmong(action, "CHECK NOCHECK ENABLE DISABLE") &&
       IsAmong(lexer.Peek(), "CONSTRAINT TRIGGER")) {
-    return {};  // all of them are checked here, and no trigger runs
+    // References are on or off as a whole; other constraints stay, and no trigger runs.
+    if (lexer.Peek().Is("TRIGGER") || IsAmong(action, "ENABLE DISABLE")) return {};
+    return {std::string("PRAGMA foreign_keys = ") + (action.Is("CHECK") ? "ON" : "OFF")};
   }
   if (action.Is("DROP")) {
     Drop(lexer);

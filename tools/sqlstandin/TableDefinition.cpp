@@ -110,8 +110,10 @@ TableDefinition::Column TableDefinition::TakeColumn(Lexer& lexer) {
     TakeIf(lexer, "PERSISTED");
   } else {
     const Token name = lexer.Peek();
-    if (!name.IsName() || sql::IsReserved(name.Raw)) FailAt(name);
-    const auto type = TakeType(lexer);
+    if (!name.IsName() || (sql::IsReserved(name.Raw) && !name.Is("DOUBLE"))) FailAt(name);
+    auto type = TakeType(lexer);
+    if (!type && rewriter_.HasType(lexer, name))
+      type = ColumnType{ColumnType::Kind::Text, "nvarchar", "TEXT", {}, 0};
     if (!type) throw SqlFailure(message::kUnknownType(columns_.size() + 1, name.Value()));
     column.Type = *type;
   }
@@ -123,6 +125,8 @@ TableDefinition::Column TableDefinition::TakeColumn(Lexer& lexer) {
 bool TableDefinition::TakeColumnConstraint(Lexer& lexer, Column& column) {
   std::string constraint;
   if (TakeIf(lexer, "CONSTRAINT")) constraint = TakeName(lexer);
+  // Without a name of its own SQLite would call it by the one before, that of the type's check.
+  if (constraint.empty() && lexer.Peek().Is("CHECK")) constraint = "CK__" + column.Name;
   const std::string named =
       std::string(kMore) + (constraint.empty() ? "" : "CONSTRAINT " + QuoteName(constraint) + " ");
   const Token next = lexer.Peek();
@@ -172,6 +176,7 @@ void TableDefinition::TakeIdentity(Lexer& lexer, Column& column) {
 void TableDefinition::TakeTableConstraint(Lexer& lexer) {
   std::string constraint;
   if (TakeIf(lexer, "CONSTRAINT")) constraint = TakeName(lexer);
+  if (constraint.empty() && lexer.Peek().Is("CHECK")) constraint = "CK__" + table_.Table;
   const std::string named = constraint.empty() ? "" : "CONSTRAINT " + QuoteName(constraint) + " ";
   if (lexer.Peek().Is("PRIMARY") || lexer.Peek().Is("UNIQUE")) {
     TakeKey(lexer, constraint, {});

@@ -12,9 +12,6 @@
 namespace talu::standin {
 namespace {
 
-constexpr std::string_view kLocalTime = "strftime('%Y-%m-%d %H:%M:%f','now','localtime')";
-constexpr std::string_view kUtcTime = "strftime('%Y-%m-%d %H:%M:%f','now')";
-
 struct RenamedFunction {
   std::string_view Name;
   std::string_view Sqlite;
@@ -100,6 +97,9 @@ std::string TokenCopier::CopyAll() {
         CopyNames(token);
         break;
       case TokenKind::String:
+        if (last_.Is("LIKE") && token.Raw.find('[') != std::string_view::npos) {
+          throw NotKnown("LIKE and [ ]");
+        }
         if (token.Raw.find('\0') == std::string_view::npos) {
           Put(token.Raw.substr(token.Raw.find('\'')));
         } else {
@@ -141,6 +141,8 @@ void TokenCopier::CopySymbol(const Token& token) {
     Put(")");
   } else if (token.IsSymbol(",") && frames_.back().DropsRest) {
     SkipToClosing();
+  } else if (token.IsSymbol("$") && lexer_.Peek().Kind == TokenKind::Number) {
+    // money: a number as any other
   } else if (token.IsSymbol("+")) {
     Frame& frame = frames_.back();
     if (last_.Kind == TokenKind::String || lexer_.Peek().Kind == TokenKind::String) {
@@ -170,7 +172,7 @@ void TokenCopier::CopyWord(const Token& token) {
              next.Kind == TokenKind::Number) {
     CopyTop();
   } else if (token.Is("CURRENT_TIMESTAMP")) {
-    Put(kLocalTime);
+    Put("getdate()");
   } else if (token.Is("AS") && frames_.back().IsCast) {
     const auto type = TakeType(lexer_);
     if (!type) throw SqlFailure(message::kUnknownType(1, next.Value()), true);
@@ -194,19 +196,14 @@ void TokenCopier::PutWord(const Token& token) {
 }
 
 void TokenCopier::CopyFunction(const Token& token) {
-  const bool isLocal = token.IsOneOf({"GETDATE", "SYSDATETIME"});
-  if (isLocal || token.IsOneOf({"GETUTCDATE", "SYSUTCDATETIME"})) {
-    lexer_.Next();
-    const Token close = lexer_.Next();
-    if (!close.IsSymbol(")")) Rewriter::FailAt(close);
-    Put(isLocal ? kLocalTime : kUtcTime);
-  } else if (token.Is("CONVERT")) {
+  if (token.Is("CONVERT")) {
     CopyConvert();
   } else if (token.Is("TOP") && last_.IsOneOf({"SELECT", "DISTINCT", "ALL"})) {
     CopyTop();
   } else if (token.Is("WITH") && last_.Kind != TokenKind::End) {
     TakeGroup(lexer_);  // a lock hint
   } else {
+    if (token.Is("NCHAR")) frames_.back().JoinsTexts = true;
     for (const auto& renamed : kRenamedFunctions) {
       if (token.Is(renamed.Name)) {
         Put(renamed.Sqlite);
