@@ -116,6 +116,11 @@ const ConvertCase kCases[] = {
      "--taluGO|CREATE DATABASE [S] CONTAINMENT = NONE|" + kFiles},
     {"in small letters", "--taluGO|create|database\tS\tON (Filename = 'C:\\D\\s.MDF')|GO|",
      "--taluGO|CREATE DATABASE S ON (FILENAME = 'C:\\D\\s.mdf')|GO|"},
+    {"a creation under IF, which would be recorded then",
+     "--taluGO|IF DB_ID('S') IS NULL create database S ON (filename = 'C:\\D\\s.MDF')|GO|"
+     "IF DB_ID('S') IS NULL BEGIN|CREATE DATABASE S|ON (FILENAME = 'C:\\D\\s.mdf')|END|GO|"
+     "CREATE PROCEDURE p AS create login L|with password = 'x'|GO|",
+     "="},
     {"a login", "--taluGO|Create Login L|with password = 'x'|GO|",
      "--taluGO|CREATE LOGIN L with password = 'x'|GO|"},
     {"ALTER", "--taluGO|ALTER DATABASE S|SET OFFLINE|GO|ALTER DATABASE [S]|SET ONLINE|GO|",

@@ -87,11 +87,26 @@ void CheckMention(const SqlBatch& batch, bool login, Findings& findings) {
   }
 }
 
+/// Why it is uncertain that a creation runs with its batch.
+const char* WhyUncertain(BatchShape::Condition when) {
+  return when == BatchShape::Condition::If ? "an IF decides whether it runs"
+                                           : "only a call of the procedure runs it";
+}
+
+void TellUnseen(const SqlStatement& created, Findings& findings) {
+  findings.Add("SQL-CREATE-UNSEEN", created.Place,
+               {Thing(created.Login), Shown(created.Name), WhyUncertain(created.When)});
+}
+
 void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Findings& findings) {
   const SqlStatement* first = nullptr;
   for (const SqlStatement& statement : facts.Statements) {
     if (statement.Verb != SqlStatement::Kind::Create || statement.Login != login) continue;
     if (statement.Spelled != std::string("CREATE ") + Keyword(login)) {
+      if (statement.When != BatchShape::Condition::None) {
+        TellUnseen(statement, findings);
+        continue;
+      }
       findings.Add("SQL-CREATE-CASE", statement.Place,
                    {Shown(statement.Spelled), Keyword(login), Thing(login)});
     } else if (first != nullptr) {
@@ -106,17 +121,18 @@ void CheckKind(const SqlBatch& batch, const SqlFacts& facts, bool login, Finding
     return;
   }
   if (!recorded) {
-    findings.Add("SQL-DB-FILENAME", first->Place);
+    if (first->When != BatchShape::Condition::None) {
+      TellUnseen(*first, findings);
+    } else {
+      findings.Add("SQL-DB-FILENAME", first->Place);
+    }
     return;
   }
   const Cut cut = CutOut(batch.Text, login);
   CheckName(cut, *first, findings);
   if (first->When != BatchShape::Condition::None) {
-    findings.Add(
-        "SQL-CREATE-IF", first->Place,
-        {Thing(login), Shown(first->Name),
-         first->When == BatchShape::Condition::If ? "an IF decides whether it runs"
-                                                  : "only a call of the procedure runs it"});
+    findings.Add("SQL-CREATE-IF", first->Place,
+                 {Thing(login), Shown(first->Name), WhyUncertain(first->When)});
   }
   if (!login) CheckFiles(batch, cut, *first, facts, findings);
 }

@@ -10,6 +10,7 @@
 #include "database/BatchNames.h"
 #include "runtime/RuntimeError.h"
 #include "runtime/TextFunctions.h"
+#include "sql/BatchShape.h"
 #include "sql/Lexer.h"
 
 namespace talu::packcheck {
@@ -41,6 +42,8 @@ class BatchMender {
     MendUseOfCreated(lexer);
     for (Token token = lexer.NextOrComment(); token.Kind != TokenKind::End;
          token = lexer.NextOrComment()) {
+      if (token.Kind == TokenKind::Comment) continue;
+      shape_.Take(token, 0);
       if (token.IsOneOf({"CREATE", "ALTER"})) MendStatement(token, lexer);
       if (token.Is("FILENAME") && createsDatabase_) MendFileName(token, lexer);
     }
@@ -156,13 +159,14 @@ class BatchMender {
   }
 
   /// CREATE DATABASE name, CREATE LOGIN name, ALTER DATABASE name: in capitals, on one line, with
-  /// one blank, and a blank behind the name.
+  /// one blank, and a blank behind the name. A creation under a condition stays as it is: recorded,
+  /// it would have what was there before dropped when the build fails.
   void MendStatement(const Token& verb, sql::Lexer lexer) {
     const Token thing = lexer.NextOrComment();
     const bool creates = verb.Is("CREATE");
     if (!thing.Is("DATABASE") && !(creates && thing.Is("LOGIN"))) return;
     const Token name = lexer.NextOrComment();
-    if (!IsName(name)) return;
+    if (!IsName(name) || (creates && IsConditional())) return;
     if (creates && thing.Is("DATABASE")) createsDatabase_ = true;
     const std::string wanted = UCase(verb.Raw) + " " + UCase(thing.Raw) + " ";
     if (text_.substr(verb.At, name.At - verb.At) != wanted) {
@@ -179,8 +183,10 @@ class BatchMender {
     edits_.push_back({EndOf(name), gap.size(), " ", "the name and what follows in one line"});
   }
 
+  bool IsConditional() const { return shape_.Conditional() != sql::BatchShape::Condition::None; }
+
   void MendFileName(const Token& word, sql::Lexer lexer) {
-    if (!lexer.Next().IsSymbol("=")) return;
+    if (!lexer.Next().IsSymbol("=") || IsConditional()) return;
     if (word.Raw != "FILENAME") {
       edits_.push_back({word.At, word.Raw.size(), "FILENAME", "FILENAME in capitals"});
     }
@@ -199,6 +205,7 @@ class BatchMender {
   std::size_t begin_;
   std::size_t end_;
   std::vector<Edit>& edits_;
+  sql::BatchShape shape_;
   bool createsDatabase_ = false;
   /// Where the database that the batch creates is used.
   std::size_t useOfCreated_ = std::string_view::npos;

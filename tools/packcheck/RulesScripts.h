@@ -149,6 +149,14 @@ inline constexpr Rule kScriptRules[] = {
      "LOGIN ...') makes a login that is not recorded.",
      "The name is recorded before the batch is sent, whatever the batch then does. The rollback "
      "drops what is recorded."},
+    {"SQL-CREATE-UNSEEN", Severity::Warning,
+     "The {0} {1} is not recorded, and {2}: when the build fails, what was there before stays, but "
+     "so does what this makes.",
+     "Nothing, if that may stay; else create it without a condition, in scripts for servers that "
+     "do not have it. In capitals, a database with FILENAME, it would be recorded, and what was "
+     "there before would be dropped.",
+     "What the build creates is found letter by letter: CREATE LOGIN, and CREATE DATABASE with "
+     "FILENAME. packcheck fix leaves creations under a condition as they are."},
     {"SQL-CREATE-PROC", Severity::Warning,
      "{0} makes a {1} that is not recorded, so it stays when the build fails and Uninstall.dat "
      "lacks it.",
