@@ -39,11 +39,18 @@ class Batches {
   std::string Text;
 
  private:
+  /// The build trims the lines of a text and leaves out the blank ones, whatever ends in CR LF;
+  /// all else in it is exact.
   static std::string Word(const sql::Token& token) {
-    // Line ends and the blanks around them, within a text.
     std::string word;
-    for (const char c : UCase(token.Raw)) {
-      if (std::string_view(" \t\r\n").find(c) == std::string_view::npos) word += c;
+    for (std::string_view rest = token.Raw; !rest.empty();) {
+      const std::size_t end = rest.find("\r\n");
+      std::string_view line = rest.substr(0, end);
+      const bool isLast = end == std::string_view::npos;
+      if (!word.empty()) line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+      if (!isLast) line = line.substr(0, line.find_last_not_of(' ') + 1);
+      if (!line.empty()) word += UCase(line) + (isLast ? "" : "\r\n");
+      rest.remove_prefix(isLast ? rest.size() : end + 2);
     }
     return word + " ";
   }
@@ -69,21 +76,24 @@ int GoCount(const std::string& line) {
 }
 
 /// The batches that the server's own tools send; nothing for a script that leaves something open,
-/// or has a line GO within a text.
+/// or has a line GO within a text, which the build cuts there.
 std::string SentByTools(const std::string& text) {
   Batches batches;
   std::string batch;
   sql::Unclosed open;
-  for (const std::string& line : Split(Replace(text, "\r\n", "\n"), '\n')) {
+  for (std::string line : Split(text, '\n')) {
+    const std::size_t size = line.size();
+    if (line.ends_with('\r')) line.pop_back();
+    const bool isLine = size > line.size() && batch.ends_with("\r\n");
     const int count = GoCount(line);
     const bool isText = open.Kind == sql::TokenKind::String || open.Kind == sql::TokenKind::Name;
-    if (count > 0 && isText) return "";
+    if (count > 0 && isText && isLine) return "";
     if (count > 0 && open.Kind == sql::TokenKind::End) {
       for (int i = 0; i < count; ++i) batches.Add(batch);
       batch.clear();
       continue;
     }
-    batch += line + "\r\n";
+    batch += line + (size > line.size() ? "\r\n" : "\n");
     sql::Lexer lexer(line, open);
     while (lexer.NextOrComment().Kind != sql::TokenKind::End) {
     }

@@ -56,6 +56,15 @@ const ConvertCase kCases[] = {
     {"NUL characters", "--taluGO|" + std::string(80, 'x') + std::string(1, '\0'),
      "!it has NUL characters, so it is no text"},
     {"line feeds", "--taluGO\nPRINT 1\rGO\n\nPRINT 2|GO", "--taluGO|PRINT 1|GO||PRINT 2|GO"},
+    {"line feeds in a text", "--taluGO|PRINT 'a \n\n b'|GO|", "="},
+    {"line feeds in a text, read line by line", "--taluLineByLine|PRINT 'a\nb'|", "="},
+    {"line feeds everywhere",
+     "--taluGO\nPRINT 'a \n\n b' + [x\ny] -- it's\n/* '\n */\nPRINT '\nGO\n'\n"
+     "PRINT 'c\rd|e'\nGO 2\n",
+     "--taluGO|PRINT 'a \n\n b' + [x\ny] -- it's|/* '| */|PRINT '\nGO\n'|PRINT 'c|d|e'|GO|"
+     "PRINT 'a \n\n b' + [x\ny] -- it's|/* '| */|PRINT '\nGO\n'|PRINT 'c|d|e'|GO|"},
+    {"line feeds behind what stays open", "--taluGO\nPRINT 'a\nb'\nGO\nPRINT 'c\nGO\n",
+     "--taluGO|PRINT 'a|b'|GO|PRINT 'c|GO|"},
     // Letters that are not there
     {"a letter among values", "--taluGO|INSERT T VALUES (1, N'\xC5\x81uk')|GO|",
      "--taluGO|INSERT T VALUES (1, NCHAR(321) + N'uk')|GO|"},
@@ -172,6 +181,7 @@ TEST(ConvertTest, LettersInCommentsDoNotMatterAndOthersBecomeWhatTheAuthorSays) 
 TEST(ConvertTest, AScriptBehindOneThatIsReadByLinesIsReadSo) {
   EXPECT_FALSE(Convert("PRINT 1\r\nUSE A;", FileKind::ScriptBehindLines, {}).IsChanged());
   EXPECT_FALSE(Convert("PRINT 1\r\n", FileKind::Configuration, {}).IsChanged());
+  EXPECT_EQ(Convert("It's\nit's\n", FileKind::Configuration, {}).After, "It's\r\nit's\r\n");
 }
 
 class ConvertFolderTest : public testing::Test {

@@ -95,24 +95,6 @@ void CheckLetters(CheckedPack& pack, std::string_view text, const std::string& f
                     {lacking, std::to_string(static_cast<std::uint32_t>(first))});
 }
 
-/// The position of the first line feed without a carriage return before it; npos for none.
-std::size_t LoneFeed(std::string_view text) {
-  std::size_t at = text.find('\n');
-  while (at != std::string_view::npos && at > 0 && text[at - 1] == '\r')
-    at = text.find('\n', at + 1);
-  return at;
-}
-
-std::string WithCrLf(std::string_view text) {
-  std::string with;
-  with.reserve(text.size() + text.size() / 16);
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] == '\n' && (at == 0 || text[at - 1] != '\r')) with += '\r';
-    with += text[at];
-  }
-  return with;
-}
-
 }  // namespace
 
 std::string MeantText(CheckedPack& pack, std::string bytes, const std::string& file) {
@@ -129,12 +111,13 @@ std::string MeantText(CheckedPack& pack, std::string bytes, const std::string& f
   } else {
     text = pack.Machine.CodePage.ToText(std::move(bytes));
   }
-  const std::size_t feed = LoneFeed(text);
-  if (feed == std::string::npos) return text;
+  const std::vector<std::size_t> feeds = LoneFeeds(text, true);
+  if (feeds.empty()) return text;
+  const std::size_t feed = feeds.front();
   const std::size_t before = text.find_last_of("\r\n", feed == 0 ? 0 : feed - 1);
   const std::size_t start = feed == 0 || before == std::string::npos ? 0 : before + 1;
   pack.Findings.Add("SQL-LINE-ENDS", {file, LineOf(text, feed), text.substr(start, feed - start)});
-  return WithCrLf(text);
+  return WithReturns(text, feeds);
 }
 
 }  // namespace talu::packcheck

@@ -23,13 +23,19 @@ struct Change {
   std::size_t End() const { return First + Old.size(); }
 };
 
-/// The lines of a text that begins at the beginning of one.
+/// A line without what ends it.
+std::string Unended(std::string_view line) {
+  if (line.ends_with('\n')) line.remove_suffix(line.ends_with(kCrLf) ? 2 : 1);
+  return std::string(line);
+}
+
+/// The lines of a text that begins at the beginning of one, as an editor shows them.
 Lines LinesOf(std::string_view text) {
   Lines lines;
   while (!text.empty()) {
-    const std::size_t end = text.find(kCrLf);
-    lines.emplace_back(text.substr(0, end));
-    text = end == std::string_view::npos ? std::string_view() : text.substr(end + 2);
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+    lines.push_back(Unended(text.substr(0, end)));
+    text.remove_prefix(end);
   }
   return lines;
 }
@@ -108,8 +114,7 @@ class ShownLines {
   /// The line with this number; a text that hides everything to its end has no more lines.
   std::string Line(std::size_t number) const {
     if (number >= lines_.Count()) return "***";
-    const std::string_view line = lines_.Text(number, number + 1);
-    return std::string(line.substr(0, line.find(kCrLf)));
+    return Unended(lines_.Text(number, number + 1));
   }
 
  private:

@@ -20,8 +20,8 @@ struct Edit {
 /// The text with its edits, which are in order and do not overlap.
 std::string Applied(std::string_view text, const std::vector<Edit>& edits);
 
-/// Writes what the edits change in a text whose lines end in CR LF, as a unified diff without its
-/// two lines about the files. Passwords are hidden.
+/// Writes what the edits change in a text whose lines end in CR LF, or in a line feed within texts,
+/// as a unified diff without its two lines about the files. Passwords are hidden.
 void WriteDiff(std::string_view text, const std::vector<Edit>& edits, std::ostream& out);
 
 }  // namespace talu::packcheck

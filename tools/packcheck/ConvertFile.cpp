@@ -83,7 +83,8 @@ ConvertedFile Convert(std::string bytes, FileKind kind, const ConvertOptions& op
   file.After = file.Before;
   const CodePage codePage(options.CodePage);
   try {
-    file.Decoded = Decode(file.Before, codePage, options.CodePage);
+    const bool isScript = kind != FileKind::Configuration;
+    file.Decoded = Decode(file.Before, codePage, options.CodePage, isScript);
   } catch (const std::runtime_error& error) {
     file.LeftBecause = error.what();
     return file;

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "CheckPack.h"
+#include "ConvertEdits.h"
 #include "runtime/TextFunctions.h"
 #include "runtime/Unicode.h"
 #include "sql/Lexer.h"
@@ -42,21 +43,14 @@ std::string FromCodePage(std::string_view bytes, const CodePage& codePage, int n
   return text;
 }
 
-void EndLinesInCrLf(DecodedText& decoded) {
-  const std::string& text = decoded.Text;
-  std::string result;
-  std::size_t copied = 0;
-  for (std::size_t at = text.find_first_of(kCrLf); at != std::string::npos;
-       at = text.find_first_of(kCrLf, at)) {
-    const std::size_t length = text.compare(at, 2, kCrLf) == 0 ? 2 : 1;
-    if (length == 1) {
-      ++decoded.OtherLineEnds;
-      result.append(text, copied, at - copied).append(kCrLf);
-      copied = at + 1;
-    }
-    at += length;
+/// Makes every lone carriage return a CR LF, as which the build sends it, too. Returns how many.
+std::size_t MendReturns(std::string& text) {
+  std::vector<Edit> edits;
+  for (std::size_t at = text.find('\r'); at < text.size(); at = text.find('\r', at + 1)) {
+    if (text.compare(at, 2, kCrLf) != 0) edits.push_back({at, 1, std::string(kCrLf)});
   }
-  if (decoded.OtherLineEnds > 0) decoded.Text = result.append(text, copied);
+  if (!edits.empty()) text = Applied(text, edits);
+  return edits.size();
 }
 
 bool Lacks(const CodePage& codePage, const std::string& letter) {
@@ -84,7 +78,38 @@ class Comments {
 
 }  // namespace
 
-DecodedText Decode(std::string_view bytes, const CodePage& codePage, int number) {
+std::vector<std::size_t> LoneFeeds(std::string_view text, bool isScript) {
+  std::vector<std::size_t> feeds;
+  for (std::size_t at = text.find('\n'); at < text.size(); at = text.find('\n', at + 1)) {
+    if (at == 0 || text[at - 1] != '\r') feeds.push_back(at);
+  }
+  if (!isScript || feeds.empty()) return feeds;
+  std::vector<std::size_t> ending;
+  auto feed = feeds.begin();
+  sql::Lexer lexer(text);
+  for (sql::Token token = lexer.Next(); token.Kind != sql::TokenKind::End; token = lexer.Next()) {
+    if (token.Kind != sql::TokenKind::String && token.Kind != sql::TokenKind::Name) continue;
+    if (!token.IsClosed) return feeds;  // who knows what is a text, then
+    const auto begin = std::lower_bound(feed, feeds.end(), token.At);
+    ending.insert(ending.end(), feed, begin);
+    feed = std::lower_bound(begin, feeds.end(), token.At + token.Raw.size());
+  }
+  ending.insert(ending.end(), feed, feeds.end());
+  return ending;
+}
+
+std::string WithReturns(std::string_view text, const std::vector<std::size_t>& feeds) {
+  std::string with;
+  with.reserve(text.size() + feeds.size());
+  std::size_t copied = 0;
+  for (const std::size_t feed : feeds) {
+    with.append(text.substr(copied, feed - copied)).append(1, '\r');
+    copied = feed;
+  }
+  return with.append(text.substr(copied));
+}
+
+DecodedText Decode(std::string_view bytes, const CodePage& codePage, int number, bool isScript) {
   DecodedText decoded;
   const TextMark mark = MarkOf(bytes);
   if (mark.Utf16) {
@@ -106,7 +131,10 @@ DecodedText Decode(std::string_view bytes, const CodePage& codePage, int number)
   if (decoded.Text.find('\0') != std::string::npos) {
     throw std::runtime_error("it has NUL characters, so it is no text");
   }
-  EndLinesInCrLf(decoded);
+  decoded.OtherLineEnds = MendReturns(decoded.Text);
+  const std::vector<std::size_t> feeds = LoneFeeds(decoded.Text, isScript);
+  decoded.OtherLineEnds += feeds.size();
+  if (!feeds.empty()) decoded.Text = WithReturns(decoded.Text, feeds);
   return decoded;
 }
 

@@ -11,7 +11,8 @@ namespace talu::packcheck {
 
 /// A text file as its author sees it.
 struct DecodedText {
-  /// In UTF-8, without a byte-order mark, every line that is ended ended by CR LF.
+  /// In UTF-8, without a byte-order mark, every line that is ended ended by CR LF. Within texts and
+  /// names of a script there may be line feeds.
   std::string Text;
   /// "UTF-16", "UTF-8", or nothing for the code page's own.
   std::string_view Encoding;
@@ -21,7 +22,14 @@ struct DecodedText {
 
 /// Reads a file's bytes; `number` is that of the code page. Raises std::runtime_error, with what is
 /// wrong with them, for bytes that are no text.
-DecodedText Decode(std::string_view bytes, const CodePage& codePage, int number);
+DecodedText Decode(std::string_view bytes, const CodePage& codePage, int number, bool isScript);
+
+/// The positions of the line feeds without a carriage return before them that end a line. Those in
+/// the texts and names of a script do not: the build sends them as they are. Where one of these is
+/// not closed, all do.
+std::vector<std::size_t> LoneFeeds(std::string_view text, bool isScript);
+/// The text with a carriage return before each of these line feeds.
+std::string WithReturns(std::string_view text, const std::vector<std::size_t>& feeds);
 
 /// Whether a letter can be seen, as a byte-order mark in the middle of a text cannot; and its
 /// number as U+FEFF.
