@@ -4,6 +4,7 @@
 #include <map>
 #include <ostream>
 #include <stdexcept>
+#include <utility>
 
 #include "ConvertLetters.h"
 #include "ConvertScript.h"
@@ -91,7 +92,9 @@ ConvertedFile Convert(std::string bytes, FileKind kind, const ConvertOptions& op
   }
   const std::string& text = file.Decoded.Text;
   if (kind != FileKind::Configuration) {
-    file.Edits = ScriptEdits(text, kind == FileKind::ScriptBehindLines);
+    ScriptMends mends = MendsOfScript(text, kind == FileKind::ScriptBehindLines);
+    file.Edits = std::move(mends.Edits);
+    file.Left = std::move(mends.Left);
   }
   if (!file.Decoded.Encoding.empty()) PutLettersInOtherWords(file, kind, codePage);
   if (!options.ReplaceLetters && std::ranges::any_of(file.Missing, Matters)) {
@@ -114,7 +117,7 @@ void WriteAccount(const ConvertedFile& file, const std::string& from, const std:
   if (!file.LeftBecause.empty()) {
     out << "left as it is: " << file.LeftBecause << '\n';
   } else if (!file.IsChanged()) {
-    out << "nothing to mend\n";
+    out << (file.Left.empty() ? "nothing to mend\n" : "nothing is mended\n");
   } else {
     std::map<std::string, std::size_t> counts;
     for (const Edit& edit : file.Edits) ++counts[edit.What];
@@ -130,6 +133,12 @@ void WriteAccount(const ConvertedFile& file, const std::string& from, const std:
       done += ", " + what + (count > 1 ? " (" + std::to_string(count) + " times)" : "");
     }
     out << done.substr(2) << '\n';
+  }
+  for (std::size_t i = 0; i < std::min(file.Left.size(), kListed); ++i) {
+    out << "    " << file.Left[i] << '\n';
+  }
+  if (file.Left.size() > kListed) {
+    out << "    and " << Counted(file.Left.size() - kListed, "line") << " more\n";
   }
   WriteLetters(file, options, out);
 }

@@ -33,6 +33,8 @@ struct ConvertedFile {
   std::string After;
   DecodedText Decoded;
   std::vector<Edit> Edits;
+  /// What no edit can mend, each a line with its number.
+  std::vector<std::string> Left;
   /// The letters that the code page lacks, where no edit puts them in other words.
   std::vector<MissingLetter> Missing;
   /// Why the file is left as it is; empty when it is not.

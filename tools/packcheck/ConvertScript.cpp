@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -38,7 +39,8 @@ std::optional<GoLine> ReadGo(std::string_view line) {
   GoLine go;
   rest = Stripped(rest);
   const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), go.Count);
-  if (error == std::errc::result_out_of_range || go.Count < 1) return {};
+  if (error == std::errc::result_out_of_range) go.Count = std::numeric_limits<int>::max();
+  if (go.Count < 1) return {};
   rest = Stripped(rest.substr(static_cast<std::size_t>(end - rest.data())));
   while (rest.starts_with(';')) rest = Stripped(rest.substr(1));
   if (rest.empty()) return go;
@@ -76,7 +78,7 @@ class ScriptMender {
  public:
   explicit ScriptMender(std::string_view text) : text_(text) {}
 
-  std::vector<Edit> Mend() {
+  ScriptMends Mend() {
     batch_ = PutDirectiveOnTop();
     firstEdit_ = edits_.size();
     ForEachLine(text_, batch_, [this](const TextLine& line) {
@@ -88,8 +90,12 @@ class ScriptMender {
       const bool ended = text_.ends_with(kCrLf);
       edits_.push_back({text_.size(), 0, ended ? "GO\r\n" : "\r\nGO\r\n", "the last GO"});
     }
+    if (open_.Kind != TokenKind::End) {
+      left_.resize(leftBefore_);  // they are of what is open
+      Leave(openedAt_, "what begins here is not closed, so all that follows is a part of it");
+    }
     std::ranges::stable_sort(edits_, {}, &Edit::At);
-    return std::move(edits_);
+    return {std::move(edits_), std::move(left_)};
   }
 
  private:
@@ -134,12 +140,17 @@ class ScriptMender {
       const std::size_t word = line.Text.find_first_not_of(' ');
       edits_.push_back({line.At + word, 0, "-- ", "GO in a comment"});
     } else if (ends) {
-      isCut_ = true;  // in the middle of a text, where nothing can be put right
+      isCut_ = true;
+      Leave(line.At, "this GO ends the batch, in the middle of a text or a name");
     }
     gathered_ = true;
     sql::Lexer lexer(line.Text, open_);
     for (sql::Token token = lexer.NextOrComment(); token.Kind != TokenKind::End;
          token = lexer.NextOrComment()) {
+      if (!token.IsClosed && token.Opening > 0) {
+        openedAt_ = line.At + token.At;
+        leftBefore_ = left_.size();
+      }
       names_ = names_ || token.IsOneOf({"USE", "DATABASE", "LOGIN"});
     }
     open_ = lexer.Open();
@@ -151,7 +162,11 @@ class ScriptMender {
     const auto copies = static_cast<std::size_t>(go.Count - 1);
     const bool tooMuch =
         go.Count > kMostRepeats || (copies > 0 && batch.size() > kMostRepeated / copies);
-    if (tooMuch) ends = true;  // it stays
+    if (tooMuch) {
+      ends = true;
+      Leave(line.At, std::string(Stripped(line.Text)) +
+                         " stays, which does not end its batch: write that out, or loop");
+    }
     if (!ends) {
       std::string lines = "GO";
       for (std::size_t i = 0; i < copies; ++i) lines.append(kCrLf).append(batch).append("GO");
@@ -166,6 +181,11 @@ class ScriptMender {
     firstEdit_ = edits_.size();
     batch_ = BehindLine(text_, line);
     gathered_ = names_ = isCut_ = false;
+  }
+
+  void Leave(std::size_t at, const std::string& what) {
+    const auto number = 1 + std::ranges::count(text_.substr(0, at), '\n');
+    left_.push_back("line " + std::to_string(number) + ": " + what);
   }
 
   void FinishBatch(std::size_t end) {
@@ -184,6 +204,7 @@ class ScriptMender {
 
   std::string_view text_;
   std::vector<Edit> edits_;
+  std::vector<std::string> left_;
   // The batch being read: where it and its edits begin, whether it has lines, whether it may name a
   // database or a login, and whether a GO within a text ends it early.
   std::size_t batch_ = 0;
@@ -192,6 +213,9 @@ class ScriptMender {
   bool names_ = false;
   bool isCut_ = false;
   sql::Unclosed open_;
+  // Where that begins, and what was left before it.
+  std::size_t openedAt_ = 0;
+  std::size_t leftBefore_ = 0;
 };
 
 }  // namespace
@@ -209,7 +233,7 @@ bool IsReadByLines(std::string_view text, bool lineMode) {
   return byLines;
 }
 
-std::vector<Edit> ScriptEdits(std::string_view text, bool lineMode) {
+ScriptMends MendsOfScript(std::string_view text, bool lineMode) {
   if (TrimView(text).empty() || IsReadByLines(text, lineMode)) return {};
   return ScriptMender(text).Mend();
 }
