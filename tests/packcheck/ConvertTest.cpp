@@ -130,6 +130,11 @@ const ConvertCase kCases[] = {
      "IF DB_ID('S') IS NULL BEGIN|CREATE DATABASE S|ON (FILENAME = 'C:\\D\\s.mdf')|END|GO|"
      "CREATE PROCEDURE p AS create login L|with password = 'x'|GO|",
      "="},
+    {"a path without its drive",
+     "--taluGO|CREATE DATABASE S ON (filename = '/var/s.mdf')|GO|"
+     "CREATE DATABASE S ON (filename = 'C:\\s.dat')|GO|"
+     "create database S ON (FILENAME = '/var/s.mdf')|GO|",
+     "="},
     {"a login", "--taluGO|Create Login L|with password = 'x'|GO|",
      "--taluGO|CREATE LOGIN L with password = 'x'|GO|"},
     {"ALTER", "--taluGO|ALTER DATABASE S|SET OFFLINE|GO|ALTER DATABASE [S]|SET ONLINE|GO|",

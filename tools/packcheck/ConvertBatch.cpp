@@ -167,6 +167,7 @@ class BatchMender {
     if (!thing.Is("DATABASE") && !(creates && thing.Is("LOGIN"))) return;
     const Token name = lexer.NextOrComment();
     if (!IsName(name) || (creates && IsConditional())) return;
+    if (creates && thing.Is("DATABASE") && Contains(Batch(), "FILENAME") && !HasFolder()) return;
     if (creates && thing.Is("DATABASE")) createsDatabase_ = true;
     const std::string wanted = UCase(verb.Raw) + " " + UCase(thing.Raw) + " ";
     if (text_.substr(verb.At, name.At - verb.At) != wanted) {
@@ -185,8 +186,17 @@ class BatchMender {
 
   bool IsConditional() const { return shape_.Conditional() != sql::BatchShape::Condition::None; }
 
+  std::string_view Batch() const { return text_.substr(begin_, end_ - begin_); }
+
+  /// Whether the build would find a folder in the batch. Where it does not, a database that is
+  /// recorded, by FILENAME in capitals, fails the build.
+  bool HasFolder() const {
+    const std::size_t drive = Batch().find(":\\");
+    return drive != std::string_view::npos && ContainsUpper(Batch().substr(drive), ".MDF");
+  }
+
   void MendFileName(const Token& word, sql::Lexer lexer) {
-    if (!lexer.Next().IsSymbol("=") || IsConditional()) return;
+    if (!lexer.Next().IsSymbol("=") || IsConditional() || !HasFolder()) return;
     if (word.Raw != "FILENAME") {
       edits_.push_back({word.At, word.Raw.size(), "FILENAME", "FILENAME in capitals"});
     }
