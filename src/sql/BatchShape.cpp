@@ -12,7 +12,7 @@ namespace talu::sql {
 // clang-format off
 enum class BatchShape::Word {
   None, Alter, Begin, Case, Create, Delete, Drop, Else, End, Exec, For, Function, Other, If,
-  Insert, Into, Maker, Merge, On, Or, Procedure, Rights, Schema, Select, Set, Table,
+  Insert, Into, Maker, Merge, On, Or, Output, Procedure, Rights, Schema, Select, Set, Table,
   To, Transaction, Trigger, Union, Update, Values, View, While
 };
 // clang-format on
@@ -32,7 +32,7 @@ BatchShape::Word BatchShape::Known(const Token& token) {
     {"DENY", Rights}, {"DROP", Drop}, {"ELSE", Else}, {"END", End}, {"EXCEPT", Union},
     {"EXEC", Exec}, {"EXECUTE", Exec}, {"FETCH", Set}, {"FOR", For}, {"FROM", To},
     {"FUNCTION", Function}, {"GOTO", Set}, {"GRANT", Rights}, {"IF", If}, {"INSERT", Insert},
-    {"INTERSECT", Union}, {"INTO", Into}, {"KILL", Set}, {"MERGE", Merge}, {"ON", On}, {"OPEN", Set}, {"OR", Or}, {"PRINT", Set}, {"PROC", Procedure},
+    {"INTERSECT", Union}, {"INTO", Into}, {"KILL", Set}, {"MERGE", Merge}, {"ON", On}, {"OPEN", Set}, {"OR", Or}, {"OUTPUT", Output}, {"PRINT", Set}, {"PROC", Procedure},
     {"PROCEDURE", Procedure}, {"RAISERROR", Set}, {"RECONFIGURE", Set}, {"RESTORE", Set},
     {"RETURN", Set}, {"REVOKE", Rights}, {"ROLLBACK", Set}, {"SAVE", Set}, {"SCHEMA", Schema},
     {"SELECT", Select}, {"SET", Set}, {"SP_ADDLOGIN", Maker}, {"SP_ATTACH_DB", Maker},
@@ -78,6 +78,10 @@ void BatchShape::Follow(const Token& token, int line) {
   line_ = line;
   ++sinceDrop_;
   if (naming_.Line != 0) TakeObjectName(token);
+  // Otherwise it is a column's name.
+  const bool outputs = std::exchange(mayOutput_, false) &&
+                       (token.IsOneOf({"INSERTED", "DELETED"}) || token.IsSymbol("$"));
+  if (outputs) hasRows_ = true;
   if (token.Kind == TokenKind::Symbol) {
     TakeSymbol(token.Raw[0]);
     return;
@@ -207,7 +211,12 @@ void BatchShape::TakeResultWord(Word word) {
       hasRows_ = true;
       return;
     case Word::Into:
-      if (open_ == Word::Select) hasRows_ = false;
+      hasRows_ = false;
+      return;
+    case Word::Output:
+      // That of INSERT T EXEC P @x OUTPUT is an argument.
+      mayOutput_ = open_ == Word::Update || open_ == Word::Delete || open_ == Word::Merge ||
+                   (open_ == Word::Insert && !insertHasSource_);
       return;
     case Word::Insert:
     case Word::Update:

@@ -86,6 +86,7 @@ class BatchShape {
   bool hasRows_ = false;
   bool insertHasSource_ = false;
   bool mayAssign_ = false;
+  bool mayOutput_ = false;
   // In the name behind CREATE TABLE: the points so far.
   Spot naming_;
   int points_ = 0;
