@@ -1,5 +1,8 @@
 // What becomes of scripts that other tools wrote.
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <sstream>
 
 #include "ConvertCommand.h"
@@ -309,6 +312,33 @@ TEST_F(ConvertFolderTest, InPlaceACopyStays) {
   EXPECT_EQ(RunConvert({"a.sql"}, {.InPlace = true}), 0);
   EXPECT_EQ(said, "/a.sql: nothing to mend\n");
   EXPECT_EQ(folder.Get("a.sql.bak3"), "(none)");
+}
+
+TEST_F(ConvertFolderTest, InPlaceWhatALinkLeadsToChanges) {
+  folder.Put("far/a.sql", "PRINT 1");
+  std::filesystem::create_symlink("far/a.sql", folder.Path / "b.sql");
+  EXPECT_EQ(RunConvert({"b.sql"}, {.InPlace = true}), 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.Path / "b.sql"));
+  EXPECT_EQ(folder.Get("far/a.sql"), "--taluGO\r\nPRINT 1\r\nGO\r\n");
+  EXPECT_EQ(folder.Get("far/a.sql.bak"), "PRINT 1");
+  EXPECT_NE(said.find("written: /far/a.sql; as it was: a.sql.bak\n"), std::string::npos) << said;
+}
+
+TEST_F(ConvertFolderTest, InPlaceNothingStaysOfWhatFails) {
+  // The copy is twice as large as the file, which still fits.
+  folder.Put("a.sql", Utf16("--taluGO\r\n-- " + std::string(10000, 'x') + "\r\n"));
+  rlimit limit{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+  const rlimit small{15000, limit.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  const std::string trouble = Trouble({"a.sql"}, {.InPlace = true});
+  setrlimit(RLIMIT_FSIZE, &limit);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_TRUE(trouble.starts_with("/a.sql.bak cannot be written: ")) << trouble;
+  EXPECT_EQ(folder.Get("a.sql").size(), 20032U);
+  EXPECT_EQ(folder.Get("a.sql.new"), "(none)");
+  EXPECT_EQ(folder.Get("a.sql.bak"), "(none)");
 }
 
 }  // namespace

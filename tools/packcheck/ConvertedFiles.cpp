@@ -38,6 +38,29 @@ void WriteFile(const fs::path& path, const std::string& bytes) {
   }
 }
 
+/// Puts bytes in a file's place and returns the copy of what it was, which stays beside it. At
+/// every moment the file is there, whole. After a failure nothing new is left.
+fs::path Replaced(const fs::path& file, const std::string& bytes) {
+  const fs::path made = Unused(file, ".new");
+  const fs::path copy = Unused(file, ".bak");
+  WriteFile(made, bytes);
+  const auto check = [&](const std::error_code& error, const fs::path& path, const char* what) {
+    if (!error) return;
+    std::error_code ignored;
+    fs::remove(made, ignored);
+    fs::remove(copy, ignored);
+    throw std::runtime_error(Utf8Path(path) + " cannot be " + what + ": " + error.message());
+  };
+  std::error_code error;
+  fs::copy_file(file, copy, error);
+  check(error, copy, "written");
+  fs::permissions(made, fs::status(file).permissions(), error);
+  check(error, made, "written");
+  fs::rename(made, file, error);
+  check(error, file, "replaced");
+  return copy;
+}
+
 }  // namespace
 
 std::string Utf8Path(const fs::path& path) {
@@ -83,20 +106,10 @@ void ConvertedFiles::Write() {
   if (!out_.flush()) return;  // nothing is written that could not be shown
   for (const Waiting& file : waiting_) {
     if (target_.InPlace) {
-      // At every moment the file is there, whole.
-      const fs::path made = Unused(file.To, ".new");
-      const fs::path copy = Unused(file.To, ".bak");
-      WriteFile(made, file.Bytes);
-      fs::copy_file(file.To, copy);
-      fs::permissions(made, fs::status(file.To).permissions());
-      std::error_code error;
-      fs::rename(made, file.To, error);
-      if (error) {
-        fs::remove(made);
-        throw std::runtime_error(Utf8Path(file.To) + " cannot be replaced: " + error.message());
-      }
-      out_ << "written: " << Utf8Path(file.To) << "; as it was: " << Utf8Path(copy.filename())
-           << '\n';
+      // A link stays, and what it leads to changes.
+      const fs::path to = fs::is_symlink(file.To) ? fs::canonical(file.To) : file.To;
+      const fs::path copy = Replaced(to, file.Bytes);
+      out_ << "written: " << Utf8Path(to) << "; as it was: " << Utf8Path(copy.filename()) << '\n';
     } else {
       fs::create_directories(file.To.parent_path());
       WriteFile(file.To, file.Bytes);
