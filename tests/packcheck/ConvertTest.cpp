@@ -289,6 +289,9 @@ TEST_F(ConvertFolderTest, NothingIsOverwritten) {
             "/in/a.sql is there already, and it is not overwritten");
   EXPECT_EQ(Trouble({"in/a.sql", "d/a.sql"}, {.Folder = folder.Path / "other"}),
             "two files would become /other/a.sql");
+  folder.Put("D/A.SQL", "PRINT 3");
+  EXPECT_EQ(Trouble({"in/a.sql", "D/A.SQL"}, {.Folder = folder.Path / "other"}),
+            "two files would become /other/A.SQL");
   EXPECT_EQ(Trouble({"none.sql"}, to), "there is no file /none.sql");
   EXPECT_EQ(Trouble({"out"}, to), "/out has no .sql files");
   EXPECT_FALSE(std::filesystem::exists(folder.Path / "other"));

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "runtime/TextFunctions.h"
+
 namespace talu::packcheck {
 namespace {
 
@@ -84,8 +86,10 @@ ConvertedFile ConvertedFiles::Take(const fs::path& file, const fs::path& place, 
     if (converted.IsChanged()) waiting_.push_back({file, to, converted.After});
     return converted;
   }
-  const bool isTwice =
-      std::ranges::any_of(waiting_, [&](const Waiting& other) { return other.To == to; });
+  // On Windows a.sql and A.SQL are one file.
+  const std::string name = UCase(Utf8Path(to));
+  const bool isTwice = std::ranges::any_of(
+      waiting_, [&](const Waiting& other) { return UCase(Utf8Path(other.To)) == name; });
   if (isTwice) throw std::runtime_error("two files would become " + Utf8Path(to));
   if (!fs::exists(fs::symlink_status(to))) {
     waiting_.push_back({file, to, converted.After});
