@@ -20,8 +20,9 @@ quoted = shlex.quote(str(place))  # for a shell
 machine = pathlib.Path(os.environ["Machine"])
 pack = machine / "media/Pack"
 server = os.environ["Server"]
-# Where a server's machine has to have a folder.
-data = shlex.quote(str(machine / "wine/drive_c/TaluDemo/TA-LU/SalesDesk/Data"))
+# A server that has nothing yet, and where its machine has to have a folder.
+bare = os.environ["BareServer"]
+data = shlex.quote(str(place / "bare/drive_c/TaluDemo/TA-LU/SalesDesk/Data"))
 
 # What is run in place of a command that would take long, or that would run this test again.
 INSTEAD = {
@@ -37,7 +38,7 @@ INSTEAD = {
     "./demo --show": f"tests/docs/closing {quoted}/demo-show",
     "./demo --pack DIR --break TEXT": "./demo --help",  # tools/rehearse does it
     "./demo --server SRV1 --login sa --folder 'C:\\TaluDemo'":
-        f"mkdir -p {data} && ./demo --server {server} --login sa --folder 'C:\\TaluDemo' --out {quoted}/demo-server && "
+        f"mkdir -p {data} && ./demo --server {bare} --login sa --folder 'C:\\TaluDemo' --out {quoted}/demo-server && "
         f"! ls {data}/*",
     "./test e2e --server SRV1 --login sa": "./test --help",
     "tools/rehearse DIR": f"mkdir -p {quoted}/packs && cp -r samples/Starter {quoted}/packs/ && "

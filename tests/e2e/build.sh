@@ -148,8 +148,8 @@ Create | Script Build.sql
 # The login test, the backup and the build may connect, nobody after them.
 python3 -B "$Root/tests/e2e/Proxy.py" "$Port" 3 >"$Machine/proxy" &
 Soon 'the proxy' test -s "$Machine/proxy"
-Server=127.0.0.1,$(<"$Machine/proxy")
-Play '@install Server; message Connection to Server failed, Can not continue installation; ended 0'
+Server=127.0.0.1,$(<"$Machine/proxy") \
+  Play '@install Server; message Connection to Server failed, Can not continue installation; ended 0'
 AreThere 'One Two Clerk'
 Is 'files' 'Data Ta-luErrLog.txt Uninstall.dat' "$(ls "$Host" | xargs)"
 LogIs <<END

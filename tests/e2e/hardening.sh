@@ -13,10 +13,10 @@ Drive=$Root/build/win32/tools/drive/drive.exe Packcheck=$Root/build/win32/tools/
 
 Test 'the programs import from libraries that Windows never takes from the program'\''s folder'
 # Windows has these loaded for good; the manifests bind COMCTL32 and GDI+ to the system's.
-for Program in "$Setup" "$Uninstall"; do
-  Is "imports of $Program" 'advapi32.dll comctl32.dll gdi32.dll kernel32.dll msvcrt.dll ole32.dll oleaut32.dll shell32.dll user32.dll' \
-    "$(Imports "$Program" | xargs)"
-  True "the manifest of $Program" grep -aq 'Microsoft.Windows.Common-Controls' "$Program"
+for Built in "$Setup" "$Uninstall"; do
+  Is "imports of $Built" 'advapi32.dll comctl32.dll gdi32.dll kernel32.dll msvcrt.dll ole32.dll oleaut32.dll shell32.dll user32.dll' \
+    "$(Imports "$Built" | xargs)"
+  True "the manifest of $Built" grep -aq 'Microsoft.Windows.Common-Controls' "$Built"
 done
 Is "drive's imports" 'gdi32.dll gdiplus.dll kernel32.dll msvcrt.dll ole32.dll shell32.dll user32.dll' \
   "$(Imports "$Drive" | xargs)"
@@ -24,21 +24,21 @@ True "drive's manifest" grep -aq 'Microsoft.Windows.GdiPlus' "$Drive"
 Is "packcheck's imports" 'kernel32.dll msvcrt.dll shell32.dll' "$(Imports "$Packcheck" | xargs)"
 
 Test 'data is not executed, addresses move, overrun buffers end the program; rights and versions are told'
-for Program in "$Setup" "$Uninstall" "$Drive" "$Packcheck"; do
-  Header=$(i686-w64-mingw32-objdump -p "$Program")
+for Built in "$Setup" "$Uninstall" "$Drive" "$Packcheck"; do
+  Header=$(i686-w64-mingw32-objdump -p "$Built")
   for Text in NX_COMPAT DYNAMIC_BASE TERMINAL_SERVICE_AWARE \
     'Entry 5 [0-9a-f]* 0*[1-9a-f][0-9a-f]* Base Relocation'; do
-    True "$Text in $Program" grep -q "$Text" <<<"$Header"
+    True "$Text in $Built" grep -q "$Text" <<<"$Header"
   done
   # The wizard's own protector; the compiler's would ask the system for a random number.
-  i686-w64-mingw32-objdump -d "$Program" >"$Machine/code"
-  True "the protector in $Program" grep -q 'int  *[$]0x29' "$Machine/code"
-  Is "another protector's random number in $Program" '' "$(grep -ao CryptGenRandom "$Program" || true)"
+  i686-w64-mingw32-objdump -d "$Built" >"$Machine/code"
+  True "the protector in $Built" grep -q 'int  *[$]0x29' "$Machine/code"
+  Is "another protector's random number in $Built" '' "$(grep -ao CryptGenRandom "$Built" || true)"
   Level=asInvoker
-  [[ $Program != "$Setup" && $Program != "$Uninstall" ]] || Level=requireAdministrator
-  True "the level of $Program" grep -aq "requestedExecutionLevel level=\"$Level\"" "$Program"
-  Name=${Program##*/}
-  True "the version of $Program" grep -qxF "$Name" <(strings -el "$Program")
+  [[ $Built != "$Setup" && $Built != "$Uninstall" ]] || Level=requireAdministrator
+  True "the level of $Built" grep -aq "requestedExecutionLevel level=\"$Level\"" "$Built"
+  Name=${Built##*/}
+  True "the version of $Built" grep -qxF "$Name" <(strings -el "$Built")
 done
 for Library in src/libwizard.a src/platform/win32/libwin32platform.a; do
   i686-w64-mingw32-nm "$Root/build/win32/$Library" >"$Machine/names"
