@@ -267,7 +267,8 @@ TEST_F(PlanTest, SaysWhatItCannotTell) {
       << account;
   EXPECT_NE(account.find("\n1 time above it cannot tell: "), std::string::npos) << account;
   const std::string json = Tell(0, true);
-  const char* doubt = R"(USE Sales","timeout":300,"ok":true,"doubt":"whether there is a database )";
+  const char* doubt =
+      R"(USE Sales","script":"f.sql","line":4,"timeout":300,"ok":true,"doubt":"wheth)";
   EXPECT_NE(json.find(doubt), std::string::npos) << json;
 }
 
