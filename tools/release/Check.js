@@ -277,7 +277,9 @@ function Install(what, type, mode, folder, before, more, fails) {
 
 function CheckAll() {
   var empty = root + "\\Before";
-  CheckCommand("the parts that touch Windows", '"' + here + '\\win32_tests.exe"');
+  // One of them leaves Windows something to do when it starts next.
+  CheckCommand("the parts that touch Windows",
+    '"' + here + '\\win32_tests.exe" --gtest_filter=-RemovalTest.RemovesTheProgramThatRuns');
   Configure([/SystemDSN\r\n\{[^}]*\}\r\n/, ""]);
   Install("fresh client", "Fresh", "Client", "Client", empty);
   if (!asked.server) return;
