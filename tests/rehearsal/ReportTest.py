@@ -109,6 +109,7 @@ assert plan.files() == ["E:\\x'y.mdf"], plan.files()
 assert beginning("\r\n-- x\r\n/***\n use\n***/ CREATE LOGIN a WITH PASSWORD = 'b'") == "CREATE LOGIN a WITH ..."
 assert beginning("-- GO") == "a comment"
 for received, planned, same in (("a'***'b", "aN'x''y'b", True), ("a'***'b", "a'x'c", False), ("a***", "a'x\ny", True),
+                                ("a ''***''' + @b", "a N''' + @b", True), ("a ''***'' c", "a N''x'' d", False),
                                 ("*" * 3000 + "'***';'***'", "*" * 3000 + "'x';'y'", True), ("*" * 3000, "*" * 2999, False),
                                 ("_1_2_3_4_5.bkp", "_9_9_9_9_9.bkp", True), ("a", "b", False)):
     assert is_same(received, planned) is same, (received, planned)

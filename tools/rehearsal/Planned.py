@@ -72,8 +72,8 @@ def is_same(received, planned):
     received, planned = STAMP.sub("_.bkp", received), STAMP.sub("_.bkp", planned)
     if received == planned:
         return True
-    # A line of stars in a comment is none of these.
-    first, *others = re.split(r"N?'\*\*\*'|(?<!\*)\*\*\*(?!\*)", received)
+    # A line of stars in a comment is none of these. In a text within a text the quotes around are doubled.
+    first, *others = re.split(r"N?'*(?<!\*)\*\*\*(?!\*)'*", received)
     if not others or not planned.startswith(first):
         return False
     at, end = len(first), len(planned) - len(others[-1])
