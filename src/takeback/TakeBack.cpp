@@ -4,6 +4,7 @@
 #include <set>
 
 #include "runtime/RuntimeError.h"
+#include "runtime/TextFunctions.h"
 #include "takeback/Paths.h"
 #include "takeback/StepList.h"
 #include "takeback/Undoing.h"
@@ -25,6 +26,15 @@ bool IsLeft(const Verdict& verdict) {
 
 constexpr const char* kProgramStays = "It stays until nothing is left.";
 constexpr const char* kFolderStays = "The folder stays: it is not empty.";
+constexpr const char* kFolderAbove = "The folder stays: its record leads upwards, by \"..\".";
+
+/// Why the application folder stays when all in it has gone or will have; empty when it goes too.
+std::string WhyFolderStays(const Site& place, bool empty) {
+  const std::string& recorded = place.Last().AppFolder;
+  // Such a path may lead to a folder that was there before.
+  if (InStr(Replace(recorded, "/", "\\") + "\\", "\\..\\") > 0) return kFolderAbove;
+  return empty ? "" : kFolderStays;
+}
 
 }  // namespace
 
@@ -104,7 +114,8 @@ class TakeBack::Work {
     RemoveIfThere(Place.LogPath());
     RemoveIfThere(Place.Path(Place.Program));
     RemoveIfThere(Place.RecordPath());
-    if (!removal.List(Place.Folder).empty()) return {Fate::Goes, kFolderStays};
+    const std::string stays = WhyFolderStays(Place, removal.List(Place.Folder).empty());
+    if (!stays.empty()) return {Fate::Goes, stays};
     removal.RemoveFolder(Place.Folder);
     const std::string product(FolderOf(Place.Folder));
     const bool ours =
@@ -189,8 +200,8 @@ std::vector<Verdict> TakeBack::Plan(const TakeBackOptions& options) {
   try {
     if (std::any_of(verdicts.begin(), verdicts.end() - 1, IsLeft)) {
       program = {Fate::Left, kProgramStays};
-    } else if (!undoing.WillBeEmpty(place.Folder)) {
-      program.Why = kFolderStays;
+    } else {
+      program.Why = WhyFolderStays(place, undoing.WillBeEmpty(place.Folder));
     }
   } catch (...) {
     program = {Fate::Left, WhyLeft(CaughtError())};

@@ -20,7 +20,7 @@ struct HostileRecord {
 inline constexpr auto kRecord = HostileRecord::Where::Record;
 inline constexpr auto kLog = HostileRecord::Where::Log;
 
-inline constexpr std::array<HostileRecord, 56> kHostileRecords = {{
+inline constexpr std::array<HostileRecord, 57> kHostileRecords = {{
     // Shortcuts that the wizard does not make.
     {"another program's shortcut", kRecord, "Shotcut:C:\\Users\\Public\\Desktop\\Other.lnk|",
      "It leads to C:\\Other\\other.exe."},
@@ -59,6 +59,7 @@ inline constexpr std::array<HostileRecord, 56> kHostileRecords = {{
      "It is about the folder C:\\Data."},
     {"only another application folder", kRecord, "=AppFolder:C:\\Data|", "about another folder"},
     {"a drive", kRecord, "=AppFolder:C:\\|", "about another folder"},
+    {"a folder reached upwards", kRecord, "=AppFolder:$A\\x\\..|", "leads upwards"},
     {"no application folder", kRecord, "=Shotcut:C:\\Users\\Public\\Desktop\\Desk.lnk|",
      "does not say which folder"},
     {"lines before the folder", kRecord, "=SystemDSN:SQL Server,Sales,Sales|AppFolder:$A|",
