@@ -67,6 +67,15 @@ function IsKey(key) {
   return Run('reg query "' + key + '" > nul 2>&1') == 0;
 }
 
+// Those of the components that are not registered.
+function Unregistered(components) {
+  var found = [];
+  Each(components, function (component) {
+    if (!IsKey(keys[0] + "\\Components\\" + component)) found.push(component);
+  });
+  return found;
+}
+
 function Connect() {
   var connection = new ActiveXObject("ADODB.Connection");
   connection.Open("driver={SQL Server};server=" + asked.server + ";uid=" + asked.user +
@@ -264,11 +273,13 @@ function Install(what, type, mode, folder, before, more, fails) {
     '" --special-folders ' + root + "\\special-folders.txt --exit LabelPrinter.exe=7 --save \"" + root +
     "\\Plan " + what + '" --compare C:\\. ' + (more || ""));
   if (fails) return;
-  Each(["SALESGRID", "SalesPrint", "SalesLink"], function (component) {
-    Check(what + ": " + component + " is registered", Soon(function () {
-      return IsKey(keys[0] + "\\Components\\" + component);
-    }));
+  // All are waited for at once.
+  var unregistered = ["SALESGRID", "SalesPrint", "SalesLink"];
+  Soon(function () {
+    unregistered = Unregistered(unregistered);
+    return unregistered.length == 0;
   });
+  Check(what + ": the components are registered", unregistered.length == 0, "no key for " + unregistered);
   Each(server ? databases : [], function (database) {
     Check(what + ": the file of " + database, files.FileExists(product + "\\Data\\" + database + ".mdf"));
   });
