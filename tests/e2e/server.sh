@@ -4,7 +4,7 @@
 # shellcheck source=tools/rehearsal/demo.sh
 source "$Root/tools/rehearsal/demo.sh"
 InstallBelow TaluTest SalesDesk
-Own=1 Mode=server Type=fresh Break='' Stamp=$EPOCHSECONDS
+Own=1 Mode=server Type=fresh Break='' Script='' Show='' Stamp=$EPOCHSECONDS
 Broken=$Machine/Broken
 SmallPack "$Broken" FreshDBSript=Build.sql
 {

@@ -15,6 +15,7 @@ Ends with 1 and a line that says why it could not be done.
 
 import json
 import os
+import signal
 import sys
 from pathlib import Path
 
@@ -47,6 +48,9 @@ def begin(connection, plans):
              for name in found if name.lower() in planned]
     if clash:
         sys.exit(f"{server} has {' and '.join(clash)} already, which the scripts name: nothing has been started")
+    # What ends us in the middle would leave the probe there.
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        signal.signal(number, signal.SIG_IGN)
     probe = f"TaluRehearsal{os.getpid()}"
     for path in dict.fromkeys(path for plan in plans for path in plan.files()):
         try:

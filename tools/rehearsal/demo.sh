@@ -37,10 +37,11 @@ ReachServer() {
   said=$(AtServer reach 2>&1) || Fail "$said"
 }
 
-# MakePlans PACK: what is going to be sent, in Plans: of the demo, and before it of what the server has to have.
+# MakePlans PACK: what is going to be sent, in Plans: of the demo, and before it of what the server has to have. Where
+# a person or a script of the caller's chooses, each type may be sent: the plans of all are in Possible.
 MakePlans() {
-  local before=$Folder
-  Before=$TMPDIR/before.json Plans=() Drives=()
+  local before=$Folder type
+  Before=$TMPDIR/before.json Plans=() Possible=() Drives=()
   # A stand-in's files are on the machine where the wizard is to find no earlier installation.
   [[ -n $Own ]] || before='C:\Before'
   if [[ $Mode == client || $Type == upgrade ]]; then
@@ -49,13 +50,19 @@ MakePlans() {
   fi
   Plans+=("$TMPDIR/plan.jsonl")
   PlanOf "$1" "$Mode" "$Type" ${Break:+"--fail-sql=$Break"} >"${Plans[-1]}"
+  # Otherwise the wizard would build another type, of which nothing has been looked at.
+  grep -qF '"form":"FrmMode"' "${Plans[-1]}" || Fail "--type $Type: the pack has scripts for other types only"
+  [[ -z $Own || -z $Script$Show ]] || for type in fresh demo upgrade; do
+    Possible+=("$TMPDIR/$type.jsonl")
+    PlanOf "$1" server "$type" >"${Possible[-1]}"
+  done
 }
 
 # BeginAtServer: nothing on the server of the command line is in the way, and what is new there at the end goes.
 BeginAtServer() {
   local said
-  { said=$(AtServer begin "${Plans[@]}" 2>&1 >&3) || Fail "$said"; } 3>"$Before"
-  AtEnd=(python3 -B "$Root/tools/rehearsal/AtServer.py" "$Server" "$Login" drop "$Before" "${Plans[@]}")
+  { said=$(AtServer begin "${Plans[@]}" "${Possible[@]}" 2>&1 >&3) || Fail "$said"; } 3>"$Before"
+  AtEnd=(python3 -B "$Root/tools/rehearsal/AtServer.py" "$Server" "$Login" drop "$Before" "${Plans[@]}" "${Possible[@]}")
 }
 
 # OtherDrives: the letters of the drives beside C: on which the server has to have files before.
@@ -82,7 +89,8 @@ MakeReady() {
   local said below=${Folder:3}
   mkdir -p "$Machine/wine/drive_c/${below//\\//}"
   if ((${#Plans[@]} > 1)); then
-    said=$(AtServer load "${Plans[0]}" "${Drives[@]}" 2>&1) || Fail "$said"
+    said=$(AtServer load "${Plans[0]}" "${Drives[@]}" 2>&1) ||
+      Fail "$(python3 -B "$Root/tools/rehearsal/installed" "$Machine" <<<"$said")" # what the server says has the batch's words
   fi
   [[ -n $Own ]] || AtServer names >"$Before"
   First=$(JournalLines)
