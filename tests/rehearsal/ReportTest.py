@@ -22,9 +22,10 @@ LOG = ("//\r\nBuilding Database Started....\r\n\r\n"
        "//\r\nDatabase creation not finished...\r\n\r\n")
 PLANNED_WORDS = "statements: the 4 that packcheck plans, in order"
 NO_T, EXISTS = "no T near 'Pass-1'", "Cannot create file 'C:\\A.mdf' because it already exists. Change the path."
+UNKNOWN = "what became of the 3 batches is not known: the wizard did not come to the end of the build"
 FATES = {"c": "carried", "k": "kept", "n": "noted", "r": "refused"}
-# What comes of it: the fates, what of the third batch is noted, errors by batch, what more is received, options,
-# what is there at the end; the status and the lines.
+# What comes of it: the fates, what of the third batch is noted, errors by batch, what more is received (or, with no
+# fates, the wizard's log), options, what is there at the end; the status and the lines.
 CASES = {
     "all is well": ("ccck", [], {}, [], [], {}, 0, [
         "3 batches of 2 scripts: 2 carried out, 1 kept, 0 refused", PLANNED_WORDS]),
@@ -44,9 +45,11 @@ CASES = {
         "left of the build: no database, no login"]),
     "a failed build leaves something": ("cccr", [], {3: (5, "x")}, [], ["--broken"], {
         "databases": [{"name": "A"}], "logins": ["old", "B"]}, 1, ["left of the build: the database A, the login B"]),
-    "another server": (None, [], {}, [], [], {}, 0, [
+    "another server": (None, [], {}, LOG, [], {}, 0, [
         "3 batches of 2 scripts: 2 accepted, 1 refused", "refused: a.sql, line 4: MERGE T",
         "  the server: no T near '***'"]),
+    "another server, a build without end": (None, [], {}, LOG[:-60], [], {}, 1, [UNKNOWN]),
+    "another server, no log": (None, [], {}, None, [], {}, 1, [UNKNOWN]),
 }
 
 
@@ -56,11 +59,13 @@ def lines(path, records):
 
 def run(place, given):
     fates, noted, errors, more, options, state = given
-    (place / "media/Pack/SQLScript/Fresh").mkdir(parents=True)
+    # As on the disks of Windows, whose names have any case.
+    (place / "media/Pack/SqlScript/fresh/Old scripts").mkdir(parents=True)
     (place / "media/Pack/AppCfg.txt").write_text("")
-    (place / "media/Pack/SQLScript/Fresh/a.sql").write_text("PASSWORD = 'Pass-1'")
+    (place / "media/Pack/SqlScript/fresh/a.sql").write_text("PASSWORD = 'Pass-1'")
     (place / "wine/drive_c/A").mkdir(parents=True)
-    (place / "wine/drive_c/A/Ta-luErrLog.txt").write_bytes(LOG.encode("cp1252"))
+    if fates is None and more:
+        (place / "wine/drive_c/A/Ta-luErrLog.txt").write_bytes(more.encode("cp1252"))
     events = [{"event": "print", "path": "C:\\A\\Uninstall.dat", "text": "AppFolder:C:\\A\r\n"}]
     for one in PLANNED:
         script = isinstance(one, tuple)

@@ -28,7 +28,9 @@ class Mask:
         self.known = {os.environ["SQL_PASSWORD"]}
         for line in itertools.takewhile(lambda line: line != "}", lines[begin:]):
             self.known |= passwords(line, [r"\A" + FIELD])
-        for script in pack.glob("SQLScript/*/*"):
+        for script in pack.glob("*/*/*"):
+            if script.parts[-3].lower() != "sqlscript" or not script.is_file():
+                continue
             self.known |= passwords(script.read_bytes().decode("cp1252", "replace"), STATEMENTS)
 
     def hide(self, text):

@@ -14,7 +14,7 @@ from collections import Counter
 from pathlib import Path
 
 from Passwords import Mask
-from Planned import Plan, beginning, is_same
+from Planned import SECRET, Plan, beginning, is_same
 
 CARRIED, KEPT, NOTED, ACCEPTED, REFUSED = "carried out", "kept", "noted", "accepted", "refused"
 # As the stand-in's journal calls them.
@@ -22,7 +22,10 @@ FATES = {"carried": CARRIED, "kept": KEPT, "noted": NOTED, "accepted": ACCEPTED,
 EXISTS = re.compile(r"file '?(.+?)'? because it already exists")
 # A batch without these can be made to fail after the databases and logins have been made. (Without its COMMIT a
 # transaction stays open, and in one no database can be taken back.)
-MAKES = re.compile(r"\bCREATE\s+(DATABASE|LOGIN)\b|\bPASSWORD\b|\A\s*(USE|COMMIT|ROLLBACK|BEGIN\s+TRAN\w*)\b", re.I)
+MAKES = re.compile(r"\bCREATE\s+(DATABASE|LOGIN)\b|\A\s*(USE|COMMIT|ROLLBACK|BEGIN\s+TRAN\w*)\b", re.I)
+LONGEST = 20000  # bytes of a server's words
+# In the wizard's log.
+ENDED = re.compile(rb"//\r\n(Database creation (completed successfully|not finished)|Script format is not correct)\.\.\.")
 SHOWN = 8  # constructs
 
 
@@ -69,7 +72,7 @@ def from_log(plan, log):
         if not entry.startswith(b"//\r\n"):
             continue
         body, end, found = entry[4:].removesuffix(b"\r\n"), 0, None
-        while not found and (end := body.find(b"\r\n", end + 1)) >= 0:  # what the server says may have lines
+        while not found and (end := body.find(b"\r\n", end + 1, LONGEST)) >= 0:  # what the server says may have lines
             found = places.get(body[end + 2:])
         if found:  # the next with this text
             at = found.pop(0) if len(found) > 1 else found[0]
@@ -150,10 +153,14 @@ def main():
         batches, differs = from_journal(plan, events, given.broken)
     else:
         log = given.machine / "wine/drive_c" / plan.app[3:].replace("\\", "/") / "Ta-luErrLog.txt"
-        batches = from_log(plan, log.read_bytes() if log.exists() else b"")
+        said = log.read_bytes() if log.exists() else b""
+        batches = from_log(plan, said) if ENDED.search(said) else []
+        if len(batches) < len(plan.build):
+            differs = (f"what became of the {len(plan.build)} batches is not known: "
+                       "the wizard did not come to the end of the build")
     hide = Mask(given.machine / "media/Pack").hide
 
-    short = [counted(batches)]
+    short = [counted(batches) if given.journal or not differs else differs]
     if given.journal and not given.unplanned:
         short.append("statements: " + (differs or f"the {len(plan.statements)} that packcheck plans, in order"))
     noted = Counter(construct for batch in batches for construct in batch.constructs)
@@ -174,7 +181,8 @@ def main():
     text += ["", *contents(state)]
     (given.out / "rehearsal.txt").write_text(hide("\n".join([*text, ""])), "utf-8")
     fates = Counter(batch.fate for batch in batches)
-    plain = [batch.statement.text.strip() for batch in batches if not MAKES.search(batch.statement.text)]
+    plain = [text.strip() for text in (batch.statement.text for batch in batches)
+             if not MAKES.search(text) and not SECRET.search(text)]  # it goes to a command line
     (given.out / "rehearsal.json").write_text(json.dumps(
         {"batches": len(batches), **{fate: fates[fate] for fate in FATES.values()}, "constructs": noted,
          "planned": not differs, "left": left, "seconds": given.seconds, "last": plain[-1][:100] if plain else ""}), "utf-8")
