@@ -64,6 +64,7 @@ Within=${TALU_RUN:-}
 export TALU_RUN=$Mark TALU_TESTS=$Tests
 export TMPDIR=$Root/build/tmp/${Mark##*/}
 mkdir -p "$Logs" "$TMPDIR"
+chmod 700 "$TMPDIR"
 
 # Occupy: this clone's build folder is ours, until we end; a command within ours shares it. A process of its
 # own holds the lock and dies with us: a descriptor of ours would be handed down, and a program that outlives
@@ -220,6 +221,7 @@ MakeMachine() {
     -exec sh -c 'for file; do cp -p "$file" "$file.own" && mv "$file.own" "$file"; done' - {} +
   Machines+=("$dir")
   mkdir -p "$dir/media" "$dir/shots"
+  chmod 700 "$dir" # log, record and what is installed have passwords
   ln -sfn "$dir/media" "$dir/wine/dosdevices/d:"
   rm -f "$dir/odbc/odbc.ini"
   # Debian 13's Wine crashes at start-up with this in its environment.

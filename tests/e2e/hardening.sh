@@ -108,6 +108,7 @@ Test 'the password is where the formats put it, and nowhere else'
 timeout 60 wineserver -w || true
 Is 'files' "$Host/Settings/Password.txt
 $Host/Uninstall.dat" "$(grep -rlaF "$SQL_PASSWORD" "$Machine/wine" "$Machine/media" "$Machine/server" | sort)"
+Is 'who can read them' 'drwx------' "$(stat -c %A "$Machine")"
 Is 'records' "PsWord:$SQL_PASSWORD" "$(tr -d '\r' <"$Host/Uninstall.dat" | grep -F "$SQL_PASSWORD")"
 
 Test 'the stand-in listens on this machine only'

@@ -110,5 +110,5 @@ except SqlError as error:
     left = ""
     if command == "drop":
         made = dict.fromkeys(name for path in arguments[1:] for name in Plan(path).made)
-        left = f"; look there for {', '.join(made)}"
+        left = f"; look there for {', '.join(made) or 'what the scripts make'}"
     sys.exit(f"{server} cannot be used: {error}{left}")

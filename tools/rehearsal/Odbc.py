@@ -34,9 +34,10 @@ def wide(text):
 
 
 class Connection:
-    """Raises SqlError when the server cannot be reached or refuses the login."""
+    """Raises SqlError when the server cannot be reached or refuses the login. A text says in its place what to
+    connect to, and with what."""
 
-    def __init__(self, server, login, database="master"):
+    def __init__(self, server, login, database="master", text=""):
         self.odbc = ctypes.CDLL("libodbc.so.2")
         for function in ("AllocHandle", "DriverConnectW", "ExecDirectW", "Fetch", "GetDiagRecW", "MoreResults"):
             getattr(self.odbc, "SQL" + function).restype = ctypes.c_short
@@ -46,7 +47,7 @@ class Connection:
         self.connection = self.handle(CONNECTION, environment)
         self.odbc.SQLSetConnectAttrW(self.connection, LOGIN_TIMEOUT, ctypes.c_void_p(LOGIN_SECONDS), 0)
         # As the wizard writes it: what that cannot say, such as a semicolon in the password, cannot be said here.
-        text, length = wide(f"driver={DRIVER};server={server};uid={login};pwd={os.environ['SQL_PASSWORD']};"
+        text, length = wide(text or f"driver={DRIVER};server={server};uid={login};pwd={os.environ['SQL_PASSWORD']};"
                             f"database={database};TDS_Version=7.3")
         if self.odbc.SQLDriverConnectW(self.connection, None, text, ctypes.c_short(length), None, 0, None, 0) == ERROR:
             raise SqlError(self.records(CONNECTION, self.connection))
@@ -126,7 +127,7 @@ def names(connection):
     """The databases and logins of a server, but for its own databases."""
     return {"databases": [row[0] for row in connection.run("SELECT name FROM sys.databases")
                           if row[0].lower() not in OWN],
-            "logins": [row[0] for row in connection.run("SELECT name FROM sys.sql_logins")]}
+            "logins": [row[0] for row in connection.run("SELECT name FROM sys.server_principals WHERE type <> 'R'")]}
 
 
 def beside(there, before):

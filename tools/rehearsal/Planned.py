@@ -58,8 +58,8 @@ class Plan:
                                   for path in FILE.findall(statement.text)))
 
     def names(self):
-        """The databases and logins that the scripts name, in small letters."""
-        found = set()
+        """The databases and logins that the scripts name, and those that the wizard would drop, in small letters."""
+        found = {name.lower() for name in self.made}
         for statement in self.build:
             for match in NAMED.finditer(statement.text):
                 name = next(part for part in match.groups() if part is not None)
