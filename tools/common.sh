@@ -288,8 +288,8 @@ StopServer() {
 # AtServer COMMAND...: tools/rehearsal/AtServer.py, at the server of the machines, as Login.
 AtServer() { python3 -B "$Root/tools/rehearsal/AtServer.py" "$Server" "$Login" "$@"; }
 
-# Query DATABASE STATEMENT: the rows, by the wire.
-Query() { AtServer query "$1" "$2" 2>/dev/null || true; }
+# Query DATABASE STATEMENT: the rows, by the wire, or why there are none.
+Query() { AtServer query "$1" "$2" 2>&1 || true; }
 
 # ScriptsOf PACK TYPE: the scripts that the pack lists for Fresh, Demo or Upgrade.
 ScriptsOf() {

@@ -34,7 +34,7 @@ BeginAtServer
 Test 'fresh: log, record and tree as foretold, rows as elsewhere'
 PutPack "$Sample"
 Foretold "$Sample" Server Fresh --special-folders "$(SpecialFolders)" --exit LabelPrinter.exe=7
-Is 'rows' "$Rows" "$(Counts)"
+Is 'rows' "${Rows:-none}" "$(Counts)"
 
 Test 'an upgrade over it: the databases are backed up first'
 There=(--database SalesDesk_Sales --database SalesDesk_Stock --login SalesDeskUser)

@@ -23,6 +23,7 @@ AsBefore() {
   Is "$1: programs to be removed at the next start" 1 "$(find "$DriveC/windows/temp" -name 'TALU-*.tmp' | wc -l)"
   wine wineboot >/dev/null 2>&1
   Snapshot "$Machine/after"
+  True 'the server has answered' grep -qxF master "$Machine/before"
   Is "$1" "$2" "$(LC_ALL=C comm -3 "$Machine/before" "$Machine/after")"
 }
 
@@ -49,7 +50,6 @@ StartServer "$Machine/server-2" "$DriveC"
 wine wineboot >/dev/null 2>&1
 Snapshot "$Machine/before"
 Play '@install Server Fresh; @finish'
-Rows=$(Counts)
 Play '@install Server Upgrade; @finish'
 Program="$App\\Uninstall.exe" Play 'wait FrmTakeBack; expect TxtPack text D:\Pack; expect TxtServer visible false
   click ChkDatabases; expect TxtServer text ${SERVER}; expect TxtUsrName text sa
