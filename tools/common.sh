@@ -234,7 +234,7 @@ MakeMachine() {
 # PutPack DIR: the pack with Setup.exe as D:\Pack of the machine.
 PutPack() {
   rm -rf "$Machine/media/Pack"
-  cp -r "$1" "$Machine/media/Pack"
+  cp -rL "$1" "$Machine/media/Pack" # a link to a pack would lead what follows to the pack itself
   chmod -R u+w "$Machine/media/Pack"
   cp "$Root/build/win32/src/platform/win32/Setup.exe" "$Machine/media/Pack/"
 }

@@ -8,7 +8,7 @@ CheckOptions() {
   [[ -z $Pack || -f $Pack/AppCfg.txt ]] || Fail "$Pack is no pack: it has no AppCfg.txt"
   [[ -z $Script || -f $Script ]] || Fail "there is no script $Script"
   [[ -z $Show || -n ${DISPLAY:-} ]] || Fail "--show wants a display"
-  [[ ! -e $Out || -f $Out/drive.log || -z $(ls -A "$Out") ]] || Fail "$Out is not empty and no earlier demo's"
+  [[ $Out == "$Root/build/demo" || ! -e $Out || -f $Out/drive.log || -z $(ls -A "$Out") ]] || Fail "$Out is not empty and no earlier demo's"
   [[ $Folder =~ ^[Cc]:(\\[^\\/]+)+$ ]] || Fail "--folder is a folder of C:"
   Own=${Server:+1} Shown=${Server:+that of SQL_PASSWORD}
   [[ -n $Own || $Login == sa ]] || Fail "--login goes with --server"
@@ -23,6 +23,7 @@ CheckOptions() {
 CheckPack() {
   local status=0 said=$TMPDIR/check
   "$Root/build/release/tools/packcheck/packcheck" check "$1" >"$said" 2>&1 || status=$?
+  ((status < 3)) || Fail "packcheck: $(tail -n 1 "$said")"
   ((status == 2)) || {
     echo "packcheck: $(tail -n 1 "$said")"
     return
@@ -68,7 +69,7 @@ BeginAtServer() {
 # OtherDrives: the letters of the drives beside C: on which the server has to have files before.
 OtherDrives() {
   ((${#Plans[@]} > 1)) || return 0
-  { grep -oiE "FILENAME *= *N?'[ABD-Z]:" "${Plans[0]}" | grep -oE '.:$' | tr -d : | sort -u; } || true
+  { grep -oiE "FILENAME( |\\\\[nrt])*=( |\\\\[nrt])*N?'[ABD-Z]:" "${Plans[0]}" | grep -oE '.:$' | tr -d : | sort -u; } || true
 }
 
 # StartStandIn OPTION...: a server for this machine, with every drive that it has to have files on before.
@@ -120,7 +121,7 @@ WriteScript() {
 Tell() {
   [[ $Mode == server ]] || return 0
   local options=(--plan "${Plans[-1]}" --before "$Before" --out "$Machine" --seconds "$1"
-    --title "${Pack##*/}: $Type, $Mode, at $Server, $(date '+%F %R')")
+    --title "$(basename "$(realpath "$Pack")"): $Type, $Mode, at $Server, $(date '+%F %R')")
   if [[ -z $Own ]]; then
     StopServer # it writes its report then
     options+=(--journal "$ServerData/journal.jsonl" --lines "$First" "$Last" --state "$ServerData/report.json")
