@@ -320,11 +320,13 @@ LoadScripts() {
 Drive() {
   local script=$1
   shift
-  Attend wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" \
+  Attend Logged "$Machine/drive.log" wine "$Root/build/win32/tools/drive/drive.exe" "Z:${script//\//\\}" \
     --start "${Program:-${PackPath:-D:\\Pack}\\Setup.exe}" \
     --shots "Z:${Machine//\//\\}\\shots" --set "SERVER=${Server:-none}" \
-    --set "FOLDER=$Folder" --end-on-failure -v "$@" </dev/null >"$Machine/drive.log" 2>&1
+    --set "FOLDER=$Folder" --end-on-failure -v "$@"
 }
+# Logged FILE COMMAND..., behind Attend: only the command's output goes there, not what we say when a signal ends us.
+Logged() { exec "${@:2}" </dev/null >"$1" 2>&1; }
 
 # Walk MODE [TYPE [PICTURES]]: steps of docs/drive.md from the first page of a Server or Client installation
 # through the location page; of the type that the wizard proposes unless told; with pictures where that is set.
