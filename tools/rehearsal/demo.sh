@@ -53,6 +53,7 @@ MakePlans() {
   PlanOf "$1" "$Mode" "$Type" ${Break:+"--fail-sql=$Break"} >"${Plans[-1]}"
   # Otherwise the wizard would build another type, of which nothing has been looked at.
   grep -qF '"form":"FrmMode"' "${Plans[-1]}" || Fail "--type $Type: the pack has scripts for other types only"
+  [[ -z $Break ]] || grep -q '"event":"sql".*"ok":false' "${Plans[-1]}" || Fail "--break: no batch has this text"
   [[ -z $Own || -z $Script$Show ]] || for type in fresh demo upgrade; do
     Possible+=("$TMPDIR/$type.jsonl")
     PlanOf "$1" server "$type" >"${Possible[-1]}"
