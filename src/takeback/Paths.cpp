@@ -12,8 +12,11 @@ bool IsLetter(char character) {
   return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
 }
 
+/// A dot or a blank at the end is one that Windows takes away: the name is another one, or "..",
+/// when the path is read again.
 bool IsName(const std::string& name) {
-  return !name.empty() && !HasForbiddenCharacter(name) && !IsDeviceName(name);
+  return !name.empty() && !name.ends_with('.') && !name.ends_with(' ') &&
+         !HasForbiddenCharacter(name) && !IsDeviceName(name);
 }
 
 }  // namespace

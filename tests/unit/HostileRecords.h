@@ -20,7 +20,7 @@ struct HostileRecord {
 inline constexpr auto kRecord = HostileRecord::Where::Record;
 inline constexpr auto kLog = HostileRecord::Where::Log;
 
-inline constexpr std::array<HostileRecord, 57> kHostileRecords = {{
+inline constexpr auto kHostileRecords = std::to_array<HostileRecord>({
     // Shortcuts that the wizard does not make.
     {"another program's shortcut", kRecord, "Shotcut:C:\\Users\\Public\\Desktop\\Other.lnk|",
      "It leads to C:\\Other\\other.exe."},
@@ -88,6 +88,8 @@ inline constexpr std::array<HostileRecord, 57> kHostileRecords = {{
     {"a login with a statement", kRecord, "DBLogins:1, x] DROP LOGIN [Boss|", "no name that can"},
     // Add-ons.
     {"a package outside", kRecord, "AddOns:..\\..\\Data\\evil.msi|", "no file of a pack"},
+    {"a package above, by names of dots", kRecord, "AddOns:...\\...\\Data\\evil.msi|",
+     "no file of a pack"},
     {"a package with arguments", kRecord, "AddOns:b.msi\" /quiet|", "no file of a pack"},
     {"a package that is missing", kRecord, "AddOns:other.msi|", "other.msi is missing."},
     // The file as a whole.
@@ -105,6 +107,6 @@ inline constexpr std::array<HostileRecord, 57> kHostileRecords = {{
     {"a component elsewhere", kLog, "//|regsvr32 /s \"C:\\Data\\evil.dll\"||", ""},
     {"a system component of others", kLog, "//|regsvr32 /s \"C:\\Windows\\system\\shell.dll\"||",
      "not the pack's file"},
-}};
+});
 
 }  // namespace talu

@@ -324,6 +324,9 @@ TEST(TakeBackTest, NoRecordMakesItTouchAnythingElse) {
     EXPECT_TRUE(run.IsTold(one.Told)) << Joined(run.told);
     EXPECT_FALSE(run.IsTold("secret"));
     EXPECT_EQ(run.File("own.txt") + run.File("Link\\far.txt"), "minefar");
+    for (const std::string& command : run.machine.Journal.Texts("run", "command")) {
+      EXPECT_FALSE(Contains(command, "own.txt") || Contains(command, "evil")) << command;
+    }
   }
 }
 
