@@ -126,7 +126,10 @@ InstallationLog::InstallationLog(std::string_view bytes, const CodePage& codePag
     if (!std::exchange(begun, false) || !ended) continue;
     const std::string text = IsAscii(raw) ? std::string(raw) : codePage.ToText(std::string(raw));
     std::string_view line(text);
-    if (TakeStart(line, "Copying file - ")) {
+    if (line == "Installation Started...") {
+      // Before it the application folder was backed up, which may be into itself.
+      *this = {};
+    } else if (TakeStart(line, "Copying file - ")) {
       const std::size_t source = SourceAt(line);
       if (source == std::string_view::npos) continue;
       Copies.push_back({std::string(line.substr(0, source - 1)), std::string(line.substr(source))});

@@ -76,8 +76,8 @@ struct RecordedNames {
 /// fewer names than it counts, has no names at all: its last one may be cut.
 RecordedNames ReadNames(const RecordLine& line);
 
-/// What the log of the last installation says of files, in the log's order. Paths are as in the
-/// log.
+/// What the log of the last installation says of files, in the log's order, but for the backup that
+/// it begins with. Paths are as in the log.
 struct InstallationLog {
   InstallationLog() = default;
   InstallationLog(std::string_view bytes, const CodePage& codePage);

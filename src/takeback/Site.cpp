@@ -58,8 +58,9 @@ EntryKind Site::Found(const std::string& path) const {
 }
 
 std::string Site::SourceAtHand(const std::string& source) const {
-  const auto below = Below(LoggedPack, source);
-  if (!GivenPack.empty() && below) return GivenPack + "\\" + *below;
+  const bool known = !GivenPack.empty() && !LoggedPack.empty();
+  const auto below = known ? Below(LoggedPack, source) : std::nullopt;
+  if (below) return GivenPack + "\\" + *below;
   return IsOnDrive(source) ? source : "";
 }
 
@@ -131,7 +132,7 @@ void Site::FindPack() {
       source.remove_suffix(std::min(source.size(), below->size() + 1));
     }
     if (!SamePath(NameOf(source), "Application")) continue;
-    LoggedPack = CleanPath(FolderOf(source));
+    LoggedPack = CleanPath(std::string(FolderOf(source)) + "\\");  // may be a drive's root
     return;
   }
 }

@@ -91,8 +91,13 @@ class Lister {
     std::move(folders.rbegin(), folders.rend(), std::back_inserter(steps_));
   }
 
-  /// What is below the application folder, or directly in the Windows folder's "system".
+  /// What was copied below the application folder, or directly into the Windows folder's "system".
+  /// Without a list of folders the wizard registers all that is in the application folder, others'
+  /// components too.
   void ListComponents() {
+    if (site_.Log.Registered.empty()) return;
+    std::set<std::string> copied;
+    for (const InstallationLog::Copy& copy : site_.Log.Copies) copied.insert(UCase(TargetOf(copy)));
     const std::string system = CleanPath(site_.Machine.Files.GetSpecialFolder(0) + "\\system");
     std::vector<Step> components;
     std::set<std::string> seen;
@@ -100,7 +105,7 @@ class Lister {
       const std::string path = CleanPath(*at);
       if (path.empty() || !seen.insert(UCase(path)).second) continue;
       if (Below(site_.Folder, path)) {
-        if (site_.Found(path) == EntryKind::File) {
+        if (site_.Found(path) == EntryKind::File && copied.contains(UCase(path))) {
           components.push_back({Kind::Component, path, {}, "", site_.LastHere});
         }
       } else if (SamePath(FolderOf(path), system)) {
@@ -149,12 +154,17 @@ class Lister {
     return "";
   }
 
+  static std::string TargetOf(const InstallationLog::Copy& copy) {
+    return CleanPath(copy.Target + "\\" + std::string(NameOf(copy.Source)));
+  }
+
   void ListFiles() {
     const auto& copies = site_.Log.Copies;
     for (auto copy = copies.rbegin(); copy != copies.rend(); ++copy) {
       const std::string source = CleanPath(copy->Source);
-      const std::string path = CleanPath(copy->Target + "\\" + std::string(NameOf(copy->Source)));
-      if (!Below(site_.Folder, path) || site_.IsOwn(path)) continue;
+      const std::string path = TargetOf(*copy);
+      // A pack whose "Application" is the application folder was there before.
+      if (!Below(site_.Folder, path) || site_.IsOwn(path) || SamePath(path, source)) continue;
       NoteFolders(std::string(FolderOf(path)));
       if (site_.Found(path) == EntryKind::File && Cover(path)) Add(Kind::File, path, source);
     }

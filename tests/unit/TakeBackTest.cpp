@@ -330,6 +330,23 @@ TEST(TakeBackTest, NoRecordMakesItTouchAnythingElse) {
   }
 }
 
+TEST(TakeBackTest, ReadsTheLogFromTheInstallationsStart) {
+  Installed run;
+  // A backup of the folder, in the folder itself where its path was typed with a "\\" behind it.
+  const std::string backup = run.app + "\\App BackUp\\AppFolderBkp_7_3_2012_9_5";
+  run.PutFile("App BackUp\\AppFolderBkp_7_3_2012_9_5\\own.txt", "mine");
+  run.PutFile("Ta-luErrLog.txt",
+              Lines("//|//|Copying file - " + backup + "\\" + run.app + "\\own.txt|") +
+                  // A pack in the root of a drive.
+                  Replace(run.File("Ta-luErrLog.txt"), "D:\\Pack\\", "E:\\"));
+  run.machine.Disk.WriteFile("E:\\AppCfg.txt",
+                             run.machine.Disk.ReadFile("D:\\Pack\\AppCfg.txt").value());
+  EXPECT_EQ(run.Command({"run"}), 0);
+  EXPECT_EQ(run.machine.Disk.ReadFile(backup + "\\own.txt"), "mine");
+  EXPECT_TRUE(run.IsTold("App BackUp - The last installation did not put it there."));
+  EXPECT_EQ(run.File("s.txt"), "") << Joined(run.told);
+}
+
 TEST(TakeBackTest, KeepsALongRecordThatNobodyUnderstands) {
   Installed run;
   std::string lines;
