@@ -120,7 +120,8 @@ Judgement Undoing::JudgeSettings(const Step& step) {
   return Stays("It is not as the wizard wrote it.");
 }
 
-// By its bytes where the pack is at hand, else by the time: a copy is as old as the pack's file.
+// By its bytes where the pack is at hand and no newer one by now, else by the time: a copy is as
+// old as the pack's file.
 Judgement Undoing::JudgeFile(const Step& step) {
   const EntryKind kind = KindAt(step.Name);
   if (kind == EntryKind::Missing) return NothingToDo();
@@ -134,13 +135,16 @@ Judgement Undoing::JudgeFile(const Step& step) {
   }
   if (sourceFolderThere_) {
     try {
-      return removal_.SameBytes(step.Name, source) ? Goes() : Stays("It is not the pack's file.");
+      if (removal_.SameBytes(step.Name, source)) return Goes();
+      if (removal_.Look(source).Written <= site_.Installed) {
+        return Stays("It is not the pack's file.");
+      }
     } catch (...) {
       const RuntimeError error = CaughtError();
       if (error.Number != error::kFileNotFound) throw RuntimeError(error);
     }
   }
-  if (removal_.Look(step.Name).Written <= site_.LogWritten) return Goes();
+  if (removal_.Look(step.Name).Written <= site_.Installed) return Goes();
   return Stays("It was written to after the installation.");
 }
 

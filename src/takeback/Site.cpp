@@ -68,12 +68,13 @@ std::string Site::SourceAtHand(const std::string& source) const {
 // there is of another place.
 void Site::ReadRecord() {
   const std::string path = RecordPath();
-  const EntryKind kind = Removal.Look(path).Kind;
-  if (kind == EntryKind::Missing) {
+  const DiskEntry entry = Removal.Look(path);
+  if (entry.Kind == EntryKind::Missing) {
     throw RuntimeError(error::kFileNotFound,
                        "There is no record of an installation: " + path + " is missing.");
   }
-  if (kind != EntryKind::File) Refuse(path + " is a link or a folder.");
+  if (entry.Kind != EntryKind::File) Refuse(path + " is a link or a folder.");
+  Installed = entry.Written;
   RecordBytes = ReadBytes(Machine.Files, path);
   Record = talu::Record(RecordBytes, Machine.CodePage);
   std::string other;
@@ -115,7 +116,7 @@ void Site::AddEntries(const std::string& folder) {
 void Site::ReadLog() {
   if (Found(LogPath()) != EntryKind::File) return;
   Log = InstallationLog(ReadBytes(Machine.Files, LogPath()), Machine.CodePage);
-  LogWritten = Removal.Look(LogPath()).Written;
+  Installed = std::min(Installed, Removal.Look(LogPath()).Written);
 }
 
 // <pack>\Application\<below>\<name> was copied to <folder>\<below>\<name>.

@@ -44,8 +44,9 @@ struct Site {
   std::string RecordBytes;
   talu::Record Record;
   InstallationLog Log;
-  /// When the log was last written to: the installation's end.
-  std::uint64_t LogWritten = 0;
+  /// When the installation ended: the log or the record was last written to, which somebody may
+  /// have done to one of them later.
+  std::uint64_t Installed = 0;
   std::size_t LastHere = 0;
   /// The pack's folder as the log has it, or empty.
   std::string LoggedPack;

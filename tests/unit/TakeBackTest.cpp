@@ -253,6 +253,18 @@ TEST(TakeBackTest, WhatWasChangedOrAddedStaysAndIsListed) {
   }
 }
 
+TEST(TakeBackTest, JudgesFilesByTheInstallationsTime) {
+  Installed run;
+  // The pack is a newer one by now: what it says of a file is of no use.
+  run.Put("Application\\Desk.exe", "version 2");
+  run.PutFile("Help\\read.txt", "mine");
+  run.Put("Application\\Help\\read.txt", "version 2");
+  // Somebody has looked at the log and stored it.
+  run.PutFile("Ta-luErrLog.txt", run.File("Ta-luErrLog.txt"));
+  EXPECT_EQ(run.Run(), 0);
+  EXPECT_EQ(run.File("Desk.exe") + run.File("Help\\read.txt"), "mine") << Joined(run.told);
+}
+
 TEST(TakeBackTest, WhatIsInUseIsLeftForTheNextRun) {
   for (const char* name : {"Desk.exe", "Parts\\grid.ocx", "Help", "s.txt", "Ta-luErrLog.txt",
                            "Uninstall.exe", "C:\\Windows\\system\\link.ocx"}) {
