@@ -36,8 +36,11 @@ Site::Site(const talu::Machine& machine, talu::Removal& removal, const std::stri
       Removal(removal),
       Folder(CleanPath(machine.AppPath)),
       Program(program),
-      GivenPack(CleanPath(packFolder)) {
+      GivenPack(CleanPath(packFolder + "\\")) {
   if (!packFolder.empty() && GivenPack.empty()) Refuse(packFolder + " is no folder's path.");
+  if (!GivenPack.empty() && !Machine.Files.FileExists(GivenPack + "\\AppCfg.txt")) {
+    Refuse(packFolder + " is no pack: it has no AppCfg.txt.");
+  }
   if (Folder.empty() || FolderOf(Folder).empty()) {
     Refuse(machine.AppPath + " cannot be an application folder.");
   }

@@ -380,7 +380,8 @@ TEST(TakeBackTest, TheCommandLineSaysWhatItWants) {
                                                    {"run", "--server"},
                                                    {"plan", "--login", ""},
                                                    {"run", "--password-from", "NOWHERE"},
-                                                   {"run", "--pack", "Pack"}}) {
+                                                   {"run", "--pack", "Pack"},
+                                                   {"run", "--pack", "C:\\Progs"}}) {
     Installed run;
     EXPECT_EQ(run.Command(arguments), 2);
     EXPECT_EQ(run.told.size(), 1U);
