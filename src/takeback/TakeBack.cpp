@@ -82,8 +82,9 @@ class TakeBack::Work {
       : Place(machine, removal, program, packFolder), Steps(ListSteps(Place)) {}
 
   /// The end of a run, in which `verdicts` were given: the record keeps what has not gone; when
-  /// nothing is left, the log, the program, the record and the folders go. In this order the
-  /// work can be taken up again after each.
+  /// nothing is left, the log, the record, the program and the folders go. The record goes before
+  /// the program, which can be run again when it does not go, and is put back when the program does
+  /// not.
   Verdict Finish(const std::vector<Verdict>& verdicts) {
     try {
       const bool there = Place.Removal.Look(Place.RecordPath()).Kind == EntryKind::File;
@@ -112,8 +113,14 @@ class TakeBack::Work {
     Removal& removal = Place.Removal;
     RemoveIfThere(Place.NewRecordPath());
     RemoveIfThere(Place.LogPath());
-    RemoveIfThere(Place.Path(Place.Program));
     RemoveIfThere(Place.RecordPath());
+    try {
+      RemoveIfThere(Place.Path(Place.Program));
+    } catch (...) {
+      const RuntimeError error = CaughtError();
+      WriteRecord(Place.RecordBytes);
+      throw RuntimeError(error);
+    }
     const std::string stays = WhyFolderStays(Place, removal.List(Place.Folder).empty());
     if (!stays.empty()) return {Fate::Goes, stays};
     removal.RemoveFolder(Place.Folder);
@@ -124,8 +131,18 @@ class TakeBack::Work {
     return {};
   }
 
-  /// Writes the record anew with the lines of what has not gone, beside the old one and then in its
-  /// place: what stayed by choice may go the next time.
+  /// Writes the record anew, beside the old one and then in its place.
+  void WriteRecord(const std::string& bytes) {
+    const std::string path = Place.NewRecordPath();
+    RemoveIfThere(path);
+    if (Place.Removal.Look(path).Kind != EntryKind::Missing) {
+      throw RuntimeError(error::kPathFileAccess);
+    }
+    Place.Machine.Files.OpenTextFile(path, OpenMode::Output)->Write(bytes);
+    Place.Removal.Replace(path, Place.RecordPath());
+  }
+
+  /// Keeps the lines of what has not gone: what stayed by choice may go the next time.
   void KeepOnly(const std::vector<Verdict>& verdicts) {
     std::set<std::size_t> lines;
     std::set<std::size_t> installations = {Place.LastHere};
@@ -145,14 +162,7 @@ class TakeBack::Work {
       text += all[i].Raw;
       if (!all[i].CutOff) text += "\r\n\r\n";
     }
-    if (kept == all.size()) return;
-    const std::string path = Place.NewRecordPath();
-    RemoveIfThere(path);
-    if (Place.Removal.Look(path).Kind != EntryKind::Missing) {
-      throw RuntimeError(error::kPathFileAccess);
-    }
-    Place.Machine.Files.OpenTextFile(path, OpenMode::Output)->Write(text);
-    Place.Removal.Replace(path, Place.RecordPath());
+    if (kept != all.size()) WriteRecord(text);
   }
 };
 
