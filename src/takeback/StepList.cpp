@@ -199,9 +199,13 @@ class Lister {
         StepFor(kind, lines[i], *name, *name).Lines.push_back(i);
       }
       for (const std::string& piece : names.Unreadable) {
-        Add(kind, piece, "This is no name that can be sent to a server.");
+        // What was cut out of the creation of a login may have its password.
+        const bool shown = kind != Kind::Login;
+        Add(kind, shown ? piece : "line " + std::to_string(lines[i].Number),
+            "This is no name that can be sent to a server.");
         steps_.back().Lines = {i};
         steps_.back().Installation = lines[i].Installation;
+        if (!shown) break;
       }
     }
   }

@@ -85,6 +85,8 @@ inline constexpr auto kHostileRecords = std::to_array<HostileRecord>({
      "no name that can"},
     {"the name of two lines", kRecord, "DBNames:1, Pay|ON PRIMARY|", "no name that can"},
     {"the administrator", kRecord, "DBLogins:1, sa|", "one of the server's own"},
+    {"a login with its password", kRecord, "DBLogins:1, Guest\tWITH\tPASSWORD='secret',|",
+     "no name that can"},
     {"a login with a statement", kRecord, "DBLogins:1, x] DROP LOGIN [Boss|", "no name that can"},
     // Add-ons.
     {"a package outside", kRecord, "AddOns:..\\..\\Data\\evil.msi|", "no file of a pack"},
