@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "runtime/NamesOnWindows.h"
 #include "runtime/RuntimeError.h"
 #include "runtime/TextFunctions.h"
 #include "startup/BackupFolder.h"
@@ -28,6 +29,22 @@ std::string Bracketed(const std::string& name) {
 std::string IfThere(const char* view, const std::string& name) {
   return "IF EXISTS (SELECT name FROM sys." + std::string(view) + " WHERE name = " + Quoted(name) +
          ") ";
+}
+
+/// The text as a part of a file's name: none else has this name, and it is one in every folder.
+std::string InFileName(const std::string& text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string name;
+  for (const char character : text) {
+    if (std::string_view("\\/%").find(character) == std::string_view::npos &&
+        !HasForbiddenCharacter({&character, 1})) {
+      name += character;
+      continue;
+    }
+    const auto code = static_cast<unsigned char>(character);
+    name += {'%', kDigits[code / 16U], kDigits[code % 16U]};
+  }
+  return name;
 }
 
 /// Whether the value can stand in a connection text, where nothing is quoted.
@@ -58,7 +75,9 @@ void DatabaseRemoval::Connect(std::size_t installation) {
   const RecordedInstallation& recorded = site_.Record.Installations.at(installation);
   InstallContext context(site_.Machine);
   InstallState& state = context.State;
-  state.ServerName = options_.Server.empty() ? recorded.Server : options_.Server;
+  // The last one's, which was offered, is in no other's place.
+  const bool accepted = options_.Server.empty() || SamePath(options_.Server, site_.Last().Server);
+  state.ServerName = accepted ? recorded.Server : options_.Server;
   state.SqlUser = options_.Login.empty() ? recorded.User : options_.Login;
   state.SqlPassword = options_.Password;
   if (state.SqlPassword.empty() && state.SqlUser == recorded.User) {
@@ -104,8 +123,12 @@ void DatabaseRemoval::Send(const std::string& statement) {
 std::string DatabaseRemoval::DropDatabase(const Step& step) {
   Connect(step.Installation);
   const std::string folder = BackupFolderFor(site_.Folder, std::string(NameOf(site_.Folder)));
-  const std::string file =
-      folder + "\\Talu_" + step.Name + "_" + DateStamp(site_.Machine.Clock.Now()) + "_last.bkp";
+  const std::string& server = site_.Record.Installations.at(step.Installation).Server;
+  const bool last = SamePath(server, site_.Last().Server);
+  // Two servers may write into the same folder.
+  const std::string file = folder + "\\Talu_" +
+                           InFileName(last ? step.Name : step.Name + "@" + server) + "_" +
+                           DateStamp(site_.Machine.Clock.Now()) + "_last.bkp";
   const std::string name = Bracketed(step.Name);
   const std::string ifThere = IfThere("databases", step.Name);
   try {

@@ -195,8 +195,10 @@ class Lister {
     for (std::size_t i = lines.size(); i-- > 0;) {
       if (lines[i].Tag != tag || !Counts(lines[i])) continue;
       const RecordedNames names = ReadNames(lines[i]);
+      // Another server's is another one.
+      const std::string& server = site_.Record.Installations[lines[i].Installation].Server;
       for (auto name = names.Names.rbegin(); name != names.Names.rend(); ++name) {
-        StepFor(kind, lines[i], *name, *name).Lines.push_back(i);
+        StepFor(kind, lines[i], *name + "\n" + server, *name).Lines.push_back(i);
       }
       for (const std::string& piece : names.Unreadable) {
         // What was cut out of the creation of a login may have its password.

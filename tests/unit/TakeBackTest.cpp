@@ -164,6 +164,27 @@ TEST(TakeBackTest, DropsADatabaseAfterABackupThatTheServerFindsWhole) {
   }
 }
 
+TEST(TakeBackTest, ADatabaseIsOfItsServerAndItsBackupInTheFolderOfBackups) {
+  Installed run;
+  const std::string once = run.File("Uninstall.dat");
+  run.PutFile("Uninstall.dat",
+              Replace(Replace(once, "SRV1", "SRV\\2"), "1, Sales", "1, [Pay:/roll]") + once +
+                  Replace(once, "SRV1", "SRV\\2") + once);
+  EXPECT_EQ(run.Run(), 0);
+  Texts servers;
+  for (const std::string& text : run.machine.Journal.Texts("connect", "text"))
+    servers.push_back(Split(text, ';').at(1));
+  Texts files;
+  for (const std::string& statement : run.Statements()) {
+    if (Contains(statement, "RESTORE")) files.push_back(Split(statement, '\'').at(3));
+  }
+  const std::string folder = "C:\\Progs\\TA-LU\\App BackUp\\Talu_";
+  EXPECT_EQ(Joined(files), Joined({folder + "Sales_7_3_2012_9_5_last.bkp",
+                                   folder + "Sales@SRV%5C2_7_3_2012_9_5_last.bkp",
+                                   folder + "Pay%3A%2Froll@SRV%5C2_7_3_2012_9_5_last.bkp"}));
+  EXPECT_EQ(std::ranges::count(servers, "server=SRV\\2"), 2) << Joined(servers);
+}
+
 TEST(TakeBackTest, AnInstallationThatComesBetweenKeepsItsRecord) {
   Installed run;
   run.machine.Journal.OnRequest = [&](int, const char* request) {
