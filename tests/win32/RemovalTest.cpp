@@ -134,6 +134,10 @@ TEST_F(RemovalTest, TellsWhatStandsThere) {
   files_.CreateFolder(scratch_ / "folder");
   EXPECT_EQ(removal_.Look(scratch_ / "none").Kind, EntryKind::Missing);
   EXPECT_EQ(removal_.Look(scratch_ / "no\\deep").Kind, EntryKind::Missing);
+  // A drive that is not at hand.
+  char letter = 'Z';
+  while ((GetLogicalDrives() >> (letter - 'A') & 1U) != 0) --letter;
+  EXPECT_EQ(ErrorOf([&] { removal_.Look(letter + std::string(":\\no\\deep.lnk")); }), 70);
   EXPECT_EQ(removal_.Look(scratch_ / "folder").Kind, EntryKind::Folder);
   const DiskEntry entry = removal_.Look(file);
   EXPECT_EQ(entry.Kind, EntryKind::File);

@@ -27,10 +27,6 @@ std::int32_t OpenError(DWORD reason) {
     case ERROR_PATH_NOT_FOUND:
     case ERROR_INVALID_NAME:
     case ERROR_BAD_PATHNAME:
-    case ERROR_BAD_NETPATH:
-    case ERROR_BAD_NET_NAME:
-    case ERROR_NOT_READY:
-    case ERROR_INVALID_DRIVE:
     case ERROR_FILENAME_EXCED_RANGE:
       return error::kPathNotFound;
     default:

@@ -23,6 +23,42 @@ std::uint64_t AsNumber(const FILETIME& time) {
   return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
 }
 
+/// The drive's root, or the share.
+std::wstring RootOf(const std::wstring& full) {
+  if (!full.starts_with(L"\\\\")) return full.substr(0, 3);
+  const std::size_t share = full.find(L'\\', full.find(L'\\', 2) + 1);
+  return full.substr(0, share);
+}
+
+/// Whether there is nothing, by the system's error for the full path. What is on a drive or a
+/// server that is not at hand may be there.
+bool IsNothing(DWORD reason, const std::wstring& full) {
+  switch (reason) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+    case ERROR_FILENAME_EXCED_RANGE:
+      return true;
+    case ERROR_PATH_NOT_FOUND:
+      return GetFileAttributesW(RootOf(full).c_str()) != INVALID_FILE_ATTRIBUTES;
+    default:
+      return false;
+  }
+}
+
+/// Whether what was written to the file is on the disk; the thread's last error says why not.
+bool Flush(const std::wstring& path) {
+  const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  const bool done = FlushFileBuffers(file) != FALSE;
+  const DWORD reason = GetLastError();
+  CloseHandle(file);
+  SetLastError(reason);
+  return done;
+}
+
 [[noreturn]] void RaiseListError(DWORD reason) {
   throw RuntimeError(reason == ERROR_PATH_NOT_FOUND ? error::kPathNotFound
                                                     : error::kPermissionDenied);
@@ -70,8 +106,7 @@ DiskEntry Win32Removal::Look(const std::string& path) {
   if (GetFileAttributesExW(full.c_str(), GetFileExInfoStandard, &data)) {
     entry.Kind = KindOf(data.dwFileAttributes);
     entry.Written = AsNumber(data.ftLastWriteTime);
-  } else if (const DWORD reason = GetLastError();
-             reason == ERROR_ACCESS_DENIED || reason == ERROR_SHARING_VIOLATION) {
+  } else if (!IsNothing(GetLastError(), full)) {
     throw RuntimeError(error::kPermissionDenied);
   }
   return entry;
@@ -127,7 +162,9 @@ void Win32Removal::Replace(const std::string& from, const std::string& to) {
   const std::wstring source = Wide(from);
   const std::wstring target = Wide(to);
   const bool moved = TryWhileLocked([&] {
-    return MoveFileExW(source.c_str(), target.c_str(),
+    // Otherwise the name may be on the disk before the bytes are.
+    return Flush(source) &&
+           MoveFileExW(source.c_str(), target.c_str(),
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
   });
   if (moved) return;
