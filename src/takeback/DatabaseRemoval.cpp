@@ -117,9 +117,10 @@ void DatabaseRemoval::Send(const std::string& statement) {
   TheCommand().Execute();
 }
 
-// That the backup is there and whole is asked of the server, before anything is dropped: a backup
-// that was cut off may raise nothing. Single user first, so that no connection holds the drop up; a
-// database that is offline would leave its files.
+// Read-only from before the backup on: what is committed is in it, and whoever is connected to the
+// database notices. That the backup is there and whole is asked of the server, before anything is
+// dropped: a backup that was cut off may raise nothing. Single user first, so that no connection
+// holds the drop up; a database that is offline would leave its files.
 std::string DatabaseRemoval::DropDatabase(const Step& step) {
   Connect(step.Installation);
   const std::string folder = BackupFolderFor(site_.Folder, std::string(NameOf(site_.Folder)));
@@ -138,19 +139,23 @@ std::string DatabaseRemoval::DropDatabase(const Step& step) {
     CaughtError();  // the server may be another machine, which has it or refuses the backup
   }
   Send("USE Master");
-  Send(ifThere + "BACKUP DATABASE " + name + " TO DISK = " + Quoted(file) +
-       " WITH NOFORMAT, INIT, NAME = " + Quoted(step.Name + "-Full Database Backup") +
-       ", SKIP, NOREWIND, NOUNLOAD");
-  Send(ifThere + "RESTORE VERIFYONLY FROM DISK = " + Quoted(file));
-  Send(ifThere + "ALTER DATABASE " + name + " SET SINGLE_USER WITH ROLLBACK IMMEDIATE");
+  const std::string set = ifThere + "ALTER DATABASE " + name + " SET ";
+  Send(set + "READ_ONLY WITH ROLLBACK IMMEDIATE");
   try {
+    Send(ifThere + "BACKUP DATABASE " + name + " TO DISK = " + Quoted(file) +
+         " WITH NOFORMAT, INIT, NAME = " + Quoted(step.Name + "-Full Database Backup") +
+         ", SKIP, NOREWIND, NOUNLOAD");
+    Send(ifThere + "RESTORE VERIFYONLY FROM DISK = " + Quoted(file));
+    Send(set + "SINGLE_USER WITH ROLLBACK IMMEDIATE");
     Send(ifThere + "DROP DATABASE " + name);
   } catch (...) {
     const RuntimeError error = CaughtError();
-    try {
-      Send(ifThere + "ALTER DATABASE " + name + " SET MULTI_USER");
-    } catch (...) {
-      CaughtError();
+    for (const char* option : {"MULTI_USER", "READ_WRITE WITH ROLLBACK IMMEDIATE"}) {
+      try {
+        Send(set + option);
+      } catch (...) {
+        CaughtError();
+      }
     }
     throw RuntimeError(error);
   }
