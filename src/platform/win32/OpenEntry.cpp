@@ -101,13 +101,13 @@ OpenEntry::OpenEntry(const std::string& path, const std::wstring& anchor)
     return handle_ != INVALID_HANDLE_VALUE;
   });
   if (!opened) throw RuntimeError(OpenError(GetLastError()));
-  if (!GetFileInformationByHandle(handle_, &info_)) {
+  if (!GetFileInformationByHandleEx(handle_, FileBasicInfo, &info_, sizeof info_)) {
     CloseHandle(handle_);
     throw RuntimeError(error::kPermissionDenied);
   }
-  if ((info_.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 || IsBehindLink(anchor)) {
+  if ((info_.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 || IsBehindLink(anchor)) {
     kind_ = EntryKind::Link;
-  } else if ((info_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+  } else if ((info_.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
     kind_ = EntryKind::Folder;
   }
 }
@@ -143,13 +143,13 @@ bool OpenEntry::Dispose() {
   DWORD reason = GetLastError();
   if (reason == ERROR_INVALID_PARAMETER || reason == ERROR_CALL_NOT_IMPLEMENTED) known = false;
 
-  const bool isProtected = (info_.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
-  if (isProtected) SetAttributes(info_.dwFileAttributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+  const bool isProtected = (info_.FileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+  if (isProtected) SetAttributes(info_.FileAttributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
   FILE_DISPOSITION_INFO removed = {TRUE};
   if (SetFileInformationByHandle(handle_, FileDispositionInfo, &removed, sizeof removed))
     return true;
   reason = GetLastError();
-  if (isProtected) SetAttributes(info_.dwFileAttributes);
+  if (isProtected) SetAttributes(info_.FileAttributes);
   SetLastError(reason);
   return false;
 }
@@ -162,8 +162,8 @@ void OpenEntry::SetAttributes(DWORD attributes) {
 
 void OpenEntry::Remove() {
   if (kind_ == EntryKind::Link) throw RuntimeError(error::kPathFileAccess);
-  if (IsOwnProgram(info_)) {
-    SetAttributes(info_.dwFileAttributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+  if (IsOwnProgram(handle_, info_)) {
+    SetAttributes(info_.FileAttributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
     return TakeAwayOwnProgram(handle_, path_);
   }
   if (TryWhileLocked([this] { return Dispose(); })) return;

@@ -33,7 +33,7 @@ class OpenEntry {
 
   std::wstring path_;
   HANDLE handle_ = INVALID_HANDLE_VALUE;
-  BY_HANDLE_FILE_INFORMATION info_ = {};
+  FILE_BASIC_INFO info_ = {};
   EntryKind kind_ = EntryKind::File;
 };
 

@@ -9,16 +9,22 @@
 namespace talu {
 namespace {
 
-BY_HANDLE_FILE_INFORMATION FindOwnProgram() {
-  BY_HANDLE_FILE_INFORMATION info = {};
+struct FileIdentity {
+  FILE_BASIC_INFO Times = {};
+  BY_HANDLE_FILE_INFORMATION Number = {};
+};
+
+FileIdentity FindOwnProgram() {
+  FileIdentity own;
   const std::wstring path = Wide(OwnProgramPath());
   const HANDLE handle = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
-  if (handle == INVALID_HANDLE_VALUE) return info;
-  GetFileInformationByHandle(handle, &info);
+  if (handle == INVALID_HANDLE_VALUE) return own;
+  GetFileInformationByHandleEx(handle, FileBasicInfo, &own.Times, sizeof own.Times);
+  GetFileInformationByHandle(handle, &own.Number);
   CloseHandle(handle);
-  return info;
+  return own;
 }
 
 /// "\TALU-{...}.tmp".
@@ -51,11 +57,16 @@ std::string OwnProgramPath() {
   return Narrow(length > 0 && length < MAX_PATH ? whole : path);
 }
 
-bool IsOwnProgram(const BY_HANDLE_FILE_INFORMATION& file) {
-  static const BY_HANDLE_FILE_INFORMATION kOwn = FindOwnProgram();
-  return (kOwn.nFileIndexHigh != 0 || kOwn.nFileIndexLow != 0) &&
-         file.dwVolumeSerialNumber == kOwn.dwVolumeSerialNumber &&
-         file.nFileIndexHigh == kOwn.nFileIndexHigh && file.nFileIndexLow == kOwn.nFileIndexLow;
+bool IsOwnProgram(HANDLE handle, const FILE_BASIC_INFO& info) {
+  static const FileIdentity kOwn = FindOwnProgram();
+  // A file's number costs a request to the driver of its volume, far more than removing the file.
+  if (info.LastWriteTime.QuadPart != kOwn.Times.LastWriteTime.QuadPart) return false;
+  BY_HANDLE_FILE_INFORMATION file;
+  return (kOwn.Number.nFileIndexHigh != 0 || kOwn.Number.nFileIndexLow != 0) &&
+         GetFileInformationByHandle(handle, &file) &&
+         file.dwVolumeSerialNumber == kOwn.Number.dwVolumeSerialNumber &&
+         file.nFileIndexHigh == kOwn.Number.nFileIndexHigh &&
+         file.nFileIndexLow == kOwn.Number.nFileIndexLow;
 }
 
 void TakeAwayOwnProgram(HANDLE handle, const std::wstring& path) {

@@ -9,8 +9,9 @@ namespace talu {
 /// The full path of the program that runs, without short names.
 std::string OwnProgramPath();
 
-/// Whether this is the file of the program that runs, under whatever name.
-bool IsOwnProgram(const BY_HANDLE_FILE_INFORMATION& file);
+/// Whether this open file, of which `info` was read, is that of the program that runs, under
+/// whatever name.
+bool IsOwnProgram(HANDLE handle, const FILE_BASIC_INFO& info);
 
 /// Windows does not delete the file of a program that runs, but lets it be renamed. Moves it by
 /// `handle`, which has DELETE access, out of the folder of `path`, and has Windows delete it at its

@@ -1,5 +1,6 @@
 #include "platform/win32/Win32Removal.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -178,16 +179,18 @@ bool Win32Removal::SameBytes(const std::string& one, const std::string& other) {
   const auto first = OpenForComparing(one);
   const auto second = OpenForComparing(other);
   if (first->Size() != second->Size()) return false;
-  constexpr std::size_t kPart = 1U << 16;
-  const auto buffers = std::make_unique<char[]>(2 * kPart);
-  char* const firstPart = buffers.get();
-  char* const secondPart = firstPart + kPart;
-  for (;;) {
-    const std::size_t size = ReadFully(*first, firstPart, kPart);
-    if (size != ReadFully(*second, secondPart, kPart)) return false;
-    if (std::memcmp(firstPart, secondPart, size) != 0) return false;
-    if (size < kPart) return true;
+  constexpr std::uint64_t kLargest = 1U << 16;
+  std::uint64_t left = first->Size();
+  auto part = static_cast<std::size_t>(std::min(left, kLargest));
+  const auto buffers = std::make_unique_for_overwrite<char[]>(2 * part);
+  for (; left > 0; left -= part) {
+    part = static_cast<std::size_t>(std::min<std::uint64_t>(left, part));
+    char* const secondPart = buffers.get() + part;
+    if (ReadFully(*first, buffers.get(), part) != part) return false;
+    if (ReadFully(*second, secondPart, part) != part) return false;
+    if (std::memcmp(buffers.get(), secondPart, part) != 0) return false;
   }
+  return true;
 }
 
 std::int32_t Win32Removal::RunSystemProgram(const std::string& name, const std::string& arguments) {
