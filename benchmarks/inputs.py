@@ -1,8 +1,10 @@
-"""Makes what ./bench installs, runs and checks: inputs.py DIR FILES BATCHES SCRIPTS
+"""Makes what ./bench installs, runs and checks: inputs.py DIR FILES REMOVED BATCHES SCRIPTS
 
-copy/ is a pack with FILES small files in folders of 50, batches/ one with a script of so many batches,
-nothing.sql as many batches that ask for nothing; rehearsal/ a pack with one script of 401 batches and 2 MB,
-large/ one with SCRIPTS scripts of 100 kB each; copy.nsi and copy.wxs are the same tree for makensis and wixl, empty.nsi an installer of nothing.
+copy/ is a pack with FILES small files in folders of 50, removal/ one with REMOVED, batches/ one with a script of
+so many batches, nothing.sql as many batches that ask for nothing; rehearsal/ a pack with one script of 401 batches
+and 2 MB, large/ one with SCRIPTS scripts of 100 kB each. copy.nsi and copy.wxs are the first tree for makensis and
+wixl; removal-delete.nsi and removal-tree.nsi the second, with an uninstaller that deletes each file, or the whole
+folder; empty.nsi is an installer of nothing.
 """
 
 import random
@@ -63,6 +65,19 @@ def write_installers(root, tree):
         f'</Directory></Directory><Feature Id="All" Level="1">{references}</Feature></Product></Wix>')
 
 
+def write_uninstallers(root, tree):
+    """Of the two ways, NSIS' manual warns of the second: it deletes what others have put there, too."""
+    folders = sorted(tree.iterdir())
+    single = "".join(f'Delete "$INSTDIR\\{file.relative_to(tree)}"\n'.replace("/", "\\")
+                     for folder in folders for file in sorted(folder.iterdir()))
+    single += "".join(f'RMDir "$INSTDIR\\{folder.name}"\n' for folder in folders)
+    for name, removal in (("delete", single), ("tree", 'RMDir /r "$INSTDIR"\n')):
+        (root / f"removal-{name}.nsi").write_text(
+            NSIS_HEAD.format(f"removal-{name}.exe") + f'SilentInstall silent\nInstallDir "C:\\Peers\\{name}"\n'
+            f'Section\nSetOutPath "$INSTDIR"\nFile /r "{tree}/*"\nWriteUninstaller "$INSTDIR\\uninstall.exe"\n'
+            f'SectionEnd\nSection Uninstall\n{removal}SectionEnd\n')
+
+
 def write_batches(path, count):
     lines = ["--taluGO", "USE Bench", "GO", "DELETE FROM dbo.Row", "GO"]
     for number in range(count):
@@ -111,7 +126,7 @@ def write_large(pack, count):
 
 def main():
     root = Path(sys.argv[1])
-    files, batches, scripts = map(int, sys.argv[2:])
+    files, removed, batches, scripts = map(int, sys.argv[2:])
     for name in ("copy", "batches"):
         write_pack(root / name, ["Rows.sql"])
         write_batches(root / name / "SQLScript/Fresh/Rows.sql", batches)
@@ -120,6 +135,9 @@ def main():
     write_rehearsal(root / "rehearsal/SQLScript/Fresh/All.sql", 401, 2_000_000)
     write_tree(root / "copy/Application", files)
     write_installers(root, root / "copy/Application")
+    write_pack(root / "removal", ["Rows.sql"], Shotcut="\\Uninstall.exe,Programs,Bench")
+    write_tree(root / "removal/Application", removed)
+    write_uninstallers(root, root / "removal/Application")
     write_large(root / "large", scripts)
 
 

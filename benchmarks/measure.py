@@ -100,7 +100,7 @@ def main():
         times = [file.stat().st_ctime_ns for file in Path(options.files).rglob("*.bin")]
         count = len(times)
         record["span"] = (max(times) - min(times)) / 1e9 if times else 0
-    if status or (options.count and count != options.count):
+    if status or (options.count is not None and count != options.count):
         sys.exit(f"measure: {options.name} ended with {status} after {count} of {options.count}")
     with open(options.results, "a", encoding="ascii") as results:
         results.write(json.dumps(record) + "\n")

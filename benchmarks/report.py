@@ -1,4 +1,4 @@
-"""Makes the table of ./bench: report.py WORK FILES BATCHES SCRIPTS [DOCUMENT]
+"""Makes the table of ./bench: report.py WORK FILES REMOVED BATCHES SCRIPTS [DOCUMENT]
 
 Prints it; in DOCUMENT it takes the place of what stands between the two marks.
 """
@@ -90,7 +90,7 @@ def verdict(what, value, limit):
     return f"- {what}: {'met' if value < limit else 'missed'} ({value:.2f}, to be below {limit})"
 
 
-def make(work, files, batches, scripts):
+def make(work, files, removed, batches, scripts):
     results = Results(work)
     span = lambda name: results.values(name, "span")
     seconds = lambda name: results.values(name, "seconds")
@@ -115,6 +115,11 @@ def make(work, files, batches, scripts):
                         for peer, limit in (("memory-nsis", 1), ("memory-loop", 1.1))]
     else:
         memory_goals = ["- copying in memory: not measured, there is no memory file system"]
+    table += rows(f"{removed} files installed, first to last, s", {"fill-setup": "`Setup.exe`", "fill-delete": "NSIS"},
+                  "fill-delete", span, brief, none)
+    table += rows("taken back, with a record as long, start to end, s",
+                  {"remove-setup": "`Uninstall.exe`", "remove-delete": "NSIS, `Delete` for each file",
+                   "remove-tree": "NSIS, `RMDir /r`"}, "remove-delete", seconds, brief, results.peak)
     table += rows(f"{batches} batches, first to last, s", clients, "batches-bsqldb", span, brief, results.peak)
     rate = lambda name: [int(batches.replace(",", "")) / value for value in seconds(name)]
     table += rows("batches of `tsql`, a second", {"tsql-nothing": "`SET NOCOUNT ON`", "tsql-Rows": "`INSERT`"}, "tsql-nothing",
@@ -135,6 +140,7 @@ def make(work, files, batches, scripts):
                  for which in ("BuildDatabase", "BackupDatabases"))
     goals = [verdict("copying beside NSIS", ratio_of(span("copy-setup"), span("copy-nsis")), 1),
              *memory_goals,
+             verdict("taking back beside installing", ratio_of(seconds("remove-setup"), span("fill-setup")), 1),
              verdict("batches beside `bsqldb`", ratio_of(span("batches-setup"), span("batches-bsqldb")), 1),
              verdict("the script of 401 batches, seconds", median(seconds("rehearsal")), 10),
              verdict("first window beside NSIS's", ratio_of(seconds("start-setup"), seconds("start-nsis")), 1),
@@ -150,18 +156,19 @@ def make(work, files, batches, scripts):
                f"mingw-w64 GCC {said_by('i686-w64-mingw32-g++-posix', '-dumpfullversion')}, "
                f"GCC {said_by('c++', '-dumpfullversion')}, commit "
                f"{said_by('git', '-C', str(Path(__file__).parent), 'describe', '--always', '--dirty')}; "
-               f"{len(span('copy-setup'))} rounds of copying, batches and packs, {len(seconds('start-setup'))} of first "
-               "windows, 5 natively, always in turn. A ratio is the median of the rounds' ratios.")
+               f"{len(span('copy-setup'))} rounds of copying, batches and packs, {len(span('fill-setup'))} of taking back, "
+               f"{len(seconds('start-setup'))} of first windows, 5 natively, always in turn. A "
+               "ratio is the median of the rounds' ratios.")
     return "\n".join([machine, "", *table, "", *goals])
 
 
 def main():
     work = Path(sys.argv[1])
-    table = make(work, *(f"{int(count):,}" for count in sys.argv[2:5]))
+    table = make(work, *(f"{int(count):,}" for count in sys.argv[2:6]))
     print(table)
-    if len(sys.argv) < 6:
+    if len(sys.argv) < 7:
         return
-    document = Path(sys.argv[5])
+    document = Path(sys.argv[6])
     text = document.read_text(encoding="utf-8") if document.exists() else f"# Performance\n\n{BEGIN}\n{END}\n"
     before, mark, rest = text.partition(BEGIN)
     if not mark or END not in rest:
