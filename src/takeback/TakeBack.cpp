@@ -194,7 +194,8 @@ const std::vector<Step>& TakeBack::Steps() const {
   return work_->Steps;
 }
 
-std::vector<Verdict> TakeBack::Plan(const TakeBackOptions& options) {
+std::vector<Verdict> TakeBack::Plan(const TakeBackOptions& options,
+                                    const std::function<void()>& before) {
   const Site& place = work_->Place;
   Undoing undoing(place, options);
   for (const std::string& own :
@@ -203,6 +204,7 @@ std::vector<Verdict> TakeBack::Plan(const TakeBackOptions& options) {
   }
   std::vector<Verdict> verdicts;
   for (const Step& step : work_->Steps) {
+    before();
     verdicts.push_back(undoing.Judge(step));
     if (verdicts.back().What == Fate::Goes) undoing.Expect(step.Name);
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,8 +37,10 @@ class TakeBack {
 
   /// The steps in the order in which they are done.
   const std::vector<Step>& Steps() const;
-  /// What would become of each step, in the order of `Steps()`. Changes nothing.
-  std::vector<Verdict> Plan(const TakeBackOptions& options);
+  /// What would become of each step, in the order of `Steps()`. Changes nothing. `before` is called
+  /// before each step: there may be thousands, and window events may be handled then.
+  std::vector<Verdict> Plan(
+      const TakeBackOptions& options, const std::function<void()>& before = [] {});
   /// Does it, and tells each step. Returns whether all was done that is to be done: then the
   /// record, the log and the program are gone too. Raises nothing but what the view does.
   bool Run(const TakeBackOptions& options, TakeBackView& view);

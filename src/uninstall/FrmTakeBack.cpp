@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <initializer_list>
 #include <optional>
+#include <utility>
 
 #include "runtime/TextFunctions.h"
+#include "takeback/Commands.h"
 #include "uninstall/PlanText.h"
 
 namespace talu {
@@ -18,12 +20,15 @@ void SetVisible(Controls controls, bool visible) {
 
 }  // namespace
 
-FrmTakeBack::FrmTakeBack(const Machine& machine, Removal& removal, const std::string& program)
+FrmTakeBack::FrmTakeBack(const Machine& machine, Removal& removal, const std::string& program,
+                         std::function<void(int)> exitCode)
     : Form(machine.Windows, "FrmTakeBack", layout::kPageWidth, layout::kPageHeight),
       machine_(machine),
       removal_(removal),
       program_(program),
+      exitCode_(std::move(exitCode)),
       takeBack_(std::make_unique<TakeBack>(machine, removal, program)) {
+  exitCode_(kSomethingLeft);
   LblPlan.Scrolling();
   LblResult.Scrolling();
   LblPack.WithMnemonic();
@@ -45,16 +50,23 @@ void FrmTakeBack::Form_Load() {
   LblTitleMsg.Caption = "Remove " + product;
   const std::string picture = machine_.AppPath + "\\Skin\\WindowBack.jpg";
   if (machine_.Files.FileExists(picture)) ImgBack.Picture = windows_.LoadPicture(picture);
-
-  // Where the pack was when it was installed from, it may still be.
-  const std::string pack = takeBack_->PackFolder();
-  if (!pack.empty() && machine_.Files.FolderExists(pack) && TakePack(pack)) TxtPack.Text = pack;
   TxtUsrName.Text = takeBack_->Login();
   TxtServer.Text = takeBack_->Server();
   SetVisible({&ChkDatabases, &LblDatabases}, takeBack_->HasDatabases());
   ShowLogin(false);
   SetVisible({&LblResult, &ShpProgBase, &ShpProgBar}, false);
+}
+
+// The window is there while thousands of files are looked at.
+void FrmTakeBack::Form_Activate() {
+  for (CommandButton* button : {&CmdPack, &CmdNext}) button->Enabled = false;
+  // Where the pack was when it was installed from, it may still be.
+  const std::string pack = takeBack_->PackFolder();
+  if (!pack.empty() && machine_.Files.FileExists(pack + "\\AppCfg.txt") && TakePack(pack)) {
+    TxtPack.Text = pack;
+  }
   ShowPlan();
+  for (CommandButton* button : {&CmdPack, &CmdNext}) button->Enabled = true;
 }
 
 void FrmTakeBack::Form_QueryUnload() {
@@ -86,16 +98,24 @@ TakeBackOptions FrmTakeBack::Options() const {
 }
 
 void FrmTakeBack::ShowPlan() {
+  looking_ = true;
   MousePointer(11);
-  windows_.DoEvents();  // what was ticked is seen at once
-  const std::vector<Verdict> verdicts = takeBack_->Plan(Options());
+  LblMsg.Caption = "Looking at what is there, please wait ...";
+  TakeBackOptions options;
+  std::vector<Verdict> verdicts;
+  do {
+    options = Options();
+    verdicts = takeBack_->Plan(options, [this] { windows_.DoEvents(); });
+  } while (options.DropDatabases != ChkDatabases.Value);  // ticked meanwhile
   LblPlan.Caption = PlanText(takeBack_->Steps(), verdicts, "Will be removed:");
+  LblMsg.Caption = "";
   MousePointer(0);
+  looking_ = false;
 }
 
 void FrmTakeBack::ChkDatabases_Click() {
   ShowLogin(ChkDatabases.Value);
-  ShowPlan();
+  if (!looking_) ShowPlan();
 }
 
 void FrmTakeBack::CmdPack_Click() {
@@ -124,6 +144,7 @@ void FrmTakeBack::CmdNext_Click() {
 
 void FrmTakeBack::Run() {
   const bool all = takeBack_->Run(Options(), *this);
+  exitCode_(all ? kTakenBack : kSomethingLeft);
   ShpProgBar.Width = kProgressWidth;
   LblPlan.Caption = "";
   SetVisible({&LblPlan, &LblPack, &TxtPack, &CmdPack, &ChkDatabases, &LblDatabases}, false);

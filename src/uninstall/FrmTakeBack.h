@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,8 +18,11 @@ namespace talu {
 /// was not done by then is done when it is started again.
 class FrmTakeBack : public Form, private TakeBackView {
  public:
-  /// `machine` and `removal` outlive the page. Raises what reading the record raises.
-  FrmTakeBack(const Machine& machine, Removal& removal, const std::string& program);
+  /// `machine` and `removal` outlive the page. `exitCode` is told what the program ends with, as of
+  /// now and whenever that changes: as the command does, `kSomethingLeft` until all is done. Raises
+  /// what reading the record raises.
+  FrmTakeBack(const Machine& machine, Removal& removal, const std::string& program,
+              std::function<void(int)> exitCode);
 
  private:
   // The page has only the rows that there is something to choose for; the list has what is left.
@@ -47,6 +51,7 @@ class FrmTakeBack : public Form, private TakeBackView {
   const Machine& machine_;
   Removal& removal_;
   const std::string program_;
+  const std::function<void(int)> exitCode_;
   std::unique_ptr<TakeBack> takeBack_;
   /// The pack's folder that it was made with.
   std::string pack_;
@@ -87,6 +92,7 @@ class FrmTakeBack : public Form, private TakeBackView {
 
  protected:
   void Form_Load() override;
+  void Form_Activate() override;
   void Form_QueryUnload() override;
 
  private:
@@ -106,6 +112,8 @@ class FrmTakeBack : public Form, private TakeBackView {
   void Begin(const Step& step, std::size_t index, std::size_t count) override;
   void End(const Step& step, const Verdict& verdict) override;
 
+  /// Whether `ShowPlan` is at work.
+  bool looking_ = false;
   /// Of the steps that are done, in their order.
   std::vector<Verdict> verdicts_;
   bool done_ = false;

@@ -46,7 +46,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
 
   std::unique_ptr<talu::FrmTakeBack> page;
   try {
-    page = std::make_unique<talu::FrmTakeBack>(machine, removal, program);
+    page = std::make_unique<talu::FrmTakeBack>(
+        machine, removal, program, [&real](int code) { real.Windows().ExitCode(code); });
   } catch (...) {
     const talu::RuntimeError error = talu::CaughtError();
     machine.Windows.MessageBox(error.Number == talu::error::kFileNotFound

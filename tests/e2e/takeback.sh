@@ -38,6 +38,7 @@ wine wineboot >/dev/null 2>&1
 Snapshot "$Machine/before"
 Play '@install Client Fresh; @finish'
 True 'the installation' test -f "$Host/Uninstall.exe"
+Program="$App\\Uninstall.exe" Play 'wait FrmTakeBack; close FrmTakeBack; ended 1'
 True 'the plan' wine "$Host/Uninstall.exe" plan --pack 'D:\Pack'
 Is 'what stays' $'stays  add-on           CardReader.exe\nstays  add-on           LabelPrinter.exe' \
   "$(grep -v '^goes' "$Machine/out" | tr -d '\r' | sed 's/ - .*//' | grep '^stays')"

@@ -188,8 +188,8 @@ void Win32WindowSystem::Settle() {
 
 void Win32WindowSystem::EndProgram() {
   // A thread that is at work would be ended inside a library, whose own end might wait for it.
-  if (waiting_) TerminateProcess(GetCurrentProcess(), 0);
-  ExitProcess(0);
+  if (waiting_) TerminateProcess(GetCurrentProcess(), exitCode_);
+  ExitProcess(exitCode_);
 }
 
 }  // namespace talu

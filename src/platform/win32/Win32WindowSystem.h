@@ -39,6 +39,8 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   /// Paints what has changed, for use before this thread blocks. A bar alone is painted no more
   /// often than in `DoEvents`.
   void ShowProgress();
+  /// What `EndProgram` ends the process with, 0 unless told.
+  void ExitCode(int code) { exitCode_ = static_cast<UINT>(code); }
   /// Handles what comes in until `event` is set.
   void WaitFor(HANDLE event);
 
@@ -57,6 +59,7 @@ class Win32WindowSystem : public WindowSystem, public HandlerWatch {
   FormFrame* hiding_ = nullptr;
   /// Whether `WaitFor` is at work.
   bool waiting_ = false;
+  UINT exitCode_ = 0;
   std::optional<WINDOWPLACEMENT> place_;
   int handlers_ = 0;
   int showings_ = 0;
