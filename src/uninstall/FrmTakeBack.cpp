@@ -55,18 +55,17 @@ void FrmTakeBack::Form_Load() {
   SetVisible({&ChkDatabases, &LblDatabases}, takeBack_->HasDatabases());
   ShowLogin(false);
   SetVisible({&LblResult, &ShpProgBase, &ShpProgBar}, false);
+  for (CommandButton* button : {&CmdPack, &CmdNext}) button->Enabled = false;
 }
 
 // The window is there while thousands of files are looked at.
 void FrmTakeBack::Form_Activate() {
-  for (CommandButton* button : {&CmdPack, &CmdNext}) button->Enabled = false;
   // Where the pack was when it was installed from, it may still be.
   const std::string pack = takeBack_->PackFolder();
   if (!pack.empty() && machine_.Files.FileExists(pack + "\\AppCfg.txt") && TakePack(pack)) {
     TxtPack.Text = pack;
   }
   ShowPlan();
-  for (CommandButton* button : {&CmdPack, &CmdNext}) button->Enabled = true;
 }
 
 void FrmTakeBack::Form_QueryUnload() {
@@ -99,22 +98,25 @@ TakeBackOptions FrmTakeBack::Options() const {
 
 void FrmTakeBack::ShowPlan() {
   looking_ = true;
+  // Clicks would be refused, without a word.
+  for (CommandButton* button : {&CmdPack, &CmdNext}) button->Enabled = false;
   MousePointer(11);
   LblMsg.Caption = "Looking at what is there, please wait ...";
   TakeBackOptions options;
   std::vector<Verdict> verdicts;
   do {
     options = Options();
+    ShowLogin(options.DropDatabases);
     verdicts = takeBack_->Plan(options, [this] { windows_.DoEvents(); });
   } while (options.DropDatabases != ChkDatabases.Value);  // ticked meanwhile
   LblPlan.Caption = PlanText(takeBack_->Steps(), verdicts, "Will be removed:");
   LblMsg.Caption = "";
   MousePointer(0);
+  for (CommandButton* button : {&CmdPack, &CmdNext}) button->Enabled = true;
   looking_ = false;
 }
 
 void FrmTakeBack::ChkDatabases_Click() {
-  ShowLogin(ChkDatabases.Value);
   if (!looking_) ShowPlan();
 }
 

@@ -56,6 +56,9 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
                                program);
     return talu::kCannotBegin;
   }
+  // As long as it looks it is at work, whatever is clicked meanwhile.
+  real.Windows().HandlerBegins();
   page->Show();
+  real.Windows().HandlerEnds();
   return real.Run();
 }
