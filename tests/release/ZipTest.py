@@ -29,6 +29,7 @@ sums = dict(line.split("  ", 1)[::-1] for line in (top / "SHA256SUMS").read_text
 files = {str(path.relative_to(top)) for path in top.rglob("*") if path.is_file()} - {"SHA256SUMS"}
 assert files == set(sums), files ^ set(sums)
 assert {"Pack/Setup.exe", "Pack/Application/Uninstall.exe"} <= files
+assert b"\r\n\\Uninstall.exe,Programs," in (top / "Pack/AppCfg.txt").read_bytes()
 for name in files:
     assert hashlib.sha256((top / name).read_bytes()).hexdigest() == sums[name], name
 

@@ -68,6 +68,10 @@ def contents(root):
     tracked = subprocess.run(["git", "-C", starter, "ls-files", "-z"], capture_output=True, text=True, check=True)
     for name in filter(None, tracked.stdout.split("\0")):
         files[f"Pack/{name}"] = (starter / name).read_bytes()
+    # The sources have no program for it to lead to.
+    empty = b"Shotcut\r\n{\r\n"
+    files["Pack/AppCfg.txt"] = files["Pack/AppCfg.txt"].replace(
+        empty, empty + b"\\Uninstall.exe,Programs,Remove My Product\r\n")
     for name in ("pack-format", "operators", "drive"):
         files[f"{name}.html"] = page(root, name).encode()
     for part, package in LICENCES.items():
