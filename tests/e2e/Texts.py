@@ -5,8 +5,8 @@
   Texts.py record FILE < RECORDS    the same for the uninstall record
   Texts.py statements JOURNAL       what the server was told, or what a plan foretells, one statement a
                                     line, without the passwords of logins
-  Texts.py registry FILE...         each value of Wine's registry with its key, one a line, without what Wine
-                                    notes of its own devices at each start
+  Texts.py registry FILE...         each key of Wine's registry, and each value with its key, one a line,
+                                    without what Wine notes of its own devices at each start
 
 " / " stands for a line break inside an entry, "*" for any text in a line. "error: TEXT" is the entry of
 a trapped error, "error: TEXT @BATCH" that of one in a build. A difference is shown line by line and
@@ -52,6 +52,7 @@ def registry(path):
         key = re.match(r"\[(.*)\]", head)
         if not key or re.match(r"System\\\\CurrentControlSet\\\\(Enum|Control\\\\(Class|DeviceClasses|Video))", key[1], re.I):
             continue
+        print(f"{pathlib.Path(path).stem} [{key[1]}]")
         for value in values:
             if not value.startswith("#"):
                 print(f"{pathlib.Path(path).stem} {key[1]} {value}")

@@ -10,7 +10,9 @@ Snapshot() {
   timeout 120 wineserver -w || true
   {
     (cd "$DriveC" && find . -mindepth 1 \( -type f -exec sha256sum {} + \) -o -printf '%y  %p\n')
-    python3 -B "$Texts" registry "$Machine"/wine/{system,user}.reg
+    # The empty keys that Windows Installer and the data sources' library make for their lists are theirs.
+    python3 -B "$Texts" registry "$Machine"/wine/{system,user}.reg |
+      grep -vE '^(system|user) \[.*(\\Installer\\.*|\\ODBC Data Sources)]$'
     sed 's/^/odbc.ini: /' "$Machine/odbc/odbc.ini" 2>/dev/null || true
     Query master 'SELECT name FROM sys.databases'
     Query master 'SELECT name FROM sys.server_principals'

@@ -15,7 +15,9 @@ namespace {
 
 const std::string kComponentName = COMPONENT_NAME;
 const std::string kClassKey = "CLSID\\" COMPONENT_CLASS;
-const std::string kComponentKey = "Software\\SalesDesk\\Components\\" + kComponentName;
+const std::string kProduct = "Software\\SalesDesk";
+const std::string kComponents = kProduct + "\\Components";
+const std::string kComponentKey = kComponents + "\\" + kComponentName;
 constexpr char kRegisteredAt[] = "RegisteredAt";
 constexpr DWORD kLongestWaitMilliseconds = 10'000;
 
@@ -94,6 +96,9 @@ STDAPI DllUnregisterServer() {
   if (RegisteredSinceProcessStart()) return S_OK;
   const bool classGone = RemoveTree(HKEY_CLASSES_ROOT, kClassKey);
   const bool componentGone = RemoveTree(HKEY_LOCAL_MACHINE, kComponentKey);
+  // These go with the last component: a key with others in it is refused.
+  RegDeleteKeyA(HKEY_LOCAL_MACHINE, kComponents.c_str());
+  RegDeleteKeyA(HKEY_LOCAL_MACHINE, kProduct.c_str());
   return classGone && componentGone ? S_OK : SELFREG_E_CLASS;
 }
 
