@@ -23,6 +23,8 @@ const std::string kTitle = "AppTitle|{|Desk|}|";
 const std::string kRest =
     "AppFolder|{|Shop|}|DBFolder|{|Data|}|FreshDBSript|{|A.sql|}|DBSript|{|Sales|}|";
 const char* const kA = "SQLScript/Fresh/A.sql";
+const std::string kMade =
+    "--taluGO|CREATE DATABASE Sales ON (FILENAME = 'C:\\D\\s.mdf')|GO|USE Sales|GO|";
 const std::string kPlain = "--taluGO|use master|GO|";
 
 Files Config(const std::string& text) {
@@ -94,6 +96,8 @@ CheckCase Mistake(const json& line) {
       test.Proof = Lines(value);
     } else if (key == "batches") {
       test.Pack[kA] = "--taluGO\r\n" + Bytes(value);
+    } else if (key == "within") {
+      test.Pack[kA] = Lines(kMade) + Bytes(value);
     } else if (key == "script") {
       test.Pack[kA] = Bytes(value);
     } else if (key == "blocks") {

@@ -88,6 +88,10 @@ constexpr std::array kFragments = {
     "SET NOCOUNT ON",
     "PRINT '\xE4\xF6\xFC'",
     "GRANT CREATE DATABASE TO $L",
+    "GRANT SELECT TO $N",
+    "CREATE USER $N WITHOUT LOGIN\nDENY SELECT TO $N",
+    "CREATE ROLE $N\nEXEC sp_addrolemember N'$N', N'$L'",
+    "ALTER ROLE db_owner ADD MEMBER $L",
     "BACKUP DATABASE $D TO DISK = N'C:\\D\\$D.bak'",
 };
 

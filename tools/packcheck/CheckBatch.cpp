@@ -159,10 +159,7 @@ void CheckRunTexts(const SqlBatch& batch, bool login, Findings& findings) {
     if (token.Kind == sql::TokenKind::Word) isMessage = token.IsOneOf({"PRINT", "RAISERROR"});
     if (token.Kind != sql::TokenKind::String || isMessage) continue;
     if (!MakesSome(token.Value(), login)) continue;
-    // A batch begins with a line end, a line that is read by itself does not.
-    const auto ends = std::ranges::count(batch.Text.substr(0, token.At), '\n');
-    const auto line = static_cast<std::size_t>(std::max(ends, decltype(ends){1}) - 1);
-    findings.Add("SQL-CREATE-PROC", batch.PlaceOf(batch.Lines.at(line)),
+    findings.Add("SQL-CREATE-PROC", batch.PlaceOfByte(token.At),
                  {"EXEC", Thing(login), Keyword(login)});
   }
 }
@@ -211,6 +208,14 @@ Place SqlBatch::PlaceOf(int number) const {
     rest.remove_prefix(end);
   }
   return {Start.File, number, Start.Text};
+}
+
+// A batch begins with a line end, a line that is read by itself does not. A line feed alone may
+// stand within a line.
+Place SqlBatch::PlaceOfByte(std::size_t at) const {
+  std::size_t line = 0;
+  for (std::size_t end = Text.find(kCrLf, 1); end < at; end = Text.find(kCrLf, end + 1)) ++line;
+  return PlaceOf(Lines.at(line));
 }
 
 void CheckOrder(const SqlBatch& batch, const SqlFacts& facts, const BatchShape& shape,

@@ -31,6 +31,8 @@ struct SqlBatch {
   /// when there is none.
   Place PlaceOf(std::string_view words) const;
   Place PlaceOf(int number) const;
+  /// The place of the line with this byte of `Text`.
+  Place PlaceOfByte(std::size_t at) const;
 };
 
 /// The name that the build records for a batch that creates a login or a database; nothing when

@@ -13,30 +13,33 @@ void ServerCheck::Begin(const ServerCheck& other) {
   isUpgrade_ = true;
 }
 
-const char* ServerCheck::Described() const {
-  return isUpgrade_ ? "a server with what the fresh and demo scripts make"
-                    : "a server without the product";
+void ServerCheck::Tell(const SqlText& refused) {
+  const bool login = Contains(refused.Text, "is not a valid login");
+  findings_.Add(
+      "SQL-REFUSED", refused.Place,
+      {isUpgrade_ ? "a server with what the fresh and demo scripts make"
+                  : "a server without the product",
+       refused.Text, login ? ", a login with CREATE LOGIN in a batch before the first USE" : ""});
 }
 
 void ServerCheck::Take(const SqlBatch& batch, const SqlFacts& facts, bool records) {
   if (!facts.Variables.empty() && Contains(UCase(batch.Text), "CREATE")) isUnsure_ = true;
   madeAny_ = madeAny_ || !server_.Databases.empty() || CreatesDatabase(batch.Text);
-  try {
-    server_.ApplyNames(batch.Text);
-  } catch (const RuntimeError& refusal) {
-    if (!facts.Variables.empty()) return;  // which has its own finding
-    const std::string words = refusal.Description.substr(refusal.Description.rfind(']') + 1);
+  const std::vector<Refusal> refused = server_.ApplyNames(batch.Text);
+  if (!refused.empty() && !facts.Variables.empty()) return;  // which have their own finding
+  for (const Refusal& refusal : refused) {
+    const std::string& text = refusal.Error.Description;
+    const std::string words = text.substr(text.rfind(']') + 1);
+    const Place place = batch.PlaceOfByte(refusal.At);
     // What these scripts make twice is named with both places.
-    const bool exists = Contains(words, "already exists");
-    const bool missing =
-        Contains(words, "does not exist") || Contains(words, "is not a valid login");
-    if (exists ? isUpgrade_ : !missing) {
-      findings_.Add("SQL-REFUSED", batch.Start, {Described(), words});
-    } else if (!exists && server_.Doubt().empty() && !isUnsure_) {
-      missing_.push_back({words, batch.Start});
+    const bool isTold = refusal.Why == Refusal::Reason::Exists && !isUpgrade_;
+    if (refusal.Why == Refusal::Reason::Missing) {
+      if (!isUnsure_) missing_.push_back({words, place});
+    } else if (!isTold) {
+      Tell({words, place});
     }
-    return;
   }
+  if (!refused.empty()) return;
   if (records && CreatesDatabase(batch.Text)) Record(batch, facts, false);
   if (records && CreatesLogin(batch.Text)) Record(batch, facts, true);
 }
@@ -64,9 +67,7 @@ void ServerCheck::End() {
                   {recorded.Login ? "login" : "database", Shown(recorded.Name)});
   }
   if (!madeAny_) return;
-  for (const SqlText& missing : missing_) {
-    findings_.Add("SQL-REFUSED", missing.Place, {Described(), missing.Text});
-  }
+  for (const SqlText& missing : missing_) Tell(missing);
 }
 
 }  // namespace talu::packcheck

@@ -27,8 +27,7 @@ class ServerCheck {
  private:
   void Record(const SqlBatch& batch, const SqlFacts& facts, bool login);
   bool Has(const std::string& name, bool login) const;
-  /// The server, for a finding.
-  const char* Described() const;
+  void Tell(const SqlText& refused);
 
   struct Recorded {
     std::string Name;

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "platform/simulated/ServerMessages.h"
 #include "platform/simulated/SimulatedServer.h"
 #include "runtime/TextFunctions.h"
 #include "sql/BatchShape.h"
@@ -14,19 +15,29 @@ namespace talu {
 namespace {
 
 using sql::Token;
+using Reason = Refusal::Reason;
 
 constexpr std::array<std::string_view, 4> kSystemDatabases = {"MASTER", "MODEL", "MSDB", "TEMPDB"};
 
-/// Whether the statement can create something, name a database or a login, or call a procedure that
-/// does; most rows of data do not, and a large pack has millions.
+/// Whether a procedure is called by its name alone, as only the first statement can.
+bool BeginsWithCall(std::string_view statement) {
+  sql::Lexer lexer(statement);
+  const Token first = lexer.Next();
+  if (first.Kind == sql::TokenKind::Name) return true;
+  return first.Kind == sql::TokenKind::Word && !sql::BeginsStatement(first.Raw) &&
+         !first.Is("WITH") && !lexer.Next().IsSymbol(":");
+}
+
+/// Whether the statement can create something, name a database, a login or a user, or call a
+/// procedure; most rows of data do not, and a large pack has millions.
 bool MayMatter(std::string_view statement) {
-  constexpr std::array<std::string_view, 6> kWords = {"ALTER", "CREATE", "DATABASE",
-                                                      "LOGIN", "USE",    "USER"};
+  constexpr std::array<std::string_view, 9> kWords = {"ALTER", "CREATE", "DATABASE", "DENY", "DROP",
+                                                      "GRANT", "LOGIN",  "REVOKE",   "USE"};
   for (std::size_t at = 0; at < statement.size(); ++at) {
     const char lower = static_cast<char>(statement[at] | 0x20);
     if (lower == 'x' && at > 0 && EqualsUpper(statement.substr(at - 1, 4), "EXEC")) return true;
     if (statement[at] == '$' && statement.substr(at, 2) == "$(") return true;
-    if (lower != 'a' && lower != 'c' && lower != 'd' && lower != 'l' && lower != 'u') continue;
+    if (std::string_view("acdglru").find(lower) == std::string_view::npos) continue;
     if (at > 0 && sql::IsWordPart(statement[at - 1])) continue;
     for (const std::string_view word : kWords) {
       const std::size_t end = at + word.size();
@@ -34,42 +45,7 @@ bool MayMatter(std::string_view statement) {
       if (EqualsUpper(statement.substr(at, word.size()), word)) return true;
     }
   }
-  return false;
-}
-
-/// Server messages 1801, 15025, 3701, 15151, 5011, 911 and 15007.
-RuntimeError Exists(const std::string& name, bool login) {
-  return StatementError(login ? "The server principal '" + name + "' already exists."
-                              : "Database '" + name +
-                                    "' already exists. Choose a different database name.");
-}
-RuntimeError CannotDrop(const std::string& name, bool login) {
-  return StatementError("Cannot drop the " + std::string(login ? "login" : "database") + " '" +
-                        name + "', because it does not exist or you do not have permission.");
-}
-RuntimeError CannotAlter(const std::string& name, bool login) {
-  return StatementError(
-      login ? "Cannot alter the login '" + name +
-                  "', because it does not exist or you do not have permission."
-            : "User does not have permission to alter database '" + name +
-                  "', the database does not exist, or the database is not in a state that allows "
-                  "access checks.");
-}
-RuntimeError CannotUse(const std::string& name) {
-  return StatementError("Database '" + name +
-                        "' does not exist. Make sure that the name is entered correctly.");
-}
-
-RuntimeError NoLogin(const std::string& name) {
-  return StatementError("'" + name + "' is not a valid login or you do not have permission.");
-}
-
-/// Server message 111.
-RuntimeError NotFirst(std::string_view kind) {
-  const std::string word = UCase(kind);
-  const bool procedure = word == "PROC" || word == "PROCEDURE";
-  return StatementError((procedure ? "'CREATE/ALTER PROCEDURE" : "'CREATE " + word) +
-                        "' must be the first statement in a query batch.");
+  return BeginsWithCall(statement);
 }
 
 /// The login of a user that is created; `behind` reads what is behind the user's name. Empty for a
@@ -93,30 +69,20 @@ bool IsNoName(const Token& token, bool login) {
   return !login && token.IsOneOf({"CURRENT", "SCOPED", "AUDIT", "ENCRYPTION", "HINT"});
 }
 
-/// Server messages 102, 156 and 105.
-RuntimeError Misplaced(const Token& token, const Token& before) {
-  const Token& shown = token.Kind == sql::TokenKind::End ? before : token;
-  if (!shown.IsClosed) {
-    return StatementError("Unclosed quotation mark after the character string '" +
-                          std::string(shown.Inside()) + "'.");
-  }
-  const bool keyword = shown.Kind == sql::TokenKind::Word && sql::IsReserved(shown.Raw);
-  return StatementError(std::string("Incorrect syntax near ") + (keyword ? "the keyword '" : "'") +
-                        shown.Value() + "'.");
-}
-
-/// Refuses a statement whose name is none, or is followed by what cannot stand there. `after` is
+/// Refuses a batch in which a name is none, or is followed by what cannot stand there. `after` is
 /// the token behind the name.
-void RequireSyntax(const Token& verb, const Token& kind, const Token& name, const Token& after) {
-  if (!verb.IsOneOf({"CREATE", "ALTER", "DROP", "USE", "BACKUP"})) return;
-  if (name.Kind == sql::TokenKind::Variable || name.Is("CURRENT")) return;
+bool IsSyntax(const Token& verb, const Token& kind, const Token& name, const Token& after,
+              Refusals& refused) {
+  if (!verb.IsOneOf({"CREATE", "ALTER", "DROP", "USE", "BACKUP"})) return true;
+  if (name.Kind == sql::TokenKind::Variable || name.Is("CURRENT")) return true;
   const bool reserved = name.Kind == sql::TokenKind::Word && sql::IsReserved(name.Raw);
-  if (!name.IsName() || !name.IsClosed || reserved) throw Misplaced(name, kind);
-  if (!after.IsClosed) throw Misplaced(after, name);
+  const bool isName = name.IsName() && name.IsClosed && !reserved;
   const bool ends = after.Kind == sql::TokenKind::End || after.IsSymbol(";");
   const bool begins = after.Kind == sql::TokenKind::Word && sql::BeginsStatement(after.Raw);
   bool fits = false;
-  if (verb.Is("BACKUP")) {
+  if (!isName || !after.IsClosed) {
+    fits = false;
+  } else if (verb.Is("BACKUP")) {
     fits = after.IsOneOf({"TO", "FILE", "FILEGROUP", "READ_WRITE_FILEGROUPS"});
   } else if (verb.Is("ALTER") && kind.Is("DATABASE")) {
     fits = after.IsOneOf({"SET", "MODIFY", "ADD", "REMOVE", "COLLATE"});
@@ -125,7 +91,10 @@ void RequireSyntax(const Token& verb, const Token& kind, const Token& name, cons
   } else {
     fits = ends || after.IsSymbol("(") || after.Kind == sql::TokenKind::Word;
   }
-  if (!fits) throw Misplaced(after, name);
+  if (!fits) {
+    refused.Add(Reason::Certain, verb.At, isName ? Misplaced(after, name) : Misplaced(name, kind));
+  }
+  return fits;
 }
 
 }  // namespace
@@ -139,11 +108,14 @@ bool SimulatedServer::Has(const std::string& name, bool login) const {
 void SimulatedServer::Take(std::string_view statement) {
   if (!MayMatter(statement)) return;
   Compile(statement);
-  FollowNames(statement);
+  Refusals refused(false);
+  FollowNames(statement, refused);
 }
 
-void SimulatedServer::ApplyNames(std::string_view statement) {
-  if (MayMatter(statement)) FollowNames(statement);
+std::vector<Refusal> SimulatedServer::ApplyNames(std::string_view statement) {
+  Refusals refused(true);
+  if (MayMatter(statement)) FollowNames(statement, refused);
+  return std::move(refused.All);
 }
 
 // Refuses a batch of which nothing runs. Names of databases are looked for before it does, so what
@@ -167,11 +139,15 @@ void SimulatedServer::Compile(std::string_view batch) const {
   if (!used.empty() && !Has(UCase(used), false)) throw CannotUse(used);
 }
 
-// Applies changes of names; the first refusal ends the statement. A statement that asks first (IF)
-// is assumed to have asked the right thing: nothing fails.
-void SimulatedServer::FollowNames(std::string_view statement) {
-  bool asked = false;
+// Applies the changes of a batch. Behind a word that asks (IF) it is assumed that the right thing
+// was asked: nothing is refused.
+void SimulatedServer::FollowNames(std::string_view statement, Refusals& refused) {
+  DatabaseContents::Setting setting{false, refused, doubt_};
+  if (BeginsWithCall(statement)) {
+    ApplyCall(StatementReader(statement, 0), statement, setting);
+  }
   sql::Lexer lexer(statement);
+  std::size_t rightsEnd = 0;
   Token before;
   Token verb = lexer.Next();
   Token kind = lexer.Next();
@@ -180,7 +156,15 @@ void SimulatedServer::FollowNames(std::string_view statement) {
     before = std::exchange(verb, std::exchange(kind, std::exchange(name, lexer.Next())));
   };
   for (; verb.Kind != sql::TokenKind::End; advance()) {
-    if (verb.Is("IF")) asked = true;
+    if (verb.At < rightsEnd) continue;
+    if (verb.IsOneOf({"IF", "WHILE", "TRY", "RETURN", "GOTO"})) setting.Asked = true;
+    // A variable of the command-line tool may have been any name.
+    const bool named = verb.Kind == sql::TokenKind::Name && Contains(verb.Raw, "$(");
+    if (named || statement.substr(verb.At, 2) == "$(") contents_.BecomeUnsure();
+    if (verb.IsOneOf({"GRANT", "DENY", "REVOKE"}) && !before.IsOneOf({"WITH", "REVOKE"})) {
+      rightsEnd = contents_.GiveRights(StatementReader(statement, kind.At), setting);
+      continue;
+    }
     // A body is not executed now.
     if (kind.IsOneOf({"PROC", "PROCEDURE", "FUNCTION", "TRIGGER"}) &&
         verb.IsOneOf({"CREATE", "ALTER"})) {
@@ -188,10 +172,9 @@ void SimulatedServer::FollowNames(std::string_view statement) {
       return;
     }
     if (verb.IsOneOf({"EXEC", "EXECUTE"})) {
-      sql::Lexer arguments(statement, kind.At, statement.size());
-      ApplyCall(arguments, kind, statement);
+      ApplyCall(StatementReader(statement, kind.At), statement, setting);
     }
-    if (before.IsOneOf({"GRANT", "DENY", "REVOKE"}) || before.IsSymbol(",")) continue;
+    if (before.IsSymbol(",")) continue;
     if (kind.IsOneOf({"DATABASE", "LOGIN"})) {
       const Token statementVerb = verb;
       const Token statementKind = kind;
@@ -203,82 +186,95 @@ void SimulatedServer::FollowNames(std::string_view statement) {
       }
       if (IsNoName(name, login)) continue;
       sql::Lexer ahead = lexer;
-      RequireSyntax(statementVerb, statementKind, name, ahead.Next());
-      ApplyName(statementVerb, name, login, asked || ifExists);
-    } else if (verb.Is("CREATE") && kind.Is("USER")) {
-      if (!asked) RequireLogin(LoginOf(name, lexer));
+      if (!IsSyntax(statementVerb, statementKind, name, ahead.Next(), refused)) return;
+      ApplyName(statementVerb, name, login, {setting.Asked || ifExists, refused, doubt_});
+    } else if (verb.Is("CREATE")) {
+      const bool user = kind.Is("USER") && !setting.Asked;
+      if (user && !RequireLogin(LoginOf(name, lexer), name.At, refused)) continue;
+      contents_.Create(StatementReader(statement, kind.At), setting);
+    } else if (verb.Is("ALTER")) {
+      contents_.Alter(StatementReader(statement, kind.At), setting);
+    } else if (verb.Is("DROP")) {
+      contents_.Drop(StatementReader(statement, kind.At), setting);
     } else if (verb.Is("USE")) {
       if (IsNoName(kind, false)) continue;
-      RequireSyntax(verb, verb, kind, name);
-      ApplyName(verb, kind, false, asked);
+      if (!IsSyntax(verb, verb, kind, name, refused)) return;
+      ApplyName(verb, kind, false, setting);
+      contents_.Use(setting.Asked ? "" : UCase(kind.Value()));
     }
   }
 }
 
 // What a text does that is run, or a procedure that has such a text, is not seen.
-void SimulatedServer::ApplyCall(const sql::Lexer& arguments, const Token& procedure,
-                                std::string_view statement) {
-  const std::string upper = UCase(statement);
-  if (procedure.IsSymbol("(") || Contains(upper, "SP_EXECUTESQL")) unseen_.Add(upper);
+void SimulatedServer::ApplyCall(StatementReader reader, std::string_view statement,
+                                const DatabaseContents::Setting& setting) {
+  StatementReader ahead = reader;  // EXEC @result = name
+  if (ahead.Take().Kind == sql::TokenKind::Variable && ahead.SkipSymbol("=")) reader = ahead;
+  const ObjectName called = reader.TakeName();
+  const std::string name = called.Last();
+  if (called.Parts.empty() || name == "SP_EXECUTESQL") unseen_.Add(UCase(statement));
   unseen_.Databases = unseen_.Databases || inProcedures_.Databases;
   unseen_.Logins = unseen_.Logins || inProcedures_.Logins;
-  sql::Lexer lexer = arguments;
-  Token called = lexer.Next();
-  Token next = lexer.Next();
-  while (next.IsSymbol(".")) {  // master.dbo.sp_addlogin, master..sp_addlogin
-    while (next.IsSymbol(".")) next = lexer.Next();
-    called = std::exchange(next, lexer.Next());
-  }
-  const std::string name = UCase(called.Value());
   const bool login = name == "SP_ADDLOGIN" || name == "SP_GRANTLOGIN";
   const bool user = name == "SP_ADDUSER" || name == "SP_GRANTDBACCESS";
-  if (!login && !user && name != "SP_ATTACH_DB" && name != "SP_ATTACH_SINGLE_FILE_DB") return;
-  if (next.Kind == sql::TokenKind::Variable) {  // @loginame = 'x'
-    lexer.Next();
-    next = lexer.Next();
+  const bool attach = name == "SP_ATTACH_DB" || name == "SP_ATTACH_SINGLE_FILE_DB";
+  if (login || user || attach) {
+    StatementReader values = reader;
+    const auto arguments = values.TakeArguments();
+    const auto made = arguments.empty() ? std::nullopt : arguments.front().Text();
+    if (!made) {
+      (login ? unseen_.Logins : unseen_.Databases) = true;
+    } else if (user) {
+      if (!RequireLogin(*made, called.At, setting.Refused)) return;
+    } else if (Has(UCase(*made), login)) {
+      setting.Refused.Add(Reason::Exists, called.At, Exists(*made, login));
+    } else {
+      (login ? Logins : Databases).insert(UCase(*made));
+    }
   }
-  if (next.Kind != sql::TokenKind::String && !next.IsName()) {
-    (login ? unseen_.Logins : unseen_.Databases) = true;
-    return;
-  }
-  const std::string made = next.Value();
-  if (user) {
-    RequireLogin(made);
-    return;
-  }
-  if (Has(UCase(made), login)) throw Exists(made, login);
-  (login ? Logins : Databases).insert(UCase(made));
+  if (!attach) contents_.Call(called, reader, setting);
 }
 
 // An account of Windows needs no login of its own.
-void SimulatedServer::RequireLogin(const std::string& name) {
-  if (name.empty() || Contains(name, "\\") || Has(UCase(name), true)) return;
-  if (!unseen_.Logins) throw NoLogin(name);
-  doubt_ = "whether there is a login " + name;
+bool SimulatedServer::RequireLogin(const std::string& name, std::size_t at, Refusals& refused) {
+  if (name.empty() || Contains(name, "\\") || Has(UCase(name), true)) return true;
+  if (unseen_.Logins) {
+    doubt_ = "whether there is a login " + name;
+    return true;
+  }
+  refused.Add(Reason::Missing, at, NoLogin(name));
+  return false;
 }
 
-void SimulatedServer::ApplyName(const Token& verb, const Token& named, bool login, bool asked) {
+void SimulatedServer::ApplyName(const Token& verb, const Token& named, bool login,
+                                const DatabaseContents::Setting& setting) {
   const std::string name = named.Value();
   const std::string upper = UCase(name);
   bool there = Has(upper, login);
-  const bool required = verb.IsOneOf({"DROP", "ALTER", "USE"}) && !asked;
+  const bool required = verb.IsOneOf({"DROP", "ALTER", "USE"}) && !setting.Asked;
   if (!there && required && (login ? unseen_.Logins : unseen_.Databases)) {
     doubt_ = std::string("whether there is a ") + (login ? "login " : "database ") + name;
     there = true;
   }
+  const auto refuse = [&](Reason why, const RuntimeError& error) {
+    setting.Refused.Add(why, named.At, error);
+  };
   auto& names = login ? Logins : Databases;
   if (verb.Is("CREATE")) {
-    if (there && !asked) throw Exists(name, login);
-    names.insert(upper);
+    if (there && !setting.Asked) {
+      refuse(Reason::Exists, Exists(name, login));
+    } else if (names.insert(upper).second && !login && !setting.Asked) {
+      contents_.Make(upper);
+    }
   } else if (verb.Is("RESTORE") && !login) {
     names.insert(upper);
+    contents_.Forget(upper);
   } else if (verb.Is("DROP")) {
-    if (!there && !asked) throw CannotDrop(name, login);
+    if (!there && required) refuse(Reason::Missing, CannotDrop(name, login));
     names.erase(upper);
-  } else if (verb.Is("ALTER")) {
-    if (!there && !asked) throw CannotAlter(name, login);
-  } else if (verb.Is("USE")) {
-    if (!there && !asked) throw CannotUse(name);
+    if (!login) contents_.Forget(upper);
+  } else if (!there && required) {
+    refuse(Reason::Missing, verb.Is("USE") ? CannotUse(name) : CannotAlter(name, login));
   }
 }
 

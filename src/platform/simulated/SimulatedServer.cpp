@@ -12,11 +12,8 @@ namespace {
 constexpr std::int32_t kObjectClosed = 3704;
 constexpr std::int32_t kObjectOpen = 3705;
 constexpr std::int32_t kInvalidConnection = 3709;
-// The provider's; source: the OLE DB error codes DB_SEC_E_AUTH_FAILED and DB_E_ERRORSINCOMMAND.
+// The provider's; source: the OLE DB error code DB_SEC_E_AUTH_FAILED.
 constexpr std::int32_t kLoginRefused = -2147217843;
-constexpr std::int32_t kErrorsInCommand = -2147217900;
-
-constexpr const char* kProvider = "Microsoft OLE DB Provider for ODBC Drivers";
 
 RuntimeError AdoError(std::int32_t number, const char* text) {
   return RuntimeError(number, text, "ADODB");
@@ -97,11 +94,6 @@ class SimulatedCommand : public Command {
   std::string text_;
 };
 
-RuntimeError StatementError(const std::string& text) {
-  return RuntimeError(kErrorsInCommand, "[Microsoft][ODBC SQL Server Driver][SQL Server]" + text,
-                      kProvider);
-}
-
 std::unique_ptr<Connection> SimulatedServer::CreateConnection() {
   journal_.Count("create connection", "");
   return std::make_unique<SimulatedConnection>(*this, journal_);
@@ -117,6 +109,7 @@ void SimulatedServer::FailStatements(const std::string& text, const RuntimeError
 }
 
 void SimulatedServer::Connect(const std::string& text) {
+  contents_.Use("");
   const std::string dsn = ValueOf(text, "DSN");
   if (!dsn.empty() && !odbc_.HasSource(dsn)) {
     throw RuntimeError(error::kUnspecified,

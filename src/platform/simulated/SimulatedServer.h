@@ -8,15 +8,20 @@
 #include <vector>
 
 #include "platform/Ado.h"
+#include "platform/simulated/DatabaseContents.h"
 #include "platform/simulated/Journal.h"
+#include "platform/simulated/Refusals.h"
+#include "platform/simulated/ServerMessages.h"
+#include "platform/simulated/StatementReader.h"
 #include "sql/Lexer.h"
 
 namespace talu {
 
 class SimulatedOdbc;
 
-/// A database server that keeps the names of databases and logins and records every statement.
-/// Statements that it need not understand succeed.
+/// A database server that keeps the names of databases and logins, and of users and roles in the
+/// databases that are made here, and records every statement. Statements that it need not
+/// understand succeed.
 class SimulatedServer : public Ado {
  public:
   SimulatedServer(Journal& journal, SimulatedOdbc& odbc) : journal_(journal), odbc_(odbc) {}
@@ -29,9 +34,9 @@ class SimulatedServer : public Ado {
   /// None of them fails any more.
   void Mend() { failures_.clear(); }
 
-  /// Takes a statement's changes of names, without a journal. Raises the server's refusal, but not
-  /// that of a batch in which statements stand where they must not.
-  void ApplyNames(std::string_view statement);
+  /// Takes a batch's changes of names, without a journal. Returns what the server refuses of it,
+  /// but not that statements stand where they must not.
+  std::vector<Refusal> ApplyNames(std::string_view statement);
 
   /// Existing databases and logins, upper-cased.
   std::set<std::string> Databases;
@@ -53,11 +58,12 @@ class SimulatedServer : public Ado {
   void Run(const std::string& statement, int timeout);
   void Take(std::string_view statement);
   void Compile(std::string_view batch) const;
-  void FollowNames(std::string_view statement);
-  void ApplyName(const sql::Token& verb, const sql::Token& named, bool login, bool asked);
-  void RequireLogin(const std::string& name);
-  void ApplyCall(const sql::Lexer& arguments, const sql::Token& procedure,
-                 std::string_view statement);
+  void FollowNames(std::string_view statement, Refusals& refused);
+  void ApplyName(const sql::Token& verb, const sql::Token& named, bool login,
+                 const DatabaseContents::Setting& setting);
+  bool RequireLogin(const std::string& name, std::size_t at, Refusals& refused);
+  void ApplyCall(StatementReader reader, std::string_view statement,
+                 const DatabaseContents::Setting& setting);
   /// Whether the upper-cased name exists.
   bool Has(const std::string& name, bool login) const;
 
@@ -78,9 +84,7 @@ class SimulatedServer : public Ado {
   Unseen unseen_;
   Unseen inProcedures_;
   std::string doubt_;
+  DatabaseContents contents_;
 };
-
-/// The provider's error for a statement that the server refuses; `text` is the server's.
-RuntimeError StatementError(const std::string& text);
 
 }  // namespace talu
