@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "runtime/TextFunctions.h"
+#include "sql/Words.h"
 
 namespace talu::sql {
 namespace {
@@ -41,6 +42,17 @@ bool IsHexDigit(char c) {
 
 bool IsWordPart(char c) {
   return ClassOf(c) >= Class::Digit;
+}
+
+std::string_view Words::Next() {
+  const char* at = text_.data();
+  const char* const end = at + text_.size();
+  while (at != end && ClassOf(*at) < Class::Digit) ++at;
+  const char* const start = at;
+  while (at != end && ClassOf(*at) >= Class::Digit) ++at;
+  if (at != end && *at == '(' && at - start == 1 && *start == '$') ++at;
+  text_ = {at, static_cast<std::size_t>(end - at)};
+  return {start, static_cast<std::size_t>(at - start)};
 }
 
 bool Token::Is(std::string_view keyword) const {

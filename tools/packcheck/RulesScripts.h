@@ -188,7 +188,8 @@ inline constexpr Rule kScriptRules[] = {
      "Name what an earlier batch makes, spelled alike, and make each name once{2}; leave out what "
      "only your own server has; or ask first whether it is there.",
      "The server has its own databases, and what the scripts make of them, batch by batch; a "
-     "database that they make has the users and roles that they put into it. Where the customer's "
+     "database that they make has the users, roles and tables that they put into it. Where the "
+     "customer's "
      "server has more, the finding may be accepted."},
     {"SQL-RECORD-GONE", Severity::Warning,
      "The {0} {1} is recorded here, but the scripts drop it again: what uninstalls looks for it in "

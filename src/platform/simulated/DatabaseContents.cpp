@@ -65,19 +65,38 @@ const StatementReader::Argument* Find(const std::vector<StatementReader::Argumen
 
 }  // namespace
 
+void DatabaseContents::Forget(const std::string& database) {
+  databases_.erase(database);
+  ForgetTargets();
+}
+
+void DatabaseContents::Use(const std::string& database) {
+  current_ = database;
+  ForgetTargets();
+}
+
 void DatabaseContents::BecomeUnsure() {
-  for (auto& [name, database] : databases_) database.IsSure = false;
+  for (auto& [name, database] : databases_) database.Principals.IsSure = false;
+  LoseTables();
+}
+
+void DatabaseContents::Things::Remove(const std::string& name, bool isCertain) {
+  const auto there = Names.find(name);
+  if (there == Names.end()) return;
+  there->second = false;
+  if (isCertain) Names.erase(there);
 }
 
 bool DatabaseContents::HasPrincipal(const std::string& name, const Setting& setting) const {
   const auto database = databases_.find(current_);
   const std::string upper = UCase(name);
   if (database == databases_.end() || IsAmong(upper, kFixed)) return true;
-  if (database->second.Principals.contains(upper)) return true;
+  const Things& principals = database->second.Principals;
+  if (principals.Names.contains(upper)) return true;
   // The server takes an account of Windows in where it needs one.
   if (name.empty() || Contains(name, "\\")) return true;
-  if (!database->second.IsSure) setting.Doubt = "whether there is a user or role " + name;
-  return !database->second.IsSure;
+  if (!principals.IsSure) setting.Doubt = "whether there is a user or role " + name;
+  return !principals.IsSure;
 }
 
 bool DatabaseContents::Require(const std::string& verb, const std::string& name, std::size_t at,
@@ -93,37 +112,30 @@ void DatabaseContents::MakePrincipal(const std::string& name, std::size_t at,
   const auto database = databases_.find(current_);
   if (database == databases_.end() || name.empty()) return;
   const std::string upper = UCase(name);
-  auto& principals = database->second.Principals;
-  const auto there = principals.find(upper);
-  const bool isCertain = IsAmong(upper, kFixed) ||
-                         (there != principals.end() && there->second && database->second.IsSure);
+  Things& principals = database->second.Principals;
+  const bool isCertain = IsAmong(upper, kFixed) || principals.IsCertain(upper);
   if (isCertain && !setting.Asked) {
     setting.Refused.Add(Refusal::Reason::Certain, at,
                         StatementError("User, group, or role '" + name +
                                        "' already exists in the current database."));
     return;
   }
-  principals.insert_or_assign(upper, isCertain || !setting.Asked);
+  principals.Names.insert_or_assign(upper, isCertain || !setting.Asked);
 }
 
 void DatabaseContents::TakeAway(const std::string& name, const Setting& setting) {
   const auto database = databases_.find(current_);
   if (database == databases_.end()) return;
-  auto& principals = database->second.Principals;
-  if (const auto there = principals.find(UCase(name)); there != principals.end()) {
-    if (setting.Asked) {
-      there->second = false;
-    } else {
-      principals.erase(there);
-    }
-  }
+  database->second.Principals.Remove(UCase(name), !setting.Asked);
 }
 
 void DatabaseContents::Create(StatementReader reader, const Setting& setting) {
   reader.Skip("APPLICATION");
+  if (reader.Skip("EXTERNAL")) LoseTables();
   const Token kind = reader.Take();
-  if (!kind.IsOneOf({"USER", "ROLE", "SCHEMA"})) return;
   const ObjectName name = reader.TakeName();
+  if (kind.IsOneOf({"TABLE", "VIEW", "FUNCTION", "SYNONYM"})) MakeTable(name, setting);
+  if (!kind.IsOneOf({"USER", "ROLE", "SCHEMA"})) return;
   bool isOwned = true;
   if (!kind.Is("USER") && reader.Skip("AUTHORIZATION")) {
     const ObjectName owner = reader.TakeName();
@@ -135,8 +147,13 @@ void DatabaseContents::Create(StatementReader reader, const Setting& setting) {
 void DatabaseContents::Alter(StatementReader reader, const Setting& setting) {
   reader.Skip("APPLICATION");
   const Token kind = reader.Take();
-  if (!kind.IsOneOf({"USER", "ROLE"})) return;
   const ObjectName name = reader.TakeName();
+  if (kind.Is("SCHEMA")) LoseTables();                    // a table moves
+  if (kind.IsOneOf({"VIEW", "FUNCTION"})) MayMake(name);  // CREATE OR ALTER
+  if (kind.Is("TABLE") && !setting.Asked && PlaceOf(name).IsMissing()) {
+    setting.Refused.Add(Refusal::Reason::Certain, name.At, NoObject(name.Shown()));
+  }
+  if (!kind.IsOneOf({"USER", "ROLE"})) return;
   const std::string verb = kind.Is("USER") ? "alter the user" : "alter the role";
   if (name.Parts.empty() || !Require(verb, name.Shown(), name.At, setting)) return;
   if (reader.Skip("WITH")) {
@@ -165,6 +182,7 @@ void DatabaseContents::ChangeMember(StatementReader& reader, const Setting& sett
 void DatabaseContents::Drop(StatementReader reader, const Setting& setting) {
   reader.Skip("APPLICATION");
   const Token kind = reader.Take();
+  if (kind.IsOneOf({"TABLE", "VIEW", "SYNONYM"})) DropTables(reader, kind.Is("TABLE"), setting);
   if (!kind.IsOneOf({"USER", "ROLE"})) return;
   const bool ifExists = reader.Skip("IF") && reader.Skip("EXISTS");
   const ObjectName name = reader.TakeName();
@@ -207,7 +225,10 @@ void DatabaseContents::Call(const ObjectName& procedure, StatementReader argumen
   const bool dropsUser = name == "SP_DROPUSER" || name == "SP_REVOKEDBACCESS";
   const bool dropsRole =
       name == "SP_DROPROLE" || name == "SP_DROPAPPROLE" || name == "SP_DROPGROUP";
-  if (procedure.Parts.size() > 2) {  // in another database
+  if (name == "SP_RENAME") {
+    const auto kind = text(2, "@OBJTYPE");
+    if (!kind || (UCase(*kind) != "COLUMN" && UCase(*kind) != "INDEX")) LoseTables();
+  } else if (procedure.Parts.size() > 2) {  // in another database
     BecomeUnsure();
   } else if (adds || name == "SP_DROPROLEMEMBER") {
     // Server messages 15014 and 15410.

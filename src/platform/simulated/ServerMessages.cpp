@@ -60,4 +60,9 @@ RuntimeError CannotFind(const std::string& what, const std::string& name) {
                         "', because it does not exist or you do not have permission.");
 }
 
+RuntimeError NoObject(const std::string& name) {
+  return StatementError("Cannot find the object \"" + name +
+                        "\" because it does not exist or you do not have permissions.");
+}
+
 }  // namespace talu

@@ -32,5 +32,7 @@ RuntimeError NotFirst(std::string_view kind);
 RuntimeError Misplaced(const sql::Token& token, const sql::Token& before);
 /// 15151; `what` is a verb and its thing, such as "find the user".
 RuntimeError CannotFind(const std::string& what, const std::string& name);
+/// 4902.
+RuntimeError NoObject(const std::string& name);
 
 }  // namespace talu

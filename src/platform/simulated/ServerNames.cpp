@@ -10,6 +10,7 @@
 #include "sql/BatchShape.h"
 #include "sql/Lexer.h"
 #include "sql/Names.h"
+#include "sql/Words.h"
 
 namespace talu {
 namespace {
@@ -28,24 +29,15 @@ bool BeginsWithCall(std::string_view statement) {
          !first.Is("WITH") && !lexer.Next().IsSymbol(":");
 }
 
-/// Whether the statement can create something, name a database, a login or a user, or call a
-/// procedure; most rows of data do not, and a large pack has millions.
-bool MayMatter(std::string_view statement) {
-  constexpr std::array<std::string_view, 9> kWords = {"ALTER", "CREATE", "DATABASE", "DENY", "DROP",
-                                                      "GRANT", "LOGIN",  "REVOKE",   "USE"};
-  for (std::size_t at = 0; at < statement.size(); ++at) {
-    const char lower = static_cast<char>(statement[at] | 0x20);
-    if (lower == 'x' && at > 0 && EqualsUpper(statement.substr(at - 1, 4), "EXEC")) return true;
-    if (statement[at] == '$' && statement.substr(at, 2) == "$(") return true;
-    if (std::string_view("acdglru").find(lower) == std::string_view::npos) continue;
-    if (at > 0 && sql::IsWordPart(statement[at - 1])) continue;
-    for (const std::string_view word : kWords) {
-      const std::size_t end = at + word.size();
-      if (end < statement.size() && sql::IsWordPart(statement[end])) continue;
-      if (EqualsUpper(statement.substr(at, word.size()), word)) return true;
-    }
-  }
-  return BeginsWithCall(statement);
+/// Words that make, name or give something; EXEC and what may take rows have more to them.
+bool IsTelling(std::string_view word) {
+  constexpr std::array<std::string_view, 13> kWords = {
+      "ALTER", "CREATE", "DATABASE", "DENY",     "DROP",    "GRANT", "INTO",
+      "LOGIN", "NOEXEC", "REVOKE",   "ROLLBACK", "SETUSER", "USE"};
+  return std::ranges::any_of(kWords, [&](std::string_view upper) {
+    return word.size() == upper.size() && (word[0] | 0x20) == (upper[0] | 0x20) &&
+           EqualsUpper(word, upper);
+  });
 }
 
 /// The login of a user that is created; `behind` reads what is behind the user's name. Empty for a
@@ -105,6 +97,25 @@ bool SimulatedServer::Has(const std::string& name, bool login) const {
          std::ranges::find(kSystemDatabases, name) != kSystemDatabases.end();
 }
 
+// Most batches of a large pack are nothing but rows, and there are millions.
+bool SimulatedServer::MayMatter(std::string_view statement) {
+  constexpr std::string_view kFirst = "ACDEGILNRSUacdegilnrsu";
+  sql::Words words(statement);
+  for (std::string_view word = words.Next(); !word.empty(); word = words.Next()) {
+    if (word[0] == '$' && word == "$(") return true;
+    if (word.size() < 3 || word.size() > 8 || kFirst.find(word[0]) == std::string_view::npos)
+      continue;
+    if (EqualsUpper(word, "INSERT")) {
+      const auto target = contents_.KnownTarget(words.Rest());
+      if (!target) return true;
+      words.Skip(*target);
+    } else if (EqualsUpper(word.substr(0, 4), "EXEC") || IsTelling(word)) {
+      return true;
+    }
+  }
+  return BeginsWithCall(statement);
+}
+
 void SimulatedServer::Take(std::string_view statement) {
   if (!MayMatter(statement)) return;
   Compile(statement);
@@ -148,6 +159,7 @@ void SimulatedServer::FollowNames(std::string_view statement, Refusals& refused)
   }
   sql::Lexer lexer(statement);
   std::size_t rightsEnd = 0;
+  bool inSchema = false;
   Token before;
   Token verb = lexer.Next();
   Token kind = lexer.Next();
@@ -158,17 +170,24 @@ void SimulatedServer::FollowNames(std::string_view statement, Refusals& refused)
   for (; verb.Kind != sql::TokenKind::End; advance()) {
     if (verb.At < rightsEnd) continue;
     if (verb.IsOneOf({"IF", "WHILE", "TRY", "RETURN", "GOTO"})) setting.Asked = true;
+    // WITH name AS (...), WITH name (...) AS (...)
+    if (verb.Is("WITH") && kind.IsName() && (name.Is("AS") || name.IsSymbol("("))) {
+      setting.NamesQuery = true;
+    }
     // A variable of the command-line tool may have been any name.
     const bool named = verb.Kind == sql::TokenKind::Name && Contains(verb.Raw, "$(");
     if (named || statement.substr(verb.At, 2) == "$(") contents_.BecomeUnsure();
+    TakeTableWord(verb, before, statement, setting);
     if (verb.IsOneOf({"GRANT", "DENY", "REVOKE"}) && !before.IsOneOf({"WITH", "REVOKE"})) {
       rightsEnd = contents_.GiveRights(StatementReader(statement, kind.At), setting);
       continue;
     }
     // A body is not executed now.
-    if (kind.IsOneOf({"PROC", "PROCEDURE", "FUNCTION", "TRIGGER"}) &&
+    if (kind.IsOneOf({"PROC", "PROCEDURE", "FUNCTION", "TRIGGER", "VIEW"}) &&
         verb.IsOneOf({"CREATE", "ALTER"})) {
-      inProcedures_.Add(UCase(statement));
+      const StatementReader reader(statement, kind.At);
+      verb.Is("CREATE") ? contents_.Create(reader, setting) : contents_.Alter(reader, setting);
+      if (!kind.Is("VIEW")) inProcedures_.Add(UCase(statement));
       return;
     }
     if (verb.IsOneOf({"EXEC", "EXECUTE"})) {
@@ -190,6 +209,9 @@ void SimulatedServer::FollowNames(std::string_view statement, Refusals& refused)
       ApplyName(statementVerb, name, login, {setting.Asked || ifExists, refused, doubt_});
     } else if (verb.Is("CREATE")) {
       const bool user = kind.Is("USER") && !setting.Asked;
+      // CREATE SCHEMA makes tables in it, in any order.
+      if (inSchema && kind.Is("TABLE")) contents_.LoseTables();
+      inSchema = inSchema || kind.Is("SCHEMA");
       if (user && !RequireLogin(LoginOf(name, lexer), name.At, refused)) continue;
       contents_.Create(StatementReader(statement, kind.At), setting);
     } else if (verb.Is("ALTER")) {
@@ -205,45 +227,24 @@ void SimulatedServer::FollowNames(std::string_view statement, Refusals& refused)
   }
 }
 
-// What a text does that is run, or a procedure that has such a text, is not seen.
-void SimulatedServer::ApplyCall(StatementReader reader, std::string_view statement,
-                                const DatabaseContents::Setting& setting) {
-  StatementReader ahead = reader;  // EXEC @result = name
-  if (ahead.Take().Kind == sql::TokenKind::Variable && ahead.SkipSymbol("=")) reader = ahead;
-  const ObjectName called = reader.TakeName();
-  const std::string name = called.Last();
-  if (called.Parts.empty() || name == "SP_EXECUTESQL") unseen_.Add(UCase(statement));
-  unseen_.Databases = unseen_.Databases || inProcedures_.Databases;
-  unseen_.Logins = unseen_.Logins || inProcedures_.Logins;
-  const bool login = name == "SP_ADDLOGIN" || name == "SP_GRANTLOGIN";
-  const bool user = name == "SP_ADDUSER" || name == "SP_GRANTDBACCESS";
-  const bool attach = name == "SP_ATTACH_DB" || name == "SP_ATTACH_SINGLE_FILE_DB";
-  if (login || user || attach) {
-    StatementReader values = reader;
-    const auto arguments = values.TakeArguments();
-    const auto made = arguments.empty() ? std::nullopt : arguments.front().Text();
-    if (!made) {
-      (login ? unseen_.Logins : unseen_.Databases) = true;
-    } else if (user) {
-      if (!RequireLogin(*made, called.At, setting.Refused)) return;
-    } else if (Has(UCase(*made), login)) {
-      setting.Refused.Add(Reason::Exists, called.At, Exists(*made, login));
-    } else {
-      (login ? Logins : Databases).insert(UCase(*made));
-    }
+// Of the words of tables, those that begin no definition.
+void SimulatedServer::TakeTableWord(const Token& word, const Token& before,
+                                    std::string_view statement,
+                                    const DatabaseContents::Setting& setting) {
+  const std::size_t behind = word.At + word.Raw.size();
+  if (word.Is("INSERT") && !before.IsOneOf({"BULK", "THEN"})) {
+    contents_.Insert(StatementReader(statement, behind), TargetText(statement.substr(behind)),
+                     setting);
+  } else if (word.Is("INTO") && !before.IsOneOf({"INSERT", "MERGE"})) {
+    contents_.MayMake(StatementReader(statement, behind).TakeName());
+  } else if (word.Is("CONSTRAINT")) {
+    contents_.NameConstraint(StatementReader(statement, behind));
+  } else if (word.Is("REFERENCES")) {
+    contents_.Reference(StatementReader(statement, behind), word.At, setting);
+  } else if (word.IsOneOf({"ROLLBACK", "NOEXEC", "PARSEONLY", "SETUSER", "SYSTEM_VERSIONING"})) {
+    // What was made is gone, is not made, is made for another user, or has a table beside it.
+    if (!setting.Asked) contents_.BecomeUnsure();
   }
-  if (!attach) contents_.Call(called, reader, setting);
-}
-
-// An account of Windows needs no login of its own.
-bool SimulatedServer::RequireLogin(const std::string& name, std::size_t at, Refusals& refused) {
-  if (name.empty() || Contains(name, "\\") || Has(UCase(name), true)) return true;
-  if (unseen_.Logins) {
-    doubt_ = "whether there is a login " + name;
-    return true;
-  }
-  refused.Add(Reason::Missing, at, NoLogin(name));
-  return false;
 }
 
 void SimulatedServer::ApplyName(const Token& verb, const Token& named, bool login,

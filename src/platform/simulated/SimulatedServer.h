@@ -58,6 +58,11 @@ class SimulatedServer : public Ado {
   void Run(const std::string& statement, int timeout);
   void Take(std::string_view statement);
   void Compile(std::string_view batch) const;
+  /// Whether the batch can create something, name a database, a login or a user, call a procedure,
+  /// or need a table of which that is not known yet.
+  bool MayMatter(std::string_view statement);
+  void TakeTableWord(const sql::Token& word, const sql::Token& before, std::string_view statement,
+                     const DatabaseContents::Setting& setting);
   void FollowNames(std::string_view statement, Refusals& refused);
   void ApplyName(const sql::Token& verb, const sql::Token& named, bool login,
                  const DatabaseContents::Setting& setting);
