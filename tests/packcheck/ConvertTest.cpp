@@ -243,10 +243,11 @@ TEST_F(ConvertFolderTest, TellsWhatItCannotMend) {
   const std::pair<std::string, std::string> cases[] = {
       {"PRINT 'a\nb'\nGO;\n",
        "@@ -1,3 +1,4 @@\n+--taluGO\n PRINT 'a\n b'\n-GO;\n+GO\n/a.sql: 2 lines end in"},
-      {"--taluGO\r\nPRINT 1\r\nGO 500\r\nPRINT 2\r\nGO 99999999999\r\nGO\r\n",
+      {"--taluGO\r\nPRINT 1\r\nGO 500\r\nPRINT 2\r\nGO 99999999999\r\nGO 0\r\nGO\r\n",
        "/a.sql: nothing is mended\n"
        "    line 3: GO 500 stays, which does not end its batch: write that out, or loop\n"
-       "    line 5: GO 99999999999 stays, which does not end its batch: write that out, or loop\n"},
+       "    line 5: GO 99999999999 stays, which does not end its batch: write that out, or loop\n"
+       "    line 6: GO 0 stays, which does not end its batch: write GO, or take both out\n"},
       {"--taluGO\r\nPRINT 'a\r\nGO\r\n'\r\nGO\r\n",
        "    line 3: this GO ends the batch, in the middle of a text or a name\n"},
       {"PRINT 1\r\nGO\r\nPRINT 'a\r\nGO\r\nPRINT 2\r\n",

@@ -136,11 +136,12 @@ void ScriptSet::TellMalformed(std::string_view line, int number) {
   reader_.Take(kBatchDirective, kBatchDirective);
 }
 
-// At the top of a script, a comment may follow the directive.
+// At the top of a script, a comment may follow the directive. A text loses the line with it.
 void ScriptSet::TakeDirective(std::string_view line, int number, std::string_view directive) {
   const bool alone = Stripped(line).size() == directive.size();
   const bool onTop = !std::exchange(hasDirective_, true) && Stripped(line).starts_with("--");
-  if (!alone && !onTop) {
+  const bool inText = sql_.Inside() == TokenKind::String || sql_.Inside() == TokenKind::Name;
+  if ((!alone && !onTop) || inText) {
     findings_.Add("SQL-DIRECTIVE-INSIDE", At(number, line), {std::string(directive)});
   }
 }

@@ -40,7 +40,7 @@ std::optional<GoLine> ReadGo(std::string_view line) {
   rest = Stripped(rest);
   const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), go.Count);
   if (error == std::errc::result_out_of_range) go.Count = std::numeric_limits<int>::max();
-  if (go.Count < 1) return {};
+  go.Count = std::max(go.Count, 0);
   rest = Stripped(rest.substr(static_cast<std::size_t>(end - rest.data())));
   while (rest.starts_with(';')) rest = Stripped(rest.substr(1));
   if (rest.empty()) return go;
@@ -159,13 +159,13 @@ class ScriptMender {
   void TakeGo(const TextLine& line, const GoLine& go, bool ends) {
     FinishBatch(line.At);
     const std::string batch = go.Count > 1 ? MendedBatch(line.At) : "";
-    const auto copies = static_cast<std::size_t>(go.Count - 1);
+    const auto copies = static_cast<std::size_t>(std::max(go.Count - 1, 0));
     const bool tooMuch =
         go.Count > kMostRepeats || (copies > 0 && batch.size() > kMostRepeated / copies);
-    if (tooMuch) {
+    if (tooMuch || go.Count == 0) {
       ends = true;
-      Leave(line.At, std::string(Stripped(line.Text)) +
-                         " stays, which does not end its batch: write that out, or loop");
+      Leave(line.At, std::string(Stripped(line.Text)) + " stays, which does not end its batch: " +
+                         (tooMuch ? "write that out, or loop" : "write GO, or take both out"));
     }
     if (!ends) {
       std::string lines = "GO";
