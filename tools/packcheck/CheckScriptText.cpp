@@ -46,8 +46,9 @@ bool IsUtf8(std::string_view text, int& line) {
     if (length == 0) return false;
     at += length;
   }
+  if (first == text.size()) return false;
   line = 1 + static_cast<int>(std::ranges::count(text.substr(0, first), '\n'));
-  return first < text.size();
+  return true;
 }
 
 std::string FromUtf16Bytes(std::string_view bytes) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <utility>
 
 #include "platform/simulated/ServerMessages.h"
@@ -31,9 +32,9 @@ bool BeginsWithCall(std::string_view statement) {
 
 /// Words that make, name or give something; EXEC and what may take rows have more to them.
 bool IsTelling(std::string_view word) {
-  constexpr std::array<std::string_view, 13> kWords = {
-      "ALTER", "CREATE", "DATABASE", "DENY",     "DROP",    "GRANT", "INTO",
-      "LOGIN", "NOEXEC", "REVOKE",   "ROLLBACK", "SETUSER", "USE"};
+  constexpr std::array<std::string_view, 14> kWords = {
+      "ALTER", "CREATE", "DATABASE",  "DENY",   "DROP",     "GRANT",   "INTO",
+      "LOGIN", "NOEXEC", "PARSEONLY", "REVOKE", "ROLLBACK", "SETUSER", "USE"};
   return std::ranges::any_of(kWords, [&](std::string_view upper) {
     return word.size() == upper.size() && (word[0] | 0x20) == (upper[0] | 0x20) &&
            EqualsUpper(word, upper);
@@ -99,13 +100,20 @@ bool SimulatedServer::Has(const std::string& name, bool login) const {
 
 // Most batches of a large pack are nothing but rows, and there are millions.
 bool SimulatedServer::MayMatter(std::string_view statement) {
-  constexpr std::string_view kFirst = "ACDEGILNRSUacdegilnrsu";
+  // A bit for each letter that such a word begins with.
+  constexpr auto kFirst = [] {
+    std::uint32_t bits = 0;
+    for (const char letter : {'a', 'c', 'd', 'e', 'g', 'i', 'l', 'n', 'p', 'r', 's', 'u'})
+      bits |= 1U << (letter - 'a');
+    return bits;
+  }();
   sql::Words words(statement);
   for (std::string_view word = words.Next(); !word.empty(); word = words.Next()) {
-    if (word[0] == '$' && word == "$(") return true;
-    if (word.size() < 3 || word.size() > 8 || kFirst.find(word[0]) == std::string_view::npos)
+    if (word == "$(") return true;
+    const auto letter = static_cast<unsigned>((word[0] | 0x20) - 'a');
+    if (word.size() < 3 || word.size() > 9 || letter >= 26 || (kFirst >> letter & 1U) == 0)
       continue;
-    if (EqualsUpper(word, "INSERT")) {
+    if (word.size() == 6 && EqualsUpper(word, "INSERT")) {
       const auto target = contents_.KnownTarget(words.Rest());
       if (!target) return true;
       words.Skip(*target);
