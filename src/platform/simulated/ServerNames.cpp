@@ -249,8 +249,10 @@ void SimulatedServer::TakeTableWord(const Token& word, const Token& before,
     contents_.NameConstraint(StatementReader(statement, behind));
   } else if (word.Is("REFERENCES")) {
     contents_.Reference(StatementReader(statement, behind), word.At, setting);
-  } else if (word.IsOneOf({"ROLLBACK", "NOEXEC", "PARSEONLY", "SETUSER", "SYSTEM_VERSIONING"})) {
-    // What was made is gone, is not made, is made for another user, or has a table beside it.
+  } else if (word.IsOneOf({"ROLLBACK", "NOEXEC", "PARSEONLY", "SETUSER", "SYSTEM_VERSIONING",
+                           "ATTACH", "ATTACH_REBUILD_LOG", "SNAPSHOT"})) {
+    // What was made is gone, is not made, is made for another user, has a table beside it, or is a
+    // database that has something in it.
     if (!setting.Asked) contents_.BecomeUnsure();
   }
 }

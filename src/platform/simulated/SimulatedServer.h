@@ -19,8 +19,8 @@ namespace talu {
 
 class SimulatedOdbc;
 
-/// A database server that keeps the names of databases and logins, and of users and roles in the
-/// databases that are made here, and records every statement. Statements that it need not
+/// A database server that keeps the names of databases and logins, and of users, roles and tables
+/// in the databases that are made here, and records every statement. Statements that it need not
 /// understand succeed.
 class SimulatedServer : public Ado {
  public:
