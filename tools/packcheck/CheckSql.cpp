@@ -14,8 +14,10 @@ void SqlFollower::TakeLine(const std::string& file, int number, std::string_view
   line_ = line;
   hasVariables_ = line.find("$(") != std::string_view::npos;
   sql::Lexer lexer(line, open_);
-  for (sql::Token token = lexer.NextOrComment(); token.Kind != TokenKind::End;
-       token = lexer.NextOrComment()) {
+  while (true) {
+    // A token is made where it is used: to copy one that has just been written stalls.
+    const sql::Token token = lexer.NextOrComment();
+    if (token.Kind == TokenKind::End) break;
     if (token.Kind != TokenKind::Comment) Shape.Take(token, number);
     if (hasVariables_) NoteVariable(token);
     Take(token);
