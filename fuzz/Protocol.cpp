@@ -7,8 +7,8 @@
 #include "Messages.h"
 #include "Naive.h"
 #include "Packets.h"
+#include "Parser.h"
 #include "Requests.h"
-#include "Statements.h"
 #include "Text.h"
 #include "sql/Passwords.h"
 
@@ -216,7 +216,9 @@ void ReadBatch(const std::string& batch) {
       end = token.At + token.Raw.size();
       token.Value();
     }
-    ParseStatements(batch);
+    Parser parser(batch);
+    while (parser.Next()) {
+    }
   } catch (const SqlFailure& failure) {
     for (const SqlMessage& message : failure.Messages) mask.Hides(message.Text);
   }

@@ -151,6 +151,16 @@ TEST(Statements, ExpressionsAndControl) {
            "1;0"},
           {"BEGIN TRANSACTION INSERT t VALUES (2, 'y') COMMIT WORK SELECT a FROM t", "2"},
           {"COMMIT", "!3902"},
+          // Rows that come one after another stay, whatever becomes of the next ones.
+          {"CREATE TABLE r (a int PRIMARY KEY) INSERT r VALUES (1) INSERT r VALUES (1) INSERT r "
+           "VALUES (2) SELECT COUNT(*) FROM r",
+           "2;!2627"},
+          {"INSERT r VALUES (3) ROLLBACK", "!3903"},
+          {"INSERT r VALUES (4) BEGIN TRAN INSERT r VALUES (5) ROLLBACK SELECT COUNT(*) FROM r",
+           "4"},
+          {"EXEC ('INSERT r VALUES (6)') INSERT r VALUES (7) CREATE DATABASE z SELECT COUNT(*) "
+           "FROM r",
+           "6"},
           {"BEGIN TRAN CREATE DATABASE y ROLLBACK", "!226"},
           {"USE Nowhere SELECT 'not reached'", "!911"},
           {"CREATE USER u FOR LOGIN nobody", "!15007"},

@@ -217,7 +217,7 @@ void Connection::AnswerLogin(const Message& message) {
 
 void Connection::AnswerBatch(Message& message) {
   const std::string batch = ParseBatch(message.Payload, version_);
-  message.Payload = {};  // a batch may be as large as what is left of the memory
+  std::string().swap(message.Payload);  // a batch may be as large as what is left of the memory
   const std::uint64_t number = ++parts_.Batches;
   const std::string database = session_->DatabaseName();
   const Mishap mishap = parts_.Plan.For(number, batch);

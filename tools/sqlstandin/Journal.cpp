@@ -2,6 +2,7 @@
 
 #include <sys/eventfd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -20,8 +21,8 @@ void AddError(Json& record, const std::optional<SqlMessage>& error) {
   if (error) record["error"] = {{"number", error->Number}, {"description", error->Text}};
 }
 
-std::string Line(const Json& record) {
-  return record.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+std::string Dump(const Json& record) {
+  return record.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 std::optional<SqlMessage> Masked(std::optional<SqlMessage> error, const sql::PasswordMask& mask) {
@@ -51,13 +52,29 @@ Journal::Journal(const std::filesystem::path& file)
   }
 }
 
-void Journal::Write(const std::string& line) {
+void Journal::Write(std::string_view head, std::string_view text, std::string_view tail) {
+  constexpr std::size_t kPiece = 100'000;
   const std::lock_guard lock(mutex_);
   if (failure_.empty()) {
-    if (std::fwrite(line.data(), 1, line.size(), file_.get()) == line.size() &&
-        std::fflush(file_.get()) == 0) {
-      return;
+    const auto put = [this](std::string_view part) {
+      std::fwrite(part.data(), 1, part.size(), file_.get());
+    };
+    put(head.substr(0, head.size() - (tail.empty() ? 0 : 1)));
+    if (!tail.empty()) {
+      // In pieces, each of whole characters: the text may be as large as what is left of the
+      // memory.
+      put(R"(,"text":")");
+      for (std::size_t end = 0; !text.empty(); text.remove_prefix(end)) {
+        end = std::min(kPiece, text.size());
+        while (end < text.size() && end > kPiece - 4 && (text[end] & 0xC0) == 0x80) --end;
+        const std::string piece = Dump(text.substr(0, end));
+        put(std::string_view(piece).substr(1, piece.size() - 2));
+      }
+      put("\",");
+      put(tail.substr(1));
     }
+    put("\n");
+    if (std::fflush(file_.get()) == 0 && std::ferror(file_.get()) == 0) return;
     failure_ = "the journal cannot be written: " + name_.string() + ": " + std::strerror(errno);
     eventfd_write(failureDescriptor_.Number(), 1);
   }
@@ -74,23 +91,21 @@ void Journal::LoggedIn(int session, const std::string& user, const std::string& 
   if (!file_) return;
   Json record = {{"event", "login"}, {"session", session}, {"user", user}, {"database", database}};
   AddError(record, error);
-  Write(Line(record));
+  Write(Dump(record));
 }
 
 void Journal::LoggedOut(int session) {
   if (!file_) return;
-  Write(Line({{"event", "logout"}, {"session", session}}));
+  Write(Dump({{"event", "logout"}, {"session", session}}));
 }
 
 void Journal::Batch(std::uint64_t number, int session, const std::string& database,
                     std::string_view batch, const Outcome& outcome) {
   if (!file_) return;
   const sql::PasswordMask mask(batch);
-  Json record = {{"event", "sql"},
-                 {"number", number},
-                 {"session", session},
-                 {"database", database},
-                 {"text", mask.Text()}};
+  const Json head = {
+      {"event", "sql"}, {"number", number}, {"session", session}, {"database", database}};
+  Json record;
   AddError(record, Masked(outcome.Error, mask));
   if (!outcome.Ending.empty()) {
     record["ok"] = false;
@@ -102,7 +117,7 @@ void Journal::Batch(std::uint64_t number, int session, const std::string& databa
     record["carried"] = false;
     record["constructs"] = outcome.Noted;
   }
-  Write(Line(record));
+  Write(Dump(head), mask.Text(), Dump(record));
 }
 
 }  // namespace talu::standin

@@ -59,7 +59,8 @@ class Journal {
   void Check();
 
  private:
-  void Write(const std::string& line);
+  /// One object: `head`, or `head` and the text of a batch and `tail`.
+  void Write(std::string_view head, std::string_view text = {}, std::string_view tail = {});
 
   struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }

@@ -33,10 +33,6 @@ std::string DataName(const std::string& schema, const std::string& name) {
   return schema.empty() || SameWord(schema, "dbo") ? name : schema + "." + name;
 }
 
-std::vector<Statement> ParseStatements(std::string_view batch) {
-  return Parser(batch).ParseAll();
-}
-
 Token Parser::Take() {
   last_ = next_;
   next_ = lexer_.Next();
@@ -115,15 +111,13 @@ void Parser::FailAt(const Token& token) const {
   throw failure;
 }
 
-std::vector<Statement> Parser::ParseAll() {
-  std::vector<Statement> statements;
-  while (true) {
-    while (TakeSymbol(";")) {
-    }
-    if (next_.Kind == TokenKind::End) return statements;
-    statements.push_back(ParseOne());
-    isFirst_ = false;
+std::optional<Statement> Parser::Next() {
+  while (TakeSymbol(";")) {
   }
+  if (next_.Kind == TokenKind::End) return std::nullopt;
+  Statement statement = ParseOne();
+  isFirst_ = false;
+  return statement;
 }
 
 Statement Parser::ParseOne() {

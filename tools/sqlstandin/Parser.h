@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,13 +11,16 @@
 
 namespace talu::standin {
 
-/// Reads the statements of one batch. Statements that the server itself executes are read word by
-/// word; for those that SQLite executes, and for unknown ones, only the extent is determined here.
+/// Reads the statements of one batch, one after another, in time linear in its length. Statements
+/// that the server itself executes are read word by word; for those that SQLite executes, and for
+/// unknown ones, only the extent is determined here.
 class Parser {
  public:
   explicit Parser(std::string_view batch) : batch_(batch), lexer_(batch), next_(lexer_.Next()) {}
 
-  std::vector<Statement> ParseAll();
+  /// The next statement; nothing at the end. Raises SqlFailure for what no server could read (102
+  /// and 156 near the word, 105, 111, 113).
+  std::optional<Statement> Next();
 
  private:
   Token Take();

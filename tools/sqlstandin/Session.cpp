@@ -7,6 +7,7 @@
 #include <utility>
 #include <variant>
 
+#include "Parser.h"
 #include "Text.h"
 #include "runtime/TextFunctions.h"
 
@@ -41,30 +42,35 @@ void Session::RunText(std::string_view text) {
   line_ = 1;
   schemas_.reset();
   try {
-    const std::vector<Statement> statements = ParseStatements(text);
-    CheckUses(statements);
-    for (const Statement& statement : statements) {
-      if (!Execute(statement)) break;
+    // All of it is read before anything is carried out, and nothing of that kept: a batch may have
+    // a million statements.
+    Parser check(text);
+    while (const auto statement = check.Next()) CheckUses(*statement);
+    Parser parser(text);
+    for (auto statement = parser.Next(); statement && Execute(*statement);) {
+      statement = parser.Next();
     }
+    EndRows();
   } catch (const SqlFailure& failure) {
     Report(failure, failure.At);
+  } catch (...) {
+    EndRows();
+    throw;
   }
 }
 
 /// The real server looks for the databases of USE before it carries anything out.
-void Session::CheckUses(const std::vector<Statement>& statements) {
-  for (const Statement& statement : statements) {
-    if (const auto* use = std::get_if<UseDatabase>(&statement.What)) {
-      if (!catalogue_.Exists(use->Name)) {
-        SqlFailure failure(message::kNoSuchDatabase(use->Name), true);
-        failure.At = statement.Text.Begin;
-        throw failure;
-      }
-    } else if (const auto* block = std::get_if<Block>(&statement.What)) {
-      CheckUses(block->Statements);
-    } else if (const auto* choice = std::get_if<IfStatement>(&statement.What)) {
-      CheckUses(choice->Branches);
+void Session::CheckUses(const Statement& statement) {
+  if (const auto* use = std::get_if<UseDatabase>(&statement.What)) {
+    if (!catalogue_.Exists(use->Name)) {
+      SqlFailure failure(message::kNoSuchDatabase(use->Name), true);
+      failure.At = statement.Text.Begin;
+      throw failure;
     }
+  } else if (const auto* block = std::get_if<Block>(&statement.What)) {
+    for (const Statement& each : block->Statements) CheckUses(each);
+  } else if (const auto* choice = std::get_if<IfStatement>(&statement.What)) {
+    for (const Statement& each : choice->Branches) CheckUses(each);
   }
 }
 
@@ -83,6 +89,7 @@ bool Session::ExecuteLeaf(const Statement& statement) {
   goesOn_ = true;
   isApproximate_ = false;
   try {
+    if (!BeginRow(statement)) EndRows();
     std::visit(
         [this](const auto& what) {
           if constexpr (!std::is_same_v<std::decay_t<decltype(what)>, Block>) Do(what);
@@ -104,6 +111,28 @@ bool Session::ExecuteLeaf(const Statement& statement) {
   }
   statement_ = outer;
   return goesOn_;
+}
+
+/// Whether the statement inserts a few rows. Many of them, one after another, are one transaction:
+/// one each would cost ten times as much. It is not left open for long.
+bool Session::BeginRow(const Statement& statement) {
+  constexpr std::size_t kShort = 2000;  // bytes
+  constexpr int kMost = 1000;
+  const auto* data = std::get_if<DataStatement>(&statement.What);
+  const std::string_view text =
+      batch_.substr(statement.Text.Begin, statement.Text.End - statement.Text.Begin);
+  if (data == nullptr || data->What != DataStatement::Verb::Insert || text.size() > kShort ||
+      ContainsUpper(text, "SELECT")) {
+    return false;
+  }
+  if (rows_ >= kMost) EndRows();
+  if (transactions_ == 0 && rows_++ == 0) Current().Execute("BEGIN IMMEDIATE");
+  return true;
+}
+
+void Session::EndRows() {
+  columns_.clear();
+  if (std::exchange(rows_, 0) > 0 && Current().InTransaction()) Current().Execute("COMMIT");
 }
 
 void Session::Do(const IfStatement& statement) {
@@ -228,7 +257,9 @@ std::optional<std::string> Session::Variable(std::string_view name) {
 std::vector<TableColumn> Session::Columns(const std::string& prefix, const std::string& table) {
   std::string schema = "main";
   if (!prefix.empty()) schema = prefix.substr(1, prefix.size() - 3);  // "name".
-  return Current().Columns(schema, table);
+  const auto [found, isNew] = columns_.try_emplace(prefix + table);
+  if (isNew) found->second = Current().Columns(schema, table);
+  return found->second;
 }
 
 bool Session::AllowsIdentityInsert(const std::string& table) {

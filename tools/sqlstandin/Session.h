@@ -42,7 +42,9 @@ class Session : private RewriteEnvironment {
 
  private:
   void RunText(std::string_view text);
-  void CheckUses(const std::vector<Statement>& statements);
+  void CheckUses(const Statement& statement);
+  bool BeginRow(const Statement& statement);
+  void EndRows();
   bool Execute(const Statement& statement);
   bool Report(const SqlFailure& failure, std::size_t at);
   bool Note(const std::string& construct, const Statement& statement);
@@ -108,6 +110,10 @@ class Session : private RewriteEnvironment {
   bool noCount_ = false;
   std::string identityInsert_;
   int transactions_ = 0;
+  /// The statements that insert rows in a transaction which the client did not ask for, and the
+  /// columns of their tables.
+  int rows_ = 0;
+  std::map<std::string, std::vector<TableColumn>> columns_;
   std::uint64_t transactionId_ = 0;
   std::int64_t rowCount_ = 0;
   std::int32_t lastError_ = 0;

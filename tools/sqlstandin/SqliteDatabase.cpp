@@ -146,12 +146,13 @@ std::int64_t SqliteDatabase::CopyTo(const std::filesystem::path& file,
   return pages;
 }
 
-SqliteStatement::SqliteStatement(const SqliteDatabase& database, std::string_view sql,
+SqliteStatement::SqliteStatement(const SqliteDatabase& database, const std::string& sql,
                                  std::string_view verb)
     : database_(database), verb_(verb) {
   sqlite3_stmt* raw = nullptr;
-  const int code = sqlite3_prepare_v2(database.Handle(), sql.data(), static_cast<int>(sql.size()),
-                                      &raw, nullptr);
+  // With its NUL the text is not copied.
+  const int code = sqlite3_prepare_v2(database.Handle(), sql.c_str(),
+                                      static_cast<int>(sql.size()) + 1, &raw, nullptr);
   handle_.reset(raw);
   if (code != SQLITE_OK) database.Fail(code, verb_);
   if (raw == nullptr) throw SqlFailure(message::kSyntaxNear(verb_), true);

@@ -68,7 +68,7 @@ class SqliteDatabase {
 class SqliteStatement {
  public:
   /// Raises SqlFailure for what SQLite does not accept.
-  SqliteStatement(const SqliteDatabase& database, std::string_view sql, std::string_view verb);
+  SqliteStatement(const SqliteDatabase& database, const std::string& sql, std::string_view verb);
 
   /// Moves to the next row; false at the end. Raises SqlFailure.
   bool Step();

@@ -178,8 +178,4 @@ struct Statement {
 /// The name of a table, or of whatever else, in SQLite: there is no schema before those of dbo.
 std::string DataName(const std::string& schema, const std::string& name);
 
-/// Splits a batch into statements, in time linear in its length. Raises SqlFailure, before anything
-/// is executed, for what no server could read (102 and 156 near the word, 105, 111, 113).
-std::vector<Statement> ParseStatements(std::string_view batch);
-
 }  // namespace talu::standin

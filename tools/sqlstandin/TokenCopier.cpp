@@ -78,7 +78,12 @@ Range TakeGroup(Lexer& lexer) {
 }
 
 void TokenCopier::Put(std::string_view text) {
-  sql_ += ' ';
+  static constexpr std::string_view kBefore = "(,";
+  static constexpr std::string_view kBehind = "),";
+  if (kBefore.find(sql_.back()) == std::string_view::npos &&
+      kBehind.find(text.front()) == std::string_view::npos) {
+    sql_ += ' ';
+  }
   sql_ += text;
 }
 

@@ -43,7 +43,7 @@ class TokenCopier {
 
   Lexer lexer_;
   RewriteEnvironment& environment_;
-  std::string sql_;
+  std::string sql_{" "};
   std::vector<Frame> frames_{1};
   Token last_;
 };
