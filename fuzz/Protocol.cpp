@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 
-#include "Lexer.h"
 #include "Messages.h"
 #include "Naive.h"
 #include "Packets.h"
@@ -209,15 +208,15 @@ void ReadBatch(const std::string& batch) {
   const sql::PasswordMask mask(batch);
   try {
     std::size_t end = 0;
-    Lexer lexer(batch);
-    for (Token token = lexer.Next(); token.Kind != TokenKind::End; token = lexer.Next()) {
+    Reader reader(batch);
+    for (Token token = reader.Take(); token.Kind != TokenKind::End; token = reader.Take()) {
       if (token.At < end || token.Raw.empty()) std::abort();
       naive::Same(std::string(token.Raw), Part(batch, token.At, token.Raw.size()), "token");
       end = token.At + token.Raw.size();
       token.Value();
     }
     Parser parser(batch);
-    while (parser.Next()) {
+    while (parser.NextStatement()) {
     }
   } catch (const SqlFailure& failure) {
     for (const SqlMessage& message : failure.Messages) mask.Hides(message.Text);

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,12 @@ struct DatabaseEntry {
   bool IsOnline = true;
   std::string Created;
   std::vector<std::string> Users;
+};
+
+struct LoginEntry {
+  std::string Name;
+  /// The password's hash from crypt(3); empty when nobody can log in.
+  std::string Hash;
 };
 
 inline constexpr std::string_view kMasterName = "master";
@@ -70,22 +77,18 @@ class Catalogue {
   /// Also deletes the files, except those of an offline database, as the real server does.
   void Drop(const std::string& name);
 
-  void CreateLogin(const standin::CreateLogin& statement);
+  /// Without a password nobody can log in: a login of Windows.
+  void CreateLogin(const std::string& name, const std::optional<std::string>& password);
   void DropLogin(const std::string& name);
-  void CreateUser(int databaseId, const standin::CreateUser& statement);
+  /// `login` may be empty: WITHOUT LOGIN.
+  void CreateUser(int databaseId, const std::string& name, const std::string& login);
   void DropUser(int databaseId, const std::string& name, bool ifExists = false);
 
-  // What the system views show, as JSON arrays.
-  std::string DatabasesAsJson() const;
-  std::string LoginsAsJson() const;
-  std::string UsersAsJson(int databaseId) const;
+  const std::string& Administrator() const { return adminName_; }
+  /// The databases and logins as the catalogue's file has them.
+  std::string AsJson() const;
 
  private:
-  struct LoginEntry {
-    std::string Name;
-    /// The password's hash from crypt(3); empty when nobody can log in.
-    std::string Hash;
-  };
   struct SessionEntry {
     int Database = 0;
     std::function<void()> End;
@@ -93,6 +96,7 @@ class Catalogue {
 
   void Load();
   void Save() const;
+  std::string Text(int indent) const;
   const DatabaseEntry* Search(std::string_view name) const;
   DatabaseEntry& ById(int id);
   bool IsLogin(std::string_view name) const;

@@ -18,14 +18,14 @@
 #include "Text.h"
 
 namespace talu::standin {
+
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(DatabaseEntry, Id, Name, File, WindowsFile, OtherFiles, IsOnline,
+                                   Created, Users)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(LoginEntry, Name, Hash)
+
 namespace {
 
 using nlohmann::json;
-
-/// JSON text of a value that may contain any bytes.
-std::string Dump(const json& value, int indent = -1) {
-  return value.dump(indent, ' ', false, json::error_handler_t::replace);
-}
 
 /// Hashes a password with the method and salt of the hash in `setting`; empty when that fails.
 std::string HashPassword(const std::string& password, const char* setting) {
@@ -41,11 +41,6 @@ std::string NewHash(const std::string& password) {
     return {};
   }
   return HashPassword(password, setting.data());
-}
-
-bool Contains(const std::vector<std::string>& names, std::string_view name) {
-  return std::any_of(names.begin(), names.end(),
-                     [name](const std::string& each) { return SameName(each, name); });
 }
 
 }  // namespace
@@ -93,53 +88,33 @@ void Catalogue::Load() {
   }
   try {
     const json stored = json::parse(file);
-    nextId_ = stored.at("nextId");
-    for (const json& item : stored.at("databases")) {
-      DatabaseEntry entry;
-      entry.Id = item.at("id");
-      entry.Name = item.at("name");
-      entry.File = item.at("file").get<std::string>();
-      entry.WindowsFile = item.at("windowsFile");
-      for (const json& other : item.at("otherFiles")) {
-        entry.OtherFiles.emplace_back(other.get<std::string>());
-      }
-      entry.IsOnline = item.at("online");
-      entry.Created = item.at("created");
-      entry.Users = item.at("users").get<std::vector<std::string>>();
-      databases_.push_back(std::move(entry));
-    }
-    for (const json& item : stored.at("logins")) {
-      logins_.push_back({item.at("name"), item.at("hash")});
-    }
+    stored.at("nextId").get_to(nextId_);
+    stored.at("databases").get_to(databases_);
+    stored.at("logins").get_to(logins_);
   } catch (const json::exception& error) {
     throw std::runtime_error("the catalogue cannot be read: " +
                              (folder_ / "catalogue.json").string() + ": " + error.what());
   }
 }
 
+/// As JSON; a name may have bytes that are no text.
+std::string Catalogue::Text(int indent) const {
+  const json stored = {{"nextId", nextId_}, {"databases", databases_}, {"logins", logins_}};
+  return stored.dump(indent, ' ', false, json::error_handler_t::replace);
+}
+
+std::string Catalogue::AsJson() const {
+  const std::lock_guard lock(mutex_);
+  return Text(-1);
+}
+
 void Catalogue::Save() const {
-  json stored = {{"nextId", nextId_}, {"databases", json::array()}, {"logins", json::array()}};
-  for (const DatabaseEntry& entry : databases_) {
-    json others = json::array();
-    for (const auto& other : entry.OtherFiles) others.push_back(other.string());
-    stored["databases"].push_back({{"id", entry.Id},
-                                   {"name", entry.Name},
-                                   {"file", entry.File.string()},
-                                   {"windowsFile", entry.WindowsFile},
-                                   {"otherFiles", others},
-                                   {"online", entry.IsOnline},
-                                   {"created", entry.Created},
-                                   {"users", entry.Users}});
-  }
-  for (const LoginEntry& login : logins_) {
-    stored["logins"].push_back({{"name", login.Name}, {"hash", login.Hash}});
-  }
   const std::filesystem::path path = folder_ / "catalogue.json";
   const std::filesystem::path fresh = folder_ / "catalogue.json.new";
   std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
   std::filesystem::permissions(
       fresh, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-  file << Dump(stored, 1) << '\n';
+  file << Text(1) << '\n';
   file.close();
   if (!file) throw SqlFailure(message::kOwn("the catalogue cannot be written"));
   std::filesystem::rename(fresh, path);
@@ -164,11 +139,11 @@ bool Catalogue::IsLogin(std::string_view name) const {
                      [name](const LoginEntry& login) { return SameName(login.Name, name); });
 }
 
-void Catalogue::CreateLogin(const standin::CreateLogin& statement) {
-  const std::string hash = statement.IsWindows ? std::string() : NewHash(statement.Password);
+void Catalogue::CreateLogin(const std::string& name, const std::optional<std::string>& password) {
+  const std::string hash = password ? NewHash(*password) : std::string();
   const std::lock_guard lock(mutex_);
-  if (IsLogin(statement.Name)) throw SqlFailure(message::kLoginExists(statement.Name));
-  logins_.push_back({statement.Name, hash});
+  if (IsLogin(name)) throw SqlFailure(message::kLoginExists(name));
+  logins_.push_back({name, hash});
   Save();
 }
 
@@ -180,16 +155,15 @@ void Catalogue::DropLogin(const std::string& name) {
   Save();
 }
 
-void Catalogue::CreateUser(int databaseId, const standin::CreateUser& statement) {
+void Catalogue::CreateUser(int databaseId, const std::string& name, const std::string& login) {
   const std::lock_guard lock(mutex_);
-  if (!statement.Login.empty() && !IsLogin(statement.Login)) {
-    throw SqlFailure(message::kNotALogin(statement.Login));
-  }
+  if (!login.empty() && !IsLogin(login)) throw SqlFailure(message::kNotALogin(login));
   std::vector<std::string>& users = ById(databaseId).Users;
-  if (SameName(statement.Name, "dbo") || Contains(users, statement.Name)) {
-    throw SqlFailure(message::kUserExists(statement.Name));
+  const auto isSame = [&name](const std::string& user) { return SameName(user, name); };
+  if (SameName(name, "dbo") || std::ranges::any_of(users, isSame)) {
+    throw SqlFailure(message::kUserExists(name));
   }
-  users.push_back(statement.Name);
+  users.push_back(name);
   Save();
 }
 
@@ -199,42 +173,6 @@ void Catalogue::DropUser(int databaseId, const std::string& name, bool ifExists)
       ById(databaseId).Users, [&name](const std::string& user) { return SameName(user, name); });
   if (removed == 0 && !ifExists) throw SqlFailure(message::kNoSuchPrincipal("drop", "user", name));
   Save();
-}
-
-std::string Catalogue::DatabasesAsJson() const {
-  const std::lock_guard lock(mutex_);
-  json rows = json::array();
-  for (const DatabaseEntry& entry : databases_) {
-    rows.push_back({{"name", entry.Name},
-                    {"database_id", entry.Id},
-                    {"state", entry.IsOnline ? 0 : 6},
-                    {"state_desc", entry.IsOnline ? "ONLINE" : "OFFLINE"},
-                    {"create_date", entry.Created},
-                    {"filename", entry.WindowsFile}});
-  }
-  return Dump(rows);
-}
-
-std::string Catalogue::LoginsAsJson() const {
-  const std::lock_guard lock(mutex_);
-  json rows = json::array({{{"name", adminName_}, {"type", "S"}, {"type_desc", "SQL_LOGIN"}}});
-  for (const LoginEntry& login : logins_) {
-    const bool isWindows = login.Hash.empty();
-    rows.push_back({{"name", login.Name},
-                    {"type", isWindows ? "U" : "S"},
-                    {"type_desc", isWindows ? "WINDOWS_LOGIN" : "SQL_LOGIN"}});
-  }
-  return Dump(rows);
-}
-
-std::string Catalogue::UsersAsJson(int databaseId) const {
-  const std::lock_guard lock(mutex_);
-  json rows = json::array({{{"name", "dbo"}}});
-  for (const DatabaseEntry& entry : databases_) {
-    if (entry.Id != databaseId) continue;
-    for (const std::string& user : entry.Users) rows.push_back({{"name", user}});
-  }
-  return Dump(rows);
 }
 
 }  // namespace talu::standin

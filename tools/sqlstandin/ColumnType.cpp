@@ -12,59 +12,46 @@ namespace {
 using Kind = ColumnType::Kind;
 
 struct KnownType {
-  std::string_view Name;
+  /// In lower case, with blanks between and around them.
+  std::string_view Names;
   Kind What;
   /// The name in SQLite. Dates and similar types contain TEXT: they are stored as written.
   std::string_view Declared;
-  bool HasLength;
+  /// How long it is where that is not said: 0 for as long as you like.
+  std::size_t Length = 0;
   std::string_view Range = {};
 };
-constexpr std::string_view kIntRange = "-2147483648 AND 2147483647";
 
-constexpr std::array<KnownType, 40> kKnownTypes = {{
-    {"int", Kind::Integer, "INT", false, kIntRange},
-    {"integer", Kind::Integer, "INT", false, kIntRange},
-    {"bigint", Kind::Integer, "BIGINT", false},
-    {"smallint", Kind::Integer, "SMALLINT", false, "-32768 AND 32767"},
-    {"tinyint", Kind::Integer, "TINYINT", false, "0 AND 255"},
-    {"bit", Kind::Integer, "BIT INT", false, "0 AND 1"},
-    {"float", Kind::Real, "FLOAT", false},
-    {"real", Kind::Real, "REAL", false},
-    {"decimal", Kind::Numeric, "DECIMAL", false},
-    {"dec", Kind::Numeric, "DECIMAL", false},
-    {"numeric", Kind::Numeric, "NUMERIC", false},
-    {"money", Kind::Numeric, "MONEY", false},
-    {"smallmoney", Kind::Numeric, "SMALLMONEY", false},
-    {"nvarchar", Kind::Text, "NVARCHAR", true},
-    {"varchar", Kind::Text, "VARCHAR", true},
-    {"nchar", Kind::Text, "NCHAR", true},
-    {"char", Kind::Text, "CHAR", true},
-    {"character", Kind::Text, "CHAR", true},
-    {"sysname", Kind::Text, "NVARCHAR", false},
-    {"ntext", Kind::Text, "TEXT", false},
-    {"text", Kind::Text, "TEXT", false},
-    {"xml", Kind::Text, "XML TEXT", false},
-    {"uniqueidentifier", Kind::Text, "UNIQUEIDENTIFIER TEXT", false},
-    {"datetime", Kind::Text, "DATETIME TEXT", false},
-    {"datetime2", Kind::Text, "DATETIME TEXT", false},
-    {"smalldatetime", Kind::Text, "DATETIME TEXT", false},
-    {"datetimeoffset", Kind::Text, "DATETIME TEXT", false},
-    {"date", Kind::Text, "DATE TEXT", false},
-    {"time", Kind::Text, "TIME TEXT", false},
-    {"varbinary", Kind::Bytes, "VARBINARY BLOB", true},
-    {"binary", Kind::Bytes, "BINARY BLOB", true},
-    {"image", Kind::Bytes, "IMAGE BLOB", false},
-    {"timestamp", Kind::Bytes, "IMAGE BLOB", false},
-    {"rowversion", Kind::Bytes, "IMAGE BLOB", false},
-    {"double", Kind::Real, "FLOAT", false},
-    {"sql_variant", Kind::Text, "TEXT", false},
-    {"geography", Kind::Text, "TEXT", false},
-    {"geometry", Kind::Text, "TEXT", false},
-    {"hierarchyid", Kind::Text, "TEXT", false},
-    {"json", Kind::Text, "TEXT", false},
+constexpr std::array<KnownType, 24> kKnownTypes = {{
+    {" int integer ", Kind::Integer, "INT", 0, "-2147483648 AND 2147483647"},
+    {" bigint ", Kind::Integer, "BIGINT"},
+    {" smallint ", Kind::Integer, "SMALLINT", 0, "-32768 AND 32767"},
+    {" tinyint ", Kind::Integer, "TINYINT", 0, "0 AND 255"},
+    {" bit ", Kind::Integer, "BIT INT", 0, "0 AND 1"},
+    {" float ", Kind::Real, "FLOAT"},
+    {" real ", Kind::Real, "REAL"},
+    {" decimal dec ", Kind::Numeric, "DECIMAL"},
+    {" numeric ", Kind::Numeric, "NUMERIC"},
+    {" money smallmoney ", Kind::Numeric, "MONEY"},
+    {" nvarchar ", Kind::Text, "NVARCHAR", 1},
+    {" sysname ", Kind::Text, "NVARCHAR", 128},
+    {" varchar ", Kind::Text, "VARCHAR", 1},
+    {" nchar ", Kind::Text, "NCHAR", 1},
+    {" char character ", Kind::Text, "CHAR", 1},
+    {" ntext text sql_variant geography geometry hierarchyid json ", Kind::Text, "TEXT"},
+    {" xml ", Kind::Text, "XML TEXT"},
+    {" uniqueidentifier ", Kind::Text, "UNIQUEIDENTIFIER TEXT"},
+    {" datetime datetime2 smalldatetime datetimeoffset ", Kind::Text, "DATETIME TEXT"},
+    {" date ", Kind::Text, "DATE TEXT"},
+    {" time ", Kind::Text, "TIME TEXT"},
+    {" varbinary ", Kind::Bytes, "VARBINARY BLOB", 1},
+    {" binary ", Kind::Bytes, "BINARY BLOB", 1},
+    {" image timestamp rowversion ", Kind::Bytes, "IMAGE BLOB"},
 }};
 
 constexpr std::size_t kLongestNVarChar = 4000;
+
+}  // namespace
 
 std::size_t ToSize(std::string_view digits) {
   std::size_t number = 0;
@@ -72,50 +59,34 @@ std::size_t ToSize(std::string_view digits) {
   return number;
 }
 
-}  // namespace
-
-std::optional<ColumnType> TakeType(Lexer& lexer) {
-  std::string name = lexer.Next().Value();
-  if (lexer.Peek().IsSymbol(".")) {
-    lexer.Next();
-    name = lexer.Next().Value();
+std::optional<ColumnType> TakeType(Reader& reader, std::string& name) {
+  if (reader.TakeIf("DOUBLE")) {
+    reader.TakeIf("PRECISION");
+    name = "float";
+  } else {
+    name = reader.TakeObjectName();
   }
-  const auto* known = std::find_if(kKnownTypes.begin(), kKnownTypes.end(),
-                                   [&name](const auto& type) { return SameWord(type.Name, name); });
+  const std::string plain = FoldName(name.substr(name.rfind('.') + 1));
+  const auto* known = std::ranges::find_if(kKnownTypes, [&](const KnownType& each) {
+    return each.Names.find(" " + plain + " ") != std::string_view::npos;
+  });
   if (known == kKnownTypes.end()) return std::nullopt;
-  if (known->Name == "double") TakeIf(lexer, "PRECISION");
-  ColumnType type{known->What, std::string(known->Name), std::string(known->Declared),
-                  std::string(known->Range), 0};
-  bool isMax = false;
-  if (lexer.Peek().IsSymbol("(")) {
-    lexer.Next();
-    const Token size = lexer.Next();
-    isMax = size.Is("MAX");
-    if (known->HasLength && !isMax) type.Length = ToSize(size.Raw);
-    while (!lexer.Peek().IsSymbol(")") && lexer.Peek().Kind != TokenKind::End) lexer.Next();
-    lexer.Next();
-  } else if (known->HasLength) {
-    type.Length = 1;  // an omitted length is 1
+  ColumnType type{known->What, plain, std::string(known->Declared), std::string(known->Range),
+                  known->Length};
+  if (reader.TakeSymbol("(")) {
+    const Token size = reader.Take();
+    if (type.Length > 0) type.Length = ToSize(size.Raw);  // 0 for MAX
+    if (reader.TakeSymbol(",")) reader.Take();
+    reader.ExpectSymbol(")");
   }
-  if (known->Name == "sysname") type.Length = 128;
   if (type.Length > 0) type.Declared.append("(").append(std::to_string(type.Length)).append(")");
   return type;
 }
 
 std::string_view CastType(ColumnType::Kind kind) {
-  switch (kind) {
-    case Kind::Integer:
-      return "INTEGER";
-    case Kind::Real:
-      return "REAL";
-    case Kind::Numeric:
-      return "NUMERIC";
-    case Kind::Text:
-      return "TEXT";
-    case Kind::Bytes:
-      return "BLOB";
-  }
-  return "TEXT";
+  static constexpr std::array<std::string_view, 5> kCasts = {"INTEGER", "REAL", "NUMERIC", "TEXT",
+                                                             "BLOB"};
+  return kCasts.at(static_cast<std::size_t>(kind));
 }
 
 std::optional<ResultColumn> ResultTypeOf(std::string_view declared) {
@@ -123,20 +94,11 @@ std::optional<ResultColumn> ResultTypeOf(std::string_view declared) {
   const std::string_view name = declared.substr(0, parenthesis);
   // The identity column is SQLite's own row number, whose type has exactly this name.
   if (name == "INTEGER" || name == "BIGINT") return ResultColumn{"", ValueType::BigInt, 0};
-  const auto* known = std::find_if(kKnownTypes.begin(), kKnownTypes.end(),
-                                   [&name](const auto& type) { return type.Declared == name; });
+  const auto* known = std::ranges::find(kKnownTypes, name, &KnownType::Declared);
   if (known == kKnownTypes.end()) return std::nullopt;
-  switch (known->What) {
-    case Kind::Integer:
-      return ResultColumn{"", ValueType::Int, 0};
-    case Kind::Real:
-    case Kind::Numeric:
-      return ResultColumn{"", ValueType::Float, 0};
-    case Kind::Bytes:
-      return ResultColumn{"", ValueType::Bytes, 0};
-    case Kind::Text:
-      break;
-  }
+  if (known->What == Kind::Integer) return ResultColumn{"", ValueType::Int, 0};
+  if (known->What == Kind::Bytes) return ResultColumn{"", ValueType::Bytes, 0};
+  if (known->What != Kind::Text) return ResultColumn{"", ValueType::Float, 0};
   std::size_t length = 0;
   if (parenthesis != std::string_view::npos) length = ToSize(declared.substr(parenthesis + 1));
   if (length > kLongestNVarChar) length = 0;

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "Lexer.h"
+#include "Reader.h"
 #include "Reply.h"
 
 namespace talu::standin {
@@ -25,13 +25,16 @@ struct ColumnType {
 };
 
 /// Reads a type: nvarchar(50), [decimal](10, 2), sys.sysname, varbinary(max). Returns nothing for
-/// an unknown type, but reads the tokens of its name.
-std::optional<ColumnType> TakeType(Lexer& lexer);
+/// an unknown type, but reads its name, which `name` receives as DataName gives it.
+std::optional<ColumnType> TakeType(Reader& reader, std::string& name);
 
 /// The type that CAST gives a value in SQLite.
 std::string_view CastType(ColumnType::Kind kind);
 
 /// The result column reported to the client for a declared type; nothing for another text.
 std::optional<ResultColumn> ResultTypeOf(std::string_view declared);
+
+/// The number that a text begins with; 0 for none.
+std::size_t ToSize(std::string_view digits);
 
 }  // namespace talu::standin

@@ -1,11 +1,7 @@
 #include "Parser.h"
 
-#include <algorithm>
-#include <charconv>
-
-#include "Text.h"
+#include "ColumnType.h"
 #include "runtime/TextFunctions.h"
-#include "runtime/Unicode.h"
 #include "sql/Names.h"
 
 namespace talu::standin {
@@ -13,9 +9,6 @@ namespace {
 
 /// IF within IF, block within block: the real server's limit.
 constexpr int kDeepestNesting = 32;
-constexpr std::size_t kLongestName = 128;
-/// Parentheses in parentheses. Newer versions of SQLite have no limit of their own.
-constexpr int kDeepestParentheses = 1000;
 
 /// Words that can only begin or end a statement, outside parentheses.
 bool IsBoundary(const Token& token) {
@@ -29,81 +22,9 @@ bool IsBoundary(const Token& token) {
 
 }  // namespace
 
-std::string DataName(const std::string& schema, const std::string& name) {
-  return schema.empty() || SameWord(schema, "dbo") ? name : schema + "." + name;
-}
-
-Token Parser::Take() {
-  last_ = next_;
-  next_ = lexer_.Next();
-  if (next_.Kind == TokenKind::Symbol && static_cast<unsigned char>(next_.Raw.front()) < ' ') {
-    FailAt(next_);
-  }
-  if (next_.IsSymbol("(") && ++parentheses_ > kDeepestParentheses) {
-    throw SqlFailure(message::kTooDeep(), true);
-  }
-  if (next_.IsSymbol(")")) --parentheses_;
-  return last_;
-}
-
-bool Parser::TakeIf(std::string_view keyword) {
-  if (!next_.Is(keyword)) return false;
-  Take();
-  return true;
-}
-
-bool Parser::TakeSymbol(std::string_view symbol) {
-  if (!next_.IsSymbol(symbol)) return false;
-  Take();
-  return true;
-}
-
-void Parser::Expect(std::string_view keyword) {
-  if (!TakeIf(keyword)) FailAt(next_);
-}
-
-void Parser::ExpectSymbol(std::string_view symbol) {
-  if (!TakeSymbol(symbol)) FailAt(next_);
-}
-
-std::string Parser::TakeName() {
-  if (!next_.IsName() || (next_.Kind == TokenKind::Word && sql::IsReserved(next_.Raw))) {
-    FailAt(next_);
-  }
-  std::string name = Take().Value();
-  if (name.empty()) FailAt(last_);
-  if (name.size() > kLongestName && CountUtf16(name) > kLongestName) {
-    throw SqlFailure(message::kIdentifierTooLong(name), true);
-  }
-  return name;
-}
-
-std::string Parser::TakeObjectName() {
-  std::string schema;
-  std::string name = TakeName();
-  while (TakeSymbol(".")) {
-    schema = next_.IsSymbol(".") ? std::string() : name;
-    name = next_.IsSymbol(".") ? std::string() : TakeName();
-  }
-  return DataName(schema, name);
-}
-
-std::string Parser::TakeString() {
-  if (next_.Kind != TokenKind::String) FailAt(next_);
-  return Take().Value();
-}
-
-int Parser::TakeNumber() {
-  if (next_.Kind != TokenKind::Number) FailAt(next_);
-  int number = 0;
-  std::from_chars(next_.Raw.data(), next_.Raw.data() + next_.Raw.size(), number);
-  Take();
-  return number;
-}
-
 void Parser::FailAt(const Token& token) const {
   const bool isKeyword = token.Kind == TokenKind::Word && sql::IsReserved(token.Raw);
-  const Token& near = token.Kind == TokenKind::End ? last_ : token;
+  const Token& near = token.Kind == TokenKind::End ? Last() : token;
   SqlFailure failure(
       isKeyword ? message::kSyntaxNearKeyword(token.Raw) : message::kSyntaxNear(near.Value()),
       true);
@@ -111,10 +32,20 @@ void Parser::FailAt(const Token& token) const {
   throw failure;
 }
 
-std::optional<Statement> Parser::Next() {
+std::string Parser::TakeString() {
+  if (Next().Kind != TokenKind::String) FailAt(Next());
+  return Take().Value();
+}
+
+int Parser::TakeNumber() {
+  if (Next().Kind != TokenKind::Number) FailAt(Next());
+  return static_cast<int>(ToSize(Take().Raw));
+}
+
+std::optional<Statement> Parser::NextStatement() {
   while (TakeSymbol(";")) {
   }
-  if (next_.Kind == TokenKind::End) return std::nullopt;
+  if (IsAtEnd()) return std::nullopt;
   Statement statement = ParseOne();
   isFirst_ = false;
   return statement;
@@ -123,7 +54,7 @@ std::optional<Statement> Parser::Next() {
 Statement Parser::ParseOne() {
   if (++depth_ > kDeepestNesting) throw SqlFailure(message::kTooDeep(), true);
   Statement statement;
-  statement.Text.Begin = next_.At;
+  statement.Text.Begin = Next().At;
   const Token head = Take();
   if (IsAmong(head, "SELECT WITH INSERT UPDATE DELETE TRUNCATE")) {
     ParseData(statement, head);
@@ -134,7 +65,7 @@ Statement Parser::ParseOne() {
   } else if (head.Is("DROP")) {
     ParseDrop(statement, head);
   } else if (head.Is("USE")) {
-    statement.What = UseDatabase{TakeName()};
+    statement.What = CatalogueStatement{CatalogueStatement::Action::Use, {TakeName()}};
   } else if (head.Is("IF")) {
     statement.What = ParseIf();
   } else if (head.Is("SET")) {
@@ -142,9 +73,9 @@ Statement Parser::ParseOne() {
   } else if (head.Is("DECLARE")) {
     ParseDeclare(statement, head);
   } else if (head.Is("PRINT")) {
-    const std::size_t begin = next_.At;
+    const std::size_t begin = Next().At;
     SkipToBoundary(head);
-    statement.What = PrintText{{begin, last_.At + last_.Raw.size()}};
+    statement.What = PrintText{{begin, At()}};
   } else if (head.Is("RAISERROR")) {
     ParseRaiseError(statement, head);
   } else if (head.Is("BACKUP")) {
@@ -155,7 +86,7 @@ Statement Parser::ParseOne() {
     statement.What = ParseCall(head);
   } else if (head.Is("COMMIT") || head.Is("ROLLBACK")) {
     const bool isNamed = TakeIf("TRANSACTION") || TakeIf("TRAN");
-    if (isNamed ? next_.IsName() && !IsBoundary(next_) : next_.Is("WORK")) Take();
+    if (isNamed ? Next().IsName() && !IsBoundary(Next()) : Next().Is("WORK")) Take();
     statement.What =
         TransactionStatement{head.Is("COMMIT") ? TransactionStatement::Action::Commit
                                                : TransactionStatement::Action::Rollback};
@@ -164,33 +95,31 @@ Statement Parser::ParseOne() {
   } else {
     ParseOther(statement, head);
   }
-  statement.Text.End = last_.At + last_.Raw.size();
+  statement.Text.End = At();
   --depth_;
   return statement;
 }
 
 void Parser::ParseData(Statement& statement, const Token& head) {
   using Verb = DataStatement::Verb;
-  Lexer ahead = lexer_;
-  if (head.Is("UPDATE") && next_.Is("STATISTICS")) {
+  if (head.Is("UPDATE") && Next().Is("STATISTICS")) {
     SkipToBoundary(head);
     statement.What = KeptStatement{KeptStatement::Action::Alter, "STATISTICS", {}, false};
     return;
   }
-  if (head.Is("SELECT") && next_.Kind == TokenKind::Variable && ahead.Next().IsSymbol("=")) {
+  Reader ahead = *this;
+  const bool isVariable = head.Is("SELECT") && ahead.Take().Kind == TokenKind::Variable;
+  if (isVariable && ahead.Next().IsSymbol("=")) {
     AssignVariables assigned;
     do {
       const std::string name = Take().Value();
       if (!TakeSymbol("=")) break;
       assigned.All.push_back({name, SkipValue()});
-    } while (TakeSymbol(",") && next_.Kind == TokenKind::Variable);
-    const bool isWhole = next_.Kind == TokenKind::End || next_.IsSymbol(";") || IsBoundary(next_);
-    const Range last = assigned.All.back().Value;
+    } while (TakeSymbol(",") && Next().Kind == TokenKind::Variable);
+    const bool isWhole = IsAtEnd() || Next().IsSymbol(";") || IsBoundary(Next());
     bool hasFrom = false;
-    Lexer inside(batch_, last.Begin, last.End);
-    for (Token token = inside.Next(); token.Kind != TokenKind::End; token = inside.Next()) {
-      hasFrom = hasFrom || token.Is("FROM");
-    }
+    Reader inside(batch_, assigned.All.back().Value);
+    while (!inside.IsAtEnd()) hasFrom |= inside.Take().Is("FROM");
     if (!isWhole || (hasFrom && assigned.All.size() > 1)) {
       return TakeUnknown(statement, head, "SELECT into variables");
     }
@@ -220,7 +149,7 @@ void Parser::ParseOther(Statement& statement, const Token& head) {
     ParseOne();
     statement.What = UnknownStatement{word};
   } else if (head.Is("MERGE")) {  // which a semicolon ends
-    while (next_.Kind != TokenKind::End && !next_.IsSymbol(";")) Take();
+    while (!IsAtEnd() && !Next().IsSymbol(";")) Take();
     statement.What = UnknownStatement{word};
   } else if (head.Kind == TokenKind::Word && !head.Is("ELSE") && !head.Is("END") &&
              sql::BeginsStatement(head.Raw)) {
@@ -236,7 +165,7 @@ void Parser::ParseOther(Statement& statement, const Token& head) {
 
 void Parser::ParseBegin(Statement& statement) {
   if (TakeIf("TRANSACTION") || TakeIf("TRAN")) {
-    if (next_.IsName() && !IsBoundary(next_)) Take();
+    if (Next().IsName() && !IsBoundary(Next())) Take();
     statement.What = TransactionStatement{TransactionStatement::Action::Begin};
   } else if (TakeIf("TRY")) {
     // What CATCH would do about an error is not done: the error is seen.
@@ -249,22 +178,22 @@ void Parser::ParseBegin(Statement& statement) {
     }
     if (!TakeIf("END")) ParseBlock();
     Expect("CATCH");
-  } else if (next_.Is("DISTRIBUTED") || next_.Is("CONVERSATION") || next_.Is("DIALOG")) {
-    TakeUnknown(statement, last_, "BEGIN " + UCase(next_.Raw));
+  } else if (Next().Is("DISTRIBUTED") || Next().Is("CONVERSATION") || Next().Is("DIALOG")) {
+    TakeUnknown(statement, Last(), "BEGIN " + UCase(Next().Raw));
   } else {
     statement.What = ParseBlock();
   }
 }
 
 Range Parser::SkipCondition() {
-  Range condition{next_.At, 0};
-  while (next_.Kind != TokenKind::End && !IsBoundary(next_)) {
-    if (next_.IsSymbol(";")) FailAt(next_);
+  Range condition{Next().At, 0};
+  while (!IsAtEnd() && !IsBoundary(Next())) {
+    if (Next().IsSymbol(";")) FailAt(Next());
     SkipValue();
     TakeSymbol(",");
   }
-  condition.End = last_.At + last_.Raw.size();
-  if (next_.Kind == TokenKind::End || condition.End <= condition.Begin) FailAt(next_);
+  condition.End = At();
+  if (IsAtEnd() || condition.End <= condition.Begin) FailAt(Next());
   return condition;
 }
 
@@ -272,8 +201,8 @@ IfStatement Parser::ParseIf() {
   IfStatement result;
   result.Condition = SkipCondition();
   result.Branches.push_back(ParseOne());
-  Lexer ahead = lexer_;
-  if (next_.IsSymbol(";") && ahead.Next().Is("ELSE")) Take();
+  Reader ahead = *this;
+  if (ahead.TakeSymbol(";") && ahead.Next().Is("ELSE")) Take();
   if (TakeIf("ELSE")) result.Branches.push_back(ParseOne());
   return result;
 }
@@ -284,31 +213,31 @@ Block Parser::ParseBlock() {
     while (TakeSymbol(";")) {
     }
     if (TakeIf("END")) break;
-    if (next_.Kind == TokenKind::End) FailAt(next_);
+    if (IsAtEnd()) FailAt(Next());
     block.Statements.push_back(ParseOne());
   }
-  if (block.Statements.empty()) FailAt(last_);
+  if (block.Statements.empty()) FailAt(Last());
   return block;
 }
 
 /// Skips an expression: up to a comma, a semicolon, or the next statement.
 Range Parser::SkipValue() {
-  Range value{next_.At, next_.At};
+  Range value{Next().At, Next().At};
   int parentheses = 0;
   int cases = 0;
-  while (next_.Kind != TokenKind::End) {
+  while (!IsAtEnd()) {
     if (parentheses == 0 && cases == 0 &&
-        (IsBoundary(next_) || next_.IsSymbol(",") || next_.IsSymbol(";") || next_.Is("GO"))) {
+        (IsBoundary(Next()) || Next().IsSymbol(",") || Next().IsSymbol(";") || Next().Is("GO"))) {
       break;
     }
-    if (next_.IsSymbol("(")) ++parentheses;
-    if (next_.IsSymbol(")") && --parentheses < 0) FailAt(next_);
-    if (next_.Is("CASE")) ++cases;
-    if (next_.Is("END")) --cases;
+    if (Next().IsSymbol("(")) ++parentheses;
+    if (Next().IsSymbol(")") && --parentheses < 0) FailAt(Next());
+    if (Next().Is("CASE")) ++cases;
+    if (Next().Is("END")) --cases;
     Take();
-    value.End = last_.At + last_.Raw.size();
+    value.End = At();
   }
-  if (parentheses > 0 || next_.Is("GO")) FailAt(next_);
+  if (parentheses > 0 || Next().Is("GO")) FailAt(Next());
   return value;
 }
 
@@ -329,15 +258,15 @@ void Parser::SkipToBoundary(const Token& head) {
   bool inGrantedList = IsAmong(head, "GRANT DENY REVOKE");
   // Elsewhere the word would be an alias or an argument.
   bool mayBeGo = IsAmong(head, "SELECT WITH EXEC EXECUTE");
-  while (next_.Kind != TokenKind::End) {
+  while (!IsAtEnd()) {
     // OPENROWSET('driver', 'server'; 'user'; 'password', …)
-    if (next_.IsSymbol(";") && (parentheses <= 0 || last_.Kind != TokenKind::String)) break;
-    if (next_.IsSymbol("(")) {
+    if (Next().IsSymbol(";") && (parentheses <= 0 || Last().Kind != TokenKind::String)) break;
+    if (Next().IsSymbol("(")) {
       ++parentheses;
-    } else if (next_.IsSymbol(")")) {
-      if (--parentheses < 0) FailAt(next_);
-    } else if (parentheses == 0 && next_.Kind == TokenKind::Word) {
-      const Token& word = next_;
+    } else if (Next().IsSymbol(")")) {
+      if (--parentheses < 0) FailAt(Next());
+    } else if (parentheses == 0 && Next().Kind == TokenKind::Word) {
+      const Token& word = Next();
       if (word.Is("GO") && !mayBeGo) FailAt(word);
       if (word.Is("CASE")) {
         ++cases;
@@ -351,16 +280,16 @@ void Parser::SkipToBoundary(const Token& head) {
       } else if (!hasAction && word.Is("ADD")) {
         hasAction = true;
       } else if (IsBoundary(word) && !inGrantedList) {
-        const bool goesOn = (word.Is("SELECT") &&
-                             (!hasSource || IsAmong(last_, "UNION ALL EXCEPT INTERSECT AS FOR"))) ||
-                            (IsAmong(word, "EXEC EXECUTE") && (!hasSource || last_.Is("WITH"))) ||
-                            (IsAmong(word, "UPDATE DELETE") && IsAmong(last_, "ON FOR")) ||
-                            (word.Is("INSERT") && last_.Is("BULK")) ||
-                            (word.Is("SET") && (!hasSet || IsAmong(last_, "UPDATE DELETE"))) ||
-                            (!hasAction && IsAmong(word, "DROP ALTER SET")) ||
-                            (word.Is("IF") && head.Is("DROP")) ||
-                            (word.Is("FETCH") && last_.Is("ROWS")) ||
-                            (!hasMain && IsAmong(word, "SELECT INSERT UPDATE DELETE"));
+        const bool goesOn =
+            (word.Is("SELECT") &&
+             (!hasSource || IsAmong(Last(), "UNION ALL EXCEPT INTERSECT AS FOR"))) ||
+            (IsAmong(word, "EXEC EXECUTE") && (!hasSource || Last().Is("WITH"))) ||
+            (IsAmong(word, "UPDATE DELETE") && IsAmong(Last(), "ON FOR")) ||
+            (word.Is("INSERT") && Last().Is("BULK")) ||
+            (word.Is("SET") && (!hasSet || IsAmong(Last(), "UPDATE DELETE"))) ||
+            (!hasAction && IsAmong(word, "DROP ALTER SET")) || (word.Is("IF") && head.Is("DROP")) ||
+            (word.Is("FETCH") && Last().Is("ROWS")) ||
+            (!hasMain && IsAmong(word, "SELECT INSERT UPDATE DELETE"));
         if (!goesOn) return;
         if (!hasMain) hasSet = !word.Is("UPDATE");
         if (!hasMain && word.Is("INSERT")) {
@@ -374,7 +303,7 @@ void Parser::SkipToBoundary(const Token& head) {
     }
     Take();
   }
-  if (parentheses > 0) FailAt(next_);
+  if (parentheses > 0) FailAt(Next());
 }
 
 }  // namespace talu::standin

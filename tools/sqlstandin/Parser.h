@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "Lexer.h"
 #include "Messages.h"
+#include "Reader.h"
 #include "Statements.h"
 
 namespace talu::standin {
@@ -14,25 +14,18 @@ namespace talu::standin {
 /// Reads the statements of one batch, one after another, in time linear in its length. Statements
 /// that the server itself executes are read word by word; for those that SQLite executes, and for
 /// unknown ones, only the extent is determined here.
-class Parser {
+class Parser : private Reader {
  public:
-  explicit Parser(std::string_view batch) : batch_(batch), lexer_(batch), next_(lexer_.Next()) {}
+  explicit Parser(std::string_view batch) : Reader(batch), batch_(batch) {}
 
   /// The next statement; nothing at the end. Raises SqlFailure for what no server could read (102
   /// and 156 near the word, 105, 111, 113).
-  std::optional<Statement> Next();
+  std::optional<Statement> NextStatement();
 
  private:
-  Token Take();
-  bool TakeIf(std::string_view keyword);
-  bool TakeSymbol(std::string_view symbol);
-  void Expect(std::string_view keyword);
-  void ExpectSymbol(std::string_view symbol);
-  std::string TakeName();
-  std::string TakeObjectName();
+  [[noreturn]] void FailAt(const Token& token) const override;
   std::string TakeString();
   int TakeNumber();
-  [[noreturn]] void FailAt(const Token& token) const;
 
   Statement ParseOne();
   void ParseData(Statement& statement, const Token& head);
@@ -54,24 +47,18 @@ class Parser {
   void ParseCreateDatabase(Statement& statement, const Token& head);
   std::vector<std::string> ParseFiles();
   void ParseAlterDatabase(Statement& statement, const Token& head);
-  DropDatabase ParseDropDatabase();
   void ParseRestore(Statement& statement, const Token& head);
   void ParseBackup(Statement& statement, const Token& head);
-  CreateLogin ParseCreateLogin();
-  CreateUser ParseCreateUser();
+  CatalogueStatement ParseCreateLogin();
+  CatalogueStatement ParseCreateUser();
   void SkipOptionList(std::string_view known);
 
   void TakeUnknown(Statement& statement, const Token& head, std::string construct);
   void SkipToBoundary(const Token& head);
 
   std::string_view batch_;
-  Lexer lexer_;
-  Token next_;
-  /// The last token read: an error at the end of the batch names it.
-  Token last_;
   bool isFirst_ = true;
   int depth_ = 0;
-  int parentheses_ = 0;
 };
 
 }  // namespace talu::standin

@@ -40,19 +40,19 @@ void Parser::ParseCreate(Statement& statement, const Token& head) {
   } else if (TakeIf("TABLE")) {
     SkipToBoundary(head);
     statement.What = DataStatement{Verb::CreateTable};
-  } else if (IsAmong(next_, "UNIQUE CLUSTERED NONCLUSTERED INDEX")) {
+  } else if (IsAmong(Next(), "UNIQUE CLUSTERED NONCLUSTERED INDEX")) {
     SkipToBoundary(head);
     statement.What = DataStatement{Verb::CreateIndex};
   } else if (TakeIf("OR")) {
     Expect("ALTER");
-    if (!IsAmong(next_, kModules)) FailAt(next_);
+    if (!IsAmong(Next(), kModules)) FailAt(Next());
     ParseKept(statement, head, Action::CreateOrAlter);
-  } else if (IsAmong(next_, kKept)) {
+  } else if (IsAmong(Next(), kKept)) {
     ParseKept(statement, head, Action::Create);
-  } else if (IsAmong(next_, kOthers)) {
-    TakeUnknown(statement, head, "CREATE " + UCase(next_.Raw));
+  } else if (IsAmong(Next(), kOthers)) {
+    TakeUnknown(statement, head, "CREATE " + UCase(Next().Raw));
   } else {
-    FailAt(next_);
+    FailAt(Next());
   }
 }
 
@@ -62,39 +62,41 @@ void Parser::ParseAlter(Statement& statement, const Token& head) {
   } else if (TakeIf("TABLE")) {
     SkipToBoundary(head);
     statement.What = DataStatement{DataStatement::Verb::AlterTable};
-  } else if (IsAmong(next_, kKept) || next_.Is("USER") || next_.Is("INDEX")) {
+  } else if (IsAmong(Next(), kKept) || Next().Is("USER") || Next().Is("INDEX")) {
     ParseKept(statement, head, KeptStatement::Action::Alter);
-  } else if (IsAmong(next_, kOthers)) {
-    TakeUnknown(statement, head, "ALTER " + UCase(next_.Raw));
+  } else if (IsAmong(Next(), kOthers)) {
+    TakeUnknown(statement, head, "ALTER " + UCase(Next().Raw));
   } else {
-    FailAt(next_);
+    FailAt(Next());
   }
 }
 
 void Parser::ParseDrop(Statement& statement, const Token& head) {
   using Verb = DataStatement::Verb;
   if (TakeIf("DATABASE")) {
-    statement.What = ParseDropDatabase();
+    CatalogueStatement drop{CatalogueStatement::Action::Drop, {}};
+    drop.IfExists = TakeIfExists();
+    do {
+      drop.Names.push_back(TakeName());
+    } while (TakeSymbol(","));
+    statement.What = std::move(drop);
   } else if (TakeIf("LOGIN")) {
-    statement.What = DropLogin{TakeName()};
+    statement.What = CatalogueStatement{CatalogueStatement::Action::DropLogin, {TakeName()}};
   } else if (TakeIf("USER")) {
-    DropUser drop;
-    if (TakeIf("IF")) {
-      Expect("EXISTS");
-      drop.IfExists = true;
-    }
-    drop.Name = TakeName();
-    statement.What = drop;
-  } else if (next_.Is("TABLE") || next_.Is("INDEX")) {
-    const bool isTable = next_.Is("TABLE");
+    CatalogueStatement drop{CatalogueStatement::Action::DropUser, {}};
+    drop.IfExists = TakeIfExists();
+    drop.Names = {TakeName()};
+    statement.What = std::move(drop);
+  } else if (Next().Is("TABLE") || Next().Is("INDEX")) {
+    const bool isTable = Next().Is("TABLE");
     SkipToBoundary(head);
     statement.What = DataStatement{isTable ? Verb::DropTable : Verb::DropIndex};
-  } else if (IsAmong(next_, kKept)) {
+  } else if (IsAmong(Next(), kKept)) {
     ParseKept(statement, head, KeptStatement::Action::Drop);
-  } else if (IsAmong(next_, kOthers)) {
-    TakeUnknown(statement, head, "DROP " + UCase(next_.Raw));
+  } else if (IsAmong(Next(), kOthers)) {
+    TakeUnknown(statement, head, "DROP " + UCase(Next().Raw));
   } else {
-    FailAt(next_);
+    FailAt(Next());
   }
 }
 
@@ -118,22 +120,19 @@ void Parser::ParseKept(Statement& statement, const Token& head, KeptStatement::A
     failure.At = head.At;
     throw failure;
   }
-  if (action == Action::Drop && TakeIf("IF")) {
-    Expect("EXISTS");
-    kept.IfExists = true;
-  }
+  kept.IfExists = action == Action::Drop && TakeIfExists();
   // What follows these words is no name of an object, or one that nothing refers to.
   const bool hasName =
       !IsAmong(kind, "AUTHORIZATION FULLTEXT INDEX PRIMARY SPATIAL STATISTICS XML") &&
-      !(isSchema && next_.Is("AUTHORIZATION"));
+      !(isSchema && Next().Is("AUTHORIZATION"));
   if (hasName) {
     do {
       kept.Names.push_back(TakeObjectName());
     } while (action == Action::Drop && TakeSymbol(","));
   }
   if (isModule) {
-    if (next_.Kind == TokenKind::End) FailAt(next_);
-    while (next_.Kind != TokenKind::End) Take();
+    if (IsAtEnd()) FailAt(Next());
+    while (!IsAtEnd()) Take();
   } else {
     SkipToBoundary(head);
   }
@@ -141,25 +140,25 @@ void Parser::ParseKept(Statement& statement, const Token& head, KeptStatement::A
 }
 
 void Parser::ParseSet(Statement& statement, const Token& head) {
-  if (next_.Kind == TokenKind::Variable) {
+  if (Next().Kind == TokenKind::Variable) {
     const std::string name = Take().Value();
-    if (!TakeSymbol("=") || next_.Is("CURSOR")) return TakeUnknown(statement, head, "SET");
+    if (!TakeSymbol("=") || Next().Is("CURSOR")) return TakeUnknown(statement, head, "SET");
     statement.What = AssignVariables{{{name, SkipValue()}}};
     return;
   }
-  if (!next_.IsName()) FailAt(next_);
+  if (!Next().IsName()) FailAt(Next());
   SetOption option;
   if (TakeIf("NOCOUNT")) {
     option.What = SetOption::Option::NoCount;
   } else if (TakeIf("IDENTITY_INSERT")) {
     option.What = SetOption::Option::IdentityInsert;
     option.Table = TakeObjectName();
-  } else if (!IsAmong(next_, kSetOptions)) {
-    throw SqlFailure(message::kUnknownSetOption(next_.Value()), true);
+  } else if (!IsAmong(Next(), kSetOptions)) {
+    throw SqlFailure(message::kUnknownSetOption(Next().Value()), true);
   }
-  if (option.What == SetOption::Option::Other || next_.IsSymbol(",")) {
+  if (option.What == SetOption::Option::Other || Next().IsSymbol(",")) {
     SkipToBoundary(head);
-    option.On = last_.Is("ON");
+    option.On = Last().Is("ON");
   } else if (TakeIf("ON")) {
     option.On = true;
   } else {
@@ -171,18 +170,18 @@ void Parser::ParseSet(Statement& statement, const Token& head) {
 void Parser::ParseDeclare(Statement& statement, const Token& head) {
   AssignVariables declared;
   do {
-    if (next_.Kind != TokenKind::Variable) {
-      if (!next_.IsName()) FailAt(next_);
+    if (Next().Kind != TokenKind::Variable) {
+      if (!Next().IsName()) FailAt(Next());
       return TakeUnknown(statement, head, "DECLARE CURSOR");
     }
     const std::string name = Take().Value();
     TakeIf("AS");
-    if (next_.Is("TABLE") || next_.Is("CURSOR")) {
-      return TakeUnknown(statement, head, "DECLARE " + UCase(next_.Raw));
+    if (Next().Is("TABLE") || Next().Is("CURSOR")) {
+      return TakeUnknown(statement, head, "DECLARE " + UCase(Next().Raw));
     }
     TakeObjectName();
     if (TakeSymbol("(")) {
-      while (next_.Kind != TokenKind::End && !next_.IsSymbol(")")) Take();
+      while (!IsAtEnd() && !Next().IsSymbol(")")) Take();
       ExpectSymbol(")");
     }
     declared.All.push_back({name, TakeSymbol("=") ? SkipValue() : Range{}});
@@ -192,10 +191,11 @@ void Parser::ParseDeclare(Statement& statement, const Token& head) {
 
 void Parser::ParseRaiseError(Statement& statement, const Token& head) {
   RaiseError raise;
-  Lexer ahead = lexer_;
-  const Token text = ahead.Next();
-  const Token comma = ahead.Next();
-  const Token severity = ahead.Next();
+  Reader ahead = *this;
+  ahead.Take();  // (
+  const Token text = ahead.Take();
+  const Token comma = ahead.Take();
+  const Token severity = ahead.Take();
   SkipToBoundary(head);
   if (text.Kind != TokenKind::String || !comma.IsSymbol(",") ||
       severity.Kind != TokenKind::Number || severity.Raw.size() > 2 ||
@@ -212,27 +212,28 @@ void Parser::ParseRaiseError(Statement& statement, const Token& head) {
 CallProcedure Parser::ParseCall(const Token& head) {
   CallProcedure call;
   const bool isBare = !IsAmong(head, "EXEC EXECUTE");
-  if (!isBare && next_.IsSymbol("(")) {
-    Lexer ahead = lexer_;
-    const Token text = ahead.Next();
+  if (!isBare && Next().IsSymbol("(")) {
+    Reader ahead = *this;
+    ahead.Take();
+    const Token text = ahead.Take();
     call.HasOnlyTexts = text.Kind == TokenKind::String && ahead.Next().IsSymbol(")");
     if (call.HasOnlyTexts) call.Texts.push_back(text.Value());
     SkipToBoundary(head);
     return call;
   }
-  if (!isBare && next_.Kind == TokenKind::Variable) {
+  if (!isBare && Next().Kind == TokenKind::Variable) {
     Take();  // EXEC @result = name
     if (!TakeSymbol("=")) call.HasOnlyTexts = false;
   }
   if (call.HasOnlyTexts) call.Name = isBare ? head.Value() : TakeObjectName();
-  while (TakeSymbol(".")) call.Name = next_.IsSymbol(".") ? std::string() : TakeName();
+  while (TakeSymbol(".")) call.Name = Next().IsSymbol(".") ? std::string() : TakeName();
   // Its arguments: N'text', @name = N'text'.
   const auto isText = [this] {
-    return next_.Kind == TokenKind::String || next_.Kind == TokenKind::Name ||
-           (next_.Kind == TokenKind::Word && !sql::IsReserved(next_.Raw));
+    return Next().Kind == TokenKind::String || Next().Kind == TokenKind::Name ||
+           (Next().Kind == TokenKind::Word && !sql::IsReserved(Next().Raw));
   };
-  while (isText() || next_.Kind == TokenKind::Variable) {
-    if (next_.Kind == TokenKind::Variable) {
+  while (isText() || Next().Kind == TokenKind::Variable) {
+    if (Next().Kind == TokenKind::Variable) {
       Take();
       if (!TakeSymbol("=")) call.HasOnlyTexts = false;
     }
@@ -240,9 +241,9 @@ CallProcedure Parser::ParseCall(const Token& head) {
     call.Texts.push_back(Take().Value());
     if (!TakeSymbol(",")) break;
   }
-  const std::size_t end = last_.At;
+  const std::size_t end = Last().At;
   SkipToBoundary(head);
-  if (last_.At != end) call.HasOnlyTexts = false;
+  if (Last().At != end) call.HasOnlyTexts = false;
   return call;
 }
 

@@ -27,8 +27,8 @@ constexpr std::string_view kBackupOptions =
 }  // namespace
 
 void Parser::ParseCreateDatabase(Statement& statement, const Token& head) {
-  if (IsAmong(next_, "AUDIT ENCRYPTION SCOPED")) {
-    return TakeUnknown(statement, head, "CREATE DATABASE " + UCase(next_.Raw));
+  if (IsAmong(Next(), "AUDIT ENCRYPTION SCOPED")) {
+    return TakeUnknown(statement, head, "CREATE DATABASE " + UCase(Next().Raw));
   }
   CreateDatabase create;
   create.Name = TakeName();
@@ -45,8 +45,8 @@ void Parser::ParseCreateDatabase(Statement& statement, const Token& head) {
     create.LogFiles = ParseFiles();
   }
   if (TakeIf("COLLATE")) TakeName();
-  if (next_.Is("FOR") || next_.Is("AS")) {
-    return TakeUnknown(statement, head, "CREATE DATABASE " + UCase(next_.Raw));
+  if (Next().Is("FOR") || Next().Is("AS")) {
+    return TakeUnknown(statement, head, "CREATE DATABASE " + UCase(Next().Raw));
   }
   if (TakeIf("WITH")) SkipToBoundary(head);
   statement.What = std::move(create);
@@ -68,7 +68,7 @@ std::vector<std::string> Parser::ParseFiles() {
       if (key.Is("FILENAME")) {
         path = TakeString();
       } else if (key.Is("NAME")) {
-        if (next_.Kind == TokenKind::String) {
+        if (Next().Kind == TokenKind::String) {
           Take();
         } else {
           TakeName();
@@ -76,13 +76,13 @@ std::vector<std::string> Parser::ParseFiles() {
       } else if (IsAmong(key, "SIZE MAXSIZE FILEGROWTH")) {
         // 10, 10MB, 10 %, UNLIMITED
         if (!TakeIf("UNLIMITED")) TakeNumber();
-        if (next_.Kind == TokenKind::Word || next_.IsSymbol("%")) Take();
+        if (Next().Kind == TokenKind::Word || Next().IsSymbol("%")) Take();
       } else {
         FailAt(key);
       }
     } while (TakeSymbol(","));
     ExpectSymbol(")");
-    if (path.empty()) FailAt(last_);
+    if (path.empty()) FailAt(Last());
     files.push_back(std::move(path));
   } while (TakeSymbol(","));
   return files;
@@ -90,12 +90,12 @@ std::vector<std::string> Parser::ParseFiles() {
 
 void Parser::ParseAlterDatabase(Statement& statement, const Token& head) {
   AlterDatabase alter;
-  if (IsAmong(next_, "AUDIT ENCRYPTION SCOPED")) {
-    return TakeUnknown(statement, head, "ALTER DATABASE " + UCase(next_.Raw));
+  if (IsAmong(Next(), "AUDIT ENCRYPTION SCOPED")) {
+    return TakeUnknown(statement, head, "ALTER DATABASE " + UCase(Next().Raw));
   }
   if (!TakeIf("CURRENT")) alter.Name = TakeName();
-  if (IsAmong(next_, "ADD MODIFY REMOVE")) {
-    return TakeUnknown(statement, head, "ALTER DATABASE " + UCase(next_.Raw));
+  if (IsAmong(Next(), "ADD MODIFY REMOVE")) {
+    return TakeUnknown(statement, head, "ALTER DATABASE " + UCase(Next().Raw));
   }
   if (TakeIf("COLLATE")) {
     TakeName();
@@ -112,17 +112,17 @@ void Parser::ParseAlterDatabase(Statement& statement, const Token& head) {
       alter.What = AlterDatabase::Action::SingleUser;
     } else {
       // Options that have no effect on this server: ON, = ON, = 100 SECONDS, (…), FULL.
-      if (!IsAmong(next_, kDatabaseOptions)) FailAt(next_);
+      if (!IsAmong(Next(), kDatabaseOptions)) FailAt(Next());
       Take();
       TakeSymbol("=");
-      while (next_.Kind == TokenKind::Number || next_.Kind == TokenKind::String ||
-             IsAmong(next_,
+      while (Next().Kind == TokenKind::Number || Next().Kind == TokenKind::String ||
+             IsAmong(Next(),
                      "ON OFF FULL SIMPLE BULK_LOGGED CHECKSUM TORN_PAGE_DETECTION NONE "
                      "LOCAL GLOBAL FORCED SECONDS MINUTES ALLOWED DISABLED CLEAR PARTIAL")) {
         Take();
       }
-      if (next_.IsSymbol("(")) SkipValue();
-      if (next_.Kind == TokenKind::Name) Take();
+      if (Next().IsSymbol("(")) SkipValue();
+      if (Next().Kind == TokenKind::Name) Take();
     }
   } while (TakeSymbol(","));
   if (TakeIf("WITH")) {
@@ -141,29 +141,17 @@ void Parser::ParseAlterDatabase(Statement& statement, const Token& head) {
   statement.What = std::move(alter);
 }
 
-DropDatabase Parser::ParseDropDatabase() {
-  DropDatabase drop;
-  if (TakeIf("IF")) {
-    Expect("EXISTS");
-    drop.IfExists = true;
-  }
-  do {
-    drop.Names.push_back(TakeName());
-  } while (TakeSymbol(","));
-  return drop;
-}
-
 void Parser::ParseBackup(Statement& statement, const Token& head) {
-  if (!next_.Is("DATABASE")) {
-    if (!IsAmong(next_, "LOG CERTIFICATE MASTER SERVICE SYMMETRIC")) FailAt(next_);
-    return TakeUnknown(statement, head, "BACKUP " + UCase(next_.Raw));
+  if (!Next().Is("DATABASE")) {
+    if (!IsAmong(Next(), "LOG CERTIFICATE MASTER SERVICE SYMMETRIC")) FailAt(Next());
+    return TakeUnknown(statement, head, "BACKUP " + UCase(Next().Raw));
   }
   Take();
   BackupDatabase backup;
   backup.Name = TakeName();
   Expect("TO");
-  if (IsAmong(next_, "URL TAPE VIRTUAL_DEVICE")) {
-    return TakeUnknown(statement, head, "BACKUP DATABASE TO " + UCase(next_.Raw));
+  if (IsAmong(Next(), "URL TAPE VIRTUAL_DEVICE")) {
+    return TakeUnknown(statement, head, "BACKUP DATABASE TO " + UCase(Next().Raw));
   }
   Expect("DISK");
   ExpectSymbol("=");
@@ -175,13 +163,13 @@ void Parser::ParseBackup(Statement& statement, const Token& head) {
       } else if (TakeIf("STATS")) {
         backup.Stats = TakeSymbol("=") ? TakeNumber() : 10;
       } else {
-        if (next_.Is("DIFFERENTIAL")) {
+        if (Next().Is("DIFFERENTIAL")) {
           return TakeUnknown(statement, head, "BACKUP DATABASE WITH DIFFERENTIAL");
         }
-        if (!IsAmong(next_, kBackupOptions)) FailAt(next_);
+        if (!IsAmong(Next(), kBackupOptions)) FailAt(Next());
         Take();
         if (TakeSymbol("=")) {
-          if (next_.Kind != TokenKind::String && next_.Kind != TokenKind::Number) FailAt(next_);
+          if (Next().Kind != TokenKind::String && Next().Kind != TokenKind::Number) FailAt(Next());
           Take();
         }
       }
@@ -191,7 +179,7 @@ void Parser::ParseBackup(Statement& statement, const Token& head) {
 }
 
 void Parser::ParseRestore(Statement& statement, const Token& head) {
-  if (!next_.Is("VERIFYONLY")) return TakeUnknown(statement, head, "RESTORE");
+  if (!Next().Is("VERIFYONLY")) return TakeUnknown(statement, head, "RESTORE");
   Take();
   Expect("FROM");
   Expect("DISK");
@@ -201,19 +189,17 @@ void Parser::ParseRestore(Statement& statement, const Token& head) {
   statement.What = std::move(verify);
 }
 
-CreateLogin Parser::ParseCreateLogin() {
-  CreateLogin create;
-  create.Name = TakeName();
+CatalogueStatement Parser::ParseCreateLogin() {
+  CatalogueStatement create{CatalogueStatement::Action::CreateLogin, {TakeName()}};
   if (TakeIf("FROM")) {
     Expect("WINDOWS");
-    create.IsWindows = true;
     if (TakeIf("WITH")) SkipOptionList("DEFAULT_DATABASE DEFAULT_LANGUAGE");
     return create;
   }
   Expect("WITH");
   Expect("PASSWORD");
   ExpectSymbol("=");
-  create.Password = TakeString();
+  create.Value = TakeString();
   TakeIf("MUST_CHANGE");
   if (TakeSymbol(",")) {
     SkipOptionList("SID DEFAULT_DATABASE DEFAULT_LANGUAGE CHECK_EXPIRATION CHECK_POLICY");
@@ -221,16 +207,15 @@ CreateLogin Parser::ParseCreateLogin() {
   return create;
 }
 
-CreateUser Parser::ParseCreateUser() {
-  CreateUser create;
-  create.Name = TakeName();
-  create.Login = create.Name;
+CatalogueStatement Parser::ParseCreateUser() {
+  CatalogueStatement create{CatalogueStatement::Action::CreateUser, {TakeName()}};
+  create.Value = create.Names.front();
   if (TakeIf("WITHOUT")) {
     Expect("LOGIN");
-    create.Login.clear();
+    create.Value = "";
   } else if (TakeIf("FOR") || TakeIf("FROM")) {
     Expect("LOGIN");
-    create.Login = TakeName();
+    create.Value = TakeName();
   }
   if (TakeIf("WITH")) SkipOptionList("DEFAULT_SCHEMA DEFAULT_LANGUAGE");
   return create;
@@ -238,10 +223,10 @@ CreateUser Parser::ParseCreateUser() {
 
 void Parser::SkipOptionList(std::string_view known) {
   do {
-    if (!IsAmong(next_, known)) FailAt(next_);
+    if (!IsAmong(Next(), known)) FailAt(Next());
     Take();
     ExpectSymbol("=");
-    if (next_.Kind == TokenKind::Binary || next_.Is("ON") || next_.Is("OFF")) {
+    if (Next().Kind == TokenKind::Binary || Next().Is("ON") || Next().Is("OFF")) {
       Take();
     } else {
       TakeName();

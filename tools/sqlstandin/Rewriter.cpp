@@ -1,50 +1,43 @@
 #include "Rewriter.h"
 
 #include <algorithm>
-#include <array>
 
-#include "KeptObjects.h"
 #include "Messages.h"
 #include "TableDefinition.h"
 #include "TokenCopier.h"
-#include "runtime/TextFunctions.h"
-#include "sql/Names.h"
 
 namespace talu::standin {
-
 namespace {
 
-/// Words of the language that are not reserved.
-constexpr std::string_view kClauses =
-    "APPLY CUBE FILESTREAM GENERATED INCLUDE MASKED OFFSET OUTPUT PATH PERCENT PERIOD RETURNS "
-    "ROLLUP SYSTEM_VERSIONING TIES";
+std::string Quoted(std::string_view text, char quote) {
+  std::string quoted(1, quote);
+  quoted.reserve(text.size() + 2);
+  for (const char c : text) quoted.append(c == quote ? 2 : 1, c);
+  return quoted += quote;
+}
+
+/// An index name belongs to its table in T-SQL and to the whole database in SQLite.
+std::string IndexName(const Rewriter::TableName& table, const std::string& index) {
+  return table.Prefix + QuoteName(table.Table + "." + index);
+}
 
 }  // namespace
 
 std::string QuoteName(std::string_view name) {
-  std::string quoted = "\"";
-  for (const char c : name) {
-    quoted += c;
-    if (c == '"') quoted += c;
-  }
-  return quoted += '"';
+  return Quoted(name, '"');
+}
+
+std::string QuoteNames(const std::vector<std::string>& names) {
+  std::string quoted;
+  for (const std::string& name : names) quoted += (quoted.empty() ? "" : ", ") + QuoteName(name);
+  return quoted;
 }
 
 std::string QuoteText(std::string_view text) {
-  std::string quoted;
-  if (text.find('\0') == std::string_view::npos) {
-    quoted.reserve(text.size() + 2);
-    quoted += '\'';
-    for (const char c : text) {
-      quoted += c;
-      if (c == '\'') quoted += c;
-    }
-    return quoted += '\'';
-  }
+  if (text.find('\0') == std::string_view::npos) return Quoted(text, '\'');
   // SQLite's parser stops at a NUL, so a text with one is written as bytes.
   static constexpr std::string_view kDigits = "0123456789ABCDEF";
-  quoted.reserve(text.size() * 2 + 20);
-  quoted += "CAST(X'";
+  std::string quoted = "CAST(X'";
   for (const char c : text) {
     quoted += kDigits[static_cast<unsigned char>(c) >> 4];
     quoted += kDigits[static_cast<unsigned char>(c) & 0xF];
@@ -56,36 +49,42 @@ std::string Rewriter::TableName::Quoted() const {
   return Prefix + QuoteName(Table);
 }
 
-void Rewriter::FailAt(const Token& token) {
-  const bool isWord =
-      token.Kind == TokenKind::Word && (sql::IsReserved(token.Raw) || IsAmong(token, kClauses));
-  throw NotKnown(isWord || token.Kind == TokenKind::Symbol ? UCase(token.Raw) : std::string());
-}
-
 std::vector<std::string> Rewriter::Rewrite(DataStatement::Verb verb, Range text) {
   using Verb = DataStatement::Verb;
+  Reader reader(batch_, text);
   switch (verb) {
     case Verb::Insert:
-      return {RewriteInsert(text)};
+      if (!reader.TakeIf("INSERT")) break;  // after common table expressions
+      return {RewriteInsert(reader, text.End)};
     case Verb::CreateTable:
-      return TableDefinition(batch_, *this).Create(text, target_);
-    case Verb::AlterTable:
-      return TableDefinition(batch_, *this).Alter(text);
-    case Verb::Truncate:
-      return RewriteTruncate(text);
-    case Verb::CreateIndex:
-      return {RewriteCreateIndex(text)};
-    case Verb::DropIndex:
-      return {RewriteDropIndex(text)};
-    case Verb::DropTable:
-      return RewriteDropTable(text);
-    case Verb::Delete: {
-      // FROM may be omitted.
-      Lexer lexer(batch_, text.Begin, text.End);
-      const Token head = lexer.Next();
-      if (!head.Is("DELETE") || lexer.Peek().Is("FROM")) return {RewriteExpression(text)};
-      return {"DELETE FROM " + RewriteExpression({head.At + head.Raw.size(), text.End})};
+    case Verb::AlterTable: {
+      reader.Take();
+      reader.Take();
+      const TableName table = TakeTableName(reader);
+      target_ = table.Table;
+      TableDefinition definition(reader, *this, table);
+      return verb == Verb::CreateTable ? definition.Create() : definition.Alter();
     }
+    case Verb::Truncate:
+      return RewriteTruncate(reader);
+    case Verb::CreateIndex:
+      return {RewriteCreateIndex(reader, text.End)};
+    case Verb::DropIndex:
+      return {RewriteDropIndex(reader)};
+    case Verb::DropTable: {
+      reader.Take();
+      reader.Take();
+      const std::string head = reader.TakeIfExists() ? "DROP TABLE IF EXISTS " : "DROP TABLE ";
+      std::vector<std::string> statements;
+      do {
+        statements.push_back(head + TakeTableName(reader).Quoted());
+      } while (reader.TakeSymbol(","));
+      reader.ExpectEnd();
+      return statements;
+    }
+    case Verb::Delete:  // FROM may be omitted
+      if (!reader.TakeIf("DELETE") || reader.Next().Is("FROM")) break;
+      return {"DELETE FROM" + RewriteExpression({reader.At(), text.End})};
     case Verb::Select:
     case Verb::Update:
       break;
@@ -94,198 +93,115 @@ std::vector<std::string> Rewriter::Rewrite(DataStatement::Verb verb, Range text)
 }
 
 std::string Rewriter::RewriteExpression(Range range) {
-  return TokenCopier(Lexer(batch_, range.Begin, range.End), environment_).CopyAll();
+  return TokenCopier(Reader(batch_, range), environment_).CopyAll();
 }
 
-Rewriter::TableName Rewriter::TakeTableName(Lexer& lexer) {
-  Token last = lexer.Peek();
-  std::vector<std::string> parts(1);
-  while (true) {
-    const Token token = lexer.Peek();
-    if (token.IsName()) {
-      last = lexer.Next();
-      if (last.Kind == TokenKind::Word && last.Raw.front() == '#') FailAt(last);
-      parts.back() = last.Value();
-    } else if (!token.IsSymbol(".")) {
-      FailAt(token);
-    }
-    if (!lexer.Peek().IsSymbol(".")) break;
-    last = lexer.Next();
-    parts.emplace_back();
-  }
-  TableName name;
-  name.Table = parts.back();
-  if (name.Table.empty()) FailAt(lexer.Peek());
-  if (parts.size() == 3) name.Prefix = environment_.PrefixOf(parts.front());
-  const std::string schema = parts.size() < 2 ? "" : parts[parts.size() - 2];
+Rewriter::TableName Rewriter::TakeTableName(Reader& reader) {
+  const Token first = reader.Next();
+  const std::vector<std::string> parts = reader.TakeParts();
+  if (first.Raw.front() == '#') FailNotKnown(first);
   if (parts.size() > 3) throw NotKnown("a linked server");
-  name.Table = DataName(schema, name.Table);
+  TableName name;
+  if (parts.size() == 3) name.Prefix = environment_.PrefixOf(parts.front());
+  name.Table = DataName(parts.size() < 2 ? "" : parts[parts.size() - 2], parts.back());
   return name;
 }
 
 std::string Rewriter::RewriteView(Range text) {
   while (batch_[text.End - 1] == ';' || batch_[text.End - 1] <= ' ') --text.End;
-  Lexer lexer(batch_, text.Begin, text.End);
-  while (!lexer.Next().Is("VIEW")) {
+  Reader reader(batch_, text);
+  while (!reader.Take().Is("VIEW")) {
   }
-  target_ = TakeTableName(lexer).Table;
+  target_ = TakeTableName(reader).Table;
   std::string columns;
-  if (lexer.Peek().IsSymbol("(")) columns = RewriteExpression(TakeGroup(lexer));
-  while (!lexer.Peek().Is("AS")) {  // WITH SCHEMABINDING
-    if (lexer.Next().Kind == TokenKind::End) FailAt(lexer.Peek());
+  if (reader.Next().IsSymbol("(")) columns = RewriteExpression(reader.TakeGroup());
+  while (!reader.Next().Is("AS")) {  // WITH SCHEMABINDING
+    if (reader.Take().Kind == TokenKind::End) FailNotKnown(reader.Next());
   }
   return "CREATE VIEW " + QuoteName(target_) + columns +
-         RewriteExpression({lexer.Peek().At, text.End});
+         RewriteExpression({reader.Next().At, text.End});
 }
 
-bool Rewriter::HasType(const Lexer& lexer, const Token& first) {
-  const std::vector<std::string> names =
-      NamesIn(batch_.substr(first.At, lexer.Peek().At - first.At), false);
-  return !names.empty() && environment_.HasType(names.front());
-}
-
-std::string Rewriter::RewriteInsert(Range range) {
-  Lexer lexer(batch_, range.Begin, range.End);
-  Token last = lexer.Next();
-  if (!last.Is("INSERT")) return RewriteExpression(range);  // after common table expressions
-  if (lexer.Peek().Is("INTO")) last = lexer.Next();
-  const TableName table = TakeTableName(lexer);
+std::string Rewriter::RewriteInsert(Reader& reader, std::size_t end) {
+  reader.TakeIf("INTO");
+  const TableName table = TakeTableName(reader);
   const std::vector<TableColumn> columns = environment_.Columns(table.Prefix, table.Table);
-  const bool allowsIdentity = environment_.AllowsIdentityInsert(table.Table);
-  std::string list;
-  Token next = lexer.Peek();
-  if (next.IsSymbol("(")) {
-    last = lexer.Next();
-    do {
-      const Token name = lexer.Next();
-      if (!name.IsName()) FailAt(name);
-      const std::string column = name.Value();
-      const bool isIdentity = std::any_of(columns.begin(), columns.end(), [&](const auto& each) {
-        return each.IsIdentity && SameName(each.Name, column);
+  const bool hasIdentity = std::ranges::any_of(columns, &TableColumn::IsIdentity);
+  std::vector<std::string> names;
+  if (reader.Next().IsSymbol("(")) {
+    names = reader.TakeNames();
+    const auto isIdentity = [&](const std::string& name) {
+      return std::ranges::any_of(columns, [&](const TableColumn& column) {
+        return column.IsIdentity && SameName(column.Name, name);
       });
-      if (isIdentity && !allowsIdentity) {
-        throw SqlFailure(message::kExplicitIdentity(table.Table));
-      }
-      list += (list.empty() ? "" : ", ") + QuoteName(column);
-      last = lexer.Next();
-    } while (last.IsSymbol(","));
-    if (!last.IsSymbol(")")) FailAt(last);
-    next = lexer.Peek();
-  } else if (!next.Is("DEFAULT") && std::any_of(columns.begin(), columns.end(),
-                                                [](const auto& each) { return each.IsIdentity; })) {
+    };
+    if (hasIdentity && std::ranges::any_of(names, isIdentity) &&
+        !environment_.AllowsIdentityInsert(table.Table)) {
+      throw SqlFailure(message::kExplicitIdentity(table.Table));
+    }
+  } else if (hasIdentity && !reader.Next().Is("DEFAULT")) {
     // Without a list the values are for all columns except the identity.
     addedColumns_ = true;
     for (const TableColumn& column : columns) {
-      if (!column.IsIdentity) list += (list.empty() ? "" : ", ") + QuoteName(column.Name);
+      if (!column.IsIdentity) names.push_back(column.Name);
     }
   }
-  if (next.Kind == TokenKind::End) FailAt(next);
-  std::string sql = "INSERT INTO " + table.Quoted();
-  if (!list.empty()) sql += " (" + list + ")";
-  return sql + " " + RewriteExpression({next.At, range.End});
+  if (reader.IsAtEnd()) FailNotKnown(reader.Next());
+  return "INSERT INTO " + table.Quoted() + (names.empty() ? "" : " (" + QuoteNames(names) + ")") +
+         RewriteExpression({reader.Next().At, end});
 }
 
-std::vector<std::string> Rewriter::RewriteTruncate(Range range) {
-  Lexer lexer(batch_, range.Begin, range.End);
-  lexer.Next();
-  lexer.Next();
-  const TableName table = TakeTableName(lexer);
-  if (lexer.Peek().Kind != TokenKind::End) FailAt(lexer.Peek());
+std::vector<std::string> Rewriter::RewriteTruncate(Reader& reader) {
+  reader.Take();
+  reader.Take();
+  const TableName table = TakeTableName(reader);
+  reader.ExpectEnd();
   std::vector<std::string> statements{"DELETE FROM " + table.Quoted()};
-  const auto columns = environment_.Columns(table.Prefix, table.Table);
-  if (std::any_of(columns.begin(), columns.end(),
-                  [](const auto& each) { return each.IsIdentity; })) {
+  if (std::ranges::any_of(environment_.Columns(table.Prefix, table.Table),
+                          &TableColumn::IsIdentity)) {
     statements.push_back("DELETE FROM " + table.Prefix + "sqlite_sequence WHERE name = " +
                          QuoteText(table.Table) + " COLLATE NOCASE");
   }
   return statements;
 }
 
-std::vector<std::string> Rewriter::RewriteDropTable(Range range) {
-  Lexer lexer(batch_, range.Begin, range.End);
-  lexer.Next();
-  Token last = lexer.Next();
-  std::string head = "DROP TABLE ";
-  if (lexer.Peek().Is("IF")) {
-    last = lexer.Next();
-    if (!lexer.Peek().Is("EXISTS")) FailAt(lexer.Peek());
-    last = lexer.Next();
-    head += "IF EXISTS ";
-  }
-  std::vector<std::string> statements;
-  do {
-    statements.push_back(head + TakeTableName(lexer).Quoted());
-    last = lexer.Next();
-  } while (last.IsSymbol(","));
-  if (last.Kind != TokenKind::End) FailAt(last);
-  return statements;
-}
-
-namespace {
-
-/// An index name belongs to its table in T-SQL and to the whole database in SQLite.
-std::string IndexName(const Rewriter::TableName& table, std::string_view index) {
-  return table.Prefix + QuoteName(table.Table + "." + std::string(index));
-}
-
-}  // namespace
-
-std::string Rewriter::RewriteCreateIndex(Range range) {
-  Lexer lexer(batch_, range.Begin, range.End);
-  Token last = lexer.Next();
+std::string Rewriter::RewriteCreateIndex(Reader& reader, std::size_t end) {
   std::string sql = "CREATE ";
-  while (!last.Is("INDEX")) {
-    if (last.Is("UNIQUE")) sql += "UNIQUE ";
-    last = lexer.Next();
-    if (last.Kind == TokenKind::End) FailAt(last);
+  while (!reader.TakeIf("INDEX")) {
+    if (reader.Take().Is("UNIQUE")) sql += "UNIQUE ";
+    if (reader.IsAtEnd()) FailNotKnown(reader.Next());
   }
-  const Token index = lexer.Next();
-  if (!index.IsName()) FailAt(index);
-  last = lexer.Next();
-  if (!last.Is("ON")) FailAt(last);
-  const TableName table = TakeTableName(lexer);
-  const Token open = lexer.Peek();
-  if (!open.IsSymbol("(")) FailAt(open);
-  const Range columns = TakeGroup(lexer);
-  sql += "INDEX " + IndexName(table, index.Value()) + " ON " + QuoteName(table.Table) +
-         RewriteExpression(columns);
-  if (TakeIf(lexer, "INCLUDE")) TakeGroup(lexer);
-  if (TakeIf(lexer, "WHERE")) {
-    Range filter{lexer.Peek().At, range.End};
-    for (Lexer rest = lexer; rest.Peek().Kind != TokenKind::End; rest.Next()) {
-      if (rest.Peek().IsSymbol("(")) TakeGroup(rest);
-      if (rest.Peek().Is("WITH") || rest.Peek().Is("ON")) {
-        filter.End = rest.Peek().At;
-        break;
+  const std::string index = reader.TakeName();
+  reader.Expect("ON");
+  const TableName table = TakeTableName(reader);
+  sql += "INDEX " + IndexName(table, index) + " ON " + QuoteName(table.Table) +
+         RewriteExpression(reader.TakeGroup());
+  if (reader.TakeIf("INCLUDE")) reader.TakeGroup();
+  if (reader.TakeIf("WHERE")) {
+    Range filter{reader.Next().At, end};
+    while (!reader.IsAtEnd() && !IsAmong(reader.Next(), "WITH ON")) {
+      if (reader.Next().IsSymbol("(")) {
+        reader.TakeGroup();
+      } else {
+        reader.Take();
       }
+      filter.End = reader.At();
     }
-    return sql + " WHERE" + RewriteExpression(filter);
+    sql += " WHERE" + RewriteExpression(filter);
   }
   // The rest concerns storage: WITH (…), ON [PRIMARY].
-  const Token next = lexer.Peek();
-  if (next.Kind != TokenKind::End && !next.Is("WITH") && !next.Is("ON")) FailAt(next);
+  if (!reader.IsAtEnd() && !IsAmong(reader.Next(), "WITH ON")) FailNotKnown(reader.Next());
   return sql;
 }
 
-std::string Rewriter::RewriteDropIndex(Range range) {
-  Lexer lexer(batch_, range.Begin, range.End);
-  lexer.Next();
-  Token last = lexer.Next();
-  std::string head = "DROP INDEX ";
-  if (lexer.Peek().Is("IF")) {
-    lexer.Next();
-    lexer.Next();
-    head += "IF EXISTS ";
-  }
-  std::vector<std::string> parts;  // index ON table, or table.index
-  do {
-    const Token name = lexer.Next();
-    if (!name.IsName()) FailAt(name);
-    parts.push_back(name.Value());
-    last = lexer.Next();
-  } while (last.IsSymbol("."));
-  if (last.Is("ON")) return head + IndexName(TakeTableName(lexer), parts.back());
-  if (last.Kind != TokenKind::End || parts.size() < 2) FailAt(last);
+std::string Rewriter::RewriteDropIndex(Reader& reader) {
+  reader.Take();
+  reader.Take();
+  const std::string head = reader.TakeIfExists() ? "DROP INDEX IF EXISTS " : "DROP INDEX ";
+  const std::vector<std::string> parts = reader.TakeParts();  // index ON table, or table.index
+  if (reader.TakeIf("ON")) return head + IndexName(TakeTableName(reader), parts.back());
+  reader.ExpectEnd();
+  if (parts.size() < 2) FailNotKnown(reader.Next());
   return head + IndexName({"", parts[parts.size() - 2]}, parts.back());
 }
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Lexer.h"
+#include "Reader.h"
 #include "Statements.h"
 
 namespace talu::standin {
@@ -22,18 +22,16 @@ class RewriteEnvironment {
   /// Makes another database reachable and returns the prefix of its tables ("other."); empty for
   /// the current database. Raises SqlFailure (911, 942) when it cannot be used.
   virtual std::string PrefixOf(const std::string& database) = 0;
-  /// A system variable's value ("@@TRANCOUNT") as SQL; nothing for an unknown variable.
+  /// A variable's value as SQL; nothing for an unknown one.
   virtual std::optional<std::string> Variable(std::string_view name) = 0;
   /// The columns of a table, in order; empty when there is no such table.
   virtual std::vector<TableColumn> Columns(const std::string& prefix, const std::string& table) = 0;
   /// Whether SET IDENTITY_INSERT is on for the table.
   virtual bool AllowsIdentityInsert(const std::string& table) = 0;
-  /// The statement reads a system view (sys.databases): they must exist when it runs.
-  virtual void NeedSystemViews() = 0;
+  /// The statement reads a system view, which has fewer columns than on the real server.
+  virtual void ReadsSystemView() = 0;
   /// SQLite's text of a table; empty when there is none.
   virtual std::string DefinitionOf(const std::string& prefix, const std::string& table) = 0;
-  /// Whether there is a function of the name.
-  virtual bool HasFunction(std::string_view name) = 0;
   /// Whether the current database has a schema of the name, other than dbo.
   virtual bool IsSchema(std::string_view name) = 0;
   /// Whether the current database has a type of its own of the name, as DataName gives it.
@@ -62,19 +60,14 @@ class Rewriter {
   /// An expression, a condition, a query.
   std::string RewriteExpression(Range range);
 
-  /// A possibly qualified table name, taken from the lexer.
+  /// A possibly qualified table name.
   struct TableName {
     std::string Prefix;
     std::string Table;
     std::string Quoted() const;
   };
-  TableName TakeTableName(Lexer& lexer);
-  /// Whether the type whose name began with `first` and ends before the lexer's next token is the
-  /// database's own.
-  bool HasType(const Lexer& lexer, const Token& first);
-  std::string DefinitionOf(const TableName& table) {
-    return environment_.DefinitionOf(table.Prefix, table.Table);
-  }
+  TableName TakeTableName(Reader& reader);
+  RewriteEnvironment& Environment() { return environment_; }
 
   /// Rows that would break a constraint: a query for their number, which is to be asked when the
   /// statements are executed.
@@ -87,15 +80,11 @@ class Rewriter {
   }
   const std::vector<RowCheck>& Checks() const { return checks_; }
 
-  /// Raises NotKnown with the token, if it is a word or a sign of the language.
-  [[noreturn]] static void FailAt(const Token& token);
-
  private:
-  std::string RewriteInsert(Range range);
-  std::vector<std::string> RewriteTruncate(Range range);
-  std::vector<std::string> RewriteDropTable(Range range);
-  std::string RewriteCreateIndex(Range range);
-  std::string RewriteDropIndex(Range range);
+  std::string RewriteInsert(Reader& reader, std::size_t end);
+  std::vector<std::string> RewriteTruncate(Reader& reader);
+  std::string RewriteCreateIndex(Reader& reader, std::size_t end);
+  std::string RewriteDropIndex(Reader& reader);
 
   std::string_view batch_;
   RewriteEnvironment& environment_;
@@ -104,8 +93,9 @@ class Rewriter {
   std::vector<RowCheck> checks_;
 };
 
-/// A name in quotes for SQLite, whatever it contains.
+/// A name in quotes for SQLite, whatever it contains; names with commas between them.
 std::string QuoteName(std::string_view name);
+std::string QuoteNames(const std::vector<std::string>& names);
 /// A text in quotes for SQLite, whatever it contains, even NULs.
 std::string QuoteText(std::string_view text);
 

@@ -45,10 +45,10 @@ void Session::RunText(std::string_view text) {
     // All of it is read before anything is carried out, and nothing of that kept: a batch may have
     // a million statements.
     Parser check(text);
-    while (const auto statement = check.Next()) CheckUses(*statement);
+    while (const auto statement = check.NextStatement()) CheckUses(*statement);
     Parser parser(text);
-    for (auto statement = parser.Next(); statement && Execute(*statement);) {
-      statement = parser.Next();
+    for (auto statement = parser.NextStatement(); statement && Execute(*statement);) {
+      statement = parser.NextStatement();
     }
     EndRows();
   } catch (const SqlFailure& failure) {
@@ -61,9 +61,9 @@ void Session::RunText(std::string_view text) {
 
 /// The real server looks for the databases of USE before it carries anything out.
 void Session::CheckUses(const Statement& statement) {
-  if (const auto* use = std::get_if<UseDatabase>(&statement.What)) {
-    if (!catalogue_.Exists(use->Name)) {
-      SqlFailure failure(message::kNoSuchDatabase(use->Name), true);
+  if (const auto* use = std::get_if<CatalogueStatement>(&statement.What)) {
+    if (use->What == CatalogueStatement::Action::Use && !catalogue_.Exists(use->Names.front())) {
+      SqlFailure failure(message::kNoSuchDatabase(use->Names.front()), true);
       failure.At = statement.Text.Begin;
       throw failure;
     }
@@ -266,17 +266,6 @@ bool Session::AllowsIdentityInsert(const std::string& table) {
   return SameName(identityInsert_, table);
 }
 
-bool Session::HasFunction(std::string_view name) {
-  // SQLite's own, and those that were added: the same for every session.
-  static const std::set<std::string> kNames = [this] {
-    std::set<std::string> names;
-    SqliteStatement rows(Current(), "SELECT DISTINCT name FROM pragma_function_list", "");
-    while (rows.Step()) names.emplace(rows.Text(0));
-    return names;
-  }();
-  return kNames.contains(FoldName(name));
-}
-
 std::string Session::DefinitionOf(const std::string& prefix, const std::string& table) {
   SqliteStatement row(Current(),
                       "SELECT sql FROM " + (prefix.empty() ? "main." : prefix) +
@@ -295,11 +284,6 @@ bool Session::IsSchema(std::string_view name) {
 
 bool Session::HasType(const std::string& name) {
   return KeptObjects(Current()).Has("TYPE", name);
-}
-
-void Session::NeedSystemViews() {
-  isApproximate_ = true;
-  Current().AddSystemViews(facts_.Current.Id);
 }
 
 }  // namespace talu::standin

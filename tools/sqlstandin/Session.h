@@ -54,16 +54,11 @@ class Session : private RewriteEnvironment {
 
   bool ExecuteLeaf(const Statement& statement);
   void Do(const IfStatement& statement);
-  void Do(const UseDatabase& statement);
+  void Do(const CatalogueStatement& statement);
   void Do(const CreateDatabase& statement);
   void Do(const AlterDatabase& statement);
-  void Do(const DropDatabase& statement);
   void Do(const BackupDatabase& statement);
   void Do(const VerifyBackup& statement);
-  void Do(const CreateLogin& statement);
-  void Do(const DropLogin& statement);
-  void Do(const CreateUser& statement);
-  void Do(const DropUser& statement);
   void Do(const SetOption& statement);
   void Do(const TransactionStatement& statement);
   void Do(const PrintText& statement);
@@ -81,6 +76,7 @@ class Session : private RewriteEnvironment {
   bool CallSystemProcedure(const CallProcedure& statement, const std::string& name);
   bool IsTrue(Range condition);
   void SwitchTo(const std::string& name);
+  void Use(const std::string& name);
   void CloseOthers();
   void RefuseInTransaction(std::string_view statement) const;
   SqliteDatabase& Current();
@@ -94,8 +90,7 @@ class Session : private RewriteEnvironment {
   std::optional<std::string> Variable(std::string_view name) override;
   std::vector<TableColumn> Columns(const std::string& prefix, const std::string& table) override;
   bool AllowsIdentityInsert(const std::string& table) override;
-  void NeedSystemViews() override;
-  bool HasFunction(std::string_view name) override;
+  void ReadsSystemView() override { isApproximate_ = true; }
   std::string DefinitionOf(const std::string& prefix, const std::string& table) override;
   bool IsSchema(std::string_view name) override;
   bool HasType(const std::string& name) override;

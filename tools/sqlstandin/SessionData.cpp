@@ -42,7 +42,7 @@ SqliteDatabase& Session::Current() {
       open_.erase(facts_.Current.Id);
       throw;
     }
-    AddFunctions(*database, facts_);
+    AddSystemViews(*database, facts_);
   }
   if (transactions_ > 0 && !database->InTransaction()) database->Execute("BEGIN IMMEDIATE");
   return *database;

@@ -27,14 +27,13 @@ constexpr std::size_t kFirstName = 1000;
 
 /// The words that say what a statement is: "INSERT", "CREATE TABLE".
 std::string Session::HeadOf(const Statement& statement) const {
-  sql::Lexer lexer(batch_, statement.Text.Begin, statement.Text.End);
-  const Token first = lexer.Next();
+  Reader reader(batch_, statement.Text);
+  const Token first = reader.Take();
   if (std::holds_alternative<CallProcedure>(statement.What)) return "EXEC";
   std::string head = UCase(first.Raw);
   if (!IsAmong(first, "CREATE ALTER DROP TRUNCATE")) return head;
-  Token second = lexer.Next();
-  while (IsAmong(second, "UNIQUE CLUSTERED NONCLUSTERED OR ALTER")) second = lexer.Next();
-  return head + " " + UCase(second.Raw);
+  while (IsAmong(reader.Next(), "UNIQUE CLUSTERED NONCLUSTERED OR ALTER")) reader.Take();
+  return head + " " + UCase(reader.Next().Raw);
 }
 
 /// Goes on as if the statement had been carried out, unless that is not allowed. What it names is
@@ -51,16 +50,17 @@ bool Session::Note(const std::string& construct, const Statement& statement) {
   const std::string_view text =
       batch_.substr(statement.Text.Begin, statement.Text.End - statement.Text.Begin);
   using Change = KeptObjects::Change;
-  sql::Lexer lexer(text);
-  const Token first = lexer.Next();
+  Reader reader(text);
+  const Token first = reader.Take();
   const bool isShape = IsAmong(first, "CREATE ALTER");
   const bool isRows = IsAmong(first, "INSERT UPDATE DELETE MERGE TRUNCATE BULK");
   const bool isQuery = IsAmong(first, "SELECT PRINT");
   const KeptObjects kept(Current());
   bool isInto = false;  // SELECT … INTO
-  for (Token token = lexer.Next(); token.Kind != TokenKind::End; token = lexer.Next()) {
+  while (!reader.IsAtEnd()) {
+    const Token token = reader.Take();
     if (token.Kind == TokenKind::Variable) variables_[FoldName(token.Raw)].reset();
-    isInto = isInto || token.Is("INTO");
+    isInto |= token.Is("INTO");
   }
   const Change change = isShape ? Change::Shape : isRows ? Change::Rows : Change::Any;
   if (isQuery && !isInto) {
@@ -100,8 +100,7 @@ bool Session::IsUncertain(const SqlFailure& failure, const Statement& statement)
   const Range range = std::holds_alternative<IfStatement>(statement.What)
                           ? std::get<IfStatement>(statement.What).Condition
                           : statement.Text;
-  const bool isDefinition =
-      IsAmong(sql::Lexer(batch_, range.Begin, range.End).Next(), "CREATE ALTER DROP TRUNCATE");
+  const bool isDefinition = IsAmong(Reader(batch_, range).Next(), "CREATE ALTER DROP TRUNCATE");
   return objects.IsUncertain(NamesIn(batch_.substr(range.Begin, range.End - range.Begin), false),
                              !isDefinition);
 }
@@ -216,19 +215,19 @@ bool Session::CallSystemProcedure(const CallProcedure& statement, const std::str
   const auto text = [&](std::size_t at) { return at < texts.size() ? texts[at] : std::string(); };
   const bool isClear = statement.HasOnlyTexts && !texts.empty();
   if (isClear && word == "sp_addlogin") {
-    catalogue_.CreateLogin({text(0), text(1), false});
+    catalogue_.CreateLogin(text(0), text(1));
   } else if (isClear && word == "sp_grantlogin") {
-    catalogue_.CreateLogin({text(0), {}, true});
+    catalogue_.CreateLogin(text(0), {});
   } else if (isClear && (word == "sp_droplogin" || word == "sp_revokelogin")) {
     catalogue_.DropLogin(text(0));
   } else if (isClear && (word == "sp_adduser" || word == "sp_grantdbaccess")) {
-    catalogue_.CreateUser(facts_.Current.Id, {texts.size() > 1 ? text(1) : text(0), text(0)});
+    catalogue_.CreateUser(facts_.Current.Id, text(texts.size() > 1 ? 1 : 0), text(0));
   } else if (isClear && (word == "sp_dropuser" || word == "sp_revokedbaccess")) {
     catalogue_.DropUser(facts_.Current.Id, text(0));
   } else if (isClear && word == "sp_addtype") {
     KeptObjects(Current()).Add("TYPE", text(0), text(1));
     outcome_.Keeps = true;
-  } else if (IsAmong(sql::Lexer(name).Next(), kKeptProcedures)) {
+  } else if (IsAmong(Reader(name).Next(), kKeptProcedures)) {
     const Range range = statement_->Text;
     KeptObjects(Current()).Add("EXEC", "", batch_.substr(range.Begin, range.End - range.Begin));
     outcome_.Keeps = true;

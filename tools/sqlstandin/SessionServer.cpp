@@ -13,11 +13,39 @@
 
 namespace talu::standin {
 
-void Session::Do(const UseDatabase& statement) {
+void Session::Use(const std::string& name) {
   const std::string before = facts_.Current.Name;
-  SwitchTo(statement.Name);
+  SwitchTo(name);
   reply_->DatabaseChanged(facts_.Current.Name, before);
-  reply_->Tell(message::kDatabaseContext(facts_.Current.Name), 1);
+}
+
+void Session::Do(const CatalogueStatement& statement) {
+  using Action = CatalogueStatement::Action;
+  const int database = facts_.Current.Id;
+  if (statement.What == Action::Drop) RefuseInTransaction("DROP DATABASE");
+  for (const std::string& name : statement.Names) {
+    switch (statement.What) {
+      case Action::Use:
+        Use(name);
+        reply_->Tell(message::kDatabaseContext(facts_.Current.Name), 1);
+        break;
+      case Action::Drop:
+        if (!statement.IfExists || catalogue_.Exists(name)) catalogue_.Drop(name);
+        break;
+      case Action::CreateLogin:
+        catalogue_.CreateLogin(name, statement.Value);
+        break;
+      case Action::DropLogin:
+        catalogue_.DropLogin(name);
+        break;
+      case Action::CreateUser:
+        catalogue_.CreateUser(database, name, statement.Value.value_or(""));
+        break;
+      case Action::DropUser:
+        catalogue_.DropUser(database, name, statement.IfExists);
+        break;
+    }
+  }
   Done();
 }
 
@@ -36,21 +64,9 @@ void Session::Do(const AlterDatabase& statement) {
   AlterDatabase named = statement;
   if (named.Name.empty()) named.Name = facts_.Current.Name;
   catalogue_.Alter(number_, named);
-  if (statement.What == AlterDatabase::Action::Offline) {
-    if (SameName(named.Name, facts_.Current.Name)) {
-      const std::string before = facts_.Current.Name;
-      SwitchTo(std::string(kMasterName));
-      reply_->DatabaseChanged(facts_.Current.Name, before);
-    }
-  }
-  Done();
-}
-
-void Session::Do(const DropDatabase& statement) {
-  RefuseInTransaction("DROP DATABASE");
-  for (const std::string& name : statement.Names) {
-    if (statement.IfExists && !catalogue_.Exists(name)) continue;
-    catalogue_.Drop(name);
+  if (statement.What == AlterDatabase::Action::Offline &&
+      SameName(named.Name, facts_.Current.Name)) {
+    Use(std::string(kMasterName));
   }
   Done();
 }
@@ -134,26 +150,6 @@ void Session::Do(const VerifyBackup& statement) {
                                   target.FolderExists ? SystemError(ENOENT) : target.SystemError),
          message::kVerifyFailed()});
   }
-  Done();
-}
-
-void Session::Do(const standin::CreateLogin& statement) {
-  catalogue_.CreateLogin(statement);
-  Done();
-}
-
-void Session::Do(const standin::DropLogin& statement) {
-  catalogue_.DropLogin(statement.Name);
-  Done();
-}
-
-void Session::Do(const standin::CreateUser& statement) {
-  catalogue_.CreateUser(facts_.Current.Id, statement);
-  Done();
-}
-
-void Session::Do(const standin::DropUser& statement) {
-  catalogue_.DropUser(facts_.Current.Id, statement.Name, statement.IfExists);
   Done();
 }
 

@@ -5,7 +5,6 @@
 #include <thread>
 
 #include "KeptObjects.h"
-#include "SystemViews.h"
 
 namespace talu::standin {
 namespace {
@@ -80,12 +79,6 @@ void SqliteDatabase::DetachAll() {
   if (attached_.empty() || InTransaction()) return;
   for (const std::string& schema : attached_) Execute("DETACH " + QuoteName(schema));
   attached_.clear();
-}
-
-void SqliteDatabase::AddSystemViews(int databaseId) {
-  if (hasSystemViews_) return;
-  Execute(SystemViewDefinitions(databaseId));
-  hasSystemViews_ = !InTransaction();  // a rollback removes them
 }
 
 std::int64_t SqliteDatabase::Count(const std::string& sql) const {

@@ -37,8 +37,6 @@ class SqliteDatabase {
   void Attach(const std::filesystem::path& file, const std::string& schema);
   /// Releases the other databases; within a transaction they stay.
   void DetachAll();
-  /// Makes sys.databases and the others available; they always show the current state.
-  void AddSystemViews(int databaseId);
   bool InTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
   /// The columns of a table; empty when there is none. `schema` is "main" or an attached name.
   std::vector<TableColumn> Columns(const std::string& schema, const std::string& table) const;
@@ -61,7 +59,6 @@ class SqliteDatabase {
   std::string name_;
   CancelTest isCancelled_;
   std::set<std::string> attached_;
-  bool hasSystemViews_ = false;
 };
 
 /// A prepared statement.

@@ -2,6 +2,7 @@
 #include "SqliteDatabase.h"
 #include "TableDefinition.h"
 #include "Text.h"
+#include "runtime/TextFunctions.h"
 #include "sql/Lexer.h"
 
 namespace talu::standin {
@@ -54,8 +55,9 @@ SqlMessage OfStatement(std::string_view text, std::string_view verb) {
   std::string name;
   if (!(name = Between(text, "near \"", "\": syntax error")).empty() ||
       !(name = Between(text, "unrecognized token: \"", "\"")).empty()) {
-    Rewriter::FailAt(sql::Lexer(name).Next());
+    FailNotKnown(sql::Lexer(name).Next());
   }
+  if (!(name = After(text, "no such function: ")).empty()) throw NotKnown(UCase(name) + "()");
   if (text == "incomplete input") return message::kSyntaxNear(verb);
   if (!(name = After(text, "no such table: ")).empty() ||
       !(name = After(text, "no such view: ")).empty()) {
@@ -63,6 +65,7 @@ SqlMessage OfStatement(std::string_view text, std::string_view verb) {
       const bool isView = text.find("view") != std::string_view::npos;
       return message::kCannotDrop(isView ? "view" : "table", WithoutMain(name));
     }
+    if (name.starts_with("sys.")) throw NotKnown(name);
     return message::kInvalidObject(WithoutMain(name));
   }
   if (!(name = After(text, "no such index: ")).empty()) {

@@ -1,24 +1,24 @@
 #pragma once
 
-#include <cstddef>
-#include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
-namespace talu::standin {
+#include "Reader.h"
 
-/// A part of the batch, in bytes.
-struct Range {
-  std::size_t Begin = 0;
-  std::size_t End = 0;
-};
+namespace talu::standin {
 
 struct Statement;
 
-struct UseDatabase {
-  std::string Name;
+/// A statement about what is in the catalogue, with names and little else.
+struct CatalogueStatement {
+  enum class Action { Use, Drop, CreateLogin, DropLogin, CreateUser, DropUser };
+  Action What = Action::Use;
+  std::vector<std::string> Names;
+  /// A login's password, none for one of Windows; a user's login, empty: WITHOUT LOGIN.
+  std::optional<std::string> Value = {};
+  bool IfExists = false;
 };
 
 struct CreateDatabase {
@@ -37,11 +37,6 @@ struct AlterDatabase {
   bool EndsOthers = false;
 };
 
-struct DropDatabase {
-  std::vector<std::string> Names;
-  bool IfExists = false;
-};
-
 struct BackupDatabase {
   std::string Name;
   std::string Path;
@@ -54,28 +49,6 @@ struct BackupDatabase {
 /// RESTORE VERIFYONLY.
 struct VerifyBackup {
   std::string Path;
-};
-
-struct CreateLogin {
-  std::string Name;
-  std::string Password;
-  /// FROM WINDOWS: exists, but nobody can log in with it here.
-  bool IsWindows = false;
-};
-
-struct DropLogin {
-  std::string Name;
-};
-
-struct CreateUser {
-  std::string Name;
-  /// Empty: WITHOUT LOGIN.
-  std::string Login;
-};
-
-struct DropUser {
-  std::string Name;
-  bool IfExists = false;
 };
 
 struct SetOption {
@@ -168,14 +141,11 @@ struct IfStatement {
 struct Statement {
   /// Without the blanks and comments around it.
   Range Text;
-  std::variant<NoEffect, UseDatabase, CreateDatabase, AlterDatabase, DropDatabase, BackupDatabase,
-               VerifyBackup, CreateLogin, DropLogin, CreateUser, DropUser, SetOption,
-               TransactionStatement, PrintText, RaiseError, AssignVariables, CallProcedure,
-               KeptStatement, DataStatement, UnknownStatement, Block, IfStatement>
+  std::variant<NoEffect, CatalogueStatement, CreateDatabase, AlterDatabase, BackupDatabase,
+               VerifyBackup, SetOption, TransactionStatement, PrintText, RaiseError,
+               AssignVariables, CallProcedure, KeptStatement, DataStatement, UnknownStatement,
+               Block, IfStatement>
       What;
 };
-
-/// The name of a table, or of whatever else, in SQLite: there is no schema before those of dbo.
-std::string DataName(const std::string& schema, const std::string& name);
 
 }  // namespace talu::standin

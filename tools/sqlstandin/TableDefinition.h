@@ -1,12 +1,11 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "ColumnType.h"
-#include "Lexer.h"
 #include "Rewriter.h"
 
 namespace talu::standin {
@@ -20,19 +19,24 @@ inline constexpr std::string_view kTypeConstraint = "sqlstandin:type:";
 /// each constraint of the table stands behind the first, what a column has beside its type behind
 /// the second.
 inline constexpr std::string_view kItem = "/*;*/";
+inline constexpr std::string_view kNextItem = ", /*;*/";
 inline constexpr std::string_view kMore = "/*=*/";
+
+/// What a constraint of a table can begin with.
+inline constexpr std::string_view kConstraints = "CONSTRAINT PRIMARY UNIQUE FOREIGN CHECK DEFAULT";
 
 /// Translates CREATE TABLE and ALTER TABLE into SQLite's dialect. An identity column becomes
 /// SQLite's automatic row number, so a primary key on other columns becomes a unique constraint.
 class TableDefinition {
  public:
-  TableDefinition(std::string_view batch, Rewriter& rewriter)
-      : batch_(batch), rewriter_(rewriter) {}
+  /// `reader` is behind the table's name.
+  TableDefinition(Reader& reader, Rewriter& rewriter, Rewriter::TableName table)
+      : reader_(reader), rewriter_(rewriter), table_(std::move(table)) {}
 
   /// Both raise SqlFailure for what has no counterpart in SQLite.
-  std::vector<std::string> Create(Range statement, std::string& name);
+  std::vector<std::string> Create();
   /// Columns and constraints, added, altered and dropped.
-  std::vector<std::string> Alter(Range statement);
+  std::vector<std::string> Alter();
 
  private:
   struct Column {
@@ -53,37 +57,39 @@ class TableDefinition {
     bool IsPrimary = false;
   };
 
-  Column TakeColumn(Lexer& lexer);
-  bool TakeColumnConstraint(Lexer& lexer, Column& column);
-  void TakeIdentity(Lexer& lexer, Column& column);
-  void TakeTableConstraint(Lexer& lexer);
-  void TakeKey(Lexer& lexer, std::string constraint, std::vector<std::string> columns);
-  void Drop(Lexer& lexer);
-  void AddConstraint(Lexer& lexer, bool isChecked);
-  void FindItem(const std::string& beginning, std::size_t& begin, std::size_t& end) const;
-  std::string TakeReferences(Lexer& lexer, const std::string& constraint);
-  std::string TakeDefault(Lexer& lexer);
-  std::vector<std::string> TakeColumnList(Lexer& lexer);
-  std::string Declare(const Column& column, bool isRowNumber) const;
+  Column TakeColumn();
+  bool TakeColumnConstraint(Column& column);
+  void TakeIdentity(Column& column);
+  std::string TakeConstraintName(const std::string& owner);
+  void TakeTableConstraint();
+  void TakeKey(std::vector<std::string> columns);
+  std::string TakeCheck();
+  std::string TakeReferences();
+  std::string TakeDefault();
+  void TakeNotForReplication();
+  void SkipStorage();
+  std::string Declare(const Column& column) const;
   std::string DeclareKey(const Key& key, const Column* identity) const;
 
-  std::string_view batch_;
+  void DropParts();
+  void DropConstraint(const std::string& name);
+  void AddConstraint(bool isChecked);
+  void AlterColumn();
+  Range FindColumn(const std::string& name) const;
+  std::size_t EndOfItem(std::size_t begin) const;
+  void SetText(const std::string& sql);
+
+  Reader& reader_;
   Rewriter& rewriter_;
   Rewriter::TableName table_;
   /// ALTER TABLE: SQLite's text of the table, as it shall be, and what else is to be executed.
   std::string text_;
   std::vector<std::string> statements_;
-  /// What the last REFERENCES names.
-  std::string parent_;
+  /// Of the last constraint: its name, the condition of a CHECK, the table that it refers to.
+  std::string constraint_, condition_, parent_;
   std::vector<Column> columns_;
   std::vector<Key> keys_;
   std::vector<std::string> constraints_;
 };
-
-/// Whether a constraint of a table begins with the token.
-bool IsConstraint(const Token& token);
-/// Raises NotKnown.
-std::string TakeName(Lexer& lexer);
-void TakeNotForReplication(Lexer& lexer);
 
 }  // namespace talu::standin

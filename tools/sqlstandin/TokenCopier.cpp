@@ -1,82 +1,37 @@
 #include "TokenCopier.h"
 
-#include <algorithm>
-#include <array>
-#include <initializer_list>
+#include <string_view>
 
 #include "ColumnType.h"
 #include "Messages.h"
-#include "runtime/TextFunctions.h"
 #include "sql/Names.h"
 
 namespace talu::standin {
 namespace {
 
-struct RenamedFunction {
-  std::string_view Name;
-  std::string_view Sqlite;
-};
-constexpr std::array<RenamedFunction, 3> kRenamedFunctions = {{
-    {"ISNULL", "ifnull"},
-    {"NCHAR", "char"},
-    {"SCOPE_IDENTITY", "last_insert_rowid"},
-}};
-
-struct SystemView {
-  std::string_view Name;
-  /// The same in every database; of the others only the current database's can be read.
-  bool IsServerWide;
-};
-/// System views by their T-SQL names, with the schema where they have one.
-constexpr std::array<SystemView, 21> kSystemViews = {{
-    {"sys.databases", true},
-    {"sys.sql_logins", true},
-    {"sys.server_principals", true},
-    {"sysdatabases", true},
-    {"syslogins", true},
-    {"sys.database_principals", false},
-    {"sys.objects", false},
-    {"sys.tables", false},
-    {"sys.views", false},
-    {"sys.procedures", false},
-    {"sys.triggers", false},
-    {"sys.columns", false},
-    {"sys.identity_columns", false},
-    {"sys.indexes", false},
-    {"sys.schemas", false},
-    {"sys.types", false},
-    {"sysusers", false},
-    {"sysobjects", false},
-    {"syscolumns", false},
-    {"information_schema.tables", false},
-    {"information_schema.columns", false},
-}};
-
-const SystemView* FindSystemView(std::string_view name) {
-  const auto* found = std::find_if(kSystemViews.begin(), kSystemViews.end(),
-                                   [name](const auto& view) { return SameWord(view.Name, name); });
-  return found == kSystemViews.end() ? nullptr : found;
-}
+/// System views without a schema; and those that are the same in every database: of the others only
+/// the current database's can be read.
+constexpr std::string_view kOldViews = " sysdatabases syslogins sysusers sysobjects syscolumns ";
+constexpr std::string_view kServerViews =
+    " sys.databases sys.sql_logins sys.server_principals sysdatabases syslogins ";
 
 /// SQLite's keywords that are ordinary names in T-SQL.
-bool IsNameHere(const Token& token) {
-  return token.IsOneOf({"LIMIT", "AUTOINCREMENT", "DEFERRABLE", "NOTNULL", "NOTHING", "RETURNING",
-                        "USING", "INDEXED"});
+constexpr std::string_view kNamesHere =
+    "LIMIT AUTOINCREMENT DEFERRABLE NOTNULL NOTHING RETURNING USING INDEXED";
+
+constexpr std::string_view kSymbols = ", . = < > <= >= <> != - * / % & | ~";
+
+bool Has(std::string_view words, std::string_view name) {
+  return words.find(" " + FoldName(name) + " ") != std::string_view::npos;
+}
+
+bool IsSystemSchema(std::string_view name) {
+  return SameWord(name, "sys") || SameWord(name, "INFORMATION_SCHEMA");
 }
 
 }  // namespace
 
-Range TakeGroup(Lexer& lexer) {
-  const Token open = lexer.Next();
-  int depth = 1;
-  while (true) {
-    const Token token = lexer.Next();
-    if (token.Kind == TokenKind::End) Rewriter::FailAt(open);
-    if (token.IsSymbol("(")) ++depth;
-    if (token.IsSymbol(")") && --depth == 0) return {open.At, token.At + token.Raw.size()};
-  }
-}
-
+/// Puts a blank between what would be another token without.
 void TokenCopier::Put(std::string_view text) {
   static constexpr std::string_view kBefore = "(,";
   static constexpr std::string_view kBehind = "),";
@@ -89,7 +44,7 @@ void TokenCopier::Put(std::string_view text) {
 
 std::string TokenCopier::CopyAll() {
   while (true) {
-    const Token token = lexer_.Next();
+    const Token token = reader_.Take();
     switch (token.Kind) {
       case TokenKind::Comment:  // the lexer skips them
       case TokenKind::End:
@@ -134,194 +89,138 @@ std::string TokenCopier::CopyAll() {
 }
 
 void TokenCopier::CopySymbol(const Token& token) {
+  Frame& frame = frames_.back();
   if (token.IsSymbol("(")) {
     Put("(");
-    Frame frame;
-    frame.IsCast = last_.Is("CAST");
-    frames_.push_back(frame);
+    const bool isCast = last_.Is("CAST");
+    frames_.emplace_back().IsCast = isCast;
   } else if (token.IsSymbol(")")) {
-    if (frames_.size() == 1) Rewriter::FailAt(token);
-    if (!frames_.back().Closing.empty()) Put(frames_.back().Closing);
+    if (frames_.size() == 1) FailNotKnown(token);
+    if (!frame.Closing.empty()) Put(frame.Closing);
     frames_.pop_back();
     Put(")");
-  } else if (token.IsSymbol(",") && frames_.back().DropsRest) {
-    SkipToClosing();
-  } else if (token.IsSymbol("$") && lexer_.Peek().Kind == TokenKind::Number) {
+  } else if (token.IsSymbol(",") && frame.DropsRest) {
+    while (!reader_.IsAtEnd() && !reader_.Next().IsSymbol(")")) {
+      if (reader_.Next().IsSymbol("(")) {
+        reader_.TakeGroup();
+      } else {
+        reader_.Take();
+      }
+    }
+  } else if (token.IsSymbol("$") && reader_.Next().Kind == TokenKind::Number) {
     // money: a number as any other
   } else if (token.IsSymbol("+")) {
-    Frame& frame = frames_.back();
-    if (last_.Kind == TokenKind::String || lexer_.Peek().Kind == TokenKind::String) {
-      frame.JoinsTexts = true;
-    }
+    frame.JoinsTexts |= last_.Kind == TokenKind::String || reader_.Next().Kind == TokenKind::String;
     Put(frame.JoinsTexts ? "||" : "+");
   } else {
-    static constexpr std::array<std::string_view, 16> kKnown = {
-        ",", ".", "=", "<", ">", "<=", ">=", "<>", "!=", "-", "*", "/", "%", "&", "|", "~"};
-    if (std::find(kKnown.begin(), kKnown.end(), token.Raw) == kKnown.end()) {
-      Rewriter::FailAt(token);
-    }
+    if (kSymbols.find(token.Raw) == std::string_view::npos) FailNotKnown(token);
     static constexpr std::string_view kEnds = ",=<>!";
-    if (kEnds.find(token.Raw.front()) != std::string_view::npos) frames_.back().JoinsTexts = false;
+    if (kEnds.find(token.Raw.front()) != std::string_view::npos) frame.JoinsTexts = false;
     Put(token.Raw);
   }
 }
 
 void TokenCopier::CopyWord(const Token& token) {
-  const Token next = lexer_.Peek();
-  if (token.Raw.front() == '#') Rewriter::FailAt(token);  // temporary tables
+  const Token& next = reader_.Next();
+  const bool isCall = next.IsSymbol("(");
+  if (token.Raw.front() == '#') FailNotKnown(token);  // temporary tables
   if (next.IsSymbol(".")) {
     CopyNames(token);
-  } else if (next.IsSymbol("(")) {
-    CopyFunction(token);
-  } else if (token.Is("TOP") && last_.IsOneOf({"SELECT", "DISTINCT", "ALL"}) &&
-             next.Kind == TokenKind::Number) {
+  } else if (token.Is("TOP") && IsAmong(last_, "SELECT DISTINCT ALL") &&
+             (isCall || next.Kind == TokenKind::Number)) {
     CopyTop();
+  } else if (isCall && token.Is("CONVERT")) {
+    CopyConvert();
+  } else if (isCall && token.Is("WITH") && last_.Kind != TokenKind::End) {
+    reader_.TakeGroup();  // a lock hint
+  } else if (isCall && token.Is("ISNULL")) {
+    Put("ifnull");
+  } else if (isCall && token.Is("NCHAR")) {
+    frames_.back().JoinsTexts = true;
+    Put("char");
+  } else if (isCall && token.Is("SCOPE_IDENTITY")) {
+    Put("last_insert_rowid");
   } else if (token.Is("CURRENT_TIMESTAMP")) {
     Put("getdate()");
   } else if (token.Is("AS") && frames_.back().IsCast) {
-    const auto type = TakeType(lexer_);
-    if (!type) throw SqlFailure(message::kUnknownType(1, next.Value()), true);
     Put("AS");
-    Put(CastType(type->What));
-  } else if (token.Raw.size() > 7 && FindSystemView(token.Raw) != nullptr) {
-    PutSystemView(token.Raw, "");
+    Put(TakeCastType());
+  } else if (Has(kOldViews, token.Raw)) {
+    CopyNames(token);
   } else {
-    if (token.IsOneOf({"FROM", "WHERE", "AND", "OR", "WHEN", "THEN", "ELSE", "AS", "ORDER"})) {
+    if (IsAmong(token, "FROM WHERE AND OR WHEN THEN ELSE AS ORDER")) {
       frames_.back().JoinsTexts = false;
     }
-    PutWord(token);
-  }
-}
-
-/// Quotes a word that SQLite would not take as a name.
-void TokenCopier::PutWord(const Token& token) {
-  const bool needsQuotes =
-      IsNameHere(token) || token.Raw.find_first_of("@$#") != std::string_view::npos;
-  Put(needsQuotes ? QuoteName(token.Raw) : std::string(token.Raw));
-}
-
-void TokenCopier::CopyFunction(const Token& token) {
-  if (token.Is("CONVERT")) {
-    CopyConvert();
-  } else if (token.Is("TOP") && last_.IsOneOf({"SELECT", "DISTINCT", "ALL"})) {
-    CopyTop();
-  } else if (token.Is("WITH") && last_.Kind != TokenKind::End) {
-    TakeGroup(lexer_);  // a lock hint
-  } else {
-    if (token.Is("NCHAR")) frames_.back().JoinsTexts = true;
-    for (const auto& renamed : kRenamedFunctions) {
-      if (token.Is(renamed.Name)) {
-        Put(renamed.Sqlite);
-        return;
-      }
-    }
-    Lexer ahead = lexer_;
-    TakeGroup(ahead);
-    const bool isTable = ahead.Peek().Is("AS") && (last_.Is("WITH") || last_.IsSymbol(","));
-    if (!isTable && !token.Is("CAST") && !sql::IsReserved(token.Raw) &&
-        !environment_.HasFunction(token.Raw)) {
-      throw NotKnown(UCase(token.Raw) + "()");
-    }
-    PutWord(token);
+    const bool needsQuotes =
+        IsAmong(token, kNamesHere) || token.Raw.find_first_of("@$#") != std::string_view::npos;
+    Put(needsQuotes ? QuoteName(token.Raw) : std::string(token.Raw));
   }
 }
 
 /// TOP 5, TOP (5): SQLite's LIMIT, at the end of the query.
 void TokenCopier::CopyTop() {
-  if (lexer_.Peek().IsSymbol("(")) {
-    lexer_.Next();
-    frames_.back().Closing = std::string("LIMIT ").append(lexer_.Peek().Raw);
-    if (lexer_.Peek().Kind != TokenKind::Number) Rewriter::FailAt(lexer_.Peek());
-    lexer_.Next();
-    const Token close = lexer_.Next();
-    if (!close.IsSymbol(")")) Rewriter::FailAt(close);
-  } else {
-    frames_.back().Closing = std::string("LIMIT ").append(lexer_.Next().Raw);
-  }
-  if (lexer_.Peek().Is("PERCENT")) Rewriter::FailAt(lexer_.Peek());
+  const bool isGroup = reader_.TakeSymbol("(");
+  const Token number = reader_.Take();
+  if (number.Kind != TokenKind::Number) FailNotKnown(number);
+  frames_.back().Closing = std::string("LIMIT ").append(number.Raw);
+  if (isGroup) reader_.ExpectSymbol(")");
+  if (reader_.Next().Is("PERCENT")) FailNotKnown(reader_.Next());
 }
 
 /// CONVERT(type, value[, style]) becomes CAST(value AS type).
 void TokenCopier::CopyConvert() {
-  lexer_.Next();
-  const Token name = lexer_.Peek();
-  const auto type = TakeType(lexer_);
-  if (!type) throw SqlFailure(message::kUnknownType(1, name.Value()), true);
-  const Token comma = lexer_.Next();
-  if (!comma.IsSymbol(",")) Rewriter::FailAt(comma);
-  Put("CAST (");
+  reader_.Take();
   Frame frame;
-  frame.Closing = std::string("AS ").append(CastType(type->What));
+  frame.Closing = std::string("AS ").append(TakeCastType());
   frame.DropsRest = true;
+  reader_.ExpectSymbol(",");
+  Put("CAST (");
   frames_.push_back(frame);
 }
 
-void TokenCopier::SkipToClosing() {
-  while (!lexer_.Peek().IsSymbol(")") && lexer_.Peek().Kind != TokenKind::End) {
-    if (lexer_.Peek().IsSymbol("(")) {
-      TakeGroup(lexer_);
-    } else {
-      lexer_.Next();
-    }
-  }
+std::string_view TokenCopier::TakeCastType() {
+  std::string name;
+  const auto type = TakeType(reader_, name);
+  if (!type) throw SqlFailure(message::kUnknownType(1, name), true);
+  return CastType(type->What);
 }
 
 /// A name of one or more parts: [dbo].[Customer].[Name], Sales.dbo.Customer, sys.databases.
 void TokenCopier::CopyNames(const Token& first) {
   std::vector<std::string> parts{first.Value()};
   bool hasStar = false;
-  while (lexer_.Peek().IsSymbol(".")) {
-    lexer_.Next();
-    const Token part = lexer_.Peek();
-    if (part.IsSymbol(".")) {
-      parts.emplace_back();
-    } else if (part.IsName()) {
-      parts.push_back(lexer_.Next().Value());
-    } else if (part.IsSymbol("*")) {
-      lexer_.Next();
-      hasStar = true;
-    } else {
-      Rewriter::FailAt(part);
-    }
+  while (!hasStar && reader_.TakeSymbol(".")) {
+    hasStar = reader_.TakeSymbol("*");
+    if (hasStar) break;
+    if (!reader_.Next().IsSymbol(".") && !reader_.Next().IsName()) FailNotKnown(reader_.Next());
+    parts.push_back(reader_.Next().IsSymbol(".") ? std::string() : reader_.Take().Value());
   }
-  if (lexer_.Peek().IsSymbol("(")) throw NotKnown("a function or method with a dot");
+  if (reader_.Next().IsSymbol("(") && parts.size() > 1) {
+    throw NotKnown("a function or method with a dot");
+  }
   std::string prefix;
-  if (parts.size() >= 3 && !environment_.IsSchema(parts[0]) && !SameWord(parts[0], "dbo")) {
+  const auto isDbo = [&parts] { return SameWord(parts[0], "dbo"); };
+  if (parts.size() >= 3 && !isDbo() && !IsSystemSchema(parts[0]) &&
+      !environment_.IsSchema(parts[0])) {
     prefix = environment_.PrefixOf(parts[0]);
     parts.erase(parts.begin());
     if (parts[0].empty()) parts[0] = "dbo";
   }
-  if (parts.size() >= 2 && SameWord(parts[0], "dbo")) {
-    parts.erase(parts.begin());
-  } else if (parts.size() >= 2 && environment_.IsSchema(parts[0])) {
+  const bool isSystem = parts.size() >= 2 && IsSystemSchema(parts[0]);
+  if (parts.size() >= 2 && (isDbo() || isSystem || environment_.IsSchema(parts[0]))) {
     parts[1] = DataName(parts[0], parts[1]);
     parts.erase(parts.begin());
   }
-  if (parts.size() >= 2 &&
-      (SameWord(parts[0], "sys") || SameWord(parts[0], "INFORMATION_SCHEMA"))) {
-    PutSystemView(parts[0] + "." + parts[1], prefix);
-    return;
-  }
-  if (parts.size() == 1 && FindSystemView(parts[0]) != nullptr) {
-    PutSystemView(parts[0], prefix);
-    return;
+  if (isSystem || Has(kOldViews, parts[0])) {
+    environment_.ReadsSystemView();
+    if (!prefix.empty() && !Has(kServerViews, parts[0])) throw NotKnown(parts[0]);
+    prefix.clear();
   }
   std::string joined = prefix;
   for (const std::string& part : parts) {
-    if (joined.size() > prefix.size()) joined += '.';
-    joined += QuoteName(part);
+    joined += (joined.size() > prefix.size() ? "." : "") + QuoteName(part);
   }
-  if (hasStar) joined += ".*";
-  Put(joined);
-}
-
-void TokenCopier::PutSystemView(std::string_view name, std::string_view prefix) {
-  const SystemView* view = FindSystemView(name);
-  if (view == nullptr || (!prefix.empty() && !view->IsServerWide)) {
-    throw NotKnown(std::string(name));
-  }
-  environment_.NeedSystemViews();
-  Put("temp." + QuoteName(view->Name));
+  Put(joined + (hasStar ? ".*" : ""));
 }
 
 }  // namespace talu::standin

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Lexer.h"
+#include "Reader.h"
 #include "Rewriter.h"
 #include "Text.h"
 
@@ -13,8 +13,8 @@ namespace talu::standin {
 /// Copies tokens into SQLite's dialect: names, texts, TOP, CAST and CONVERT, text sums, functions.
 class TokenCopier {
  public:
-  TokenCopier(const Lexer& lexer, RewriteEnvironment& environment)
-      : lexer_(lexer), environment_(environment) {}
+  TokenCopier(const Reader& reader, RewriteEnvironment& environment)
+      : reader_(reader), environment_(environment) {}
 
   std::string CopyAll();
 
@@ -32,24 +32,17 @@ class TokenCopier {
 
   void Put(std::string_view text);
   void CopyWord(const Token& token);
-  void PutWord(const Token& token);
-  void CopyFunction(const Token& token);
   void CopyNames(const Token& first);
   void CopySymbol(const Token& token);
   void CopyTop();
   void CopyConvert();
-  void SkipToClosing();
-  void PutSystemView(std::string_view name, std::string_view prefix);
+  std::string_view TakeCastType();
 
-  Lexer lexer_;
+  Reader reader_;
   RewriteEnvironment& environment_;
   std::string sql_{" "};
   std::vector<Frame> frames_{1};
   Token last_;
 };
-
-/// Reads a group in parentheses, at which the lexer is; the range includes them. Raises 102 when it
-/// is not closed.
-Range TakeGroup(Lexer& lexer);
 
 }  // namespace talu::standin
