@@ -201,14 +201,15 @@ TEST(Server, GoesOnWhereItEnded) {
 }
 
 TEST(Mishaps, HappenAsTold) {
+  using Effect = Mishaps::Effect;
   Mishaps mishaps;
-  mishaps.FailNumber("2=1234:Told so");
-  mishaps.FailText("CREATE TABLE bad");
-  mishaps.CutText("cut here");
-  mishaps.DelayText("slow=60000");
-  EXPECT_THROW(mishaps.FailNumber("x"), std::invalid_argument);
-  EXPECT_THROW(mishaps.CutNumber("0"), std::invalid_argument);
-  EXPECT_THROW(mishaps.DelayText("slow"), std::invalid_argument);
+  mishaps.Add(Effect::Fail, "2=1234:Told so", true);
+  mishaps.Add(Effect::Fail, "CREATE TABLE bad");
+  mishaps.Add(Effect::Cut, "cut here");
+  mishaps.Add(Effect::Delay, "slow=60000");
+  EXPECT_THROW(mishaps.Add(Effect::Fail, "x", true), std::invalid_argument);
+  EXPECT_THROW(mishaps.Add(Effect::Cut, "0", true), std::invalid_argument);
+  EXPECT_THROW(mishaps.Add(Effect::Delay, "slow"), std::invalid_argument);
   const HostFolder folder;
   const RunningServer server(folder.Path, mishaps);
   LoggedIn client(server);

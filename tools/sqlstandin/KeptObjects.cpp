@@ -1,5 +1,8 @@
 #include "KeptObjects.h"
 
+#include <algorithm>
+#include <array>
+
 #include "Statements.h"
 #include "Text.h"
 #include "sql/Names.h"
@@ -7,21 +10,11 @@
 namespace talu::standin {
 namespace {
 
-constexpr std::string_view kNotedKind = "noted";
-
-/// What does not share the names of tables.
-bool IsApart(std::string_view kind) {
-  return kind == "SCHEMA" || kind == "TYPE" || kind == "ROLE";
-}
+/// A table or a view of SQLite's own.
+const char* const kStored = "SELECT 1 FROM main.sqlite_schema WHERE type IN ('table', 'view')";
 
 std::string WithName(std::string_view kind, const std::string& name) {
   return "kind = " + QuoteText(kind) + " AND name = " + QuoteText(name);
-}
-
-std::string ListOf(const std::vector<std::string>& names) {
-  std::string list;
-  for (const std::string& name : names) list += (list.empty() ? "" : ", ") + QuoteText(name);
-  return "(" + list + ")";
 }
 
 }  // namespace
@@ -31,13 +24,8 @@ const char* const KeptObjects::kTable =
     "COLLATE NOCASE, text TEXT);"
     "CREATE INDEX IF NOT EXISTS main.sqlstandin_kept_names ON sqlstandin_kept (name);";
 
-void KeptObjects::Execute(const std::string& sql) const {
-  SqliteStatement(database_, sql, "").Step();
-}
-
 bool KeptObjects::Exists(const std::string& condition) const {
-  return SqliteStatement(database_, "SELECT 1 FROM main.sqlstandin_kept WHERE " + condition, "")
-      .Step();
+  return !List("SELECT 1 FROM main.sqlstandin_kept WHERE " + condition).empty();
 }
 
 std::vector<std::string> KeptObjects::List(const std::string& query) const {
@@ -47,40 +35,26 @@ std::vector<std::string> KeptObjects::List(const std::string& query) const {
   return names;
 }
 
-std::vector<std::string> KeptObjects::Tables() const {
-  return List(
-      "SELECT name FROM main.sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite!_%' "
-      "ESCAPE '!' AND name <> 'sqlstandin_kept' ORDER BY name COLLATE NOCASE");
-}
-
 bool KeptObjects::Has(std::string_view kind, const std::string& name) const {
-  if (Exists(WithName(kind, name))) return true;
-  return kind == "VIEW" &&
-         SqliteStatement(database_,
-                         "SELECT 1 FROM main.sqlite_schema WHERE type = 'view' AND name = " +
-                             QuoteText(name) + " COLLATE NOCASE",
-                         "")
-             .Step();
+  return Exists(WithName(kind, name)) ||
+         (kind == "VIEW" &&
+          !List(kStored + (" AND type = 'view' AND name = " + QuoteText(name)) + " COLLATE NOCASE")
+               .empty());
 }
 
 bool KeptObjects::IsTaken(std::string_view kind, const std::string& name) const {
-  if (IsApart(kind)) return Has(kind, name);
+  if (kind == "SCHEMA" || kind == "TYPE" || kind == "ROLE") return Has(kind, name);
   return Exists("kind NOT IN ('noted', 'SCHEMA', 'TYPE', 'ROLE') AND name = " + QuoteText(name)) ||
-         SqliteStatement(database_,
-                         "SELECT 1 FROM main.sqlite_schema WHERE type IN ('table', 'view') AND "
-                         "name = " +
-                             QuoteText(name) + " COLLATE NOCASE",
-                         "")
-             .Step();
+         !List(kStored + (" AND name = " + QuoteText(name)) + " COLLATE NOCASE").empty();
 }
 
 void KeptObjects::Add(std::string_view kind, const std::string& name, std::string_view text) const {
-  Execute("INSERT INTO main.sqlstandin_kept (kind, name, text) VALUES (" + QuoteText(kind) + ", " +
-          QuoteText(name) + ", " + QuoteText(text) + ")");
+  List("INSERT INTO main.sqlstandin_kept (kind, name, text) VALUES (" + QuoteText(kind) + ", " +
+       QuoteText(name) + ", " + QuoteText(text) + ")");
 }
 
 void KeptObjects::Remove(std::string_view kind, const std::string& name) const {
-  Execute("DELETE FROM main.sqlstandin_kept WHERE " + WithName(kind, name));
+  List("DELETE FROM main.sqlstandin_kept WHERE " + WithName(kind, name));
 }
 
 std::set<std::string> KeptObjects::Names(std::string_view kind) const {
@@ -99,31 +73,17 @@ std::string KeptObjects::TextOf(const std::string& name) const {
 }
 
 void KeptObjects::Note(const std::string& name, Change change) const {
-  if (change == Change::Shape) Forget(name);
-  if (Exists(WithName(kNotedKind, name))) return;
-  Add(kNotedKind, name,
-      change == Change::Shape  ? "shape"
-      : change == Change::Rows ? "rows"
-                               : "any");
-}
-
-void KeptObjects::Forget(const std::string& name) const {
-  Remove(kNotedKind, name);
-}
-
-std::vector<std::string> KeptObjects::Unknown() const {
-  return List(
-      "SELECT name FROM main.sqlstandin_kept WHERE kind = 'noted' AND text <> 'any' ORDER BY id");
+  static constexpr std::array<const char*, 3> kTexts = {"shape", "rows", "any"};
+  if (change == Change::Shape) Remove(kNoted, name);
+  if (!Has(kNoted, name)) Add(kNoted, name, kTexts.at(static_cast<std::size_t>(change)));
 }
 
 bool KeptObjects::IsUncertain(const std::vector<std::string>& names, bool isWithTexts) const {
   const std::string kinds = isWithTexts ? "('VIEW', 'SYNONYM', 'FUNCTION', 'TYPE')" : "()";
-  return Exists("(kind IN " + kinds + " OR kind = 'noted' AND text <> 'rows') AND name IN " +
-                ListOf(names));
-}
-
-bool KeptObjects::HasNotes() const {
-  return Exists("kind = 'noted'");
+  return std::ranges::any_of(names, [&](const std::string& name) {
+    return Exists("name = " + QuoteText(name) + " AND (kind IN " + kinds +
+                  " OR kind = 'noted' AND text <> 'rows')");
+  });
 }
 
 std::map<std::string, std::int64_t> KeptObjects::Counts() const {
@@ -144,32 +104,30 @@ std::vector<std::string> NamesIn(std::string_view text, bool isChanged) {
   const auto add = [&](const std::string& name) {
     if (seen.insert(name).second) names.push_back(name);
   };
+  const auto isName = [](const Token& token) {
+    return token.Kind == TokenKind::Name ||
+           (token.Kind == TokenKind::Word && !sql::IsReserved(token.Raw));
+  };
   sql::Lexer lexer(text);
-  std::string schema;
-  std::string name;
-  bool goesOn = false;  // a dot stands before the next part
-  bool isObject = false;
   Token before;
-  while (true) {
-    const sql::Token token = lexer.Next();
-    if (token.IsSymbol(".")) {
-      goesOn = true;
-      continue;
-    }
-    if (!goesOn && !name.empty() && (isObject || !isChanged)) add(DataName(schema, name));
-    if (token.Kind == TokenKind::End) return names;
-    const bool isDotted = goesOn;
-    schema = isDotted ? name : std::string();
-    goesOn = false;
-    if (!isDotted) isObject = IsAmong(before, "DELETE FROM INSERT INTO MERGE TABLE UPDATE VIEW");
-    before = token;
-    const bool isName = token.Kind == TokenKind::Name ||
-                        (token.Kind == TokenKind::Word && !sql::IsReserved(token.Raw));
-    name = isName ? token.Value() : std::string();
+  for (Token token = lexer.Next(); token.Kind != TokenKind::End;) {
+    const bool isObject = IsAmong(before, "DELETE FROM INSERT INTO MERGE TABLE UPDATE VIEW");
     if (isChanged && token.Kind == TokenKind::String) {
       for (const std::string& each : NamesIn(token.Value(), false)) add(each);
     }
+    // The parts of a name: the last, and the schema before it.
+    std::string schema;
+    std::string name = isName(token) ? token.Value() : std::string();
+    before = token;
+    for (token = lexer.Next(); token.IsSymbol(".");) {
+      schema = name;
+      token = lexer.Next();
+      name = isName(token) ? token.Value() : std::string();
+      if (!token.IsSymbol(".") && token.Kind != TokenKind::End) token = lexer.Next();
+    }
+    if (!name.empty() && (isObject || !isChanged)) add(DataName(schema, name));
   }
+  return names;
 }
 
 }  // namespace talu::standin

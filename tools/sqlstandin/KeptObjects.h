@@ -18,11 +18,13 @@ class KeptObjects {
  public:
   /// The statement that makes the table for it.
   static const char* const kTable;
+  /// The kind of what a noted statement may have made or changed.
+  static constexpr std::string_view kNoted = "noted";
 
   explicit KeptObjects(const SqliteDatabase& database) : database_(database) {}
 
-  /// The names of the tables that SQLite has.
-  std::vector<std::string> Tables() const;
+  /// The first values that a query gives.
+  std::vector<std::string> List(const std::string& query) const;
   /// Whether there is an object of the kind.
   bool Has(std::string_view kind, const std::string& name) const;
   /// Whether the name is taken for the kind: what is no schema, type or role shares its names with
@@ -39,21 +41,16 @@ class KeptObjects {
   /// nobody can say.
   enum class Change { Shape, Rows, Any };
   void Note(const std::string& name, Change change) const;
-  void Forget(const std::string& name) const;
-  /// What was to be made or changed.
-  std::vector<std::string> Unknown() const;
   /// Whether the shape of one of the names is unknown, or (`isWithTexts`) it has a text that is not
   /// run.
   bool IsUncertain(const std::vector<std::string>& names, bool isWithTexts) const;
-  bool HasNotes() const;
+  bool HasNotes() const { return Exists("kind = 'noted'"); }
 
   /// How many there are of each kind.
   std::map<std::string, std::int64_t> Counts() const;
 
  private:
-  void Execute(const std::string& sql) const;
   bool Exists(const std::string& condition) const;
-  std::vector<std::string> List(const std::string& query) const;
 
   const SqliteDatabase& database_;
 };

@@ -40,37 +40,29 @@ Parts ParseFailure(std::string_view rule) {
 
 }  // namespace
 
-void Mishaps::Add(Rule rule) {
-  if (rule.Number == 0 && rule.Text.empty()) throw std::invalid_argument("a rule without a text");
-  rules_.push_back(std::move(rule));
-}
-
-void Mishaps::FailNumber(std::string_view rule) {
-  const Parts parts = ParseFailure(rule);
-  Add({ToNumber<std::uint64_t>(parts.Key), {}, {{}, false, parts.Failure}});
-}
-
-void Mishaps::FailText(std::string_view rule) {
-  const Parts parts = ParseFailure(rule);
-  Add({0, std::string(parts.Key), {{}, false, parts.Failure}});
-}
-
-void Mishaps::CutNumber(std::string_view rule) {
-  Add({ToNumber<std::uint64_t>(rule), {}, {{}, true, {}}});
-}
-
-void Mishaps::CutText(std::string_view text) {
-  Add({0, std::string(text), {{}, true, {}}});
-}
-
-void Mishaps::DelayText(std::string_view rule) {
-  const std::size_t equals = rule.rfind('=');
-  if (equals == std::string_view::npos) {
-    throw std::invalid_argument("a delay is given as TEXT=MILLISECONDS");
+void Mishaps::Add(Effect effect, std::string_view rule, bool isNumber) {
+  Parts parts{rule, {}};
+  Rule made;
+  if (effect == Effect::Fail) {
+    parts = ParseFailure(rule);
+    made.What.Failure = parts.Failure;
+  } else if (effect == Effect::Delay) {
+    const std::size_t equals = rule.rfind('=');
+    if (equals == std::string_view::npos) {
+      throw std::invalid_argument("a delay is given as TEXT=MILLISECONDS");
+    }
+    parts.Key = rule.substr(0, equals);
+    made.What.Delay = std::chrono::milliseconds(ToNumber<int>(rule.substr(equals + 1)));
+  } else {
+    made.What.Cuts = true;
   }
-  Add({0,
-       std::string(rule.substr(0, equals)),
-       {std::chrono::milliseconds(ToNumber<int>(rule.substr(equals + 1))), false, {}}});
+  if (parts.Key.empty()) throw std::invalid_argument("a rule without a text");
+  if (isNumber) {
+    made.Number = ToNumber<std::uint64_t>(parts.Key);
+  } else {
+    made.Text = parts.Key;
+  }
+  rules_.push_back(std::move(made));
 }
 
 Mishap Mishaps::For(std::uint64_t number, std::string_view batch) const {

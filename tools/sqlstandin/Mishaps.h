@@ -24,17 +24,12 @@ struct Mishap {
 /// batch with a number, counted from 1 over all sessions, or to every batch that contains a text.
 class Mishaps {
  public:
-  // Each raises std::invalid_argument, with the reason, when the rule is malformed.
-
-  /// "N" or "N=NUMBER:MESSAGE".
-  void FailNumber(std::string_view rule);
-  /// "TEXT" or "TEXT=NUMBER:MESSAGE".
-  void FailText(std::string_view rule);
-  void CutNumber(std::string_view rule);
-  void CutText(std::string_view text);
+  enum class Effect { Fail, Cut, Delay };
+  /// A rule is "KEY", for a failure also "KEY=NUMBER:MESSAGE", for a delay "KEY=MILLISECONDS"; the
+  /// key is a number or a text. Raises std::invalid_argument, with the reason, when it is
+  /// malformed.
+  void Add(Effect effect, std::string_view rule, bool isNumber = false);
   void DelayAll(std::chrono::milliseconds delay) { delay_ = delay; }
-  /// "TEXT=MILLISECONDS".
-  void DelayText(std::string_view rule);
 
   /// What to do to this batch.
   Mishap For(std::uint64_t number, std::string_view batch) const;
@@ -45,7 +40,6 @@ class Mishaps {
     std::string Text;
     Mishap What;
   };
-  void Add(Rule rule);
 
   std::chrono::milliseconds delay_{0};
   std::vector<Rule> rules_;

@@ -30,17 +30,6 @@ enum Type : std::uint8_t {
   TypeNVarChar = 0xE7,
 };
 
-enum Change : std::uint8_t {
-  ChangeDatabase = 1,
-  ChangeLanguage = 2,
-  ChangePacketSize = 4,
-  ChangeCollation = 7,
-  ChangeBegin = 8,
-  ChangeCommit = 9,
-  ChangeRollback = 10,
-  ChangeReset = 18,
-};
-
 constexpr unsigned kDoneMore = 0x01;
 constexpr unsigned kDoneError = 0x02;
 constexpr unsigned kDoneCount = 0x10;
@@ -97,44 +86,32 @@ void ReplyWriter::LoginAccepted() {
   for (const unsigned part : {10U, 50U, 0x06U, 0x40U}) Number(part, 1);
 }
 
-void ReplyWriter::Change(std::uint8_t type, std::string_view newValue, std::string_view oldValue) {
+void ReplyWriter::Change(ChangeType type, std::string_view newValue, std::string_view oldValue) {
   BeginToken();
-  const bool isText = type <= ChangePacketSize;
+  const bool isText = type <= ChangeType::PacketSize;
   const std::string newBytes = isText ? Utf16(newValue) : std::string(newValue);
   const std::string oldBytes = isText ? Utf16(oldValue) : std::string(oldValue);
   Number(TokenChange, 1);
   Number(1 + 1 + newBytes.size() + 1 + oldBytes.size(), 2);
-  Number(type, 1);
+  Number(static_cast<std::uint8_t>(type), 1);
   Number(isText ? newBytes.size() / 2 : newBytes.size(), 1);
   body_ += newBytes;
   Number(isText ? oldBytes.size() / 2 : oldBytes.size(), 1);
   body_ += oldBytes;
 }
 
-void ReplyWriter::DatabaseChanged(std::string_view newName, std::string_view oldName) {
-  Change(ChangeDatabase, newName, oldName);
-}
-void ReplyWriter::LanguageChanged(std::string_view language) {
-  Change(ChangeLanguage, language, "");
-}
-void ReplyWriter::PacketSizeChanged(std::size_t newSize, std::size_t oldSize) {
-  Change(ChangePacketSize, std::to_string(newSize), std::to_string(oldSize));
-}
 void ReplyWriter::CollationChanged() {
-  Change(ChangeCollation, kCollation, "");
-}
-void ReplyWriter::SessionReset() {
-  Change(ChangeReset, "", "");
+  Change(ChangeType::Collation, kCollation, "");
 }
 
 void ReplyWriter::TransactionBegan(std::uint64_t transaction) {
   if (!HasLongTypes()) return;  // older clients know no transaction numbers
-  Change(ChangeBegin, {reinterpret_cast<const char*>(&transaction), sizeof transaction}, "");
+  Change(ChangeType::Begin, {reinterpret_cast<const char*>(&transaction), sizeof transaction}, "");
 }
 
 void ReplyWriter::TransactionEnded(std::uint64_t transaction, bool committed) {
   if (!HasLongTypes()) return;
-  Change(committed ? ChangeCommit : ChangeRollback, "",
+  Change(committed ? ChangeType::Commit : ChangeType::Rollback, "",
          {reinterpret_cast<const char*>(&transaction), sizeof transaction});
 }
 

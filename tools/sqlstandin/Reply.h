@@ -43,11 +43,15 @@ class ReplyWriter {
   void Raw(std::string_view bytes) { body_.append(bytes); }
 
   void LoginAccepted();
-  void DatabaseChanged(std::string_view newName, std::string_view oldName);
-  void LanguageChanged(std::string_view language);
-  void PacketSizeChanged(std::size_t newSize, std::size_t oldSize);
+  void DatabaseChanged(std::string_view newName, std::string_view oldName) {
+    Change(ChangeType::Database, newName, oldName);
+  }
+  void LanguageChanged(std::string_view language) { Change(ChangeType::Language, language, ""); }
+  void PacketSizeChanged(std::size_t newSize, std::size_t oldSize) {
+    Change(ChangeType::PacketSize, std::to_string(newSize), std::to_string(oldSize));
+  }
   void CollationChanged();
-  void SessionReset();
+  void SessionReset() { Change(ChangeType::Reset, "", ""); }
   void TransactionBegan(std::uint64_t transaction);
   void TransactionEnded(std::uint64_t transaction, bool committed);
 
@@ -74,7 +78,18 @@ class ReplyWriter {
  private:
   void Number(std::uint64_t value, std::size_t size);
   void ShortText(std::string_view utf8);
-  void Change(std::uint8_t type, std::string_view newValue, std::string_view oldValue);
+  /// The first three have texts.
+  enum class ChangeType : std::uint8_t {
+    Database = 1,
+    Language = 2,
+    PacketSize = 4,
+    Collation = 7,
+    Begin = 8,
+    Commit = 9,
+    Rollback = 10,
+    Reset = 18,
+  };
+  void Change(ChangeType type, std::string_view newValue, std::string_view oldValue);
   void Collation();
   void LongValue(std::string_view bytes);
   void BeginToken();

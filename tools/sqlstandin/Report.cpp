@@ -21,13 +21,20 @@ std::string WithSchema(const std::string& name) {
 void Describe(const DatabaseEntry& entry, Json& described) {
   SqliteDatabase database(entry.File, entry.Name, [] { return false; });
   const KeptObjects kept(database);
-  for (const std::string& table : kept.Tables()) {
+  for (const std::string& table :
+       kept.List("SELECT name FROM main.sqlite_schema WHERE type = 'table' AND name NOT LIKE "
+                 "'sqlite!_%' ESCAPE '!' AND name <> 'sqlstandin_kept' ORDER BY name COLLATE "
+                 "NOCASE")) {
     described["tables"].push_back(
         {{"name", WithSchema(table)},
          {"rows", database.Count("SELECT COUNT(*) FROM main." + QuoteName(table))}});
   }
   for (const auto& [kind, count] : kept.Counts()) described["kept"][kind] = count;
-  for (const std::string& name : kept.Unknown()) described["unknown"].push_back(WithSchema(name));
+  for (const std::string& name :
+       kept.List("SELECT name FROM main.sqlstandin_kept WHERE kind = 'noted' AND text <> 'any' "
+                 "ORDER BY id")) {
+    described["unknown"].push_back(WithSchema(name));
+  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "Text.h"
+#include "runtime/TextFunctions.h"
 
 namespace talu::standin {
 namespace {
@@ -62,22 +63,11 @@ std::string ParseBatch(std::string_view payload, std::uint32_t version) {
 
 std::string ParseProcedureName(std::string_view payload, std::uint32_t version) {
   // The procedures that have a number instead of a name in the protocol, from 1.
-  static constexpr std::array<const char*, 16> kNumbered = {"",
-                                                            "sp_cursor",
-                                                            "sp_cursoropen",
-                                                            "sp_cursorprepare",
-                                                            "sp_cursorexecute",
-                                                            "sp_cursorprepexec",
-                                                            "sp_cursorunprepare",
-                                                            "sp_cursorfetch",
-                                                            "sp_cursoroption",
-                                                            "sp_cursorclose",
-                                                            "sp_executesql",
-                                                            "sp_prepare",
-                                                            "sp_execute",
-                                                            "sp_prepexec",
-                                                            "sp_prepexecrpc",
-                                                            "sp_unprepare"};
+  static const std::vector<std::string> kNumbered = Split(
+      " sp_cursor sp_cursoropen sp_cursorprepare sp_cursorexecute sp_cursorprepexec "
+      "sp_cursorunprepare sp_cursorfetch sp_cursoroption sp_cursorclose sp_executesql sp_prepare "
+      "sp_execute sp_prepexec sp_prepexecrpc sp_unprepare",
+      ' ');
   ByteReader reader = AfterHeaders(payload, version);
   const std::size_t length = reader.Number(2);
   if (length != 0xFFFF) return Utf8FromUtf16(reader.Take(length * 2));

@@ -127,7 +127,8 @@ void Session::Do(const DataStatement& statement) {
     undo();
     throw;
   }
-  if (statement.What == Verb::CreateTable) KeptObjects(database).Forget(rewriter.Target());
+  if (statement.What == Verb::CreateTable)
+    KeptObjects(database).Remove(KeptObjects::kNoted, rewriter.Target());
   if (needsSavepoint) database.Execute("RELEASE whole");
   const bool counts = statement.What == Verb::Insert || statement.What == Verb::Update ||
                       statement.What == Verb::Delete;

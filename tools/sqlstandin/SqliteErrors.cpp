@@ -20,10 +20,6 @@ std::string Between(std::string_view text, std::string_view left, std::string_vi
   return rest.substr(0, rest.rfind(right));
 }
 
-std::string WithoutMain(const std::string& name) {
-  return name.starts_with("main.") ? name.substr(5) : name;
-}
-
 SqlMessage OfConstraint(int code, std::string_view text, std::string_view verb,
                         const std::string& database) {
   const std::string what = After(text, "constraint failed: ");
@@ -51,38 +47,39 @@ SqlMessage OfConstraint(int code, std::string_view text, std::string_view verb,
   }
 }
 
+/// A name without its quotes, and without what stands before its last dot.
+std::string LastPart(std::string name) {
+  std::erase(name, '"');  // SQLite quotes some names and not others
+  return name.substr(name.rfind('.') + 1);
+}
+
 SqlMessage OfStatement(std::string_view text, std::string_view verb) {
   std::string name;
-  if (!(name = Between(text, "near \"", "\": syntax error")).empty() ||
-      !(name = Between(text, "unrecognized token: \"", "\"")).empty()) {
+  const auto has = [&](std::string_view mark, std::string_view end = {}) {
+    name = end.empty() ? After(text, mark) : Between(text, mark, end);
+    return !name.empty();
+  };
+  if (has("near \"", "\": syntax error") || has("unrecognized token: \"", "\"")) {
     FailNotKnown(sql::Lexer(name).Next());
   }
-  if (!(name = After(text, "no such function: ")).empty()) throw NotKnown(UCase(name) + "()");
+  if (has("no such function: ")) throw NotKnown(UCase(name) + "()");
   if (text == "incomplete input") return message::kSyntaxNear(verb);
-  if (!(name = After(text, "no such table: ")).empty() ||
-      !(name = After(text, "no such view: ")).empty()) {
-    if (verb == "DROP") {
-      const bool isView = text.find("view") != std::string_view::npos;
-      return message::kCannotDrop(isView ? "view" : "table", WithoutMain(name));
-    }
+  const bool isView = has("no such view: ");
+  if (isView || has("no such table: ")) {
+    if (name.starts_with("main.")) name.erase(0, 5);
+    if (verb == "DROP") return message::kCannotDrop(isView ? "view" : "table", name);
     if (name.starts_with("sys.")) throw NotKnown(name);
-    return message::kInvalidObject(WithoutMain(name));
+    return message::kInvalidObject(name);
   }
-  if (!(name = After(text, "no such index: ")).empty()) {
+  if (has("no such index: ")) {
     return verb == "ALTER" ? message::kNotAConstraint(name.substr(name.find('.') + 1))
                            : message::kCannotDrop("index", name);
   }
-  if (!(name = After(text, "no such column: ")).empty() ||
-      !(name = After(text, "has no column named ")).empty()) {
-    std::erase(name, '"');  // SQLite quotes some names and not others
-    return message::kInvalidColumn(name.substr(name.rfind('.') + 1));
+  if (has("no such column: ") || has("has no column named ")) {
+    return message::kInvalidColumn(LastPart(name));
   }
-  if (!(name = After(text, "ambiguous column name: ")).empty()) {
-    return message::kAmbiguousColumn(name);
-  }
-  if (!(name = After(text, "duplicate column name: ")).empty()) {
-    return message::kDuplicateColumn(name);
-  }
+  if (has("ambiguous column name: ")) return message::kAmbiguousColumn(name);
+  if (has("duplicate column name: ")) return message::kDuplicateColumn(name);
   for (const char* kind : {"table ", "view ", "index ", "there is already a table named "}) {
     if (text.starts_with(kind) && text.ends_with(" already exists")) {
       name = Between(text, kind, " already exists");
@@ -90,16 +87,11 @@ SqlMessage OfStatement(std::string_view text, std::string_view verb) {
       return message::kObjectExists(name);
     }
   }
-  if (text.starts_with("there is already a")) return message::kObjectExists(After(text, "named "));
-  if (text.starts_with("table ") && text.ends_with("values were supplied")) {
-    return message::kColumnCount();
-  }
-  const std::size_t values = text.find(" values for ");
-  if (values != std::string_view::npos) {
-    const auto count = [](std::string_view digits) { return std::stoul(std::string(digits)); };
-    return count(text.substr(0, values)) < count(text.substr(values + 12))
-               ? message::kMoreColumnsThanValues()
-               : message::kFewerColumnsThanValues();
+  if (has("there is already a") && has("named ")) return message::kObjectExists(name);
+  if (text.ends_with("values were supplied")) return message::kColumnCount();
+  if (has(" values for ")) {
+    return std::stoul(std::string(text)) < std::stoul(name) ? message::kMoreColumnsThanValues()
+                                                            : message::kFewerColumnsThanValues();
   }
   if (text.find("Expression tree is too large") != std::string_view::npos ||
       text.find("parser stack overflow") != std::string_view::npos) {

@@ -113,12 +113,13 @@ void Declare(CLI::App& app, Options& options) {
 }
 
 int Run(const Options& options) {
+  using Effect = Mishaps::Effect;
   Mishaps mishaps;
-  for (const auto& rule : options.FailStatements) mishaps.FailNumber(rule);
-  for (const auto& rule : options.FailTexts) mishaps.FailText(rule);
-  for (const auto& rule : options.CutStatements) mishaps.CutNumber(rule);
-  for (const auto& rule : options.CutTexts) mishaps.CutText(rule);
-  for (const auto& rule : options.DelayTexts) mishaps.DelayText(rule);
+  for (const auto& rule : options.FailStatements) mishaps.Add(Effect::Fail, rule, true);
+  for (const auto& rule : options.FailTexts) mishaps.Add(Effect::Fail, rule);
+  for (const auto& rule : options.CutStatements) mishaps.Add(Effect::Cut, rule, true);
+  for (const auto& rule : options.CutTexts) mishaps.Add(Effect::Cut, rule);
+  for (const auto& rule : options.DelayTexts) mishaps.Add(Effect::Delay, rule);
   mishaps.DelayAll(std::chrono::milliseconds(options.Delay));
   Drives drives;
   for (const std::string& drive : options.Drives) drives.Add(drive);
