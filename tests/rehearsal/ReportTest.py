@@ -40,6 +40,9 @@ CASES = {
     "another statement": ("cccc", [], {}, None, [], {}, 1, [
         'statements: statement 4 is "DROP TABLE V" in place of "DROP TABLE U" (b.sql)']),
     "too many": ("cccc", [], {}, ["SELECT 1"], [], {}, 1, ['statements: 1 more than planned, first "SELECT 1"']),
+    "the server goes away": ("ccx", [], {}, [], [], {}, 1, [
+        "2 batches of 1 script: 1 carried out, 1 refused", "statements: 3 of the 4 that are planned",
+        "refused: a.sql, line 4: MERGE T", "  the server: went away before it answered"]),
     "too few": ("ccc", [], {}, [], [], {}, 1, ["statements: 3 of the 4 that are planned"]),
     "a failed build leaves nothing": ("cccr", [], {3: (5, "x")}, [], ["--broken"], {}, 0, [
         "left of the build: no database, no login"]),
@@ -84,7 +87,9 @@ def run(place, given):
         journal = [{"event": "sql", "number": 0, "text": "before", "ok": True}]
         for at, text in enumerate(received):
             error = {"error": dict(zip(("number", "description"), errors[at]))} if at in errors else {}
-            fate = {"fate": FATES[fates[at]]} if at < len(fates) else {}
+            fate = {"fate": FATES[fates[at]]} if fates[at:at + 1] in FATES else {}
+            if fates[at:at + 1] == "x":
+                fate = {"ok": False, "ending": "cut"}
             journal.append({"event": "sql", "number": at + 1, "text": text, "ok": not error, **error, **fate,
                             **({"carried": False, "constructs": noted} if at == 2 and noted else {})})
         end = len(journal)

@@ -112,6 +112,7 @@ TEST(Databases, StandAtTheirPaths) {
       {"ALTER DATABASE Nowhere SET OFFLINE WITH ROLLBACK IMMEDIATE", "!5011;!5069"},
       {"ALTER DATABASE Sales SET RECOVERY SIMPLE, AUTO_CLOSE OFF WITH NO_WAIT", ""},
       {"ALTER DATABASE Sales SET UNHEARD ON", "!102"},
+      {"ALTER DATABASE master SET OFFLINE", "!5058"},
   };
   for (const auto& each : cases)
     EXPECT_EQ(client.Batch(each.Batch).Summary(), each.Answer) << each.Batch;
@@ -138,6 +139,8 @@ TEST(Databases, OfflineEndsOtherSessionsAndLeavesTheFilesWhenDropped) {
             "");
   EXPECT_EQ(other.Receive(), "");
   EXPECT_EQ(client.Batch("USE Sales").Summary(), "!942");
+  EXPECT_EQ(client.Batch("BACKUP DATABASE Sales TO DISK = 'C:\\Data\\s.bkp'").Summary(),
+            "!942;!3013");
   EXPECT_EQ(client.Batch("SELECT state_desc FROM sys.databases WHERE name = 'sales'").Summary(),
             "OFFLINE");
   EXPECT_EQ(

@@ -161,12 +161,16 @@ TEST(Statements, ExpressionsAndControl) {
           {"EXEC ('INSERT r VALUES (6)') INSERT r VALUES (7) CREATE DATABASE z SELECT COUNT(*) "
            "FROM r",
            "6"},
-          {"BEGIN TRAN CREATE DATABASE y ROLLBACK", "!226"},
+          {"BEGIN TRAN CREATE DATABASE y ALTER DATABASE master SET ONLINE DROP DATABASE y BACKUP "
+           "DATABASE master TO DISK = 'C:\\Data\\m.bkp' ROLLBACK",
+           "!226;!226;!226;!226"},
           {"USE Nowhere SELECT 'not reached'", "!911"},
           {"CREATE USER u FOR LOGIN nobody", "!15007"},
           {"CREATE USER u FOR LOGIN sa GRANT SELECT, INSERT ON t TO u SELECT name FROM "
            "sys.database_principals",
            "dbo;u"},
+          {"CREATE USER U WITHOUT LOGIN CREATE USER DBO WITHOUT LOGIN DROP USER v DROP LOGIN v",
+           "!15023;!15023;!15151;!15151"},
       });
   // A NUL is kept within a text and refused outside.
   const RawClient raw(server.Port());

@@ -20,6 +20,8 @@ CARRIED, KEPT, NOTED, ACCEPTED, REFUSED = "carried out", "kept", "noted", "accep
 # As the stand-in's journal calls them.
 FATES = {"carried": CARRIED, "kept": KEPT, "noted": NOTED, "accepted": ACCEPTED, "refused": REFUSED}
 EXISTS = re.compile(r"file '?(.+?)'? because it already exists")
+# How an answer that did not come to its end, ended.
+ENDINGS = {"cut": "went away before it answered", "cancelled": "was told to stop"}
 # A batch without these can be made to fail after the databases and logins have been made. (Without its COMMIT a
 # transaction stays open, and in one no database can be taken back.)
 MAKES = re.compile(r"\bCREATE\s+(DATABASE|LOGIN)\b|\A\s*(USE|COMMIT|ROLLBACK|BEGIN\s+TRAN\w*)\b", re.I)
@@ -51,7 +53,7 @@ def from_journal(plan, events, broken):
         if not planned.script:
             continue
         error = event.get("error")
-        words = f"{error['number']}, {error['description']}" if error else event.get("ending", "")
+        words = f"{error['number']}, {error['description']}" if error else ENDINGS.get(event.get("ending"), "")
         fate = FATES[event.get("fate", "carried" if event["ok"] else "refused")]
         batches.append(Batch(planned, fate, words, event.get("constructs", ())))
     surplus = len(events) - len(plan.statements)
