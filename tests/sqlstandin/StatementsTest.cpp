@@ -63,6 +63,9 @@ TEST(Statements, TablesAndRows) {
            {"INSERT INTO Customer (Name, Amount) VALUES ('x')", "!109"},
            {"INSERT INTO Customer VALUES ('x')", "!213"},
            {"SELECT UNHEARD(1)", "!50000"},
+           {"SELECT 1 FROM INFORMATION_SCHEMA.ROUTINES", "!50000"},
+           {"SELECT name FROM SYS.dm_os_nodes", "!50000"},
+           {"SELECT TOP (1) table_name FROM Sales.INFORMATION_SCHEMA.TABLES", "Customer"},
            {"CREATE TABLE customer (a int)", "!2714"},
            {"CREATE TABLE T2 (a whatever)", "!2715"},
            {"DROP TABLE Nowhere PRINT 'on'", "!3701;i0:on"},
@@ -123,9 +126,10 @@ TEST(Statements, ExpressionsAndControl) {
            "3,x"},
           {"CREATE TYPE Code FROM nvarchar(4)", ""},
           {"CREATE TABLE odd (c [dbo].[Code], d double precision, e datetime CHECK (e < "
-           "GETDATE()))",
+           "GETDATE()), x xml (CONTENT dbo.S), f float(24))",
            ""},
-          {"INSERT odd VALUES ('x', 1.5, '2001') CREATE INDEX i ON odd (c) WHERE (c IS NOT NULL) "
+          {"INSERT odd (c, d, e) VALUES ('x', 1.5, '2001') CREATE INDEX i ON odd (c) WHERE (c IS "
+           "NOT NULL) "
            "SELECT d FROM odd WHERE OBJECT_ID('odd', 'U') IS NOT NULL",
            "1.5"},
           {"EXEC sp_executesql N'SELECT 5' EXEC ('SELECT ''six''')", "5;six"},
@@ -301,7 +305,7 @@ TEST(Statements, OthersAreTakenNoteOf) {
       // What rests upon it is no fault.
       {"INSERT odd VALUES (1) INSERT dbo.odd (a) SELECT a FROM v", "noted"},
       {"ALTER TABLE odd ADD b int DROP TABLE odd", "noted"},
-      {"EXEC p INSERT made (a) VALUES (2)", "noted"},
+      {"EXEC p INSERT made (a) VALUES (2) CREATE UNIQUE INDEX i ON v (a)", "noted"},
       {"CREATE TABLE odd (a int) INSERT odd VALUES (1) SELECT a FROM odd", "carried", "1"},
       // These are faults all the same.
       {"INSERT Nowhere VALUES (1)", "refused", "!208"},

@@ -76,7 +76,8 @@ std::optional<ColumnType> TakeType(Reader& reader, std::string& name) {
   if (reader.TakeSymbol("(")) {
     const Token size = reader.Take();
     if (type.Length > 0) type.Length = ToSize(size.Raw);  // 0 for MAX
-    if (reader.TakeSymbol(",")) reader.Take();
+    // (10, 2), and for XML a name.
+    while (!reader.IsAtEnd() && !reader.Next().IsSymbol(")")) reader.Take();
     reader.ExpectSymbol(")");
   }
   if (type.Length > 0) type.Declared.append("(").append(std::to_string(type.Length)).append(")");

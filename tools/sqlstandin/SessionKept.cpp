@@ -100,7 +100,8 @@ bool Session::IsUncertain(const SqlFailure& failure, const Statement& statement)
   const Range range = std::holds_alternative<IfStatement>(statement.What)
                           ? std::get<IfStatement>(statement.What).Condition
                           : statement.Text;
-  const bool isDefinition = IsAmong(Reader(batch_, range).Next(), "CREATE ALTER DROP TRUNCATE");
+  const bool isDefinition = IsAmong(Reader(batch_, range).Next(), "CREATE ALTER DROP TRUNCATE") &&
+                            HeadOf(statement) != "CREATE INDEX";  // views have indexes, too
   return objects.IsUncertain(NamesIn(batch_.substr(range.Begin, range.End - range.Begin), false),
                              !isDefinition);
 }

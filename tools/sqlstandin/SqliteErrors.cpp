@@ -47,6 +47,11 @@ SqlMessage OfConstraint(int code, std::string_view text, std::string_view verb,
   }
 }
 
+bool IsSystemView(const std::string& name) {
+  const std::string folded = FoldName(name);
+  return folded.starts_with("sys.") || folded.starts_with("information_schema.");
+}
+
 /// A name without its quotes, and without what stands before its last dot.
 std::string LastPart(std::string name) {
   std::erase(name, '"');  // SQLite quotes some names and not others
@@ -68,7 +73,7 @@ SqlMessage OfStatement(std::string_view text, std::string_view verb) {
   if (isView || has("no such table: ")) {
     if (name.starts_with("main.")) name.erase(0, 5);
     if (verb == "DROP") return message::kCannotDrop(isView ? "view" : "table", name);
-    if (name.starts_with("sys.")) throw NotKnown(name);
+    if (IsSystemView(name)) throw NotKnown(name);
     return message::kInvalidObject(name);
   }
   if (has("no such index: ")) {
