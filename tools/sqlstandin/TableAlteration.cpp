@@ -50,7 +50,7 @@ std::vector<std::string> TableDefinition::Alter() {
     const bool isMixed = !statements_.empty() && statements_.front().starts_with("ALTER");
     if (isMixed || !table_.Prefix.empty()) FailNotKnown(action);
     SetText(QuoteText(text_));
-    std::ranges::rotate(statements_, statements_.end() - 3);
+    std::rotate(statements_.begin(), statements_.end() - 3, statements_.end());
   }
   return std::move(statements_);
 }

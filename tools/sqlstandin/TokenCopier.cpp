@@ -124,7 +124,7 @@ void TokenCopier::CopyWord(const Token& token) {
   const Token& next = reader_.Next();
   const bool isCall = next.IsSymbol("(");
   if (token.Raw.front() == '#') FailNotKnown(token);  // temporary tables
-  if (next.IsSymbol(".")) {
+  if (next.IsSymbol(".") || (token.Raw.size() > 7 && Has(kOldViews, token.Raw))) {
     CopyNames(token);
   } else if (token.Is("TOP") && IsAmong(last_, "SELECT DISTINCT ALL") &&
              (isCall || next.Kind == TokenKind::Number)) {
@@ -145,8 +145,6 @@ void TokenCopier::CopyWord(const Token& token) {
   } else if (token.Is("AS") && frames_.back().IsCast) {
     Put("AS");
     Put(TakeCastType());
-  } else if (Has(kOldViews, token.Raw)) {
-    CopyNames(token);
   } else {
     if (IsAmong(token, "FROM WHERE AND OR WHEN THEN ELSE AS ORDER")) {
       frames_.back().JoinsTexts = false;
