@@ -163,7 +163,7 @@ bool Session::MakeView(const std::string& name) {
   try {
     database.DetachAll();
     RunSql(Rewriter(batch_, *this).RewriteView(statement_->Text), true);
-    SqliteStatement(database, "SELECT * FROM main." + QuoteName(name), "SELECT");
+    const SqliteStatement query(database, "SELECT * FROM main." + QuoteName(name), "SELECT");
     return true;
   } catch (const NotKnown&) {
     database.Execute(drop);
