@@ -1,7 +1,9 @@
-// The backup's scan, the build and the rollback over two scripts of any content: which statements
-// reach the server, in which order, and which names are recorded.
+// The backup's scan, the build and the rollback over two scripts of any content, and once more over
+// the second one alone: which statements reach the server, in which order, and which names are
+// recorded.
 
 #include <cstdint>
+#include <utility>
 
 #include "Naive.h"
 #include "Wizard.h"
@@ -113,6 +115,11 @@ class Backup : public Reader {
 
 class Build : public Reader {
  public:
+  /// The next one: the lists, what was gathered and the line mode stay.
+  void Begin(bool failed) {
+    DatabaseCount = LoginCount = 0;
+    Failed = failed;
+  }
   void RollBack() {
     Drop(Databases, DatabaseCount, [this](const std::string& name) {
       Sent.push_back("ALTER DATABASE " + name + " SET OFFLINE WITH ROLLBACK IMMEDIATE");
@@ -199,15 +206,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::string blanks;
   if (!both.empty() && both[0] == '\1') blanks = std::string(65536 - both.size() / 2, ' ') + "\r";
   const std::size_t half = both.find('\0');
-  const std::string scripts[] = {blanks + both.substr(0, half),
-                                 half == std::string::npos ? "" : both.substr(half + 1)};
+  std::string scripts[] = {blanks + both.substr(0, half),
+                           half == std::string::npos ? "" : both.substr(half + 1)};
 
   SimulatedMachine machine;
   machine.Server.AcceptAll = true;
   machine.Disk.WriteFile("D:\\Pack\\AppCfg.txt", naive::Block("FreshDBSript", {"a.sql", "b.sql"}) +
                                                      naive::Block("DBSript", {"A", "B"}));
-  machine.Disk.WriteFile("D:\\Pack\\SQLScript\\Fresh\\a.sql", scripts[0]);
-  machine.Disk.WriteFile("D:\\Pack\\SQLScript\\Fresh\\b.sql", scripts[1]);
   machine.Disk.MakeFolders("C:\\App");
   Wizard wizard(machine.Parts);
   wizard.State.AppFolderPath = "C:\\App";
@@ -216,23 +221,46 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   wizard.State.ServerName = "SRV1";
   wizard.State.LogFileNumber = 1;
   wizard.State.UninstallFileNumber = 2;
-  machine.Windows.Run([&] { wizard.Page<FrmSQLNonQuery>().Show(); });
 
   naive::Backup backup;
   naive::Build build;
-  for (const std::string& script : scripts) backup.Read(script);
-  backup.Send();
-  const bool formed = build.Read(scripts[0]) && build.Read(scripts[1]);
-  if (build.Failed || !formed) build.RollBack();
+  bool formed = true;
   // A byte of the code page is one character: what was counted in bytes is counted right.
   const auto text = [&machine](const std::string& bytes) { return machine.CodePage.ToText(bytes); };
-  std::vector<std::string> expected = backup.Sent;
-  expected.insert(expected.end(), build.Sent.begin(), build.Sent.end());
-  for (std::string& statement : expected) statement = text(statement);
-  naive::Same(machine.Journal.Texts("sql", "text"), expected, "statement");
-  naive::Same(wizard.State.CreatedDatabaseList, text(build.Databases), "databases");
-  naive::Same(wizard.State.CreatedLoginList, text(build.Logins), "logins");
-  const bool succeeded = machine.Windows.VisibleForm() == "FrmApplication";
-  naive::Same(succeeded ? "yes" : "no", !build.Failed && formed ? "yes" : "no", "succeeded");
+  std::vector<std::string> expected;
+  std::vector<std::string> recorded;
+  const auto expect = [&](naive::Reader& reader) {
+    for (const std::string& statement : reader.Sent) expected.push_back(text(statement));
+    reader.Sent.clear();
+  };
+  for (int builds = 0; builds < 2; ++builds) {
+    machine.Disk.WriteFile("D:\\Pack\\SQLScript\\Fresh\\a.sql", scripts[0]);
+    machine.Disk.WriteFile("D:\\Pack\\SQLScript\\Fresh\\b.sql", scripts[1]);
+    machine.Windows.Run([&] { wizard.Page<FrmSQLNonQuery>().Show(); });
+    for (const std::string& script : scripts) backup.Read(script);
+    backup.Send();
+    expect(backup);
+    // What is malformed leaves its connection open, which the next build cannot open.
+    build.Begin(!formed);
+    formed = build.Read(scripts[0]) && build.Read(scripts[1]);
+    const bool succeeds = !build.Failed && formed;
+    if (!succeeds) build.RollBack();
+    expect(build);
+    naive::Same(machine.Journal.Texts("sql", "text"), expected, "statement");
+    naive::Same(wizard.State.CreatedDatabaseList, text(build.Databases), "databases");
+    naive::Same(wizard.State.CreatedLoginList, text(build.Logins), "logins");
+    const bool succeeded = machine.Windows.VisibleForm() == "FrmApplication";
+    naive::Same(succeeded ? "yes" : "no", succeeds ? "yes" : "no", "succeeded");
+    if (succeeds) {
+      recorded.push_back("DBNames:" + std::to_string(build.DatabaseCount) + text(build.Databases));
+      recorded.push_back("DBLogins:" + std::to_string(build.LoginCount) + text(build.Logins));
+    }
+    scripts[0] = std::exchange(scripts[1], "");
+  }
+  std::vector<std::string> records;
+  for (const std::string& print : machine.Journal.Texts("print", "text")) {
+    if (print.starts_with("DB")) records.push_back(print.substr(0, print.size() - 4));
+  }
+  naive::Same(records, recorded, "record");
   return 0;
 }

@@ -91,17 +91,6 @@ TEST(TextFunctions, TrimSplitReplaceAndUpperCase) {
   EXPECT_FALSE(ContainsUpper("--talu", "--TALUGO"));
 }
 
-TEST(TextFunctions, ContainsFindsWhatInStrFinds) {
-  const std::string text = "G LOGIN CREATE LOGGIN CREATE LOGIN G";
-  for (std::size_t from = 0; from < text.size(); ++from) {
-    for (std::size_t size = 0; size <= text.size() - from; ++size) {
-      const std::string part = text.substr(from, size);
-      EXPECT_EQ(Contains(part, "CREATE LOGIN"), InStr(part, "CREATE LOGIN") != 0) << part;
-      EXPECT_EQ(Contains(part, ""), InStr(part, "") != 0) << part;
-    }
-  }
-}
-
 TEST(TextFiles, ReadsLinesAcrossItsBufferAndKeepsLoneLineFeeds) {
   SimulatedMachine machine;
   // A CR LF that falls on the edge of the read-ahead, a line longer than it, a NUL, a lone LF.
