@@ -1,11 +1,11 @@
 #include <algorithm>
 
 #include "Scratch.h"
+#include "platform/CodePage.h"
 #include "platform/win32/LateBound.h"
 #include "platform/win32/ShellShortcut.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32FileSystem.h"
-#include "platform/win32/Win32OdbcInstaller.h"
 #include "platform/win32/Win32Processes.h"
 #include "platform/win32/Win32ScriptingHost.h"
 #include "runtime/TextFunctions.h"
@@ -249,13 +249,6 @@ TEST(Processes, StartsAndGoesOn) {
   Sleep(200);  // until cmd has left the folder
   EXPECT_EQ(ErrorOf([&] { processes.Start("no-such-program-here /s", 2); }), 53);
   EXPECT_EQ(ErrorOf([&] { processes.Start(scratch.Write("noprogram.txt", "text"), 2); }), 5);
-}
-
-TEST(OdbcInstaller, PassesOnTheLibrarysRefusal) {
-  const CodePage ofThisMachine(CP_ACP);
-  Win32OdbcInstaller odbc(ofThisMachine);
-  const std::string attributes("DSN=None\0SERVER=none", 20);
-  EXPECT_FALSE(odbc.SQLConfigDataSource(4, "No Such Driver", attributes));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 
 #include "../unit/PathCases.h"
 #include "Scratch.h"
-#include "platform/win32/Win32Clock.h"
 #include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32Settings.h"
 #include "platform/win32/Win32ShellOperations.h"
@@ -244,18 +243,6 @@ TEST(Settings, KeepsTextsPerUserAndTheSectionsOwnUnderTheEmptyKey) {
   EXPECT_EQ(read(L"Key"), "value");
   EXPECT_EQ(ErrorOf([&] { settings.SaveSetting("a", std::string(300, 'x'), "", ""); }), 5);
   RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\TA-LU test");
-}
-
-TEST(Clock, TellsLocalTime) {
-  SYSTEMTIME before;
-  GetLocalTime(&before);
-  const DateTime now = Win32Clock().Now();
-  SYSTEMTIME after;
-  GetLocalTime(&after);
-  EXPECT_GE(now.Year * 12 + now.Month, before.wYear * 12 + before.wMonth);
-  EXPECT_TRUE(now.Day == before.wDay || now.Day == after.wDay);
-  EXPECT_TRUE(now.Hour == before.wHour || now.Hour == after.wHour);
-  EXPECT_TRUE(now.Minute == before.wMinute || now.Minute == after.wMinute);
 }
 
 }  // namespace

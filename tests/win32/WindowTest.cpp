@@ -486,23 +486,5 @@ TEST_F(WindowTest, MessageBoxesBelongToThePage) {
   EXPECT_EQ(owner, frame_);
 }
 
-TEST_F(WindowTest, TheFolderBrowserGivesAPathOrNothing) {
-  Show();
-  const std::string folder = "C:\\talu \u00e4\u8868\u0436";
-  std::filesystem::create_directory(Wide(folder));
-  {
-    const Answer answer([](HWND dialog) { PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0); });
-    EXPECT_EQ(windows_.BrowseForFolder(page_, "Select"), std::nullopt);
-  }
-  const Answer answer([&](HWND dialog) {
-    SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, reinterpret_cast<LPARAM>(Wide(folder).c_str()));
-    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
-  });
-  const auto chosen = windows_.BrowseForFolder(page_, "Select");
-  ASSERT_TRUE(chosen.has_value());
-  EXPECT_EQ(*chosen, folder);
-  std::filesystem::remove(Wide(folder));
-}
-
 }  // namespace
 }  // namespace talu
