@@ -75,18 +75,6 @@ True() { "${@:2}" >"$Machine/out" 2>&1 || Problems+=("$1: $(head -n 30 "$Machine
 # Soon WHAT COMMAND...: the same, sooner or later.
 Soon() { WaitFor 120 "${@:2}" >/dev/null 2>&1 || True "$@"; }
 
-# LogIs < ENTRIES, RecordIs < RECORDS: the application folder's log and record hold exactly these, as
-# Texts.py describes them.
-LogIs() { True 'the log' python3 -B "$Texts" log "$Host/Ta-luErrLog.txt"; }
-RecordIs() { True 'the record' python3 -B "$Texts" record "$Host/Uninstall.dat"; }
-
-# LogBegin [DBFOLDER], RecordBegin: what the location page writes.
-LogBegin() {
-  printf '%s\n' "Installation Started... / Application Folder created-$App" "AppFolder created :$App" \
-    "DBFolder created :${1-$App\\Data}"
-}
-RecordBegin() { printf '%s\n' "AppFolder:$App" "DBFolder:${1-$App\\Data}" "Server:$Server"; }
-
 # Statements: what the server that was started last was told, one statement a line; of one that is not ours (then
 # ServerData is empty) nobody can tell.
 Statements() { [[ -z $ServerData ]] || python3 -B "$Texts" statements "$ServerData/journal.jsonl"; }

@@ -142,7 +142,8 @@ TEST_F(PagesTest, UpgradeIntoTheOldFolderFillsTheLocation) {
   Start();
   Play(
       "click OptUpgrade; click ChkOldLocation; browse C:\\Old; click CmdLocation; click CmdNext"
-      "; click OptClient; click CmdNext; expect TxtInstaPath text C:\\Old\\TA-LU\\App");
+      "; click OptClient; click CmdNext; expect TxtInstaPath text C:\\Old\\TA-LU\\App"
+      "; expect LblTitleMsg text Select Location and Server; expect TxtServer visible true");
   EXPECT_EQ(wizard.State.InstallPath, "C:\\Old\\TA-LU");
 
   // What is backed up is the old folder, wherever the new one is.
