@@ -437,51 +437,31 @@ TEST_F(WindowTest, TheWheelScrollsByTheSettingFromAnywhereOnThePage) {
   SystemParametersInfoA(SPI_SETWHEELSCROLLLINES, setting, nullptr, 0);
 }
 
-/// Waits for a dialog of this process in another thread and answers it.
-class Answer {
- public:
-  template <class Action>
-  explicit Answer(const Action& action)
-      : thread_([action] {
-          for (int i = 0; i < 500; ++i, Sleep(10)) {
-            const HWND dialog = Find();
-            if (dialog == nullptr) continue;
-            Sleep(100);
-            action(dialog);
-            return;
-          }
-        }) {}
-  ~Answer() { thread_.join(); }
-  Answer(const Answer&) = delete;
-  Answer& operator=(const Answer&) = delete;
-
- private:
-  /// Other programs have dialogs too.
-  static HWND Find() {
-    HWND dialog = nullptr;
-    while ((dialog = FindWindowExA(nullptr, dialog, "#32770", nullptr)) != nullptr) {
-      DWORD owner = 0;
-      GetWindowThreadProcessId(dialog, &owner);
-      if (owner == GetCurrentProcessId() && IsWindowVisible(dialog)) break;
-    }
-    return dialog;
+/// A dialog of this process; null without one. Other programs have dialogs too.
+HWND FindDialog() {
+  HWND dialog = nullptr;
+  while ((dialog = FindWindowExA(nullptr, dialog, "#32770", nullptr)) != nullptr) {
+    DWORD owner = 0;
+    GetWindowThreadProcessId(dialog, &owner);
+    if (owner == GetCurrentProcessId() && IsWindowVisible(dialog)) break;
   }
-
-  std::thread thread_;
-};
+  return dialog;
+}
 
 TEST_F(WindowTest, MessageBoxesBelongToThePage) {
   Show();
   std::string title(64, '\0');
   HWND owner = nullptr;
-  {
-    const Answer answer([&](HWND dialog) {
-      title.resize(static_cast<std::size_t>(GetWindowTextA(dialog, title.data(), 64)));
-      owner = GetWindow(dialog, GW_OWNER);
-      PostMessageA(dialog, WM_COMMAND, IDOK, 0);
-    });
-    windows_.MessageBox("text", "");
-  }
+  std::thread answer([&] {
+    for (int i = 0; i < 500 && FindDialog() == nullptr; ++i) Sleep(10);
+    Sleep(100);
+    const HWND dialog = FindDialog();
+    title.resize(static_cast<std::size_t>(GetWindowTextA(dialog, title.data(), 64)));
+    owner = GetWindow(dialog, GW_OWNER);
+    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
+  });
+  windows_.MessageBox("text", "");
+  answer.join();
   EXPECT_EQ(title, "TA-LU Setup");
   EXPECT_EQ(owner, frame_);
 }
