@@ -225,12 +225,14 @@ void DatabaseContents::Call(const ObjectName& procedure, StatementReader argumen
   const bool dropsUser = name == "SP_DROPUSER" || name == "SP_REVOKEDBACCESS";
   const bool dropsRole =
       name == "SP_DROPROLE" || name == "SP_DROPAPPROLE" || name == "SP_DROPGROUP";
+  const bool members = adds || name == "SP_DROPROLEMEMBER";
+  const bool principal = user || role || dropsUser || dropsRole;
   if (name == "SP_RENAME") {
     const auto kind = text(2, "@OBJTYPE");
     if (!kind || (UCase(*kind) != "COLUMN" && UCase(*kind) != "INDEX")) LoseTables();
-  } else if (procedure.Parts.size() > 2) {  // in another database
-    BecomeUnsure();
-  } else if (adds || name == "SP_DROPROLEMEMBER") {
+  } else if (procedure.Parts.size() > 2 || !(members || principal)) {
+    BecomeUnsure();  // in another database, or not known
+  } else if (members) {
     // Server messages 15014 and 15410.
     const auto group = text(0, "@ROLENAME");
     const auto member = text(1, "@MEMBERNAME");
@@ -244,7 +246,7 @@ void DatabaseContents::Call(const ObjectName& procedure, StatementReader argumen
           Refusal::Reason::Certain, procedure.At,
           StatementError("User or role '" + *member + "' does not exist in this database."));
     }
-  } else if (user || role || dropsUser || dropsRole) {
+  } else {
     auto made = user ? text(1, "@NAME_IN_DB") : text(0, dropsUser ? "@NAME_IN_DB" : "@ROLENAME");
     if (user && made && made->empty()) made = text(0, "@LOGINAME");
     if (!made) {
@@ -254,8 +256,6 @@ void DatabaseContents::Call(const ObjectName& procedure, StatementReader argumen
     } else {
       MakePrincipal(*made, procedure.At, setting);
     }
-  } else {
-    BecomeUnsure();
   }
 }
 

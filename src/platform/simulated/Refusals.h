@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 #include "runtime/RuntimeError.h"
@@ -25,9 +24,9 @@ class Refusals {
  public:
   explicit Refusals(bool keeps) : keeps_(keeps) {}
 
-  void Add(Refusal::Reason why, std::size_t at, RuntimeError error) {
-    if (!keeps_) throw RuntimeError(std::move(error));
-    All.push_back({why, at, std::move(error)});
+  void Add(Refusal::Reason why, std::size_t at, const RuntimeError& error) {
+    if (!keeps_) throw RuntimeError(error);
+    All.push_back({why, at, error});
   }
 
   std::vector<Refusal> All;
