@@ -28,6 +28,13 @@ TEST_F(ConfigurationTest, ReadingThatFailsIsAnErrorAndLeavesNothingOpen) {
   EXPECT_EQ(wizard.TextFiles.FreeFile(), 1);
 }
 
+TEST_F(ConfigurationTest, WithoutTheFileTheProgramEndsWithTheErrorBox) {
+  machine.Disk.DeleteFile("D:\\Pack\\AppCfg.txt", false);
+  Start();
+  EXPECT_TRUE(windows.Ended());
+  EXPECT_EQ(windows.Messages(), Texts{"Run-time error '53':\r\n\r\nFile not found"});
+}
+
 TEST_F(ConfigurationTest, StartUpKeepsTitleAndPicture) {
   Start();
   EXPECT_EQ(wizard.State.AppTitle, "Sales Desk");

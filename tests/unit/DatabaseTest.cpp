@@ -54,6 +54,11 @@ class DatabaseTest : public PackTest {
   static Texts From(const Texts& list, std::size_t start) {
     return {list.begin() + static_cast<std::ptrdiff_t>(start), list.end()};
   }
+  /// What the rollback says to drop a database.
+  static Texts Dropped(const std::string& name) {
+    return {"USE Master", "ALTER DATABASE  " + name + " SET OFFLINE WITH ROLLBACK IMMEDIATE",
+            "DROP DATABASE  " + name};
+  }
   static std::string Create(const std::string& name) {
     return "CREATE DATABASE " + name + " ON (FILENAME='C:\\Old\\" + name + ".mdf')";
   }
@@ -223,6 +228,21 @@ TEST_F(DatabaseTest, AfterAMalformedScriptTheNextBuildBeginsOutsideOfAnyBlock) {
   EXPECT_EQ(Logged(),
             (Texts{"Building Database Started....", kAlreadyOpen, kAlreadyOpen, kAlreadyOpen,
                    kAlreadyOpen, kFileNotFound, "Database creation not finished..."}));
+}
+
+TEST_F(DatabaseTest, TheRollbackWalksTheListsAsTheyAreAndNoFurther) {
+  machine.Server.AcceptAll = true;
+  FailOn("BAD");
+  Script("a.sql", "--taluGO|" + Create("A") + "|GO|CREATE LOGIN L WITH x|GO|BAD|GO");
+  Build();
+  Script("a.sql", "--taluGO|" + Create("B") + "|GO|" + Create("C") +
+                      "|GO|CREATE LOGIN M WITH x|GO|CREATE LOGIN|GO|CREATE LOGIN N|GO|BAD|GO");
+  BuildAgain();
+  EXPECT_EQ(From(Sent(), 6), All({Dropped("A"),
+                                  Dropped("B"),
+                                  {"USE Master", "DROP LOGIN  L", "USE Master", "DROP LOGIN  M"}}));
+  // The names of two logins could not be cut, yet they are counted.
+  EXPECT_EQ(windows.Messages().back(), "Subscript out of range");
 }
 
 TEST_F(DatabaseTest, TheEntryOfTheBackupThatFailsIsAnErrorOfTheBuild) {
